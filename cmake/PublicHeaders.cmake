@@ -1,0 +1,23 @@
+# The public headers, as applications include them. The install, the self-containment test and the documentation are
+# driven by this one list.
+set(ZQTUTIL_PUBLIC_HEADERS
+    Base/AddStack.h
+    Base/CallStack.h
+    Base/IoPath.h
+    Base/Version.h
+    Util/AsyncService.h
+    Util/ByteArrayUtils.h
+    Util/Export.h
+    Util/FileUtils.h
+    Util/FunctorExecutionForwarder.h
+    Util/LambdaQt4.h
+    Util/LambdaQt4WithIntParameter.h
+    Util/LinksUtils.h
+    Util/OsUtils.h
+    Util/QTimeUtils.h
+    Util/StringUtils.h
+    Util/UnitsAndMeasures.h)
+
+# Made by the build.
+set(ZQTUTIL_GENERATED_HEADERS
+    Base/Export.h)

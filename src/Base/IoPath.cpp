@@ -1,0 +1,77 @@
+#include <Base/IoPath.h>
+
+#include <Base/Throw.h>
+
+#include <boost/filesystem/operations.hpp>
+
+#include <utility>
+
+namespace Zelkor
+{
+namespace
+{
+
+char const* Given(char const* utf8)
+{
+    if (!utf8) {
+        ZELKOR_THROW(std::invalid_argument("A path cannot be made from a null pointer"));
+    }
+    return utf8;
+}
+
+// The system reads a path up to its first NUL and would act on another file.
+bool IsCutShort(ioPath const& path)
+{
+    return path.native().find(ioPath::value_type()) != ioPath::string_type::npos;
+}
+
+} // namespace
+
+ioPath::ioPath(std::string const& utf8)
+    : path(utf8)
+{
+}
+
+ioPath::ioPath(char const* utf8)
+    : path(Given(utf8))
+{
+}
+
+ioPath::ioPath(boost::filesystem::path other)
+    : path(std::move(other))
+{
+}
+
+ioPath& ioPath::operator=(char const* utf8)
+{
+    path::operator=(std::string(Given(utf8)));
+    return *this;
+}
+
+std::string ioPath::utf8string() const
+{
+    return string();
+}
+
+ioPath ioPath::parent_path() const
+{
+    return path::parent_path();
+}
+
+bool ioPath::remove() const
+{
+    if (IsCutShort(*this)) {
+        BOOST_FILESYSTEM_THROW(boost::filesystem::filesystem_error(
+            "The path holds a NUL byte", *this,
+            boost::system::errc::make_error_code(boost::system::errc::invalid_argument)));
+    }
+    return boost::filesystem::remove(*this);
+}
+
+bool Core::FileExists(ioPath const& path)
+{
+    boost::system::error_code error;
+    return !IsCutShort(path) && boost::filesystem::exists(path, error);
+}
+
+} // namespace Zelkor

@@ -1,0 +1,92 @@
+#include <Base/Version.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+
+namespace Zelkor::Core
+{
+namespace
+{
+
+using Components = std::array<std::uint32_t, 4>;
+
+Components AllOf(Version const& version)
+{
+    return {version.GetMajor(), version.GetMinor(), version.GetThird(), version.GetBuild()};
+}
+
+// One up, "not given" wraps to 0 and so stands below the given 0.
+Components Ranks(Version const& version)
+{
+    Components ranks = AllOf(version);
+    std::for_each(ranks.begin(), ranks.end(), [](std::uint32_t& component) { ++component; });
+    return ranks;
+}
+
+} // namespace
+
+bool operator==(Version const& left, Version const& right)
+{
+    return AllOf(left) == AllOf(right);
+}
+
+bool operator!=(Version const& left, Version const& right)
+{
+    return !(left == right);
+}
+
+bool operator<(Version const& left, Version const& right)
+{
+    return Ranks(left) < Ranks(right);
+}
+
+bool operator<=(Version const& left, Version const& right)
+{
+    return !(right < left);
+}
+
+bool operator>(Version const& left, Version const& right)
+{
+    return right < left;
+}
+
+bool operator>=(Version const& left, Version const& right)
+{
+    return !(left < right);
+}
+
+Version Util::VersionFromString(std::string const& text, std::string const& separator)
+{
+    Components components{};
+    char const* position = text.data();
+    char const* const end = position + text.size();
+    for (std::uint32_t& component : components) {
+        auto const number = std::from_chars(position, end, component);
+        if (number.ec != std::errc()) {
+            break;
+        }
+        std::string_view const rest(number.ptr, static_cast<std::size_t>(end - number.ptr));
+        if (separator.empty() || rest.substr(0, separator.size()) != separator) {
+            break;
+        }
+        position = number.ptr + separator.size();
+    }
+    return Version(components[0], components[1], components[2], components[3]);
+}
+
+std::string Util::VersionToString(Version const& version, VersionToStringDetail detail, std::string const& separator)
+{
+    std::string text;
+    int left = static_cast<int>(detail);
+    for (std::uint32_t const component : AllOf(version)) {
+        if (left-- <= 0 || component == Version::NotGiven) {
+            break;
+        }
+        text += (text.empty() ? std::string() : separator) + std::to_string(component);
+    }
+    return text;
+}
+
+} // namespace Zelkor::Core

@@ -1,0 +1,30 @@
+#include <Util/FunctorExecutionForwarder.h>
+
+#include <Base/Throw.h>
+
+#include <utility>
+
+namespace Zelkor::Util
+{
+
+FunctorExecutionForwarder::FunctorExecutionForwarder()
+{
+    qRegisterMetaType<FunctorType>("FunctorType");
+    if (!connect(this, SIGNAL(ExecuteFunctor(FunctorType)), this, SLOT(OnExecuteFunctor(FunctorType)),
+                 Qt::QueuedConnection)) {
+        ZELKOR_THROW(std::logic_error("Failed to connect signal and slot"));
+    }
+}
+
+void FunctorExecutionForwarder::Forward(std::function<void()> functor) const
+{
+    Q_EMIT ExecuteFunctor(std::move(functor));
+}
+
+// By reference: the queue's own copy is the one that runs.
+void FunctorExecutionForwarder::OnExecuteFunctor(FunctorType const& f)
+{
+    f();
+}
+
+} // namespace Zelkor::Util
