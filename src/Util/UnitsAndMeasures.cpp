@@ -92,10 +92,11 @@ QString FillIn(QString const& label, double value, int precision)
     }
     constexpr int placeholderSize = 2;
     QString text(label.size() - placeholderSize + number.Size(), Qt::Uninitialized);
-    QChar* const begin = text.data();
-    QChar* const behind = std::copy_n(label.cbegin(), at, begin);
-    std::copy(label.cbegin() + at + placeholderSize, label.cend(),
-              std::copy(number.View().begin(), number.View().end(), behind));
+    QChar* out = std::copy_n(label.cbegin(), at, text.data());
+    for (char const digit : number.View()) {
+        *out++ = QLatin1Char(digit);
+    }
+    std::copy(label.cbegin() + at + placeholderSize, label.cend(), out);
     return text;
 }
 
