@@ -29,18 +29,15 @@ bool IsCutShort(ioPath const& path)
 
 ioPath::ioPath(std::string const& utf8)
     : path(utf8)
-{
-}
+{}
 
 ioPath::ioPath(char const* utf8)
     : path(Given(utf8))
-{
-}
+{}
 
 ioPath::ioPath(boost::filesystem::path other)
     : path(std::move(other))
-{
-}
+{}
 
 ioPath& ioPath::operator=(char const* utf8)
 {

@@ -26,8 +26,7 @@ public:
     constexpr Version(std::uint32_t major = 0, std::uint32_t minor = 0, std::uint32_t third = 0,
                       std::uint32_t build = 0)
         : components_{major, minor, third, build}
-    {
-    }
+    {}
 
     constexpr std::uint32_t GetMajor() const { return components_[0]; }
     constexpr std::uint32_t GetMinor() const { return components_[1]; }

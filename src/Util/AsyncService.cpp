@@ -191,8 +191,7 @@ void AsyncService::Impl::Deliver(Task* task, int value)
 
 AsyncService::AsyncService()
     : impl(std::make_unique<Impl>())
-{
-}
+{}
 
 AsyncService::~AsyncService() = default;
 

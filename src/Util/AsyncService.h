@@ -59,8 +59,7 @@ public:
 
     /// What a job throws, by value, to end as cancelled. Deliberately no `std::exception`.
     class Cancelled
-    {
-    };
+    {};
 
     /// A job and its call-backs: a plain record, made by post() or with `new`. Empty call-backs are skipped. What a
     /// call-back throws leaves through the owner thread's event loop; the task is freed all the same.

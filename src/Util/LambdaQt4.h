@@ -30,8 +30,7 @@ public:
     explicit LambdaQt4(std::function<void(QObject* sender)> function, QObject* parent = nullptr)
         : QObject(parent)
         , functor(std::move(function))
-    {
-    }
+    {}
 
 public Q_SLOTS:
     /// Calls the function with the object that sent the signal; null when called directly. What the function throws

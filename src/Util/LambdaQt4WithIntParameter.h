@@ -31,8 +31,7 @@ public:
                                        QObject* parent = nullptr)
         : QObject(parent)
         , functor(std::move(function))
-    {
-    }
+    {}
 
 public Q_SLOTS:
     /// Calls the function with the object that sent the signal (null when called directly) and \a inputParam. What the

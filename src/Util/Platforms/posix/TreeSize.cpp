@@ -87,8 +87,7 @@ public:
     Walk(std::string path, SizelessHandler const& onSizeless)
         : path_(std::move(path))
         , onSizeless_(onSizeless)
-    {
-    }
+    {}
 
     unsigned long long Run()
     {

@@ -1,0 +1,141 @@
+#include "TestCase.h"
+
+#include "LogCapture.h"
+#include "QueueOrder.h"
+
+#include <QtCore/QLocale>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+#include <QtWidgets/QApplication>
+
+#include <clocale>
+#include <ctime>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace Zelkor::Testing
+{
+namespace
+{
+
+struct QtMessages
+{
+    std::mutex guard;
+    std::vector<QRegularExpression> expected;
+    QStringList unexpected;
+    QtMessageHandler next = nullptr;
+};
+
+QtMessages& Messages()
+{
+    static QtMessages messages;
+    return messages;
+}
+
+void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString const& text)
+{
+    QtMessages& messages = Messages();
+    if (type == QtWarningMsg || type == QtCriticalMsg) {
+        std::lock_guard<std::mutex> const lock(messages.guard);
+        auto const match =
+            std::find_if(messages.expected.begin(), messages.expected.end(),
+                         [&](QRegularExpression const& pattern) { return pattern.match(text).hasMatch(); });
+        if (match != messages.expected.end()) {
+            messages.expected.erase(match);
+            return;
+        }
+        messages.unexpected += text;
+    }
+    messages.next(type, context, text);
+}
+
+void PinEnvironment(QString const& folder)
+{
+    QByteArray const home = QFile::encodeName(folder);
+    for (char const* const name : {"HOME", "TMPDIR", "XDG_RUNTIME_DIR"}) {
+        qputenv(name, home);
+    }
+    for (char const* const name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
+        qunsetenv(name);
+    }
+    qputenv("LC_ALL", "C.UTF-8");
+    qputenv("TZ", "UTC");
+    tzset();
+    std::setlocale(LC_ALL, "");
+    QLocale::setDefault(QLocale::c());
+}
+
+void StartLogging(char const* program)
+{
+    google::InitGoogleLogging(program);
+    for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
+        google::SetLogDestination(severity, ""); // no files
+    }
+    google::SetStderrLogging(google::GLOG_FATAL);
+    google::AddLogSink(&LogWatch::Instance());
+}
+
+} // namespace
+
+void TestCase::ExpectQtWarning(QRegularExpression const& pattern)
+{
+    std::lock_guard<std::mutex> const lock(Messages().guard);
+    Messages().expected.push_back(pattern);
+}
+
+void TestCase::initTestCase()
+{
+    // QtTest has installed its own handler by now, and prints what passes through ours.
+    Messages().next = qInstallMessageHandler(HandleQtMessage);
+}
+
+void TestCase::init()
+{
+    SetUp();
+}
+
+void TestCase::cleanup()
+{
+    TearDown();
+    QStringList complaints;
+    {
+        std::lock_guard<std::mutex> const lock(Messages().guard);
+        for (QString const& text : std::exchange(Messages().unexpected, {})) {
+            complaints += QStringLiteral("unexpected Qt warning: ") + text;
+        }
+        for (QRegularExpression const& pattern : std::exchange(Messages().expected, {})) {
+            complaints += QStringLiteral("expected Qt warning did not come: ") + pattern.pattern();
+        }
+    }
+    QVector<LogLine> const unexpected = LogWatch::Instance().TakeUnexpected();
+    for (LogLine const& line : unexpected) {
+        complaints += QStringLiteral("unexpected log line: ") + line.text;
+    }
+    QVERIFY2(complaints.isEmpty(), qPrintable(complaints.join(QLatin1Char('\n'))));
+}
+
+void TestCase::cleanupTestCase()
+{
+    qInstallMessageHandler(Messages().next);
+}
+
+int RunTests(int argc, char** argv, bool withWidgets, QObject* (*makeTest)())
+{
+    QTemporaryDir const folder;
+    if (!folder.isValid()) {
+        qFatal("No temporary folder: %s", qPrintable(folder.errorString()));
+    }
+    PinEnvironment(folder.path());
+    StartLogging(argv[0]);
+    TellQueueOrderToThreadSanitizer();
+
+    std::unique_ptr<QCoreApplication> const application(withWidgets ? new QApplication(argc, argv)
+                                                                    : new QCoreApplication(argc, argv));
+    std::unique_ptr<QObject> const test(makeTest());
+    int const failures = QTest::qExec(test.get(), argc, argv);
+    google::RemoveLogSink(&LogWatch::Instance());
+    return failures;
+}
+
+} // namespace Zelkor::Testing

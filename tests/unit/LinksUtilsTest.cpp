@@ -1,0 +1,16 @@
+#include <TestCase.h>
+
+#include <Util/OsUtils.h>
+
+#include <QtTest/QtTest>
+
+class LinksUtilsTest : public Zelkor::Testing::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void appBitsAreSixtyFour() { QCOMPARE(Zelkor::Util::AppBits(), std::string("64")); }
+};
+
+ZQTUTIL_TEST_MAIN(LinksUtilsTest)
+#include "LinksUtilsTest.moc"
