@@ -127,7 +127,7 @@ public:
     void report(Task* task, int value);
 
 private:
-    struct Impl;
+    struct ZQTUTIL_NO_EXPORT Impl;
     std::unique_ptr<Impl> impl;
 };
 
