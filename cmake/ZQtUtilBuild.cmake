@@ -20,8 +20,6 @@ if(ZQTUTIL_SANITIZE)
     add_link_options(-fsanitize=${ZQTUTIL_SANITIZE})
 endif()
 
-# A precompiled header is part of a compilation only through its content.
-set(ENV{CCACHE_SLOPPINESS} "pch_defines,time_macros,include_file_mtime,include_file_ctime")
 if(ZQTUTIL_PCH AND CMAKE_CXX_COMPILER_ID MATCHES Clang)
     add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
 endif()

@@ -28,24 +28,31 @@ public:
         : components_{major, minor, third, build}
     {}
 
+    /// The first component.
     constexpr std::uint32_t GetMajor() const { return components_[0]; }
+    /// The second component.
     constexpr std::uint32_t GetMinor() const { return components_[1]; }
+    /// The third component, also known as the patch.
     constexpr std::uint32_t GetThird() const { return components_[2]; }
+    /// The fourth component.
     constexpr std::uint32_t GetBuild() const { return components_[3]; }
 
 private:
     std::uint32_t components_[4];
 };
 
-/// \name Order of versions: by major, then minor, then third, then build.
-/// \{
+/// Whether all components are the same; 0 and Version::NotGiven are not.
 ZQTUTIL_EXPORT bool operator==(Version const& left, Version const& right);
+/// Whether any component differs.
 ZQTUTIL_EXPORT bool operator!=(Version const& left, Version const& right);
+/// Whether \a left comes before \a right: by major, then minor, then third, then build number.
 ZQTUTIL_EXPORT bool operator<(Version const& left, Version const& right);
+/// Whether \a left is \a right or comes before it.
 ZQTUTIL_EXPORT bool operator<=(Version const& left, Version const& right);
+/// Whether \a left comes after \a right.
 ZQTUTIL_EXPORT bool operator>(Version const& left, Version const& right);
+/// Whether \a left is \a right or comes after it.
 ZQTUTIL_EXPORT bool operator>=(Version const& left, Version const& right);
-/// \}
 
 namespace Util
 {
