@@ -17,10 +17,10 @@ namespace Util
 {
 
 /// The smallest unit in which FormatFileSize() may show a size.
-enum SizeUnit { B, KB, MB, GB, TB };
+enum SizeUnit : int { B, KB, MB, GB, TB };
 
 /// How many units make one of the next larger unit.
-enum KiloSize { Kilo1000 = 1000, Kilo1024 = 1024 };
+enum KiloSize : int { Kilo1000 = 1000, Kilo1024 = 1024 };
 
 /// The number of digits behind the decimal point that suits \a size, in bytes: none below 1 000 000, one below
 /// 1 000 000 000, else two.
