@@ -1,0 +1,21 @@
+#include "Logging.h"
+
+#include <glog/logging.h>
+
+namespace Zelkor::Gallery
+{
+
+void StartLogging(char const* program)
+{
+    for (google::LogSeverity severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
+        google::SetLogDestination(severity, "");
+    }
+    // Whatever GLOG_* variables say: errors must reach our sinks, and nothing else.
+    FLAGS_minloglevel = google::GLOG_INFO;
+    FLAGS_logtostderr = false;
+    FLAGS_alsologtostderr = false;
+    FLAGS_stderrthreshold = google::GLOG_FATAL;
+    google::InitGoogleLogging(program);
+}
+
+} // namespace Zelkor::Gallery

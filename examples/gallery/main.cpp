@@ -1,0 +1,57 @@
+#include "CommandLine.h"
+#include "Logging.h"
+#include "MainWindow.h"
+#include "Screenshots.h"
+#include "Style.h"
+#include "TerminalReport.h"
+
+#include <QtWidgets/QApplication>
+
+using namespace Zelkor::Gallery;
+
+namespace
+{
+
+int RunOnTerminal(int& argc, char** argv, CommandLine& commandLine)
+{
+    QCoreApplication const application(argc, argv);
+    commandLine.ExitWhenAnswered();
+    return PrintReport(commandLine.Report().value());
+}
+
+int ShowWindow(CommandLine const& commandLine)
+{
+    // A window that was closed while it is busy is still needed.
+    QApplication::setQuitOnLastWindowClosed(false);
+    MainWindow window;
+    QObject::connect(&window, &MainWindow::Ended, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    if (auto const folder = commandLine.Folder()) {
+        window.SetFolder(*folder);
+    }
+    window.show();
+    return QApplication::exec();
+}
+
+int RunWithWindows(int& argc, char** argv, CommandLine const& commandLine)
+{
+    auto const screenshots = commandLine.Screenshots();
+    if (screenshots) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QApplication const application(argc, argv);
+    QApplication::setStyle(new Style);
+    return screenshots ? TakeScreenshots(*screenshots, commandLine.Folder().value_or("/usr/share"))
+                       : ShowWindow(commandLine);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    StartLogging(argv[0]);
+    QCoreApplication::setApplicationName(QStringLiteral("zqtutil-gallery"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(GALLERY_VERSION));
+
+    CommandLine commandLine(argc, argv);
+    return commandLine.WantsWindow() ? RunWithWindows(argc, argv, commandLine) : RunOnTerminal(argc, argv, commandLine);
+}

@@ -1,0 +1,104 @@
+"""Runs the gallery as a user without a display does: its report on a tree that holds every kind of entry, its error for a
+folder that is not there, and its screenshots."""
+
+import argparse
+import os
+import pathlib
+import re
+import struct
+import subprocess
+import sys
+import tempfile
+
+
+def run(gallery, *arguments):
+    return subprocess.run([gallery, *map(os.fsencode, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, timeout=120)
+
+
+def expect(condition, message):
+    if not condition:
+        sys.exit(message)
+
+
+def make_tree(root):
+    """Makes a tree and returns the bytes of each entry, None for those that have none."""
+    sizes = {}
+    for name, size in ((b"plain", 1500), (b"with space", 2500000), (b'quote"d', 7), (b"not-utf8-\xff", 12),
+                       (b"line\nbreak", 3), (b".hidden", 44)):
+        folder = os.path.join(root, name)
+        os.mkdir(folder)
+        with open(os.path.join(folder, b"file"), "wb") as file:
+            file.truncate(size)
+        sizes[name] = size
+    with open(os.path.join(root, b"file"), "wb") as file:
+        file.truncate(99)
+    sizes[b"file"] = 99
+    os.symlink(b"file", os.path.join(root, b"link to file"))
+    sizes[b"link to file"] = 99
+    os.symlink(b"plain", os.path.join(root, b"link to folder"))
+    sizes[b"link to folder"] = None
+    os.symlink(b"nowhere", os.path.join(root, b"plain", b"dangling"))
+    return sizes
+
+
+def shown(name):
+    return name.decode("utf-8", "replace").replace("\n", "\\n")
+
+
+def check_report(gallery):
+    with tempfile.TemporaryDirectory() as folder:
+        root = os.fsencode(folder)
+        sizes = make_tree(root)
+        result = run(gallery, "--report", root)
+        expect(result.returncode == 0, f"The report ended with {result.returncode}: {result.stderr}")
+        lines = result.stdout.decode().splitlines()
+        for name, size in sizes.items():
+            pattern = re.compile(rf"\s{size if size is not None else '-'}\s.*\b{re.escape(shown(name)).lstrip('.')}"
+                                 if name[:1].isalnum() else rf"\s{size}\s.*{re.escape(shown(name))}")
+            expect(any(pattern.search(line) for line in lines),
+                   f"No line tells that {name!r} has {size} bytes:\n" + "\n".join(lines))
+        total = sum(size or 0 for size in sizes.values())
+        expect(any(re.search(rf"\s{total}\s.*Total of {len(sizes)} entries", line) for line in lines),
+               f"No total of {total} bytes:\n" + "\n".join(lines))
+        expect(any("dangling" in line for line in lines), "The dangling link is not listed")
+        expect(b"Erorr" not in result.stderr, f"The log leaks into the terminal: {result.stderr}")
+
+
+def check_missing_folder(gallery):
+    result = run(gallery, "--report", "/nonexistent/folder")
+    expect(result.returncode == 1, f"A missing folder ended with {result.returncode}")
+    expect(b"/nonexistent/folder" in result.stderr, f"The message does not name the folder: {result.stderr}")
+    expect(result.stdout == b"", f"There is a report on a missing folder: {result.stdout}")
+
+
+def check_screenshots(gallery, pages):
+    with tempfile.TemporaryDirectory() as folder:
+        sample = pathlib.Path(folder, "sample")
+        sample.mkdir()
+        make_tree(os.fsencode(sample))
+        pictures = pathlib.Path(folder, "pictures")
+        result = run(gallery, "--folder", sample, "--screenshots", pictures)
+        expect(result.returncode == 0, f"The screenshots ended with {result.returncode}: {result.stderr}")
+        for page in pages:
+            contents = set()
+            for palette in ("light", "dark"):
+                data = (pictures / f"{page}-{palette}.png").read_bytes()
+                expect(data[:8] == b"\x89PNG\r\n\x1a\n", f"{page}-{palette}.png is no PNG")
+                width, height = struct.unpack(">II", data[16:24])
+                expect(width >= 800 and height >= 500, f"{page}-{palette}.png is {width} by {height}")
+                contents.add(data)
+            expect(len(contents) == 2, f"{page} looks the same in light and dark")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("gallery")
+    parser.add_argument("pages", nargs="+")
+    arguments = parser.parse_args()
+    check_report(arguments.gallery)
+    check_missing_folder(arguments.gallery)
+    check_screenshots(arguments.gallery, arguments.pages)
+
+
+main()
