@@ -79,7 +79,7 @@ int FindOnlyPlaceholder(QString const& label)
     int const at = label.indexOf(percent);
     bool const isOne = at >= 0 && at + 1 < label.size() && label.at(at + 1) == QLatin1Char('1');
     bool const goesOn =
-        isOne && at + 2 < label.size() && (label.at(at + 2).isDigit() || label.indexOf(percent, at + 2) >= 0);
+        isOne && at + 2 < label.size() && (label.at(at + 2).digitValue() != -1 || label.indexOf(percent, at + 2) >= 0);
     return isOne && !goesOn ? at : -1;
 }
 

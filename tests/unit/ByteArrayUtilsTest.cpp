@@ -1,15 +1,135 @@
 #include <TestCase.h>
 
-#include <Util/OsUtils.h>
+#include <Util/ByteArrayUtils.h>
 
 #include <QtTest/QtTest>
+
+#include <boost/exception/get_error_info.hpp>
+#include <boost/throw_exception.hpp>
+
+#include <limits>
+#include <numeric>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+using Zelkor::Util::QByteArrayToVectorByte;
+using Zelkor::Util::VectorByteToQByteArray;
+
+using Bytes = std::vector<unsigned char>;
+
+static_assert(std::is_same_v<decltype(&VectorByteToQByteArray), QByteArray (*)(Bytes const&)>);
+static_assert(std::is_same_v<decltype(&QByteArrayToVectorByte), Bytes (*)(QByteArray const&)>);
+
+Q_DECLARE_METATYPE(Bytes)
+
+namespace
+{
+
+Bytes EveryByte()
+{
+    Bytes bytes(256);
+    std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(0));
+    return bytes;
+}
+
+QByteArray EveryByteOfQt()
+{
+    QByteArray array;
+    for (int byte = 0; byte < 256; ++byte) {
+        array += static_cast<char>(byte);
+    }
+    return array;
+}
+
+} // namespace
 
 class ByteArrayUtilsTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void appBitsAreSixtyFour() { QCOMPARE(Zelkor::Util::AppBits(), std::string("64")); }
+    void convertsBothWays_data()
+    {
+        QTest::addColumn<Bytes>("bytes");
+        QTest::addColumn<QByteArray>("array");
+        QTest::newRow("empty") << Bytes() << QByteArray();
+        QTest::newRow("one byte") << Bytes{0x7F} << QByteArray("\x7F");
+        QTest::newRow("NUL only") << Bytes{0} << QByteArray(1, '\0');
+        QTest::newRow("NUL inside") << Bytes{'a', 0, 'b'} << QByteArray("a\0b", 3);
+        QTest::newRow("NUL at the end") << Bytes{'a', 0} << QByteArray("a\0", 2);
+        QTest::newRow("beyond ASCII") << Bytes{0x80, 0xFF} << QByteArray("\x80\xFF");
+        QTest::newRow("every byte") << EveryByte() << EveryByteOfQt();
+        QTest::newRow("a million") << Bytes(1000000, 0xA5) << QByteArray(1000000, '\xA5');
+    }
+
+    void convertsBothWays()
+    {
+        QFETCH(Bytes, bytes);
+        QFETCH(QByteArray, array);
+        QCOMPARE(VectorByteToQByteArray(bytes), array);
+        QCOMPARE(QByteArrayToVectorByte(array), bytes);
+    }
+
+    void makesTheSharedEmptyArrayOfAnEmptyVector()
+    {
+        Bytes reserved;
+        reserved.reserve(100);
+        QByteArray const first = VectorByteToQByteArray(Bytes());
+        QByteArray const second = VectorByteToQByteArray(reserved);
+        QVERIFY(first.isEmpty());
+        QCOMPARE(first.capacity(), 0);
+        QVERIFY(!first.isDetached());
+        QCOMPARE(static_cast<void const*>(first.constData()), static_cast<void const*>(second.constData()));
+    }
+
+    void copiesTheVectorDeeply()
+    {
+        Bytes bytes{'a', 'b'};
+        QByteArray const array = VectorByteToQByteArray(bytes);
+        bytes[0] = 'x';
+        QCOMPARE(array, QByteArray("ab"));
+        QVERIFY(array.isDetached());
+    }
+
+    void copiesTheArrayWithoutDetachingIt()
+    {
+        QByteArray array("ab");
+        QByteArray const shared = array;
+        Bytes bytes = QByteArrayToVectorByte(array);
+        bytes[0] = 'x';
+        QCOMPARE(array, QByteArray("ab"));
+        QCOMPARE(static_cast<void const*>(array.constData()), static_cast<void const*>(shared.constData()));
+    }
+
+    void copiesAnArrayThatIsNotTerminated()
+    {
+        char const raw[] = {'a', 'b', 'c'};
+        QCOMPARE(QByteArrayToVectorByte(QByteArray::fromRawData(raw, 2)), (Bytes{'a', 'b'}));
+    }
+
+    void rejectsAnArrayOfNegativeSize()
+    {
+        char const raw[] = {'a', 'b', 'c'};
+        QByteArray const broken = QByteArray::fromRawData(raw + 1, -1);
+        QCOMPARE(broken.size(), -1);
+        QVERIFY_EXCEPTION_THROWN(QByteArrayToVectorByte(broken), std::length_error);
+    }
+
+    void rejectsMoreBytesThanAnArrayHolds()
+    {
+        Bytes const bytes(static_cast<std::size_t>(std::numeric_limits<int>::max()) + 1);
+        try {
+            VectorByteToQByteArray(bytes);
+            QFAIL("Nothing was thrown");
+        } catch (std::length_error const& error) {
+            QVERIFY2(QString::fromUtf8(error.what()).contains(QStringLiteral("VectorByteToQByteArray")), error.what());
+            char const* const* const file = boost::get_error_info<boost::throw_file>(error);
+            QVERIFY(file);
+            QCOMPARE(*file, "Util/ByteArrayUtils.cpp");
+        }
+    }
 };
 
 ZQTUTIL_TEST_MAIN(ByteArrayUtilsTest)
