@@ -62,7 +62,9 @@ bool ioPath::remove() const
             "The path holds a NUL byte", *this,
             boost::system::errc::make_error_code(boost::system::errc::invalid_argument)));
     }
-    return boost::filesystem::remove(*this);
+    // For a link to a folder with a slash behind it Boost says yes without having removed anything.
+    boost::system::error_code error;
+    return boost::filesystem::remove(*this) && !exists(boost::filesystem::symlink_status(*this, error));
 }
 
 bool Core::FileExists(ioPath const& path)

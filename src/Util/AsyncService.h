@@ -102,8 +102,9 @@ public:
     /// Throws `std::invalid_argument` for a null pointer.
     Task* post(Task* task);
 
-    /// Queues the job of \a task, once for each post(), and starts the worker thread if it does not run. A task that
-    /// is not registered is registered without a reporter: its job is called with null.
+    /// Queues the job of \a task, and starts the worker thread if it does not run. To be called exactly once for a
+    /// posted task, which does not outlive its job. A task that is not registered is registered without a reporter:
+    /// its job is called with null.
     ///
     /// Throws `std::invalid_argument` for a null pointer.
     void run(Task* task);
