@@ -167,8 +167,7 @@ void AsyncService::Impl::Complete(Task* task, bool cancelled)
 {
     std::unique_ptr<Task> completed(task);
     --queuedJobs;
-    delete tasks[task];
-    tasks.remove(task);
+    delete tasks.take(task);
     Delivery::KeepWhileRunning(completed, deliveries);
 
     // The call-back may destroy the service: from here on only the task is touched.

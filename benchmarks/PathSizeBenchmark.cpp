@@ -1,0 +1,328 @@
+// The size of a folder tree, on trees that stress what walks differ in: many folders, depth, one long folder.
+//
+//     PathSizeBenchmark --trees=FOLDER [--scale=PERCENT] [benchmark options]   measures, and makes the trees it misses
+//     PathSizeBenchmark --walk=WAY FOLDER                                      walks once: what a tracer looks at
+//
+// The floor is the least that the kernel asks for: read each folder, and look at each entry relative to it. `du` is
+// what a user has at the prompt; it also counts its own start, which is measured on an empty folder. The others are the
+// walks that libraries offer.
+
+#include "Support.h"
+
+#include <Util/FileUtils.h>
+
+#include <boost/filesystem/operations.hpp>
+
+#include <QtCore/QDirIterator>
+#include <QtCore/QFileInfo>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <fts.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Zelkor::Benchmarks
+{
+namespace
+{
+
+using Size = unsigned long long;
+
+bool IsDotEntry(char const* name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
+Size OursSize(std::string const& folder)
+{
+    return Util::GetPathSize(folder);
+}
+
+Size FloorSizeAt(int parent, char const* name)
+{
+    std::unique_ptr<DIR, int (*)(DIR*)> const stream(fdopendir(openat(parent, name, O_RDONLY | O_DIRECTORY)), closedir);
+    if (!stream) {
+        throw std::runtime_error("A folder does not open");
+    }
+    int const descriptor = dirfd(stream.get());
+    Size size = 0;
+    while (dirent const* const entry = readdir(stream.get())) {
+        struct stat status;
+        if (entry->d_type == DT_DIR) {
+            size += IsDotEntry(entry->d_name) ? 0 : FloorSizeAt(descriptor, entry->d_name);
+        } else if (fstatat(descriptor, entry->d_name, &status, 0) == 0) {
+            size += static_cast<Size>(status.st_size);
+        }
+    }
+    return size;
+}
+
+Size FloorSize(std::string const& folder)
+{
+    return FloorSizeAt(AT_FDCWD, folder.c_str());
+}
+
+Size StdSize(std::string const& folder)
+{
+    Size size = 0;
+    for (auto const& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (entry.is_regular_file()) {
+            size += entry.file_size();
+        }
+    }
+    return size;
+}
+
+Size BoostSize(std::string const& folder)
+{
+    Size size = 0;
+    for (auto const& entry : boost::filesystem::recursive_directory_iterator(folder)) {
+        if (boost::filesystem::is_regular_file(entry.status())) {
+            size += boost::filesystem::file_size(entry.path());
+        }
+    }
+    return size;
+}
+
+Size QtSize(std::string const& folder)
+{
+    Size size = 0;
+    QDirIterator entries(QString::fromStdString(folder), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (entries.hasNext()) {
+        entries.next();
+        size += static_cast<Size>(entries.fileInfo().size());
+    }
+    return size;
+}
+
+Size FtsSize(std::string const& folder)
+{
+    std::vector<char> name(folder.c_str(), folder.c_str() + folder.size() + 1);
+    char* const start[] = {name.data(), nullptr};
+    std::unique_ptr<FTS, int (*)(FTS*)> const walk(fts_open(start, FTS_PHYSICAL | FTS_NOCHDIR, nullptr), fts_close);
+    Size size = 0;
+    while (FTSENT const* const entry = fts_read(walk.get())) {
+        if (entry->fts_info == FTS_F) {
+            size += static_cast<Size>(entry->fts_statp->st_size);
+        }
+    }
+    return size;
+}
+
+double InSeconds(timeval const& time)
+{
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+/// Runs `du` on \a folder and returns the processor time that it took, in seconds. Its answer, which counts the folders
+/// themselves too, goes nowhere.
+double DuSeconds(std::string const& folder)
+{
+    std::string path = folder;
+    char program[] = "du";
+    char summary[] = "-s";
+    char apparentSize[] = "--apparent-size";
+    char inBytes[] = "-B1";
+    char* const arguments[] = {program, summary, apparentSize, inBytes, path.data(), nullptr};
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t process = 0;
+    int status = 0;
+    rusage usage{};
+    bool const ran = posix_spawnp(&process, program, &actions, nullptr, arguments, environ) == 0 &&
+                     wait4(process, &status, 0, &usage) == process && status == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    if (!ran) {
+        throw std::runtime_error("du does not run");
+    }
+    return InSeconds(usage.ru_utime) + InSeconds(usage.ru_stime);
+}
+
+struct Way
+{
+    char const* name;
+    Size (*size)(std::string const& folder);
+};
+
+constexpr Way Ways[] = {
+    {"GetPathSize", OursSize},      {"GetdentsFstatat", FloorSize}, {"StdFilesystem", StdSize},
+    {"BoostFilesystem", BoostSize}, {"QDirIterator", QtSize},       {"Fts", FtsSize},
+};
+
+constexpr int FileSize = 100;
+
+/// Makes a file in \a folder: it takes a size, and no room.
+void MakeFile(std::string const& folder, int number)
+{
+    std::string const path = folder + "/file" + std::to_string(number);
+    int const descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    bool const made = descriptor >= 0 && ftruncate(descriptor, FileSize) == 0;
+    close(descriptor);
+    if (!made) {
+        throw std::runtime_error("Cannot make " + path);
+    }
+}
+
+void MakeFiles(std::string const& folder, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        MakeFile(folder, i);
+    }
+}
+
+Size MakeManyFolders(std::string const& tree, int scale)
+{
+    int const folders = 20 * scale;
+    constexpr int filesPerFolder = 100;
+    for (int i = 0; i < folders; ++i) {
+        std::string const folder = tree + "/folder" + std::to_string(i);
+        std::filesystem::create_directory(folder);
+        MakeFiles(folder, filesPerFolder);
+    }
+    return Size{FileSize} * filesPerFolder * static_cast<Size>(folders);
+}
+
+Size MakeDeepChain(std::string const& tree, int scale)
+{
+    int const levels = 10 * scale;
+    std::string folder = tree;
+    for (int i = 0; i < levels; ++i) {
+        folder += "/d";
+        std::filesystem::create_directory(folder);
+        MakeFile(folder, 0);
+    }
+    return Size{FileSize} * static_cast<Size>(levels);
+}
+
+Size MakeOneFolder(std::string const& tree, int scale)
+{
+    int const files = 1000 * scale;
+    MakeFiles(tree, files);
+    return Size{FileSize} * static_cast<Size>(files);
+}
+
+struct Tree
+{
+    char const* name;
+    Size (*make)(std::string const& tree, int scale);
+};
+
+constexpr Tree Trees[] = {
+    {"ManyFolders", MakeManyFolders},
+    {"DeepChain", MakeDeepChain},
+    {"OneFolder", MakeOneFolder},
+};
+
+void Measure(benchmark::State& state, Way const& way, std::string const& folder, Size expected)
+{
+    Size size = way.size(folder); // once in vain: everything is cached from here on
+    for ([[maybe_unused]] auto _ : state) {
+        state.SetIterationTime(ProcessorSeconds([&] { size = way.size(folder); }));
+    }
+    if (size != expected) {
+        state.SkipWithError("The size is wrong");
+    }
+}
+
+void MeasureDu(benchmark::State& state, std::string const& folder)
+{
+    for ([[maybe_unused]] auto _ : state) {
+        state.SetIterationTime(DuSeconds(folder));
+    }
+}
+
+benchmark::internal::Benchmark* InMilliseconds(benchmark::internal::Benchmark* registered)
+{
+    return registered->Unit(benchmark::kMillisecond)->UseManualTime();
+}
+
+void Register(Tree const& tree, std::string const& folder, Size expected)
+{
+    std::string const job = std::string(tree.name) + "/";
+    for (Way const& way : Ways) {
+        InMilliseconds(
+            benchmark::RegisterBenchmark((job + way.name).c_str(), [&way, folder, expected](benchmark::State& state) {
+                Measure(state, way, folder, expected);
+            }));
+    }
+    InMilliseconds(benchmark::RegisterBenchmark((job + "Du").c_str(),
+                                                [folder](benchmark::State& state) { MeasureDu(state, folder); }));
+}
+
+int WalkOnce(std::string const& name, std::string const& folder)
+{
+    for (Way const& way : Ways) {
+        if (name == way.name) {
+            std::printf("%llu\n", way.size(folder));
+            return 0;
+        }
+    }
+    std::fprintf(stderr, "No such way: %s\n", name.c_str());
+    return 1;
+}
+
+/// Takes the option \a name out of the arguments; \a fallback when it is not among them.
+std::string TakeOption(int& argc, char** argv, std::string const& name, std::string const& fallback)
+{
+    std::string const start = "--" + name + "=";
+    for (int i = 1; i < argc; ++i) {
+        if (std::strncmp(argv[i], start.c_str(), start.size()) == 0) {
+            std::string value = argv[i] + start.size();
+            std::memmove(argv + i, argv + i + 1, sizeof(char*) * static_cast<std::size_t>(argc - i));
+            --argc;
+            return value;
+        }
+    }
+    return fallback;
+}
+
+int Run(int argc, char** argv)
+{
+    std::string const walk = TakeOption(argc, argv, "walk", "");
+    if (!walk.empty()) {
+        return WalkOnce(walk, argc > 1 ? argv[1] : "");
+    }
+    std::string const trees = TakeOption(argc, argv, "trees", "");
+    int const scale = std::stoi(TakeOption(argc, argv, "scale", "100"));
+    if (trees.empty()) {
+        std::fprintf(stderr, "Where shall the trees be made? --trees=FOLDER\n");
+        return 1;
+    }
+    std::filesystem::create_directories(trees + "/Empty");
+    InMilliseconds(benchmark::RegisterBenchmark(
+        "ProcessStart/Du", [trees](benchmark::State& state) { MeasureDu(state, trees + "/Empty"); }));
+    for (Tree const& tree : Trees) {
+        std::string const folder = trees + "/" + tree.name;
+        std::filesystem::create_directories(folder);
+        Register(tree, folder, tree.make(folder, scale));
+    }
+    return RunBenchmarks(argc, argv);
+}
+
+} // namespace
+} // namespace Zelkor::Benchmarks
+
+int main(int argc, char** argv)
+{
+    try {
+        return Zelkor::Benchmarks::Run(argc, argv);
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,309 @@
+// Jobs on one worker thread, with completion and progress on the owner thread.
+//
+// Every peer has one worker, so that its jobs do not overlap either. The floor is two bare posted events a job: one
+// there, one back.
+
+#include "Support.h"
+
+#include <Util/AsyncService.h>
+
+#include <ThreadWeaver/Lambda>
+#include <ThreadWeaver/QObjectDecorator>
+#include <ThreadWeaver/Queue>
+#include <ThreadWeaver/QueueStream>
+
+#include <QtConcurrent/QtConcurrentRun>
+#include <QtCore/QFutureInterface>
+#include <QtCore/QFutureWatcher>
+#include <QtCore/QRunnable>
+#include <QtCore/QThreadPool>
+
+#include <string>
+#include <utility>
+
+namespace Zelkor::Benchmarks
+{
+namespace
+{
+
+constexpr int BatchSize = 1000;
+constexpr int ChainSize = 500;
+constexpr int ReportingJobs = 100;
+constexpr int ReportsPerJob = 100;
+
+// Each way runs a job that calls `report` for every value below `reports`, and calls `progress` and then `finished` on
+// the owner thread. A trivial job is one without reports.
+
+class Service
+{
+public:
+    template <class Progress, class Finished>
+    void Run(int reports, Progress const& progress, Finished const& finished)
+    {
+        auto* const task = service_.post([reports](Util::AsyncService::Reporter* reporter) {
+            for (int value = 0; value < reports; ++value) {
+                reporter->report(value);
+            }
+        });
+        task->onProgress = progress;
+        task->onFinished = finished;
+        service_.run(task);
+    }
+
+private:
+    Util::AsyncService service_;
+};
+
+class EventsThereAndBack
+{
+public:
+    EventsThereAndBack() { worker_.MoveTo(&thread_); }
+
+    template <class Progress, class Finished>
+    void Run(int reports, Progress const& progress, Finished const& finished)
+    {
+        worker_.Post([=] {
+            for (int value = 0; value < reports; ++value) {
+                owner_.Post([=] { progress(value); });
+            }
+            owner_.Post(finished);
+        });
+    }
+
+private:
+    PostedEvents owner_;
+    PostedEvents worker_;
+    EventThread thread_; // ends before what it serves
+};
+
+class OneThreadPool : public QThreadPool
+{
+public:
+    OneThreadPool() { setMaxThreadCount(1); }
+};
+
+template <class Job>
+class FunctorRunnable : public QRunnable
+{
+public:
+    explicit FunctorRunnable(Job&& job)
+        : job_(std::move(job))
+    {}
+    void run() override { job_(); }
+
+private:
+    Job job_;
+};
+
+class PoolWithCallBack
+{
+public:
+    template <class Progress, class Finished>
+    void Run(int reports, Progress const& progress, Finished const& finished)
+    {
+        Start([=] {
+            for (int value = 0; value < reports; ++value) {
+                QMetaObject::invokeMethod(
+                    &owner_, [=] { progress(value); }, Qt::QueuedConnection);
+            }
+            QMetaObject::invokeMethod(&owner_, finished, Qt::QueuedConnection);
+        });
+    }
+
+private:
+    template <class Job>
+    void Start(Job job)
+    {
+        pool_.start(new FunctorRunnable<Job>(std::move(job)));
+    }
+
+    QObject owner_;
+    OneThreadPool pool_;
+};
+
+class Weaver
+{
+public:
+    Weaver()
+    {
+        qRegisterMetaType<ThreadWeaver::JobPointer>("ThreadWeaver::JobPointer");
+        queue_.setMaximumNumberOfThreads(1);
+    }
+
+    template <class Progress, class Finished>
+    void Run(int reports, Progress const& progress, Finished const& finished)
+    {
+        Start(
+            [=] {
+                for (int value = 0; value < reports; ++value) {
+                    QMetaObject::invokeMethod(
+                        &owner_, [=] { progress(value); }, Qt::QueuedConnection);
+                }
+            },
+            finished);
+    }
+
+private:
+    template <class Job, class Finished>
+    void Start(Job const& job, Finished const& finished)
+    {
+        auto* const decorated = new ThreadWeaver::QObjectDecorator(new ThreadWeaver::Lambda<Job>(job));
+        QObject::connect(decorated, &ThreadWeaver::QObjectDecorator::done, &owner_, finished, Qt::QueuedConnection);
+        queue_.stream() << decorated;
+    }
+
+    QObject owner_;
+    ThreadWeaver::Queue queue_;
+};
+
+/// QtConcurrent::run has no way to report progress.
+class ConcurrentWithWatcher
+{
+public:
+    template <class Progress, class Finished>
+    void Run(int, Progress const&, Finished const& finished)
+    {
+        auto* const watcher = new QFutureWatcher<void>(&owner_);
+        QObject::connect(watcher, &QFutureWatcher<void>::finished, &owner_, [watcher, finished] {
+            watcher->deleteLater();
+            finished();
+        });
+        watcher->setFuture(QtConcurrent::run(&pool_, [] {}));
+    }
+
+private:
+    QObject owner_;
+    OneThreadPool pool_;
+};
+
+/// Progress as results, each of which a QFuture delivers, other than its progress values.
+class FutureResults
+{
+public:
+    template <class Progress, class Finished>
+    void Run(int reports, Progress const& progress, Finished const& finished)
+    {
+        auto* const watcher = new QFutureWatcher<int>(&owner_);
+        QObject::connect(watcher, &QFutureWatcher<int>::resultReadyAt, &owner_,
+                         [watcher, progress](int index) { progress(watcher->resultAt(index)); });
+        QObject::connect(watcher, &QFutureWatcher<int>::finished, &owner_, [watcher, finished] {
+            watcher->deleteLater();
+            finished();
+        });
+        QFutureInterface<int> future;
+        future.reportStarted();
+        watcher->setFuture(future.future());
+        Start([future, reports]() mutable {
+            for (int value = 0; value < reports; ++value) {
+                future.reportResult(value);
+            }
+            future.reportFinished();
+        });
+    }
+
+private:
+    template <class Job>
+    void Start(Job job)
+    {
+        pool_.start(new FunctorRunnable<Job>(std::move(job)));
+    }
+
+    QObject owner_;
+    OneThreadPool pool_;
+};
+
+constexpr auto NoProgress = [](int) {};
+
+template <class Way>
+void Batch(benchmark::State& state)
+{
+    Way way;
+    for (auto _ : state) {
+        Countdown completions(BatchSize);
+        for (int i = 0; i < BatchSize; ++i) {
+            way.Run(0, NoProgress, [&] { completions.Step(); });
+        }
+        completions.Wait();
+    }
+}
+
+/// Runs trivial jobs until \a completions has seen enough, each when the one before it has completed.
+template <class Way>
+void RunChain(Way& way, Countdown& completions)
+{
+    way.Run(0, NoProgress, [&] {
+        completions.Step();
+        if (completions.Left() > 0) {
+            RunChain(way, completions);
+        }
+    });
+}
+
+template <class Way>
+void OneAfterTheOther(benchmark::State& state)
+{
+    Way way;
+    for (auto _ : state) {
+        Countdown completions(ChainSize);
+        RunChain(way, completions);
+        completions.Wait();
+    }
+}
+
+template <class Way>
+void Progress(benchmark::State& state)
+{
+    Way way;
+    for (auto _ : state) {
+        int delivered = 0;
+        Countdown completions(ReportingJobs);
+        for (int i = 0; i < ReportingJobs; ++i) {
+            way.Run(
+                ReportsPerJob, [&](int) { ++delivered; }, [&] { completions.Step(); });
+        }
+        completions.Wait();
+        if (delivered != ReportingJobs * ReportsPerJob) {
+            state.SkipWithError("Not every report was delivered");
+        }
+    }
+}
+
+void Register(std::string const& name, void (*measure)(benchmark::State&))
+{
+    benchmark::RegisterBenchmark(name.c_str(), measure)->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
+template <class Way>
+void RegisterTrivialJobs(std::string const& way)
+{
+    Register("Batch/" + way, Batch<Way>);
+    Register("OneAfterTheOther/" + way, OneAfterTheOther<Way>);
+}
+
+template <class Way>
+void RegisterEveryJob(std::string const& way)
+{
+    RegisterTrivialJobs<Way>(way);
+    Register("Progress/" + way, Progress<Way>);
+}
+
+} // namespace
+
+void RegisterAll()
+{
+    RegisterEveryJob<Service>("AsyncService");
+    RegisterEveryJob<EventsThereAndBack>("PostedEvents");
+    RegisterEveryJob<PoolWithCallBack>("ThreadPool");
+    RegisterEveryJob<Weaver>("ThreadWeaver");
+    RegisterTrivialJobs<ConcurrentWithWatcher>("QtConcurrent");
+    Register("Progress/FutureResults", Progress<FutureResults>);
+}
+
+} // namespace Zelkor::Benchmarks
+
+int main(int argc, char** argv)
+{
+    QCoreApplication const application(argc, argv);
+    Zelkor::Benchmarks::RegisterAll();
+    return Zelkor::Benchmarks::RunBenchmarks(argc, argv);
+}
