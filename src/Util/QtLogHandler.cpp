@@ -1,0 +1,149 @@
+#include <Util/QtLogHandler.h>
+
+#include <Util/StringUtils.h>
+
+#include <QtCore/QList>
+
+#include <atomic>
+#include <string>
+#include <utility>
+
+#include <glog/logging.h>
+
+namespace Zelkor::Util
+{
+namespace
+{
+
+// What is left of the handler when its static object is gone: another handler may still hand messages on to it.
+std::atomic<bool> g_isGone(false);
+std::atomic<QtMessageHandler> g_heir(nullptr);
+
+template <class Filter, class... Arguments>
+bool LetThrough(QList<Filter> const& filters, Arguments const&... arguments)
+{
+    for (Filter const& filter : filters) {
+        if (filter && !filter(arguments...)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string SourcePosition(QMessageLogContext const& context)
+{
+    return (context.file ? context.file : "undefined") + (":" + std::to_string(context.line)) + " ";
+}
+
+void WriteToLog(QtMsgType type, std::string const& text)
+{
+    switch (type) {
+    case QtDebugMsg:
+    case QtInfoMsg:
+        LOG(INFO) << text;
+        break;
+    case QtWarningMsg:
+        LOG(WARNING) << text;
+        break;
+    case QtCriticalMsg:
+    case QtFatalMsg: // not FATAL: Qt aborts, once the earlier handler has seen the message
+        LOG(ERROR) << text;
+        break;
+    }
+}
+
+} // namespace
+
+struct QtLogHandler::Impl
+{
+    static void StaticHandler(QtMsgType type, QMessageLogContext const& context, QString const& message);
+    void Handler(QtMsgType type, QMessageLogContext const& context, QString const& message) const;
+
+    bool logFileNameAndLineNumber = true;
+    bool forwardIntoPreviousHandler = true;
+    bool installed = false;
+    QList<TextFilter> textFilters;
+    QList<FullFilter> fullFilters;
+    QtMessageHandler previousHandler = nullptr;
+};
+
+void QtLogHandler::Impl::StaticHandler(QtMsgType type, QMessageLogContext const& context, QString const& message)
+{
+    if (!g_isGone) {
+        GetInstance().impl->Handler(type, context, message);
+    } else if (QtMessageHandler const heir = g_heir) {
+        heir(type, context, message);
+    }
+}
+
+void QtLogHandler::Impl::Handler(QtMsgType type, QMessageLogContext const& context, QString const& message) const
+{
+    if (!LetThrough(fullFilters, type, context, message) || !LetThrough(textFilters, message)) {
+        return;
+    }
+    std::string const text = QStringToUtf8(message);
+    WriteToLog(type, logFileNameAndLineNumber ? SourcePosition(context) + text : text);
+    // The handler itself comes back as the earlier one when somebody else put it back before it was installed again.
+    if (forwardIntoPreviousHandler && previousHandler && previousHandler != StaticHandler) {
+        previousHandler(type, context, message);
+    }
+}
+
+QtLogHandler& QtLogHandler::GetInstance()
+{
+    static QtLogHandler instance;
+    return instance;
+}
+
+QtLogHandler::QtLogHandler()
+    : impl(std::make_unique<Impl>())
+{
+    Install();
+}
+
+QtLogHandler::~QtLogHandler()
+{
+    g_heir = impl->previousHandler != Impl::StaticHandler ? impl->previousHandler : nullptr;
+    g_isGone = true;
+    Uninstall();
+}
+
+void QtLogHandler::Install()
+{
+    if (impl->installed) {
+        return;
+    }
+    impl->previousHandler = qInstallMessageHandler(Impl::StaticHandler);
+    impl->installed = true;
+}
+
+void QtLogHandler::Uninstall()
+{
+    if (!impl->installed) {
+        return;
+    }
+    qInstallMessageHandler(impl->previousHandler);
+    impl->installed = false;
+}
+
+void QtLogHandler::AddFilter(TextFilter filter)
+{
+    impl->textFilters.append(std::move(filter));
+}
+
+void QtLogHandler::AddFilter(FullFilter filter)
+{
+    impl->fullFilters.append(std::move(filter));
+}
+
+void QtLogHandler::SetEnabledLogFileNameAndLineNumber(bool enabled)
+{
+    impl->logFileNameAndLineNumber = enabled;
+}
+
+void QtLogHandler::SetEnabledForwardIntoPreviousHandler(bool enabled)
+{
+    impl->forwardIntoPreviousHandler = enabled;
+}
+
+} // namespace Zelkor::Util
