@@ -1,0 +1,159 @@
+#include <Util/TemporaryDir.h>
+
+#include <Base/Throw.h>
+#include <Util/OwnFolder.h>
+#include <Util/VersionUtils.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QDirIterator>
+#include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+
+#include <mutex>
+#include <utility>
+
+#include <glog/logging.h>
+
+namespace Zelkor::Util
+{
+namespace
+{
+
+QString ApplicationFolder(QString const& systemFolder, QString const& name, QString const& version)
+{
+    // One call for all four: the name may hold something that looks like a placeholder.
+    return QStringLiteral("%1/%2/%3/%4")
+        .arg(systemFolder, name, QString::number(VersionFromString(version, QStringLiteral(".")).GetMajor()),
+             QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
+}
+
+/// The first folder between \a systemFolder and \a folder, which is below it, that is there and not ours, or leads back
+/// out; empty when there is none.
+QString FindForeignFolder(QString const& systemFolder, QString const& folder)
+{
+    QString path = systemFolder;
+    QStringList const names = folder.mid(path.size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    for (QString const& name : names) {
+        path += QLatin1Char('/') + name;
+        QFileInfo const info(path);
+        bool const isThere = info.exists() || info.isSymLink();
+        if (name == QLatin1String("..") || (isThere && !IsOwnFolder(path))) {
+            return path;
+        }
+    }
+    return QString();
+}
+
+void EmptyFolder(QString const& folder)
+{
+    QDirIterator entries(folder, QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        QString const path = entries.next();
+        QFileInfo const info = entries.fileInfo();
+        if (info.isDir() && !info.isSymLink()) {
+            QDir(path).removeRecursively();
+        } else {
+            QFile::remove(path);
+        }
+    }
+}
+
+void PrepareTemporaryFolder(QString const& folder)
+{
+    static std::mutex readyGuard;
+    static bool ready = false;
+
+    std::lock_guard<std::mutex> const lock(readyGuard);
+    if (std::exchange(ready, true)) {
+        return;
+    }
+    if (QDir(folder).exists()) {
+        EmptyFolder(folder);
+    } else {
+        QDir(folder).mkpath(QStringLiteral("."));
+    }
+}
+
+/// A directory in \a folder, below \a systemFolder; an invalid one where that is not to be had.
+std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& systemFolder, QString const& folder)
+{
+    QString foreign = FindForeignFolder(systemFolder, folder);
+    if (foreign.isEmpty() && QFileInfo::exists(systemFolder)) {
+        PrepareTemporaryFolder(folder);
+        foreign = FindForeignFolder(systemFolder, folder);
+    }
+    if (foreign.isEmpty()) {
+        return std::make_unique<QTemporaryDir>(folder + QStringLiteral("/XXXXXX"));
+    }
+    LOG(ERROR) << "The temporary folder is not used, this is a link or belongs to somebody else: "
+               << foreign.toStdString();
+    // Nothing can be made inside a device, so the object is invalid and nothing of theirs is used.
+    return std::make_unique<QTemporaryDir>(QProcess::nullDevice() + QStringLiteral("/XXXXXX"));
+}
+
+} // namespace
+
+TemporaryDir::TemporaryDir()
+{
+    static std::mutex mutexDefTempDir;
+    static bool defTempDir = false;
+
+    QString const name = QCoreApplication::applicationName();
+    QString const version = QCoreApplication::applicationVersion();
+    {
+        std::lock_guard<std::mutex> const lock(mutexDefTempDir);
+        if (name.isEmpty() || version.isEmpty()) {
+            dir = std::make_unique<QTemporaryDir>();
+            defTempDir = true;
+            return;
+        }
+        if (defTempDir) {
+            ZELKOR_THROW(
+                std::logic_error("Using TemporaryDir before and after applicationName and applicationVersion are set"));
+        }
+    }
+    static QString const systemFolder = QDir::tempPath();
+    static QString const tempPath = ApplicationFolder(systemFolder, name, version);
+    dir = MakeDirectoryIn(systemFolder, tempPath);
+}
+
+TemporaryDir::~TemporaryDir() = default;
+
+bool TemporaryDir::isValid() const
+{
+    return dir->isValid();
+}
+
+QString TemporaryDir::errorString() const
+{
+    return dir->errorString();
+}
+
+bool TemporaryDir::autoRemove() const
+{
+    return dir->autoRemove();
+}
+
+void TemporaryDir::setAutoRemove(bool autoRemove)
+{
+    dir->setAutoRemove(autoRemove);
+}
+
+bool TemporaryDir::remove()
+{
+    return dir->remove();
+}
+
+QString TemporaryDir::path() const
+{
+    return dir->path();
+}
+
+QString TemporaryDir::filePath(QString const& fileName) const
+{
+    return dir->filePath(fileName);
+}
+
+} // namespace Zelkor::Util
