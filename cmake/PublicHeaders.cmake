@@ -15,8 +15,13 @@ set(ZQTUTIL_PUBLIC_HEADERS
     Util/LinksUtils.h
     Util/OsUtils.h
     Util/QTimeUtils.h
+    Util/QtLogHandler.h
+    Util/StdStreams.h
     Util/StringUtils.h
-    Util/UnitsAndMeasures.h)
+    Util/TemporaryDir.h
+    Util/UnitsAndMeasures.h
+    Util/ValidatorFactory.h
+    Util/VersionUtils.h)
 
 # Made by the build.
 set(ZQTUTIL_GENERATED_HEADERS

@@ -47,5 +47,25 @@
         <source>%1 Hz</source>
         <translation>%1 Hz</translation>
     </message>
+    <message>
+        <source>Destination folder path cannot be empty</source>
+        <translation>Der Pfad des Zielordners darf nicht leer sein</translation>
+    </message>
+    <message>
+        <source>Destination folder path must be absolute</source>
+        <translation>Der Pfad des Zielordners muss absolut sein</translation>
+    </message>
+    <message>
+        <source>Can&apos;t access the specified destination folder</source>
+        <translation>Auf den angegebenen Zielordner kann nicht zugegriffen werden</translation>
+    </message>
+    <message>
+        <source>Last letter in folder name mustn&apos;t be space</source>
+        <translation>Ein Ordnername darf nicht mit einem Leerzeichen enden</translation>
+    </message>
+    <message>
+        <source>The specified destination is not available</source>
+        <translation>Das angegebene Ziel ist nicht verfügbar</translation>
+    </message>
 </context>
 </TS>

@@ -1,11 +1,121 @@
 #include <Util/FileUtils.h>
 
+#include <Util/AgedFiles.h>
+#include <Util/StringUtils.h>
 #include <Util/TreeSize.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QObject>
+#include <QtCore/QTemporaryFile>
+
+#include <algorithm>
+#include <exception>
+#include <utility>
 
 #include <glog/logging.h>
 
 namespace Zelkor::Util
 {
+namespace
+{
+
+PathValidity CheckExistingFolder(QString const& path)
+{
+    bool const isWritable = QFileInfo(path).permissions().testFlag(QFileDevice::WriteUser) && CanCreateFileIn(path);
+    return isWritable ? PathValidity::Valid : PathValidity::NotWritable;
+}
+
+PathValidity CheckMissingFolder(QString const& path)
+{
+    if (path.contains(QLatin1String(" /")) || path.contains(QLatin1String(" \\")) || path.endsWith(QLatin1Char(' '))) {
+        return PathValidity::TrailingSpace;
+    }
+    if (!QDir().mkpath(path)) {
+        return PathValidity::CannotCreate;
+    }
+    QDir().rmpath(path);
+    return PathValidity::Valid;
+}
+
+QString MessageOf(PathValidity validity)
+{
+    switch (validity) {
+    case PathValidity::Empty:
+        return QObject::tr("Destination folder path cannot be empty");
+    case PathValidity::Relative:
+        return QObject::tr("Destination folder path must be absolute");
+    case PathValidity::NotWritable:
+        return QObject::tr("Can't access the specified destination folder");
+    case PathValidity::TrailingSpace:
+        return QObject::tr("Last letter in folder name mustn't be space");
+    case PathValidity::CannotCreate:
+        return QObject::tr("The specified destination is not available");
+    case PathValidity::Valid:
+        break;
+    }
+    return QString();
+}
+
+} // namespace
+
+PathValidity IsThisPathValid(QString const& path)
+{
+    if (path.isEmpty()) {
+        return PathValidity::Empty;
+    }
+    if (QDir(path).isRelative()) {
+        return PathValidity::Relative;
+    }
+    return QDir().exists(path) ? CheckExistingFolder(path) : CheckMissingFolder(path);
+}
+
+bool IsThisPathValid(QString const& path, QString* errorText)
+{
+    class Error : public std::exception
+    {
+    public:
+        explicit Error(QString text)
+            : message(std::move(text))
+        {}
+
+        QString message;
+    };
+
+    PathValidity const validity = IsThisPathValid(path);
+    if (validity == PathValidity::Valid) {
+        return true;
+    }
+    try {
+        throw Error(MessageOf(validity).trimmed());
+    } catch (Error const& error) {
+        if (errorText) {
+            *errorText = error.message;
+        }
+    }
+    return false;
+}
+
+bool TryCreateTmpFile(QString const& folder)
+{
+    return QTemporaryFile(QDir(folder).absolutePath() + QDir::separator()).open();
+}
+
+void RemoveDir(QString const& folder, int days, bool removeFolderItself)
+{
+    QDateTime const threshold = QDateTime::currentDateTime().addDays(-static_cast<qint64>(days));
+    // Without separators at its end: a link with one would be taken for what it leads to.
+    QString const path = QDir::cleanPath(folder);
+    if (path.isEmpty() || QFileInfo(path).isSymLink() || !QDir(path).exists()) {
+        return;
+    }
+    RemoveAgedFiles(QFile::encodeName(path).toStdString(), threshold.toMSecsSinceEpoch());
+    if (removeFolderItself) {
+        QDir().rmdir(path);
+    }
+}
 
 bool RemoveFile(ioPath path)
 {
@@ -20,6 +130,31 @@ unsigned long long GetPathSize(ioPath const& path)
 {
     return TreeSize(path.utf8string(),
                     [](std::string const& sizeless) { LOG(ERROR) << "Erorr get size for: " << sizeless; });
+}
+
+QString GetStandardPath(QStandardPaths::StandardLocation location)
+{
+    QStringList const candidates = QStandardPaths::standardLocations(location) +
+                                   QStandardPaths::standardLocations(QStandardPaths::DocumentsLocation);
+    auto const found = std::find_if(candidates.cbegin(), candidates.cend(),
+                                    [](QString const& candidate) { return !candidate.isEmpty(); });
+    QFileInfo const folder(found != candidates.cend() ? *found : QDir::homePath());
+    return QDir::toNativeSeparators(folder.isSymLink() ? folder.symLinkTarget() : folder.filePath());
+}
+
+QString GetZelkorLibraryPath(QString subPath)
+{
+    return GetStandardPath(QStandardPaths::MoviesLocation) + QDir::separator() + subPath;
+}
+
+bool ExploreFile(ioPath const& file)
+{
+    return ExploreFile(file.parent_path(), {file});
+}
+
+bool ExploreSingleFile(QString const& file)
+{
+    return ExploreFile(ioPath(QStringToUtf8(file)));
 }
 
 } // namespace Zelkor::Util

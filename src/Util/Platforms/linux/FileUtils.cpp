@@ -1,0 +1,91 @@
+#include <Util/FileUtils.h>
+
+#include <Util/StringUtils.h>
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QStringList>
+#include <QtCore/QUrl>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingCallWatcher>
+#include <QtDBus/QDBusPendingReply>
+#include <QtGui/QDesktopServices>
+
+#include <boost/filesystem/operations.hpp>
+
+#include <sys/statvfs.h>
+
+#include <glog/logging.h>
+
+namespace Zelkor::Util
+{
+namespace
+{
+
+// A file's own bytes, which need not be UTF-8, percent-encoded (RFC 3986, 2.1).
+QString FileUri(ioPath const& path)
+{
+    QByteArray const absolute = QByteArray::fromStdString(boost::filesystem::absolute(path).native());
+    return QStringLiteral("file://") + QString::fromLatin1(absolute.toPercentEncoding("/"));
+}
+
+bool OpenFolder(ioPath const& folder)
+{
+    bool const isOpen = QDesktopServices::openUrl(QUrl(FileUri(folder), QUrl::StrictMode));
+    LOG_IF(WARNING, !isOpen) << "Nothing opens the folder: " << folder.utf8string();
+    return isOpen;
+}
+
+// https://www.freedesktop.org/wiki/Specifications/file-manager-interface/
+QDBusMessage AskFileManager(ioPath const& folder, std::vector<ioPath> const& files)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"),
+        files.empty() ? QStringLiteral("ShowFolders") : QStringLiteral("ShowItems"));
+    QStringList uris;
+    for (ioPath const& file : files) {
+        uris += FileUri(file);
+    }
+    if (files.empty()) {
+        uris += FileUri(folder);
+    }
+    QString const startupId;
+    call << uris << startupId;
+    return call;
+}
+
+} // namespace
+
+bool CanReadFileIn(QString const& folder)
+{
+    QFileInfo const info(folder);
+    return info.isDir() && info.isReadable() && info.isExecutable();
+}
+
+bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files)
+{
+    QDBusConnection const bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return OpenFolder(folder);
+    }
+    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(AskFileManager(folder, files)));
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, folder] {
+        if (watcher->isError()) {
+            OpenFolder(folder);
+        }
+        watcher->deleteLater();
+    });
+    return true;
+}
+
+long long GetAvailableDiskSpace(ioPath const& path)
+{
+    struct statvfs volume;
+    if (statvfs(path.c_str(), &volume) != 0) {
+        return 0;
+    }
+    return static_cast<long long>(volume.f_bavail * volume.f_frsize);
+}
+
+} // namespace Zelkor::Util

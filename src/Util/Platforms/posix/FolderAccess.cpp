@@ -1,0 +1,56 @@
+#include <Util/FileUtils.h>
+#include <Util/OwnFolder.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+#include <algorithm>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Zelkor::Util
+{
+namespace
+{
+
+bool IsInGroup(gid_t group)
+{
+    int const count = getgroups(0, nullptr);
+    if (count >= 1) {
+        std::vector<gid_t> groups(static_cast<std::size_t>(count));
+        int const fetched = std::max(getgroups(count, groups.data()), 0);
+        if (std::find(groups.begin(), groups.begin() + fetched, group) != groups.begin() + fetched) {
+            return true;
+        }
+    }
+    return group == getegid();
+}
+
+} // namespace
+
+bool CanCreateFileIn(QString const& folder)
+{
+    QFileInfo const info(folder);
+    QFileDevice::Permissions const permissions = info.permissions();
+    if (permissions.testFlag(QFileDevice::WriteOther)) {
+        return TryCreateTmpFile(folder);
+    }
+    if (permissions.testFlag(QFileDevice::WriteGroup) && IsInGroup(info.groupId())) {
+        return TryCreateTmpFile(folder);
+    }
+    if (!permissions.testFlag(QFileDevice::WriteUser) || info.ownerId() != geteuid()) {
+        return false;
+    }
+    return TryCreateTmpFile(folder);
+}
+
+bool IsOwnFolder(QString const& path)
+{
+    struct stat status;
+    return lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == geteuid();
+}
+
+} // namespace Zelkor::Util

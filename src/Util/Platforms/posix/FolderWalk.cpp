@@ -1,0 +1,223 @@
+#include <Util/Platforms/posix/FolderWalk.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Zelkor::Util
+{
+namespace
+{
+
+constexpr int FolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+constexpr std::size_t MaxOpenFolders = 32;
+
+} // namespace
+
+bool IsDotEntry(char const* name)
+{
+    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
+
+bool IsFolder(int parent, char const* name)
+{
+    struct stat status;
+    return fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+}
+
+FolderWalk::FolderWalk(std::string path, AfterSubfolder after)
+    : path_(std::move(path))
+    , after_(after)
+{}
+
+FolderWalk::~FolderWalk() = default;
+
+void FolderWalk::SubfolderLeft(int, char const*) {}
+
+void FolderWalk::Walk()
+{
+    Enter(AT_FDCWD, path_.c_str());
+    while (!folders_.empty()) {
+        Folder const& folder = folders_.back();
+        if (left_.empty() && folder.nextSubfolder == subfolders_.size()) {
+            Leave();
+        } else if (!folder.stream && !Reopen()) {
+            Lose();
+        } else if (!left_.empty()) {
+            FinishSubfolder();
+        } else {
+            EnterNextSubfolder();
+        }
+    }
+}
+
+void FolderWalk::PutBy(char const* name)
+{
+    subfolders_.insert(subfolders_.end(), name, name + std::strlen(name) + 1);
+}
+
+std::string FolderWalk::PathOf(char const* name) const
+{
+    return path_ + (path_.back() != '/' ? "/" : "") + name;
+}
+
+FolderWalk::FolderStream FolderWalk::Open(int parent, char const* name)
+{
+    int const descriptor = openat(parent, name, FolderFlags);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    FolderStream stream(fdopendir(descriptor));
+    if (!stream) {
+        close(descriptor);
+    }
+    return stream;
+}
+
+FolderWalk::FolderId FolderWalk::IdOf(DIR* stream)
+{
+    struct stat status;
+    return fstat(dirfd(stream), &status) == 0 ? FolderId{status.st_dev, status.st_ino} : FolderId();
+}
+
+bool FolderWalk::Is(FolderStream const& stream, FolderId const& id)
+{
+    if (!stream) {
+        return false;
+    }
+    FolderId const found = IdOf(stream.get());
+    return found.device == id.device && found.inode == id.inode;
+}
+
+void FolderWalk::EnterNextSubfolder()
+{
+    Folder& folder = folders_.back();
+    char const* const name = subfolders_.data() + folder.nextSubfolder;
+    folder.nextSubfolder += std::strlen(name) + 1;
+    if (path_.back() != '/') {
+        path_ += '/';
+    }
+    path_ += name;
+    below_.reset();
+    if (!Enter(dirfd(folder.stream.get()), name)) {
+        GoUp();
+    }
+}
+
+/// Opens and reads the folder \a name, whose path is path_ by now, and makes it the current one.
+bool FolderWalk::Enter(int parent, char const* name)
+{
+    if (folders_.size() - closedFolders_ >= MaxOpenFolders) {
+        CloseOutermost();
+    }
+    Folder folder{Open(parent, name), {}, path_.size(), subfolders_.size(), subfolders_.size()};
+    while (!folder.stream && (errno == EMFILE || errno == ENFILE) && CloseOutermost()) {
+        folder.stream = Open(parent, name);
+    }
+    if (!folder.stream || !Read(folder.stream.get())) {
+        subfolders_.resize(folder.subfoldersBegin);
+        Unreadable();
+        return false;
+    }
+    folders_.push_back(std::move(folder));
+    return true;
+}
+
+/// Goes back to the folder above the current one.
+void FolderWalk::Leave()
+{
+    Leaving();
+    Folder& folder = folders_.back();
+    if (folder.stream) {
+        below_ = std::move(folder.stream);
+        levelsBelow_ = 1;
+    } else {
+        --closedFolders_;
+        ++levelsBelow_;
+    }
+    subfolders_.resize(folder.subfoldersBegin);
+    folders_.pop_back();
+    if (!folders_.empty()) {
+        GoUp();
+    }
+}
+
+/// Cuts path_ back to the current folder.
+void FolderWalk::GoUp()
+{
+    std::size_t const pathSize = folders_.back().pathSize;
+    if (after_ == AfterSubfolder::Call) {
+        left_ = path_.substr(path_.find_first_not_of('/', pathSize));
+    }
+    path_.resize(pathSize);
+}
+
+void FolderWalk::FinishSubfolder()
+{
+    SubfolderLeft(dirfd(folders_.back().stream.get()), left_.c_str());
+    left_.clear();
+}
+
+/// Closes the outermost folder that is open, unless it is the current one.
+bool FolderWalk::CloseOutermost()
+{
+    if (closedFolders_ + 1 >= folders_.size()) {
+        return false;
+    }
+    Folder& outermost = folders_[closedFolders_++];
+    outermost.id = IdOf(outermost.stream.get());
+    outermost.stream.reset();
+    return true;
+}
+
+/// Opens the current folder again: from the folder that was left last, or, when that was moved meanwhile, by the names
+/// from the start.
+bool FolderWalk::Reopen()
+{
+    Folder& folder = folders_.back();
+    FolderStream stream = OpenAboveLeft();
+    if (!Is(stream, folder.id)) {
+        stream = OpenFromStart();
+    }
+    if (!Is(stream, folder.id)) {
+        return false;
+    }
+    folder.stream = std::move(stream);
+    --closedFolders_;
+    return true;
+}
+
+FolderWalk::FolderStream FolderWalk::OpenAboveLeft() const
+{
+    std::string up;
+    for (std::size_t level = 0; level < levelsBelow_; ++level) {
+        up += "../";
+    }
+    return below_ ? Open(dirfd(below_.get()), up.c_str()) : nullptr;
+}
+
+FolderWalk::FolderStream FolderWalk::OpenFromStart()
+{
+    below_.reset();
+    FolderStream stream = Open(AT_FDCWD, path_.substr(0, folders_.front().pathSize).c_str());
+    for (std::size_t level = 1; stream && level < folders_.size(); ++level) {
+        std::size_t const begin = path_.find_first_not_of('/', folders_[level - 1].pathSize);
+        stream = Open(dirfd(stream.get()), path_.substr(begin, folders_[level].pathSize - begin).c_str());
+    }
+    return stream;
+}
+
+void FolderWalk::Lose()
+{
+    Lost();
+    Folder& folder = folders_.back();
+    subfolders_.resize(folder.subfoldersBegin);
+    folder.nextSubfolder = folder.subfoldersBegin;
+    left_.clear();
+}
+
+} // namespace Zelkor::Util
