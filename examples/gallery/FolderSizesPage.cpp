@@ -3,6 +3,7 @@
 #include "FolderSizesModel.h"
 #include "ShareDelegate.h"
 #include "Texts.h"
+#include "Widgets.h"
 
 #include <Util/StringUtils.h>
 
@@ -26,7 +27,6 @@ namespace Zelkor::Gallery
 namespace
 {
 
-constexpr int Spacing = 8;
 constexpr int RefreshMilliseconds = 150;
 constexpr int ShareBarWidth = 70;
 
@@ -109,18 +109,11 @@ void FolderSizesPage::SetUpTable()
 
     table_->setModel(sorted_);
     table_->setItemDelegateForColumn(FolderSizesModel::Share, new ShareDelegate(table_));
-    table_->setAlternatingRowColors(true);
-    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table_->setShowGrid(false);
-    table_->setWordWrap(false);
-    table_->setTabKeyNavigation(false);
+    Gallery::SetUpTable(table_);
     table_->setSortingEnabled(true);
     table_->sortByColumn(FolderSizesModel::Size, Qt::DescendingOrder);
-    table_->verticalHeader()->hide();
-    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + Spacing);
 
     QHeaderView* const header = table_->horizontalHeader();
-    header->setHighlightSections(false);
     header->setSectionResizeMode(FolderSizesModel::Name, QHeaderView::Stretch);
     QFontMetrics const metrics = table_->fontMetrics();
     int const iconWidth = style()->pixelMetric(QStyle::PM_SmallIconSize);

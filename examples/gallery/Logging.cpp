@@ -1,5 +1,9 @@
 #include "Logging.h"
 
+#include "PreviousHandler.h"
+
+#include <Util/QtLogHandler.h>
+
 #include <glog/logging.h>
 
 namespace Zelkor::Gallery
@@ -16,6 +20,8 @@ void StartLogging(char const* program)
     FLAGS_alsologtostderr = false;
     FLAGS_stderrthreshold = google::GLOG_FATAL;
     google::InitGoogleLogging(program);
+    PreviousHandler::Install();
+    Util::QtLogHandler::GetInstance();
 }
 
 } // namespace Zelkor::Gallery

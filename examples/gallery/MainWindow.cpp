@@ -16,7 +16,6 @@ namespace
 {
 
 constexpr QSize DefaultSize(1000, 640);
-constexpr int NavigationWidth = 140;
 constexpr int Margin = 12;
 constexpr qreal TitleScale = 1.4;
 
@@ -47,7 +46,6 @@ MainWindow::MainWindow(QWidget* parent)
 {
     setWindowTitle(tr("ZQtUtil Gallery"));
     navigation_->setAccessibleName(tr("Pages"));
-    navigation_->setFixedWidth(NavigationWidth);
 
     auto* const content = new QWidget;
     auto* const row = new QHBoxLayout(content);
@@ -69,10 +67,11 @@ void MainWindow::AddPages()
     for (PageInfo const& info : Pages()) {
         Page* const page = pages_.emplace_back(info.create());
         auto* const item = new QListWidgetItem(PageTitle(info), navigation_);
-        item->setSizeHint(QSize(0, fontMetrics().height() + Margin));
+        item->setSizeHint(QSize(fontMetrics().horizontalAdvance(item->text()), fontMetrics().height() + Margin));
         stack_->addWidget(WithTitle(page, PageTitle(info)));
         connect(page, &Page::BecameIdle, this, &MainWindow::EndWhenIdle);
     }
+    navigation_->setFixedWidth(navigation_->sizeHintForColumn(0) + 2 * Margin);
 }
 
 void MainWindow::SetFolder(ioPath const& folder)

@@ -1,6 +1,10 @@
 #include "Pages.h"
 
 #include "FolderSizesPage.h"
+#include "LogPage.h"
+#include "PathsPage.h"
+#include "TemporaryFolderPage.h"
+#include "VersionsAndValidatorsPage.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -21,6 +25,11 @@ std::vector<PageInfo> const& Pages()
 {
     static std::vector<PageInfo> const pages = {
         {"folder-sizes", QT_TRANSLATE_NOOP("GalleryPages", "Folder sizes"), &Create<FolderSizesPage>},
+        {"paths", QT_TRANSLATE_NOOP("GalleryPages", "Paths"), &Create<PathsPage>},
+        {"temporary-folder", QT_TRANSLATE_NOOP("GalleryPages", "Temporary folder"), &Create<TemporaryFolderPage>},
+        {"log", QT_TRANSLATE_NOOP("GalleryPages", "Log"), &Create<LogPage>},
+        {"versions-and-validators", QT_TRANSLATE_NOOP("GalleryPages", "Versions and validators"),
+         &Create<VersionsAndValidatorsPage>},
     };
     return pages;
 }

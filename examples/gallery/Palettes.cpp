@@ -24,6 +24,8 @@ constexpr Scheme Light{0xffefefef, 0xffffffff, 0xfff5f6f8, 0xfff6f6f6, 0xff1d1f2
 constexpr Scheme Dark{0xff2b2d30, 0xff1f2123, 0xff26282b, 0xff3a3d41, 0xffe4e6e8,
                       0xff85898e, 0xff3d7fd6, 0xffffffff, 0xff3a3d41, 0xff7fb2f5};
 
+constexpr int MiddleLightness = 128;
+
 QPalette PaletteOf(Scheme const& scheme)
 {
     // Derives the shades of bevels from the button's colour.
@@ -55,6 +57,11 @@ QPalette LightPalette()
 QPalette DarkPalette()
 {
     return PaletteOf(Dark);
+}
+
+bool IsDark(QPalette const& palette)
+{
+    return palette.color(QPalette::Base).lightness() < MiddleLightness;
 }
 
 } // namespace Zelkor::Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The palettes that the pictures are taken in.
+/// Light and dark palettes.
 
 #include <QtGui/QPalette>
 
@@ -10,8 +10,12 @@ namespace Zelkor
 namespace Gallery
 {
 
+/// The palettes that the pictures are taken in.
 QPalette LightPalette();
 QPalette DarkPalette();
+
+/// Whether \a palette has light text on dark ground, whoever made it.
+bool IsDark(QPalette const& palette);
 
 } // namespace Gallery
 } // namespace Zelkor

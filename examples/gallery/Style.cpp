@@ -1,6 +1,6 @@
 #include "Style.h"
 
-#include <QtWidgets/QStyleOption>
+#include "Palettes.h"
 
 namespace Zelkor::Gallery
 {
@@ -9,6 +9,7 @@ namespace
 
 constexpr int CellMargin = 5;
 constexpr int ArrowShift = 3;
+constexpr int OutlineLightness = 400; // per cent
 
 } // namespace
 
@@ -27,18 +28,41 @@ int Style::pixelMetric(PixelMetric metric, QStyleOption const* option, QWidget c
     }
 }
 
-// The margin that we add to headers moves the sort arrow above the text's middle.
+QSize Style::sizeFromContents(ContentsType type, QStyleOption const* option, QSize const& contents,
+                              QWidget const* widget) const
+{
+    QSize const size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    return type == CT_PushButton ? size + QSize(2 * CellMargin, 0) : size;
+}
+
 void Style::drawPrimitive(PrimitiveElement element, QStyleOption const* option, QPainter* painter,
                           QWidget const* widget) const
 {
     auto const* const header = qstyleoption_cast<QStyleOptionHeader const*>(option);
-    if (element != PE_IndicatorHeaderArrow || !header) {
+    auto const* const button = qstyleoption_cast<QStyleOptionButton const*>(option);
+    if (element == PE_IndicatorHeaderArrow && header) {
+        DrawHeaderArrow(*header, painter, widget);
+    } else if (element == PE_IndicatorCheckBox && button) {
+        DrawCheckBox(*button, painter, widget);
+    } else {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
-        return;
     }
-    QStyleOptionHeader moved = *header;
-    moved.rect.translate(0, ArrowShift);
-    QProxyStyle::drawPrimitive(element, &moved, painter, widget);
+}
+
+// The margin that we add to headers moves the sort arrow above the text's middle.
+void Style::DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidget const* widget) const
+{
+    header.rect.translate(0, ArrowShift);
+    QProxyStyle::drawPrimitive(PE_IndicatorHeaderArrow, &header, painter, widget);
+}
+
+// Fusion's outline is a darker shade of the window's colour.
+void Style::DrawCheckBox(QStyleOptionButton box, QPainter* painter, QWidget const* widget) const
+{
+    if (IsDark(box.palette)) {
+        box.palette.setColor(QPalette::Window, box.palette.color(QPalette::Window).lighter(OutlineLightness));
+    }
+    QProxyStyle::drawPrimitive(PE_IndicatorCheckBox, &box, painter, widget);
 }
 
 } // namespace Zelkor::Gallery

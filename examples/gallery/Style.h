@@ -4,13 +4,15 @@
 /// The widget style of the gallery.
 
 #include <QtWidgets/QProxyStyle>
+#include <QtWidgets/QStyleOption>
 
 namespace Zelkor
 {
 namespace Gallery
 {
 
-/// Fusion with more air between the columns of tables and around the entries of lists.
+/// Fusion with more air between the columns of tables, around the entries of lists and in buttons, and with check boxes
+/// that can be told from a dark background.
 class Style : public QProxyStyle
 {
     Q_OBJECT
@@ -19,8 +21,14 @@ public:
     Style();
 
     int pixelMetric(PixelMetric metric, QStyleOption const* option, QWidget const* widget) const override;
+    QSize sizeFromContents(ContentsType type, QStyleOption const* option, QSize const& contents,
+                           QWidget const* widget) const override;
     void drawPrimitive(PrimitiveElement element, QStyleOption const* option, QPainter* painter,
                        QWidget const* widget) const override;
+
+private:
+    void DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidget const* widget) const;
+    void DrawCheckBox(QStyleOptionButton box, QPainter* painter, QWidget const* widget) const;
 };
 
 } // namespace Gallery

@@ -1,10 +1,8 @@
 #include "Terminal.h"
 
-#include <Util/StringUtils.h>
+#include <Util/StdStreams.h>
 
 #include <QtCore/QCoreApplication>
-
-#include <cstdio>
 
 #include <unistd.h>
 
@@ -22,11 +20,10 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(GalleryTerminal)
 };
 
-void Write(std::FILE* stream, QString const& text)
+void Write(ConsoleOutputStream* stream, QString const& text)
 {
-    std::string const utf8 = Util::QStringToUtf8(text);
-    std::fwrite(utf8.data(), 1, utf8.size(), stream);
-    std::fflush(stream);
+    *stream << text;
+    stream->flush();
 }
 
 QString Shortened(QString const& name)
@@ -36,14 +33,21 @@ QString Shortened(QString const& name)
 
 } // namespace
 
+void UseUtf8OnTerminal()
+{
+    for (ConsoleOutputStream* const stream : {qoutPtr, qerrPtr}) {
+        stream->setCodec("UTF-8");
+    }
+}
+
 void Print(QString const& text)
 {
-    Write(stdout, text + QLatin1Char('\n'));
+    Write(qoutPtr, text + QLatin1Char('\n'));
 }
 
 void PrintError(QString const& text)
 {
-    Write(stderr, text + QLatin1Char('\n'));
+    Write(qerrPtr, text + QLatin1Char('\n'));
 }
 
 ProgressLine::ProgressLine()
@@ -54,7 +58,7 @@ void ProgressLine::Show(int done, int total, QString const& what)
 {
     QString const count = Text::tr("%1 of %2 measured").arg(done).arg(total);
     if (isTerminal_) {
-        Write(stderr, QLatin1String(ClearLine) + count + QLatin1String("  ") + Shortened(what));
+        Write(qerrPtr, QLatin1String(ClearLine) + count + QLatin1String("  ") + Shortened(what));
         return;
     }
     constexpr int parts = 4;
@@ -68,7 +72,7 @@ void ProgressLine::Show(int done, int total, QString const& what)
 void ProgressLine::Clear()
 {
     if (isTerminal_) {
-        Write(stderr, QLatin1String(ClearLine));
+        Write(qerrPtr, QLatin1String(ClearLine));
     }
 }
 

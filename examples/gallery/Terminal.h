@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Lines of text on the terminal.
+/// Lines of text on the terminal, through the streams of the application's QtStdStreamsInitializer.
 
 #include <QtCore/QString>
 
@@ -10,7 +10,10 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Writes \a text and an end of line to the standard output, or to the standard error, in UTF-8.
+/// What is written is UTF-8 from now on, whatever the locale: so are the names of files.
+void UseUtf8OnTerminal();
+
+/// Writes \a text and an end of line to the standard output, or to the standard error.
 void Print(QString const& text);
 void PrintError(QString const& text);
 

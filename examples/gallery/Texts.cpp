@@ -41,13 +41,18 @@ bool BreaksLine(QChar character)
 
 } // namespace
 
+QString OneLineText(QString const& text)
+{
+    QString line;
+    for (QChar const character : text) {
+        line += BreaksLine(character) ? Escaped(character) : QString(character);
+    }
+    return line;
+}
+
 QString PathText(ioPath const& path)
 {
-    QString text;
-    for (QChar const character : Util::Utf8ToQString(path.utf8string())) {
-        text += BreaksLine(character) ? Escaped(character) : QString(character);
-    }
-    return text;
+    return OneLineText(Util::Utf8ToQString(path.utf8string()));
 }
 
 QString NameText(FolderEntry const& entry)

@@ -19,6 +19,9 @@ namespace Zelkor
 namespace Gallery
 {
 
+/// \a text on one line and without control characters, which are written as in a C string.
+QString OneLineText(QString const& text);
+
 /// \a path on one line and without control characters, which are written as in a C string; bytes that are no text
 /// become U+FFFD.
 QString PathText(ioPath const& path);

@@ -3,7 +3,10 @@
 #include "MainWindow.h"
 #include "Screenshots.h"
 #include "Style.h"
+#include "Terminal.h"
 #include "TerminalReport.h"
+
+#include <Util/StdStreams.h>
 
 #include <QtWidgets/QApplication>
 
@@ -48,6 +51,8 @@ int RunWithWindows(int& argc, char** argv, CommandLine const& commandLine)
 
 int main(int argc, char* argv[])
 {
+    QtStdStreamsInitializer const streams;
+    UseUtf8OnTerminal();
     StartLogging(argv[0]);
     QCoreApplication::setApplicationName(QStringLiteral("zqtutil-gallery"));
     QCoreApplication::setApplicationVersion(QStringLiteral(GALLERY_VERSION));

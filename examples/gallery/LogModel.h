@@ -1,0 +1,43 @@
+#pragma once
+
+/// \file
+/// Lines of the log as a table.
+
+#include "GlogLines.h"
+
+#include <QtCore/QAbstractTableModel>
+
+#include <deque>
+#include <vector>
+
+namespace Zelkor
+{
+namespace Gallery
+{
+
+/// Keeps the latest lines.
+class LogModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column { Severity, Source, Text, ColumnCount };
+
+    using QAbstractTableModel::QAbstractTableModel;
+
+    void Append(std::vector<LogLine> const& lines);
+    void Clear();
+
+    int rowCount(QModelIndex const& parent = QModelIndex()) const override;
+    int columnCount(QModelIndex const& parent = QModelIndex()) const override;
+    QVariant data(QModelIndex const& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    void DropOldest();
+
+    std::deque<LogLine> lines_;
+};
+
+} // namespace Gallery
+} // namespace Zelkor

@@ -1,0 +1,80 @@
+#pragma once
+
+/// \file
+/// The page that raises Qt's messages and shows where they go.
+
+#include "Page.h"
+
+#include <memory>
+#include <vector>
+
+QT_BEGIN_NAMESPACE
+class QBoxLayout;
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QTableView;
+QT_END_NAMESPACE
+
+namespace Zelkor
+{
+namespace Gallery
+{
+
+class GlogLines;
+class LogFilter;
+class LogModel;
+class PreviousHandler;
+class StatusLabel;
+struct LogLine;
+
+class LogPage : public Page
+{
+    Q_OBJECT
+
+public:
+    explicit LogPage(QWidget* parent = nullptr);
+
+    void ShowSample() override;
+
+private:
+    void CreateWidgets();
+    void SetUpTable();
+    void LayOut();
+    QBoxLayout* NewMessageRow();
+    QBoxLayout* NewTextFilterRow();
+    QBoxLayout* NewTypeFilterRow();
+    QBoxLayout* NewSwitchRow();
+    void Connect();
+    void ConnectFilter();
+
+    void Raise();
+    void RaiseSample(int type, int category, QString const& text);
+    void ShowDropped();
+    void ShowLines(std::vector<LogLine> const& lines);
+    void ShowForwarded(std::vector<QString> const& messages);
+    void Clear();
+
+    std::shared_ptr<LogFilter> const filter_;
+    GlogLines* glogLines_;
+    PreviousHandler* previousHandler_;
+    LogModel* model_;
+
+    QLineEdit* messageEdit_;
+    QComboBox* typeBox_;
+    QComboBox* categoryBox_;
+    QPushButton* raiseButton_;
+    QLineEdit* droppedTextEdit_;
+    std::vector<QCheckBox*> droppedTypeBoxes_; // in the order of the types
+    StatusLabel* droppedLabel_;
+    QCheckBox* positionBox_;
+    QCheckBox* forwardBox_;
+    QPushButton* clearButton_;
+    QTableView* table_;
+    QListWidget* forwarded_;
+};
+
+} // namespace Gallery
+} // namespace Zelkor

@@ -1,0 +1,49 @@
+#pragma once
+
+/// \file
+/// A version that is read, compared and written.
+
+#include <Base/Version.h>
+
+#include <QtWidgets/QGroupBox>
+
+QT_BEGIN_NAMESPACE
+class QLineEdit;
+QT_END_NAMESPACE
+
+namespace Zelkor
+{
+namespace Gallery
+{
+
+class StatusLabel;
+
+class VersionBox : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit VersionBox(QWidget* parent = nullptr);
+
+    void ShowVersions(QString const& version, QString const& other);
+
+private:
+    void LayOut();
+    void Update();
+    QString Comparison(Core::Version const& version) const;
+    QString Write(Core::Version const& version, Core::Util::VersionToStringDetail detail) const;
+
+    QLineEdit* versionEdit_;
+    QLineEdit* separatorEdit_;
+    QLineEdit* otherEdit_;
+    StatusLabel* componentsLabel_;
+    StatusLabel* comparisonLabel_;
+    StatusLabel* majorLabel_;
+    StatusLabel* majorMinorLabel_;
+    StatusLabel* majorMinorThirdLabel_;
+    StatusLabel* fullLabel_;
+    StatusLabel* visibleLabel_;
+};
+
+} // namespace Gallery
+} // namespace Zelkor

@@ -1,0 +1,32 @@
+#pragma once
+
+/// \file
+/// The page of versions and validators.
+
+#include "Page.h"
+
+namespace Zelkor
+{
+namespace Gallery
+{
+
+class ValidatorBox;
+class VersionBox;
+
+class VersionsAndValidatorsPage : public Page
+{
+    Q_OBJECT
+
+public:
+    explicit VersionsAndValidatorsPage(QWidget* parent = nullptr);
+
+    void ShowSample() override;
+
+private:
+    VersionBox* versions_;
+    ValidatorBox* email_;
+    ValidatorBox* fileName_;
+};
+
+} // namespace Gallery
+} // namespace Zelkor

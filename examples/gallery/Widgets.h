@@ -1,0 +1,47 @@
+#pragma once
+
+/// \file
+/// What the pages' widgets have in common.
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+QT_BEGIN_NAMESPACE
+class QFormLayout;
+class QLabel;
+class QTableView;
+class QTableWidget;
+class QTableWidgetItem;
+class QWidget;
+QT_END_NAMESPACE
+
+namespace Zelkor
+{
+namespace Gallery
+{
+
+class StatusLabel;
+
+/// Pixels between widgets.
+constexpr int Spacing = 8;
+
+/// A table of rows that are selected as a whole, without a grid.
+void SetUpTable(QTableView* table);
+
+/// The same with \a titles, the last column taking what is left, for reading only.
+void SetUpTable(QTableWidget* table, QStringList const& titles);
+
+/// A cell for reading only.
+QTableWidgetItem* NewCell(QString const& text);
+
+/// A short explanation that steps back behind the rest.
+QLabel* NewHint(QString const& text);
+
+/// Appends a row with \a title to \a form and returns the label of its value.
+StatusLabel* AddValueRow(QFormLayout* form, QString const& title);
+
+/// A label "\a title:" for \a buddy, which also becomes its accessible name. The title may hold a mnemonic.
+QLabel* NewLabelOf(QWidget* buddy, QString const& title);
+
+} // namespace Gallery
+} // namespace Zelkor
