@@ -7,6 +7,7 @@
 // what a user has at the prompt; it also counts its own start, which is measured on an empty folder. The others are the
 // walks that libraries offer.
 
+#include "Process.h"
 #include "Support.h"
 
 #include <Util/FileUtils.h>
@@ -28,10 +29,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <fts.h>
-#include <spawn.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace Zelkor::Benchmarks
@@ -122,35 +120,10 @@ Size FtsSize(std::string const& folder)
     return size;
 }
 
-double InSeconds(timeval const& time)
-{
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-}
-
-/// Runs `du` on \a folder and returns the processor time that it took, in seconds. Its answer, which counts the folders
-/// themselves too, goes nowhere.
+/// What `du` takes for \a folder. Its answer, which counts the folders themselves too, goes nowhere.
 double DuSeconds(std::string const& folder)
 {
-    std::string path = folder;
-    char program[] = "du";
-    char summary[] = "-s";
-    char apparentSize[] = "--apparent-size";
-    char inBytes[] = "-B1";
-    char* const arguments[] = {program, summary, apparentSize, inBytes, path.data(), nullptr};
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t process = 0;
-    int status = 0;
-    rusage usage{};
-    bool const ran = posix_spawnp(&process, program, &actions, nullptr, arguments, environ) == 0 &&
-                     wait4(process, &status, 0, &usage) == process && status == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    if (!ran) {
-        throw std::runtime_error("du does not run");
-    }
-    return InSeconds(usage.ru_utime) + InSeconds(usage.ru_stime);
+    return ProcessSeconds({"du", "-s", "--apparent-size", "-B1", folder});
 }
 
 struct Way

@@ -94,6 +94,12 @@ PEERS = {
     "StdFilesystem": Peer("`std::filesystem`", "The standard library's recursive iterator."),
     "BoostFilesystem": Peer("`boost::filesystem`", "The same from the library that the paths come from."),
     "QDirIterator": Peer("`QDirIterator`", "Qt's own."),
+    "RmOwn": Peer("`rm`, its own time", "The same, less the time of an `rm` of an empty folder."),
+    "Rm": Peer("`rm -rf`", "What a user has at the prompt; it need not look at a file's age."),
+    "RemoveRecursively": Peer("`QDir::removeRecursively`", "Qt's own, which removes files of any age."),
+    "Glog": Peer("glog", "**The floor**: the log that the messages go to, without Qt."),
+    "QtDefault": Peer("Qt's handler", "What Qt does by itself: a line on the standard error, without time and thread."),
+    "Spdlog": Peer("spdlog", "What a project that starts afresh would take; it does not look the time zone up."),
     "KF5CoreAddons": Peer("KF5CoreAddons", "KDE's helpers without widgets: the nearest in kind."),
     "KF5WidgetsAddons": Peer("KF5WidgetsAddons", "KDE's helpers with widgets."),
 }
@@ -156,6 +162,20 @@ JOBS = (
     Job("ManyFolders", "Size of 200 000 files in 2 000 folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
     Job("DeepChain", "... of a chain of 1 000 folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
     Job("OneFolder", "... of 100 000 files in one folder", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 0.9),)),
+    Job(
+        "Removal",
+        "Remove 20 000 aged files in 200 folders",
+        "RemoveDir",
+        ("RmOwn", "Rm", "RemoveRecursively"),
+        (Goal("RmOwn", "≤", 1.1),),
+    ),
+    Job(
+        "Log",
+        "Log 1 000 messages through Qt",
+        "QtLogHandler",
+        ("Glog", "QtDefault", "Spdlog"),
+        (Goal("Glog", "≤", 1.2),),
+    ),
     Job(
         "Load",
         "Load the library, its dependencies being there",
@@ -270,10 +290,17 @@ class Runner:
         self.benchmark(results, "FormatBenchmark", repetitions=15)
         self.benchmark(results, "LoadBenchmark", f"--library={self.library}", repetitions=101, min_time=0.001)
         self.benchmark(results, "PathSizeBenchmark", f"--trees={self.trees}", f"--scale={self.scale}", repetitions=5)
-        start = results.time("ProcessStart", "Du")
+        self.benchmark(results, "LogBenchmark", repetitions=31)
+        self.benchmark(results, "RemovalBenchmark", repetitions=9)
         for tree in TREES:
-            results.seconds[f"{tree}/DuOwn"] = max(results.time(tree, "Du") - start, sys.float_info.min)
+            self.subtract_start(results, tree, "Du", "ProcessStart")
+        self.subtract_start(results, "Removal", "Rm", "RemovalStart")
         return results
+
+    @staticmethod
+    def subtract_start(results, job, program, start):
+        own = results.time(job, program) - results.time(start, program)
+        results.seconds[f"{job}/{program}Own"] = max(own, sys.float_info.min)
 
     def system_calls(self, command):
         with tempfile.NamedTemporaryFile("r", encoding="utf-8") as summary:

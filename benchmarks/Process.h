@@ -1,0 +1,49 @@
+#pragma once
+
+/// \file
+/// Programs that are measured as a user runs them.
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Zelkor::Benchmarks
+{
+
+inline double InSeconds(timeval const& time)
+{
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+/// Runs the program \a command and returns the processor time that it took, its own start included, in seconds. What it
+/// prints goes nowhere. Throws when it does not run or fails.
+inline double ProcessSeconds(std::vector<std::string> command)
+{
+    std::vector<char*> arguments;
+    for (std::string& word : command) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t process = 0;
+    int status = 0;
+    rusage usage{};
+    bool const ran = posix_spawnp(&process, arguments.front(), &actions, nullptr, arguments.data(), environ) == 0 &&
+                     wait4(process, &status, 0, &usage) == process && status == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    if (!ran) {
+        throw std::runtime_error(command.front() + " does not run");
+    }
+    return InSeconds(usage.ru_utime) + InSeconds(usage.ru_stime);
+}
+
+} // namespace Zelkor::Benchmarks

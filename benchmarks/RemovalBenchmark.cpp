@@ -1,0 +1,99 @@
+// The removal of 20 000 aged files in 200 folders.
+//
+// `rm -rf` is what a user has at the prompt, and need not look at a file's age; it also counts its own start, which is
+// measured on an empty folder. QDir::removeRecursively() is what a Qt application has, without the age as well.
+
+#include "Process.h"
+#include "Support.h"
+
+#include <Util/FileUtils.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Zelkor::Benchmarks
+{
+namespace
+{
+
+constexpr int Folders = 200;
+constexpr int FilesPerFolder = 100;
+
+void Age(std::string const& path)
+{
+    timespec const longAgo[] = {{1000000000, 0}, {1000000000, 0}};
+    utimensat(AT_FDCWD, path.c_str(), longAgo, 0);
+}
+
+/// Makes the folder \a tree with \a folders of aged files.
+void MakeTree(std::string const& tree, int folders)
+{
+    mkdir(tree.c_str(), 0700);
+    for (int i = 0; i < folders; ++i) {
+        std::string const folder = tree + "/folder" + std::to_string(i);
+        mkdir(folder.c_str(), 0700);
+        for (int j = 0; j < FilesPerFolder; ++j) {
+            std::string const file = folder + "/file" + std::to_string(j);
+            close(open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+            Age(file);
+        }
+        Age(folder);
+    }
+}
+
+double OursSeconds(std::string const& tree)
+{
+    return ProcessorSeconds([&] { Util::RemoveDir(QString::fromStdString(tree), 1, true); });
+}
+
+double QtSeconds(std::string const& tree)
+{
+    return ProcessorSeconds([&] { QDir(QString::fromStdString(tree)).removeRecursively(); });
+}
+
+double RmSeconds(std::string const& tree)
+{
+    return ProcessSeconds({"rm", "-rf", tree});
+}
+
+void Register(char const* name, double (*seconds)(std::string const& tree), std::string const& tree, int folders)
+{
+    benchmark::RegisterBenchmark(name,
+                                 [=](benchmark::State& state) {
+                                     for ([[maybe_unused]] auto _ : state) {
+                                         MakeTree(tree, folders);
+                                         state.SetIterationTime(seconds(tree));
+                                     }
+                                     if (access(tree.c_str(), F_OK) == 0) {
+                                         state.SkipWithError("Something is left");
+                                     }
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseManualTime();
+}
+
+int Run(int argc, char** argv)
+{
+    QTemporaryDir const folder;
+    std::string const tree = folder.filePath(QStringLiteral("tree")).toStdString();
+    Register("Removal/RemoveDir", OursSeconds, tree, Folders);
+    Register("Removal/RemoveRecursively", QtSeconds, tree, Folders);
+    Register("Removal/Rm", RmSeconds, tree, Folders);
+    Register("RemovalStart/Rm", RmSeconds, tree, 0);
+    return RunBenchmarks(argc, argv);
+}
+
+} // namespace
+} // namespace Zelkor::Benchmarks
+
+int main(int argc, char** argv)
+{
+    QCoreApplication const application(argc, argv);
+    return Zelkor::Benchmarks::Run(argc, argv);
+}
