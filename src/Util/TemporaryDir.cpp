@@ -76,11 +76,26 @@ void PrepareTemporaryFolder(QString const& folder)
     }
 }
 
-/// A directory in \a folder, below \a systemFolder; an invalid one where that is not to be had.
+/// An object that is not valid: nothing can be made inside a device.
+std::unique_ptr<QTemporaryDir> MakeNoDirectory()
+{
+    return std::make_unique<QTemporaryDir>(QProcess::nullDevice() + QStringLiteral("/XXXXXX"));
+}
+
+/// A directory where Qt puts it. Qt would make the system's temporary folder where that is missing.
+std::unique_ptr<QTemporaryDir> MakeDefaultDirectory()
+{
+    return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<QTemporaryDir>() : MakeNoDirectory();
+}
+
+/// A directory in \a folder, which is below \a systemFolder; an invalid one where that is not to be had.
 std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& systemFolder, QString const& folder)
 {
+    if (!QFileInfo::exists(systemFolder)) {
+        return MakeNoDirectory();
+    }
     QString foreign = FindForeignFolder(systemFolder, folder);
-    if (foreign.isEmpty() && QFileInfo::exists(systemFolder)) {
+    if (foreign.isEmpty()) {
         PrepareTemporaryFolder(folder);
         foreign = FindForeignFolder(systemFolder, folder);
     }
@@ -89,8 +104,7 @@ std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& systemFolder, QStr
     }
     LOG(ERROR) << "The temporary folder is not used, this is a link or belongs to somebody else: "
                << foreign.toStdString();
-    // Nothing can be made inside a device, so the object is invalid and nothing of theirs is used.
-    return std::make_unique<QTemporaryDir>(QProcess::nullDevice() + QStringLiteral("/XXXXXX"));
+    return MakeNoDirectory();
 }
 
 } // namespace
@@ -105,7 +119,7 @@ TemporaryDir::TemporaryDir()
     {
         std::lock_guard<std::mutex> const lock(mutexDefTempDir);
         if (name.isEmpty() || version.isEmpty()) {
-            dir = std::make_unique<QTemporaryDir>();
+            dir = MakeDefaultDirectory();
             defTempDir = true;
             return;
         }

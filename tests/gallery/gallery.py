@@ -12,8 +12,10 @@ import tempfile
 
 
 def run(gallery, *arguments):
-    return subprocess.run([gallery, *map(os.fsencode, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.PIPE, timeout=120)
+    with tempfile.TemporaryDirectory() as folder:
+        own = {name: folder for name in ("HOME", "TMPDIR", "XDG_RUNTIME_DIR")}
+        return subprocess.run([gallery, *map(os.fsencode, arguments)], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, env={**os.environ, **own}, timeout=120)
 
 
 def expect(condition, message):

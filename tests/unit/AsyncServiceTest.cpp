@@ -1882,8 +1882,10 @@ void AsyncServiceTest::quitWorkerLosesNoJobThatComesAsItEnds()
             }
         };
         // From at once to about as late as the thread takes to end.
-        for (int spin = completed % 200; spin > 0; --spin) {
-            std::this_thread::yield();
+        int const delay = completed % 200 * 500; // nanoseconds
+        QElapsedTimer elapsed;
+        elapsed.start();
+        while (elapsed.nsecsElapsed() < delay) {
         }
         service.run(task);
     };

@@ -22,10 +22,14 @@ namespace Zelkor::Util
 namespace
 {
 
-// A file's own bytes, which need not be UTF-8, percent-encoded (RFC 3986, 2.1).
+// A file's own bytes, which need not be UTF-8, percent-encoded (RFC 3986, 2.1). Where the current folder is gone, a
+// relative path stays what it is.
 QString FileUri(ioPath const& path)
 {
-    QByteArray const absolute = QByteArray::fromStdString(boost::filesystem::absolute(path).native());
+    boost::system::error_code error;
+    boost::filesystem::path const start =
+        path.is_absolute() ? boost::filesystem::path() : boost::filesystem::current_path(error);
+    QByteArray const absolute = QByteArray::fromStdString((start / path).native());
     return QStringLiteral("file://") + QString::fromLatin1(absolute.toPercentEncoding("/"));
 }
 
