@@ -102,8 +102,7 @@ std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& systemFolder, QStr
     if (foreign.isEmpty()) {
         return std::make_unique<QTemporaryDir>(folder + QStringLiteral("/XXXXXX"));
     }
-    LOG(ERROR) << "The temporary folder is not used, this is a link or belongs to somebody else: "
-               << foreign.toStdString();
+    LOG(ERROR) << "The temporary folder is not used, since this is no folder of our own: " << foreign.toStdString();
     return MakeNoDirectory();
 }
 

@@ -17,7 +17,7 @@ QValidator* NewValidator(QString const& pattern, QObject* parent)
 
 QValidator* GetEmailValidator(QObject* parent)
 {
-    // "A_Z" is no slip to mend: applications rely on domain labels that begin with an underscore.
+    // "A_Z" is meant: a label of the domain may begin with an underscore, and with no other capital than these two.
     return NewValidator(QStringLiteral("[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*"
                                        "@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\\.)+"
                                        "[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?"),

@@ -21,7 +21,7 @@ namespace Util
 /// caller when that is null. GUI thread.
 ///
 /// What could still become an address is intermediate, so every address can be typed. The labels of the domain but the
-/// last may begin with an underscore, and with no capital letter but A.
+/// last may begin with an underscore, and with no capital letter but A and Z.
 ZQTUTIL_EXPORT QValidator* GetEmailValidator(QObject* parent);
 
 /// A new validator for names of files, owned by \a parent, or by the caller when that is null. GUI thread.

@@ -523,6 +523,7 @@ private Q_SLOTS:
     void removesWhatAKilledProcessLeft();
     void isMadeByManyProcessesAtOnce_data();
     void isMadeByManyProcessesAtOnce();
+    void isMadeOnManyThreadsAtOnce_data();
     void isMadeOnManyThreadsAtOnce();
 
     void refusesALink_data();
@@ -1120,11 +1121,22 @@ void TemporaryDirTest::isMadeByManyProcessesAtOnce()
     QCOMPARE(Listing(own_), QStringList());
 }
 
+void TemporaryDirTest::isMadeOnManyThreadsAtOnce_data()
+{
+    QTest::addColumn<int>("leftovers");
+    QTest::newRow("no folder yet") << -1;
+    QTest::newRow("empty folder") << 0;
+    QTest::newRow("more leftovers than are listed in one go") << 4000;
+}
+
 void TemporaryDirTest::isMadeOnManyThreadsAtOnce()
 {
-    MakeFolder(own_);
-    for (int i = 0; i < 50; ++i) {
-        MakeTree(own_ + QLatin1Char('/') + QString::number(i));
+    QFETCH(int, leftovers);
+    if (leftovers >= 0) {
+        MakeFolder(own_);
+    }
+    for (int i = 0; i < leftovers; ++i) {
+        MakeFile(own_ + QStringLiteral("/leftover %1").arg(i));
     }
     Player player(tmp_, application_ + QStringList{QStringLiteral("make on threads=16"), QStringLiteral("await")});
     QStringList names;

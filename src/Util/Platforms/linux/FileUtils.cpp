@@ -2,6 +2,7 @@
 
 #include <Util/StringUtils.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
 #include <QtCore/QUrl>
@@ -73,7 +74,9 @@ bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files)
     if (!bus.isConnected()) {
         return OpenFolder(folder);
     }
-    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(AskFileManager(folder, files)));
+    // The application's, which may end before the answer.
+    auto* const watcher =
+        new QDBusPendingCallWatcher(bus.asyncCall(AskFileManager(folder, files)), QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, folder] {
         if (watcher->isError()) {
             OpenFolder(folder);
