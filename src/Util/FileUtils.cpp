@@ -40,6 +40,16 @@ PathValidity CheckMissingFolder(QString const& path)
     return PathValidity::Valid;
 }
 
+// With a separator at its end, a link would be taken for what it leads to. Nothing else is tidied: what ".." leads to
+// is the system's to say.
+QString WithoutTrailingSeparators(QString path)
+{
+    while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/.")))) {
+        path.chop(1);
+    }
+    return path;
+}
+
 QString MessageOf(PathValidity validity)
 {
     switch (validity) {
@@ -106,8 +116,7 @@ bool TryCreateTmpFile(QString const& folder)
 void RemoveDir(QString const& folder, int days, bool removeFolderItself)
 {
     QDateTime const threshold = QDateTime::currentDateTime().addDays(-static_cast<qint64>(days));
-    // Without separators at its end: a link with one would be taken for what it leads to.
-    QString const path = QDir::cleanPath(folder);
+    QString const path = WithoutTrailingSeparators(folder);
     if (path.isEmpty() || QFileInfo(path).isSymLink() || !QDir(path).exists()) {
         return;
     }

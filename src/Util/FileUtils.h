@@ -30,7 +30,7 @@ enum class PathValidity : int {
 /// created.
 ///
 /// To find out, a file or the folder with its parents is created and removed again; with it go parents that were empty
-/// before.
+/// before. Where creating the folder fails half-way, the parents made by then stay.
 ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
 /// Whether \a path can be a destination folder; see the other IsThisPathValid().
@@ -39,7 +39,8 @@ ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 
 /// Whether this user may create files in \a folder and one can be created: checks the folder's permissions, owner and
-/// group as POSIX does (IEEE Std 1003.1, 4.5 File Access Permissions), but for root as for everybody, then tries.
+/// group as POSIX does (IEEE Std 1003.1, 4.5 File Access Permissions), then tries. Root is no exception: it may not
+/// where the folder belongs to somebody else and only its owner may write.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
 /// Whether this user can read files in \a folder, as far as the folder is concerned. Always true on macOS, where the
@@ -88,7 +89,8 @@ ZQTUTIL_EXPORT QString GetZelkorLibraryPath(QString subPath);
 /// ExploreFile(ioPath const&, std::vector<ioPath> const&).
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 
-/// Shows \a files selected in the system's file manager, or \a folder when there are none. GUI thread; returns at once.
+/// Shows \a files selected in the system's file manager, or \a folder when there are none. GUI thread; does not wait
+/// for its answer.
 ///
 /// On macOS the Finder is asked, and the result is always true. On Linux the file manager is asked over D-Bus
 /// (org.freedesktop.FileManager1); when there is none, \a folder is opened by whatever opens folders, and when that

@@ -911,6 +911,7 @@ private Q_SLOTS:
     void folderItselfIsRemovedWhenAskedAndEmpty();
     void linkToAFolderIsLeftWithAllBehindIt_data();
     void linkToAFolderIsLeftWithAllBehindIt();
+    void pathThroughALinkLeadsWhereTheSystemSays();
     void pathThatIsNoFolderIsLeftAlone_data();
     void pathThatIsNoFolderIsLeftAlone();
     void emptyPathIsNotTheCurrentFolder_data();
@@ -1915,6 +1916,18 @@ void FileUtilsFoldersTest::linkToAFolderIsLeftWithAllBehindIt()
         RemoveDir(QString::fromLatin1(path), 1, removeFolderItself);
         QCOMPARE(TreeOf(Root()), before);
     }
+}
+
+void FileUtilsFoldersTest::pathThroughALinkLeadsWhereTheSystemSays()
+{
+    MakeTree(Root(), {{"elsewhere/", Old},
+                      {"elsewhere/file", Old},
+                      {"elsewhere/folder/", Old},
+                      {"link@elsewhere/folder", Old},
+                      {"canary", Old}});
+    RemoveDir(PathAt("link/.."), 1, false);
+    QVERIFY(QFile::exists(PathAt("canary")));
+    QVERIFY(!QFile::exists(PathAt("elsewhere/file")));
 }
 
 void FileUtilsFoldersTest::pathThatIsNoFolderIsLeftAlone_data()
