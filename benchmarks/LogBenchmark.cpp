@@ -126,6 +126,11 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication const application(argc, argv);
-    return Zelkor::Benchmarks::Run(argc, argv);
+    try {
+        QCoreApplication const application(argc, argv);
+        return Zelkor::Benchmarks::Run(argc, argv);
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
 }

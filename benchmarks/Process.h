@@ -26,6 +26,7 @@ inline double InSeconds(timeval const& time)
 inline double ProcessSeconds(std::vector<std::string> command)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& word : command) {
         arguments.push_back(word.data());
     }

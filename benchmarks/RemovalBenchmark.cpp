@@ -11,6 +11,8 @@
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
 
+#include <cstdio>
+#include <exception>
 #include <string>
 
 #include <fcntl.h>
@@ -94,6 +96,11 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication const application(argc, argv);
-    return Zelkor::Benchmarks::Run(argc, argv);
+    try {
+        QCoreApplication const application(argc, argv);
+        return Zelkor::Benchmarks::Run(argc, argv);
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
 }

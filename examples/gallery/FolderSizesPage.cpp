@@ -62,7 +62,7 @@ FolderSizesPage::FolderSizesPage(QWidget* parent)
     ConnectWidgets();
     ConnectMeasurer();
     setFocusProxy(folderEdit_);
-    SetFolder(Util::QStringToUtf8(QDir::homePath()));
+    FolderSizesPage::SetFolder(Util::QStringToUtf8(QDir::homePath()));
     summaryLabel_->setText(tr("Choose a folder to see what fills it."));
     SetPhase(Phase::Idle);
 }

@@ -45,7 +45,7 @@ void ShareDelegate::paint(QPainter* painter, QStyleOptionViewItem const& option,
 
     QRect const area = item.rect.adjusted(Margin, 0, -Margin, 0);
     int const textWidth = item.fontMetrics.horizontalAdvance(FolderSizesModel::tr("%1 %").arg(QLatin1String("100.0")));
-    QRectF bar(area.left(), area.center().y() - BarHeight / 2 + 0.5, area.width() - textWidth - Margin, BarHeight);
+    QRectF bar(area.left(), area.center().y() - BarHeight / 2.0 + 0.5, area.width() - textWidth - Margin, BarHeight);
 
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);

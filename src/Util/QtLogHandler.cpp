@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <string>
-#include <utility>
 
 #include <glog/logging.h>
 
@@ -128,12 +127,12 @@ void QtLogHandler::Uninstall()
 
 void QtLogHandler::AddFilter(TextFilter filter)
 {
-    impl->textFilters.append(std::move(filter));
+    impl->textFilters.append(filter);
 }
 
 void QtLogHandler::AddFilter(FullFilter filter)
 {
-    impl->fullFilters.append(std::move(filter));
+    impl->fullFilters.append(filter);
 }
 
 void QtLogHandler::SetEnabledLogFileNameAndLineNumber(bool enabled)

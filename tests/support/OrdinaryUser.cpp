@@ -42,7 +42,7 @@ QByteArray RunAsOrdinaryUser(std::function<QByteArray()> const& work)
     close(ends[1]);
     QFile input;
     input.open(ends[0], QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
-    QByteArray const result = input.readAll();
+    QByteArray result = input.readAll();
     int status = 0;
     if (waitpid(child, &status, 0) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
         qFatal("The child process of an ordinary user failed");

@@ -47,7 +47,9 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString 
         }
         messages.unexpected += text;
     }
-    messages.next(type, context, text);
+    if (messages.next) {
+        messages.next(type, context, text);
+    }
 }
 
 void PinEnvironment(QString const& folder)

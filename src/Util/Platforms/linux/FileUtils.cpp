@@ -92,7 +92,7 @@ long long GetAvailableDiskSpace(ioPath const& path)
     if (statvfs(path.c_str(), &volume) != 0) {
         return 0;
     }
-    return static_cast<long long>(volume.f_bavail * volume.f_frsize);
+    return static_cast<long long>(volume.f_bavail) * static_cast<long long>(volume.f_frsize);
 }
 
 } // namespace Zelkor::Util

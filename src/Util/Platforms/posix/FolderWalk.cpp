@@ -34,8 +34,6 @@ FolderWalk::FolderWalk(std::string path, AfterSubfolder after)
     , after_(after)
 {}
 
-FolderWalk::~FolderWalk() = default;
-
 void FolderWalk::SubfolderLeft(int, char const*) {}
 
 void FolderWalk::Walk()

@@ -29,13 +29,13 @@ class FolderWalk
 public:
     FolderWalk(FolderWalk const&) = delete;
     FolderWalk& operator=(FolderWalk const&) = delete;
+    virtual ~FolderWalk() = default;
 
 protected:
     /// What is to be done in a folder after one of its subfolders was left.
     enum class AfterSubfolder { Nothing, Call };
 
     FolderWalk(std::string path, AfterSubfolder after);
-    virtual ~FolderWalk();
 
     /// Walks the folder at the path and everything below it.
     void Walk();

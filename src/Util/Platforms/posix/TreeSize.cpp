@@ -36,11 +36,11 @@ public:
 
     unsigned long long Total()
     {
-        if (Path().empty() || Path().find('\0') != std::string::npos) {
-            onSizeless_(Path());
-        } else if (IsFolder(AT_FDCWD, Path().c_str())) {
+        // The system reads a path up to its first NUL, and would look at another file.
+        bool const isWhole = Path().find('\0') == std::string::npos;
+        if (isWhole && IsFolder(AT_FDCWD, Path().c_str())) {
             Walk();
-        } else if (!AddFile(AT_FDCWD, Path().c_str(), total_)) {
+        } else if (!isWhole || !AddFile(AT_FDCWD, Path().c_str(), total_)) {
             onSizeless_(Path());
         }
         return total_;
