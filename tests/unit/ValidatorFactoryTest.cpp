@@ -169,7 +169,7 @@ private Q_SLOTS:
         QCOMPARE(validator->metaObject()->className(), "QRegExpValidator");
     }
 
-    void matchesByTheDocumentedPattern_data()
+    void matchesByThePattern_data()
     {
         QTest::addColumn<Factory>("create");
         QTest::addColumn<QString>("pattern");
@@ -178,7 +178,7 @@ private Q_SLOTS:
         QTest::newRow("file name") << &GetFilenameValidator << filenamePattern << 13;
     }
 
-    void matchesByTheDocumentedPattern()
+    void matchesByThePattern()
     {
         QFETCH(Factory, create);
         QFETCH(QString, pattern);
