@@ -35,6 +35,7 @@ ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
 /// Whether \a path can be a destination folder; see the other IsThisPathValid().
 ///
+/// \param path       the path that the user gave
 /// \param errorText  when it cannot, becomes the reason, translated, for the user; may be null
 ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 
@@ -57,6 +58,7 @@ ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 /// is done. What cannot be removed is passed over. Neither the depth of the tree nor the number of files that the
 /// process may open limits it.
 ///
+/// \param folder              the folder; nothing is done when it is missing, empty text or a link
 /// \param days                days; 0 removes everything, except what changes meanwhile
 /// \param removeFolderItself  whether \a folder is removed too, when nothing is left in it
 ZQTUTIL_EXPORT void RemoveDir(QString const& folder, int days, bool removeFolderItself);
