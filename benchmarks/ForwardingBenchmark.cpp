@@ -192,6 +192,7 @@ private:
 template <class Way>
 void PingPong(benchmark::State& state)
 {
+    OneCore const core;
     Rally<Way> rally;
     for (auto _ : state) {
         rally.Play();

@@ -11,6 +11,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <sched.h>
+
+#include <cstddef>
 #include <ctime>
 #include <utility>
 
@@ -30,6 +33,29 @@ double ProcessorSeconds(Work const& work)
     work();
     return now() - start;
 }
+
+/// Keeps this thread, and the threads it starts meanwhile, on one core. Threads that wait for each other in turn are then
+/// told in what each hand-over costs, not in how long an idle core takes to wake.
+class OneCore
+{
+public:
+    OneCore()
+    {
+        sched_getaffinity(0, sizeof(before_), &before_);
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(static_cast<std::size_t>(sched_getcpu()), &one);
+        sched_setaffinity(0, sizeof(one), &one);
+    }
+
+    ~OneCore() { sched_setaffinity(0, sizeof(before_), &before_); }
+
+    OneCore(OneCore const&) = delete;
+    OneCore& operator=(OneCore const&) = delete;
+
+private:
+    cpu_set_t before_;
+};
 
 /// Turns this thread's event loop until a number of things have happened on it.
 class Countdown

@@ -242,6 +242,7 @@ void RunChain(Way& way, Countdown& completions)
 template <class Way>
 void OneAfterTheOther(benchmark::State& state)
 {
+    OneCore const core;
     Way way;
     for (auto _ : state) {
         Countdown completions(ChainSize);

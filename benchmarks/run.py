@@ -123,7 +123,7 @@ JOBS = (
         (Goal("InvokeMethod", "≤", 1.60),),
     ),
     Job("Drain", "Call 100 000", "FunctorExecutionForwarder", FORWARDING, (Goal("Lean", "≤", 1.05),)),
-    Job("PingPong", "1 000 round trips between two threads", "FunctorExecutionForwarder", FORWARDING),
+    Job("PingPong", "1 000 round trips between two threads, on one core", "FunctorExecutionForwarder", FORWARDING),
     Job(
         "Batch",
         "1 000 jobs in a batch",
@@ -133,7 +133,7 @@ JOBS = (
     ),
     Job(
         "OneAfterTheOther",
-        "500 jobs one after the other",
+        "500 jobs one after the other, on one core",
         "AsyncService",
         ("PostedEvents", "ThreadPool", "ThreadWeaver", "QtConcurrent"),
         (Goal("ThreadWeaver", "<", 1), Goal("QtConcurrent", "<", 1)),
@@ -420,7 +420,8 @@ below 1.00 ours takes less.
 
 Work of one thread is told in that thread's processor time, so that other programs do not count: posting, calling,
 texts, folder walks (for `du`, the process's), loading. Two threads that work together are told in wall-clock time, which
-repeats within 30 % only; the rest does within 5 %.
+repeats within 30 % only; the rest does within 5 %. Threads that only wait for each other in turn share one core, since
+what an idle core takes to wake is neither ours nor the peers'.
 
 Functors are posted by a thread of their own while the owner waits. Every way to run jobs has one worker, kept from job
 to job. Folders and files are in the kernel's caches. A library is loaded with `RTLD_NOW` by a new process each time,
