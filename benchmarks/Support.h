@@ -34,8 +34,8 @@ double ProcessorSeconds(Work const& work)
     return now() - start;
 }
 
-/// Keeps this thread, and the threads it starts meanwhile, on one core. Threads that wait for each other in turn are then
-/// told in what each hand-over costs, not in how long an idle core takes to wake.
+/// Keeps this thread, and the threads it starts meanwhile, on one core. Threads that wait for each other in turn are
+/// then told in what each hand-over costs, not in how long an idle core takes to wake.
 class OneCore
 {
 public:
