@@ -1251,6 +1251,7 @@ void AsyncServiceTest::progressComesFromAnyThread()
     QVector<QVector<int>> values(Threads);
     Task* const task = service.post([](Reporter* reporter) {
         std::vector<std::thread> threads;
+        threads.reserve(Threads);
         for (int i = 0; i < Threads; ++i) {
             threads.emplace_back([=] {
                 for (int value = 0; value < Values; ++value) {

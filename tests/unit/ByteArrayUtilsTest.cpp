@@ -96,7 +96,8 @@ private Q_SLOTS:
     void copiesTheArrayWithoutDetachingIt()
     {
         QByteArray array("ab");
-        QByteArray const shared = array;
+        QByteArray shared;
+        shared = array;
         Bytes bytes = QByteArrayToVectorByte(array);
         bytes[0] = 'x';
         QCOMPARE(array, QByteArray("ab"));

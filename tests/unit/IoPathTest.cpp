@@ -313,7 +313,7 @@ private:
 
     ioPath makeFile(std::string const& name) const
     {
-        ioPath const path = at(name);
+        ioPath path = at(name);
         std::ofstream(path.c_str()).flush();
         return path;
     }
