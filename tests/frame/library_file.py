@@ -10,8 +10,8 @@ import tempfile
 
 LIST = pathlib.Path(__file__).resolve().parent / "exported-symbols.txt"
 
-# The compiler's own start-up function, and the link schemes of LinksUtils.
-INITIALIZERS = 2
+# The compiler's own start-up function, the link schemes of LinksUtils, the roles and the registry of ObjectsConnector.
+INITIALIZERS = 3
 POINTER_SIZE = 8
 
 

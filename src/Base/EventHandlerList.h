@@ -1,0 +1,122 @@
+#pragma once
+
+/// \file
+/// A list of observers that are told of events, from any thread.
+
+#include <boost/container/small_vector.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace Zelkor
+{
+namespace Core
+{
+
+/// Where handlers of events are registered and taken off again.
+template <class T>
+class EventPublisher
+{
+public:
+    /// Registers \a handler, which is borrowed: it stays alive until it is unregistered.
+    virtual void RegisterEventHandler(T* handler) = 0;
+
+    /// Forgets \a handler.
+    virtual void UnregisterEventHandler(T* handler) = 0;
+
+    virtual ~EventPublisher() = default;
+};
+
+/// Calls a handler at once, on the thread that publishes. The policy of EventHandlerList: any type with such an
+/// `Execute`.
+struct SyncExecutePolicy
+{
+    /// Calls \a call, which takes no argument.
+    template <class Call>
+    static void Execute(Call&& call)
+    {
+        std::forward<Call>(call)();
+    }
+};
+
+/// Handlers of type \a T, each at most once and in the order of registration, and the way to call them all.
+///
+/// \code
+/// class Player : private EventHandlerList<IPlayerObserver, SyncExecutePolicy>
+/// {
+///     void Finish() { PerformForEachEventHandler([this](IPlayerObserver* observer) { observer->OnFinished(*this); });
+///     }
+/// };
+/// \endcode
+///
+/// **Threads.** Everything may be called from any thread. Publications never overlap: a second one waits for the end of
+/// the first, unless it comes from inside it, on the same thread. Handlers are called without the lock of the list, so
+/// that other threads may register and unregister meanwhile.
+///
+/// **Changes during a publication** take effect from the next one. A handler that is unregistered while others are told
+/// is therefore still called once: it has to live until the publication ends, and so has the list.
+///
+/// \a Policy says how a handler is called; `SyncExecutePolicy` calls it at once.
+template <class T, class Policy>
+class EventHandlerList : public virtual EventPublisher<T>
+{
+public:
+    /// Appends \a handler, unless it is null or registered already.
+    void RegisterEventHandler(T* handler) override
+    {
+        if (!handler) {
+            return;
+        }
+        std::lock_guard<std::recursive_mutex> const lock(handlersMutex);
+        if (std::find(handlers.begin(), handlers.end(), handler) == handlers.end()) {
+            handlers.push_back(handler);
+        }
+    }
+
+    /// Takes \a handler off the list, if it is there; null is ignored.
+    void UnregisterEventHandler(T* handler) override
+    {
+        if (!handler) {
+            return;
+        }
+        std::lock_guard<std::recursive_mutex> const lock(handlersMutex);
+        auto const found = std::find(handlers.begin(), handlers.end(), handler);
+        if (found != handlers.end()) {
+            handlers.erase(found);
+        }
+    }
+
+    /// Calls \a f with a pointer to each handler that is registered now, in the order of registration. What a handler
+    /// throws ends the walk and passes through.
+    template <class F>
+    void PerformForEachEventHandler(F f)
+    {
+        Snapshot const registered = Registered();
+        std::lock_guard<std::recursive_mutex> const lock(executionMutex);
+        for (T* const handler : registered) {
+            Policy::Execute([&f, handler] { std::invoke(f, handler); });
+        }
+    }
+
+private:
+    /// On the stack, up to a number that few lists exceed.
+    static constexpr std::size_t UsualCount = 32;
+    using Snapshot = boost::container::small_vector<T*, UsualCount>;
+
+    Snapshot Registered()
+    {
+        std::lock_guard<std::recursive_mutex> const lock(handlersMutex);
+        return Snapshot(handlers.begin(), handlers.end());
+    }
+
+    std::vector<T*> handlers;
+    std::recursive_mutex handlersMutex;
+    std::recursive_mutex executionMutex;
+};
+
+} // namespace Core
+} // namespace Zelkor

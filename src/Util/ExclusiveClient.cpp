@@ -1,0 +1,124 @@
+#include <Util/ExclusiveClient.h>
+
+#include <Base/Throw.h>
+
+#include <stdexcept>
+
+/// The time during which a client itself drives a change, and so does not react to it. The client may end meanwhile.
+class ExclusiveClient::Changing
+{
+public:
+    explicit Changing(ExclusiveClient* changingClient)
+        : client(changingClient)
+    {
+        client->changing = true;
+    }
+
+    ~Changing()
+    {
+        if (client) {
+            client->changing = false;
+        }
+    }
+
+    Changing(Changing const&) = delete;
+    Changing& operator=(Changing const&) = delete;
+
+private:
+    QPointer<ExclusiveClient> const client;
+};
+
+ExclusiveClient::ExclusiveClient(ExclusiveService* boundService, QObject* parent)
+    : QObject(parent)
+{
+    setService(boundService);
+    // First of all connections, so that released() is out before the application hears of the reason.
+    connect(this, &ExclusiveClient::finished, this, &ExclusiveClient::released);
+    connect(this, &ExclusiveClient::intercepted, this, &ExclusiveClient::released);
+}
+
+ExclusiveClient::~ExclusiveClient()
+{
+    setService(nullptr);
+}
+
+void ExclusiveClient::setService(ExclusiveService* newService)
+{
+    QPointer<ExclusiveClient> const self(this);
+    QPointer<ExclusiveService> const next(newService);
+    if (service) {
+        disconnect(service, nullptr, this, nullptr);
+        if (isInUse()) {
+            letGo();
+        }
+    }
+    if (!self) {
+        return;
+    }
+    if (service) {
+        disconnect(service, nullptr, this, nullptr); // a slot may have bound another one meanwhile
+    }
+    service = next;
+    if (!service) {
+        return;
+    }
+    connect(service, &ExclusiveService::clientAboutToBeChanged, this, &ExclusiveClient::onClientAboutToBeChanged);
+    connect(service, &ExclusiveService::clientChanged, this, [this](QObject* client) {
+        if (client == this) {
+            Q_EMIT acquired();
+        }
+    });
+}
+
+bool ExclusiveClient::isInUse() const
+{
+    return service && service->currentClient() == this;
+}
+
+void ExclusiveClient::use()
+{
+    liveService().setClient(this);
+}
+
+void ExclusiveClient::finalize()
+{
+    if (liveService().currentClient() == this) {
+        letGo();
+    }
+}
+
+void ExclusiveClient::breakAll()
+{
+    liveService().setClient(nullptr);
+}
+
+void ExclusiveClient::onClientAboutToBeChanged(QObject* from, QObject* to)
+{
+    if (to == this || changing) {
+        return;
+    }
+    Changing const changingNow(this);
+    if (from == this) {
+        Q_EMIT intercepted();
+    } else if (to) {
+        Q_EMIT otherClientAppeared();
+    }
+}
+
+ExclusiveService& ExclusiveClient::liveService() const
+{
+    if (!service) {
+        ZELKOR_THROW(std::logic_error("ExclusiveClient use without service!"));
+    }
+    return *service;
+}
+
+void ExclusiveClient::letGo()
+{
+    QPointer<ExclusiveClient> const self(this);
+    Changing const changingNow(this);
+    service->setClient(nullptr);
+    if (self) {
+        Q_EMIT finished();
+    }
+}

@@ -1,0 +1,98 @@
+#include <Util/Model/SimpleModel/SimpleModel.h>
+
+#include <Base/EventHandlerList.h>
+
+#include <QtCore/QStringBuilder>
+
+#include <utility>
+
+namespace Zelkor::Util
+{
+
+namespace
+{
+
+/// The underscores of a uid are the folders of its icon.
+QString IconPathOf(QString const& uid)
+{
+    QString path = QLatin1String("qrc:/icons/") % uid % QLatin1String(".png");
+    path.replace(QLatin1Char('_'), QLatin1Char('/')); // there is none in what stands around the uid
+    return path;
+}
+
+} // namespace
+
+ISimpleModelObserver::~ISimpleModelObserver() = default;
+
+class ZQTUTIL_NO_EXPORT SimpleModel::Impl : public Core::EventHandlerList<ISimpleModelObserver, Core::SyncExecutePolicy>
+{
+public:
+    Impl(QStringList&& itemUids, std::function<QString(QString const&)>&& getter)
+        : uids(std::move(itemUids))
+        , titleGetter(std::move(getter))
+    {}
+
+    QStringList const uids;
+    std::function<QString(QString const&)> const titleGetter;
+};
+
+SimpleModel* SimpleModel::Create(QStringList&& uids, std::function<QString(QString const&)>&& titleGetter,
+                                 QObject* parent)
+{
+    return new SimpleModel(std::move(uids), std::move(titleGetter), parent);
+}
+
+SimpleModel::SimpleModel(QStringList&& uids, std::function<QString(QString const&)>&& titleGetter, QObject* parent)
+    : QAbstractListModel(parent)
+    , impl(std::make_unique<Impl>(std::move(uids), std::move(titleGetter)))
+{}
+
+SimpleModel::~SimpleModel() = default;
+
+int SimpleModel::rowCount(QModelIndex const& parent) const
+{
+    return parent.isValid() ? 0 : impl->uids.size();
+}
+
+QVariant SimpleModel::data(QModelIndex const& index, int role) const
+{
+    switch (role) {
+    case Uid:
+        return impl->uids.at(index.row());
+    case Title:
+        return impl->titleGetter(impl->uids.at(index.row()));
+    case IconPath:
+        return IconPathOf(impl->uids.at(index.row()));
+    default:
+        return {};
+    }
+}
+
+bool SimpleModel::setData(QModelIndex const& index, QVariant const& value, int role)
+{
+    if (index.isValid()) {
+        if (role != Click) {
+            return false;
+        }
+        QString const uid = index.data(Uid).toString(); // of the index's own model, which may stand before this one
+        impl->PerformForEachEventHandler([&uid](ISimpleModelObserver* observer) { observer->OnItemClicked(uid); });
+        return true;
+    }
+    switch (role) {
+    case RegisterObserver:
+        impl->RegisterEventHandler(value.value<ISimpleModelObserver*>());
+        return true;
+    case UnregisterObserver:
+        impl->UnregisterEventHandler(value.value<ISimpleModelObserver*>());
+        return true;
+    default:
+        return false;
+    }
+}
+
+QHash<int, QByteArray> SimpleModel::roleNames() const
+{
+    return {{Uid, "Uid"}, {Title, "Title"}, {IconPath, "IconPath"}, {Click, "Click"}};
+}
+
+} // namespace Zelkor::Util
