@@ -5,6 +5,27 @@ include(CMakePackageConfigHelpers)
 set(ZQTUTIL_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZQtUtil")
 set(ZQTUTIL_HEADER_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ZQtUtil")
 
+# Below a prefix, Qt's folder of QML modules as it lies below Qt's own: a package for that prefix is found by any program.
+function(zqtutil_qml_dir_of_qt result)
+    get_target_property(qmake Qt5::qmake IMPORTED_LOCATION)
+    foreach(name IN ITEMS QT_INSTALL_PREFIX QT_INSTALL_QML)
+        execute_process(COMMAND "${qmake}" -query ${name}
+            OUTPUT_VARIABLE ${name} OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    endforeach()
+    file(RELATIVE_PATH dir "${QT_INSTALL_PREFIX}" "${QT_INSTALL_QML}")
+    if(dir MATCHES "^\\.\\.")
+        set(dir "${CMAKE_INSTALL_LIBDIR}/qt5/qml")
+    endif()
+    set(${result} "${dir}" PARENT_SCOPE)
+endfunction()
+
+zqtutil_qml_dir_of_qt(ZQTUTIL_QML_DIR_OF_QT)
+set(ZQTUTIL_QML_INSTALL_DIR "${ZQTUTIL_QML_DIR_OF_QT}" CACHE STRING "Folder of QML modules, below the install prefix")
+if(IS_ABSOLUTE "${ZQTUTIL_QML_INSTALL_DIR}")
+    message(FATAL_ERROR "ZQTUTIL_QML_INSTALL_DIR is a path below the install prefix, not ${ZQTUTIL_QML_INSTALL_DIR}")
+endif()
+set(ZQTUTIL_QML_MODULE_DIR "${ZQTUTIL_QML_INSTALL_DIR}/Zelkor/Util")
+
 install(TARGETS ZQtUtil EXPORT ZQtUtilTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
@@ -19,9 +40,20 @@ foreach(header IN LISTS ZQTUTIL_GENERATED_HEADERS)
     install(FILES "${PROJECT_BINARY_DIR}/src/include/${header}" DESTINATION "${ZQTUTIL_HEADER_DIR}/${folder}")
 endforeach()
 
+# The plugin finds the library wherever an installed tree is moved to.
+file(RELATIVE_PATH libraries_from_module "/${ZQTUTIL_QML_MODULE_DIR}" "/${CMAKE_INSTALL_LIBDIR}")
+set(origin "$ORIGIN")
+if(APPLE)
+    set(origin "@loader_path")
+endif()
+set_target_properties(zqtutilqml PROPERTIES INSTALL_RPATH "${origin}/${libraries_from_module}")
+install(TARGETS zqtutilqml LIBRARY DESTINATION ${ZQTUTIL_QML_MODULE_DIR})
+install(FILES src/Qml/qmldir src/Qml/plugins.qmltypes DESTINATION ${ZQTUTIL_QML_MODULE_DIR})
+
 install(EXPORT ZQtUtilTargets NAMESPACE ZQtUtil:: DESTINATION ${ZQTUTIL_CMAKE_DIR})
 configure_package_config_file(cmake/ZQtUtilConfig.cmake.in "${PROJECT_BINARY_DIR}/ZQtUtilConfig.cmake"
-    INSTALL_DESTINATION ${ZQTUTIL_CMAKE_DIR})
+    INSTALL_DESTINATION ${ZQTUTIL_CMAKE_DIR}
+    PATH_VARS ZQTUTIL_QML_INSTALL_DIR)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/ZQtUtilConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES
     "${PROJECT_BINARY_DIR}/ZQtUtilConfig.cmake"

@@ -1,4 +1,5 @@
-"""Installs the build into a fresh prefix, then finds, links and runs it from outside, by CMake and by pkg-config."""
+"""Installs the build into a fresh prefix and moves it, then finds, links and runs it from outside, by CMake and by
+pkg-config: the library, and the QML module."""
 
 import argparse
 import os
@@ -16,11 +17,21 @@ def run(*command, env=None):
     return result.stdout
 
 
-def check_output(how, text):
-    expected = f"{os.path.getsize('/etc/hostname')} B"
+def check_output(how, text, expected):
     if text.strip() != expected:
         sys.exit(f"The consumer built by {how} printed {text!r}, not {expected!r}")
     print(f"{how}: {text.strip()}")
+
+
+def check_library(how, program):
+    check_output(how, run(str(program)), f"{os.path.getsize('/etc/hostname')} B")
+
+
+def check_qml(how, program, source):
+    # The package alone says where the module is.
+    env = {name: value for name, value in os.environ.items() if name != "QML2_IMPORT_PATH"}
+    output = run(str(program), str(source / "consumer.qml"), env={**env, "QML_DISABLE_DISK_CACHE": "1"})
+    check_output(f"{how}, QML", output, "Observers register with role 261")
 
 
 def main():
@@ -31,23 +42,39 @@ def main():
     source = pathlib.Path(__file__).resolve().parent.parent / "consumer"
 
     with tempfile.TemporaryDirectory() as folder:
+        installed = pathlib.Path(folder, "installed")
+        run("cmake", "--install", arguments.build_dir, "--prefix", str(installed))
         prefix = pathlib.Path(folder, "with space", "prefix")
-        run("cmake", "--install", arguments.build_dir, "--prefix", str(prefix))
+        prefix.parent.mkdir()
+        installed.rename(prefix)
 
         build = pathlib.Path(folder, "build")
         run("cmake", "-S", str(source), "-B", str(build), "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
             f"-DCMAKE_CXX_COMPILER={arguments.compiler}")
         run("cmake", "--build", str(build))
-        check_output("CMake", run(str(build / "consumer")))
+        check_library("CMake", build / "consumer")
+        check_qml("CMake", build / "qml-consumer", source)
 
         (library,) = prefix.rglob("libZQtUtil.so")
         package_folder = library.parent / "pkgconfig"
         env = dict(os.environ, PKG_CONFIG_PATH=str(package_folder))
-        options = shlex.split(run("pkg-config", "--cflags", "--libs", "zqtutil", env=env))
+
+        def pkg_config(*options):
+            return shlex.split(run("pkg-config", *options, env=env))
+
+        def compile_with(program, source_name, *options):
+            run(arguments.compiler, "-std=c++17", "-fPIC", str(source / source_name), "-o", str(program), *options)
+
         program = pathlib.Path(folder, "pkg-config-consumer")
-        run(arguments.compiler, "-std=c++17", "-fPIC", str(source / "main.cpp"), "-o", str(program), *options,
-            f"-Wl,-rpath,{library.parent}")
-        check_output("pkg-config", run(str(program)))
+        compile_with(program, "main.cpp", *pkg_config("--cflags", "--libs", "zqtutil"),
+                     f"-Wl,-rpath,{library.parent}")
+        check_library("pkg-config", program)
+
+        program = pathlib.Path(folder, "pkg-config-qml-consumer")
+        (import_dir,) = pkg_config("--variable=qmlimportdir", "zqtutil")
+        compile_with(program, "qml.cpp", f'-DQML_IMPORT_DIR="{import_dir}"',
+                     *pkg_config("--cflags", "--libs", "Qt5Qml"))
+        check_qml("pkg-config", program, source)
 
 
 main()

@@ -1,5 +1,5 @@
-"""Checks that no include runs upward or in a circle, that only the platform folders name a system, and that everything
-outside the library uses its public headers only."""
+"""Checks that no include runs upward or in a circle, that only the platform folders name a system, and that the QML
+module and everything outside the library use its public headers only."""
 
 import argparse
 import pathlib
@@ -11,12 +11,13 @@ ASKS_SYSTEM = re.compile(r"^\s*#\s*(?:el)?if.*(?:__APPLE__|__linux__|__unix__|_W
                          r"(?:__APPLE__|__linux__|__unix__|_WIN32|Q_OS_\w+)", re.MULTILINE)
 SYSTEM_HEADER = re.compile(r"^(?:sys|net|arpa|mach|objc|linux)/|^(?:unistd|dirent|fcntl|pwd|grp|dlfcn|pthread|signal)\.h$|"
                            r"^(?:AppKit|Foundation|Carbon|CoreFoundation|CoreServices|IOKit|X11|xcb)/|^QtDBus/")
-FLOORS = {"Base": 0, "WidgetKit": 1, "Util": 2}
+FLOORS = {"Base": 0, "WidgetKit": 1, "Util": 2, "Qml": 4}
+PLATFORMS_FLOOR = 3
 
 
 def floor_of(path):
     parts = pathlib.PurePath(path).parts
-    return 3 if "Platforms" in parts else FLOORS.get(parts[0])
+    return PLATFORMS_FLOOR if "Platforms" in parts else FLOORS.get(parts[0])
 
 
 def public_headers(root):
@@ -35,7 +36,7 @@ def own_includes(path):
 def library_complaints(source_root):
     for path in sources(source_root):
         name = path.relative_to(source_root).as_posix()
-        in_platforms = floor_of(name) == 3
+        in_platforms = floor_of(name) == PLATFORMS_FLOOR
         for included in own_includes(path):
             if floor_of(included) > floor_of(name):
                 yield f"{name} includes {included}, which stands above it"
@@ -70,11 +71,12 @@ def circle_complaints(source_root):
 
 def user_complaints(root):
     allowed = public_headers(root)
-    for folder in ("tests", "benchmarks", "examples"):
+    for folder in ("src/Qml", "tests", "benchmarks", "examples"):
         for path in sources(root / folder):
             for included in own_includes(path):
+                own = folder == "src/Qml" and included.startswith("Qml/")
                 platform_test = folder == "tests" and "/Platforms/" in included
-                if included not in allowed and not platform_test:
+                if included not in allowed and not own and not platform_test:
                     yield f"{path.relative_to(root)} includes {included}, which is not public"
 
 

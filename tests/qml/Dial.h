@@ -1,0 +1,42 @@
+#pragma once
+
+#include <Util/ObjectsConnector.h>
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+namespace Zelkor::Testing
+{
+
+/// An object of the application's C++ side, with a signal and a slot.
+class Dial : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int value READ Value WRITE setValue NOTIFY valueChanged)
+
+public:
+    int Value() const { return value_; }
+
+    /// Registers from C++ what QML then meets under \a ID.
+    Q_INVOKABLE void emitUnder(QString const& ID)
+    {
+        Util::ObjectsConnector::registerEmitter(ID, this, QStringLiteral("valueChanged(int)"));
+    }
+
+public Q_SLOTS:
+    void setValue(int value)
+    {
+        if (value != value_) {
+            value_ = value;
+            Q_EMIT valueChanged(value);
+        }
+    }
+
+Q_SIGNALS:
+    void valueChanged(int value);
+
+private:
+    int value_ = 0;
+};
+
+} // namespace Zelkor::Testing
