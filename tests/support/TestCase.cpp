@@ -33,8 +33,17 @@ QtMessages& Messages()
     return messages;
 }
 
+/// What the offscreen platform says of every window with a least size.
+bool IsOfThePlatform(QString const& text)
+{
+    return text == QLatin1String("This plugin does not support propagateSizeHints()");
+}
+
 void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString const& text)
 {
+    if (IsOfThePlatform(text)) {
+        return;
+    }
     QtMessages& messages = Messages();
     if (type == QtWarningMsg || type == QtCriticalMsg) {
         std::lock_guard<std::mutex> const lock(messages.guard);
