@@ -68,4 +68,22 @@
         <translation>Das angegebene Ziel ist nicht verfügbar</translation>
     </message>
 </context>
+<context>
+    <name>ValidationInputDialog</name>
+    <message>
+        <source>Input string:</source>
+        <translation>Eingabe:</translation>
+    </message>
+</context>
+<context>
+    <name>Zelkor::Util::AlertBox</name>
+    <message>
+        <source>Information</source>
+        <translation>Information</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+</context>
 </TS>

@@ -10,8 +10,9 @@ import tempfile
 
 LIST = pathlib.Path(__file__).resolve().parent / "exported-symbols.txt"
 
-# The compiler's own start-up function, the link schemes of LinksUtils, the roles and the registry of ObjectsConnector.
-INITIALIZERS = 3
+# The compiler's own start-up function, the link schemes of LinksUtils, the roles and the registry of ObjectsConnector,
+# the added fonts of FontDatabase, the main window of SpontaneousDialog.
+INITIALIZERS = 5
 POINTER_SIZE = 8
 
 

@@ -1,0 +1,8 @@
+#include <Base/ILinksOpener.h>
+
+namespace Zelkor::App
+{
+
+ILinksOpener::~ILinksOpener() = default;
+
+} // namespace Zelkor::App

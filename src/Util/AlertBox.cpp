@@ -1,0 +1,310 @@
+#include <Util/AlertBox.h>
+
+#include <Util/StyleUtils.h>
+#include <WidgetKit/WidgetUtils.h>
+
+#include <QtCore/QMap>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QStyle>
+
+#include <utility>
+
+namespace Zelkor::Util
+{
+
+namespace
+{
+
+constexpr int QuestionWidth = 300;
+
+struct LevelLook
+{
+    char const* title; // null: none
+    char const* icon;
+    MessageLevel messageLevel;
+};
+
+constexpr LevelLook LevelLooks[] = {
+    {QT_TRANSLATE_NOOP("Zelkor::Util::AlertBox", "Information"), ":/MessageBox/info_icon.png",
+     MessageLevel::Information},
+    {QT_TRANSLATE_NOOP("Zelkor::Util::AlertBox", "Error"), ":/MessageBox/error_icon.png", MessageLevel::Error},
+    {nullptr, ":/MessageBox/question_icon.png", MessageLevel::Question},
+};
+
+/// Null for a value that is no level.
+LevelLook const* LookOf(AlertBox::Level level)
+{
+    auto const index = static_cast<std::size_t>(level);
+    return index < std::size(LevelLooks) ? &LevelLooks[index] : nullptr;
+}
+
+QString StandardButtonName(QMessageBox::StandardButton button)
+{
+    static QMap<QMessageBox::StandardButton, QString> const names = {
+        {QMessageBox::Ok, QStringLiteral("Ok")},
+        {QMessageBox::Save, QStringLiteral("Save")},
+        {QMessageBox::SaveAll, QStringLiteral("SaveAll")},
+        {QMessageBox::Open, QStringLiteral("Open")},
+        {QMessageBox::Yes, QStringLiteral("Yes")},
+        {QMessageBox::YesToAll, QStringLiteral("YesToAll")},
+        {QMessageBox::No, QStringLiteral("No")},
+        {QMessageBox::NoToAll, QStringLiteral("NoToAll")},
+        {QMessageBox::Abort, QStringLiteral("Abort")},
+        {QMessageBox::Retry, QStringLiteral("Retry")},
+        {QMessageBox::Ignore, QStringLiteral("Ignore")},
+        {QMessageBox::Close, QStringLiteral("Close")},
+        {QMessageBox::Cancel, QStringLiteral("Cancel")},
+        {QMessageBox::Discard, QStringLiteral("Discard")},
+        {QMessageBox::Help, QStringLiteral("Help")},
+        {QMessageBox::Apply, QStringLiteral("Apply")},
+        {QMessageBox::Reset, QStringLiteral("Reset")},
+        {QMessageBox::RestoreDefaults, QStringLiteral("RestoreDefaults")},
+    };
+    return names.value(button, QStringLiteral("Unknown"));
+}
+
+QString ButtonRoleName(QMessageBox::ButtonRole role)
+{
+    static QMap<QMessageBox::ButtonRole, QString> const names = {
+        {QMessageBox::InvalidRole, QStringLiteral("Invalid")},
+        {QMessageBox::AcceptRole, QStringLiteral("Accept")},
+        {QMessageBox::RejectRole, QStringLiteral("Reject")},
+        {QMessageBox::DestructiveRole, QStringLiteral("Destructive")},
+        {QMessageBox::ActionRole, QStringLiteral("Action")},
+        {QMessageBox::HelpRole, QStringLiteral("Help")},
+        {QMessageBox::YesRole, QStringLiteral("Yes")},
+        {QMessageBox::NoRole, QStringLiteral("No")},
+        {QMessageBox::ResetRole, QStringLiteral("Reset")},
+        {QMessageBox::ApplyRole, QStringLiteral("Apply")},
+    };
+    return names.value(role, QStringLiteral("Unknown"));
+}
+
+void PolishAgain(QStyle* style, QWidget* widget)
+{
+    style->unpolish(widget);
+    style->polish(widget);
+}
+
+} // namespace
+
+AlertBox::AlertBox() = default;
+
+AlertBox::AlertBox(Level boxLevel, QString const& title, QString const& text, QMessageBox::StandardButtons buttons,
+                   QWidget* parent, Qt::WindowFlags flags)
+    : QMessageBox(NoIcon, title, text, buttons, parent, flags)
+    , level(boxLevel)
+{
+    SetDefaultButtonNames();
+
+    QString shownTitle = title;
+    if (shownTitle.isEmpty()) {
+        LevelLook const* const look = LookOf(level);
+        if (look && look->title) {
+            shownTitle = tr(look->title);
+        } else if (level == Question) {
+            SetWidth(QuestionWidth);
+        }
+        QMessageBox::setWindowTitle(shownTitle);
+    }
+    QWidget::setWindowTitle(shownTitle); // macOS message boxes keep their own from being set
+
+    setStyleSheet(QStringLiteral("QLabel#qt_msgbox_label { font : normal }"));
+    SetDialogSubStyle(level);
+
+    Widget::Util::installLayoutController(this);
+    if (auto* const buttonBox = findChild<QDialogButtonBox*>()) {
+        Widget::Util::installLayoutController(buttonBox);
+    }
+}
+
+AlertBox::~AlertBox() = default;
+
+int AlertBox::Exec(Level level, QString const& title, QString const& text, QMessageBox::StandardButtons buttons,
+                   QWidget* parent, Qt::WindowFlags flags)
+{
+    // Not on the stack: the parent may end, and the box with it, while it is shown.
+    QPointer<AlertBox> const box(new AlertBox(level, title, text, buttons, parent, flags));
+    box->PrepareToShow();
+    int const result = box->QDialog::exec();
+    delete box.data();
+    return result;
+}
+
+int AlertBox::Exec()
+{
+    PrepareToShow();
+    return QDialog::exec();
+}
+
+void AlertBox::Show(bool modal)
+{
+    PrepareToShow();
+    setModal(modal);
+    show();
+}
+
+void AlertBox::PrepareToShow()
+{
+    SetButtonsSubStyle();
+    UpdateDefaultIcon();
+    Repolish();
+}
+
+void AlertBox::SetWidth(int width)
+{
+    disconnect(widthConnection);
+    if (width < 0) {
+        if (widthSpacer) {
+            widthSpacer->setFixedSize(0, 0);
+            widthSpacer->deleteLater();
+            widthSpacerEnds = true;
+        }
+        return;
+    }
+    auto* const grid = qobject_cast<QGridLayout*>(layout());
+    if (!grid) {
+        return;
+    }
+    if (widthSpacerEnds) {
+        delete widthSpacer;
+        widthSpacerEnds = false;
+    }
+    if (!widthSpacer) {
+        widthSpacer = Widget::Util::createSpacer(this, QStringLiteral("widthSpacer"));
+    }
+    widthSpacer->setFixedSize(width, 0);
+    grid->addWidget(widthSpacer, grid->rowCount() - 1, 0, 1, grid->columnCount());
+    // QMessageBox makes a new grid when its contents change. What is queued is not taken back by disconnecting.
+    widthConnection = connect(
+        grid, &QObject::destroyed, this,
+        [this] {
+            if (!widthSpacerEnds) {
+                SetWidth(GetWidth());
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+int AlertBox::GetWidth() const
+{
+    return widthSpacer ? widthSpacer->width() : -1;
+}
+
+void AlertBox::SetSpacing(int spacing)
+{
+    auto const all = buttons();
+    if (all.isEmpty()) {
+        return;
+    }
+    if (auto* const row = qobject_cast<QHBoxLayout*>(all.first()->parentWidget()->layout())) {
+        row->setSpacing(spacing);
+        buttonSpacing = spacing;
+    }
+}
+
+int AlertBox::GetSpacing() const
+{
+    return buttonSpacing;
+}
+
+void AlertBox::SetUseDefaultLevelIcon(bool use)
+{
+    useDefaultLevelIcon = use;
+}
+
+bool AlertBox::GetUseDefaultLevelIcon() const
+{
+    return useDefaultLevelIcon;
+}
+
+void AlertBox::SetLearnMoreLink(QString const& link)
+{
+    setInformativeText(link);
+}
+
+void AlertBox::SetLinksOpener(std::shared_ptr<App::ILinksOpener> const& opener)
+{
+    auto const openLink = [opener](QString const& link) { opener->OpenLink(link); };
+    auto const labels = findChildren<QLabel*>();
+    for (QLabel* const label : labels) {
+        label->setOpenExternalLinks(!opener);
+        disconnect(label, &QLabel::linkActivated, nullptr, nullptr);
+        if (opener) {
+            connect(label, &QLabel::linkActivated, label, openLink, Qt::DirectConnection);
+        }
+    }
+}
+
+void AlertBox::SetDefaultButtonNames()
+{
+    auto const all = buttons();
+    for (QAbstractButton* const button : all) {
+        button->setObjectName(QStringLiteral("button%1").arg(StandardButtonName(standardButton(button))));
+    }
+}
+
+void AlertBox::SetButtonsSubStyle()
+{
+    auto const all = buttons();
+    for (QAbstractButton* const button : all) {
+        auto const apply = [button](char const* value, char const* property) {
+            ApplyWidgetStyle(button, QString::fromLatin1(value), property);
+        };
+        StandardButton const standard = standardButton(button);
+        ButtonRole const role = buttonRole(button);
+
+        if (standard == Ok || role == AcceptRole) {
+            apply("Ok", "SubStyle");
+            apply("activeButton", "styleHint");
+        } else if (standard == Yes || role == YesRole) {
+            apply("Yes", "SubStyle");
+            apply("activeButton", "styleHint");
+        }
+        if (standard == Cancel || role == RejectRole) {
+            apply("Cancel", "SubStyle");
+            apply("rejectButton", "styleHint");
+        }
+        if (standard == No) {
+            apply("rejectButton", "styleHint");
+        }
+        ApplyWidgetStyle(button, ButtonRoleName(role), "buttonRole");
+    }
+}
+
+void AlertBox::SetDialogSubStyle(Level boxLevel)
+{
+    if (LevelLook const* const look = LookOf(boxLevel)) {
+        ApplyMessageLevel(this, look->messageLevel);
+    }
+}
+
+void AlertBox::UpdateDefaultIcon()
+{
+    bool const hasIcon = !iconPixmap().isNull() || icon() != NoIcon;
+    if (useDefaultLevelIcon && !hasIcon) {
+        setIconPixmap(GetPixmapForLevel(level));
+    }
+}
+
+void AlertBox::Repolish()
+{
+    QStyle* const boxStyle = style();
+    PolishAgain(boxStyle, this);
+    auto const widgets = findChildren<QWidget*>();
+    for (QWidget* const widget : widgets) {
+        PolishAgain(boxStyle, widget);
+    }
+}
+
+QPixmap AlertBox::GetPixmapForLevel(Level level)
+{
+    LevelLook const* const look = LookOf(level);
+    return look ? QPixmap(QLatin1String(look->icon), "PNG", Qt::AutoColor) : QPixmap();
+}
+
+} // namespace Zelkor::Util

@@ -1,0 +1,104 @@
+#include <Util/HoverGroup.h>
+
+#include <QtCore/QCoreApplication>
+
+#include <utility>
+#include <vector>
+
+namespace Zelkor::Util
+{
+
+namespace
+{
+
+bool IsHover(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::Enter:
+    case QEvent::Leave:
+    case QEvent::HoverEnter:
+    case QEvent::HoverLeave:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+HoverGroup::HoverGroup(QWidget* parent)
+    : QObject(parent)
+{}
+
+void HoverGroup::addItem(QWidget* widget)
+{
+    if (!widget) {
+        return;
+    }
+    members[widget] = {widget, QEvent::None};
+    widget->setAttribute(Qt::WA_Hover);
+    widget->installEventFilter(this);
+}
+
+void HoverGroup::removeItem(QWidget* widget)
+{
+    members.erase(widget);
+}
+
+bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
+{
+    if (!IsHover(event->type())) {
+        return QObject::eventFilter(watched, event);
+    }
+    auto const hovered = members.find(static_cast<QWidget*>(watched)); // the group filters widgets only
+    if (hovered == members.end()) {
+        return QObject::eventFilter(watched, event);
+    }
+    // Before anything is sent: what the others get comes back here, and must not come back to this one.
+    hovered->second.last = event->type();
+    if (event == replayed) {
+        return QObject::eventFilter(watched, event);
+    }
+
+    QPointer<HoverGroup> const self(this);
+    QPointer<QObject> const receiver(watched);
+    QEvent const* const replayedBefore = std::exchange(replayed, event);
+    ReplayToOthers(hovered->first, event);
+    if (self) {
+        replayed = replayedBefore;
+    }
+    // Without a receiver, nobody is left whom Qt could hand the event.
+    return !receiver || (self && QObject::eventFilter(watched, event));
+}
+
+void HoverGroup::ReplayToOthers(QWidget* hovered, QEvent* event)
+{
+    std::vector<QWidget*> addresses;
+    addresses.reserve(members.size());
+    for (auto const& [address, member] : members) {
+        addresses.push_back(address);
+    }
+
+    QPointer<HoverGroup> const self(this);
+    for (QWidget* const address : addresses) {
+        auto const found = members.find(address);
+        if (address == hovered || found == members.end()) {
+            continue;
+        }
+        Member& member = found->second;
+        if (!member.widget) {
+            members.erase(found);
+            continue;
+        }
+        if (member.last == event->type()) {
+            continue;
+        }
+        member.last = event->type();
+        QCoreApplication::sendEvent(address, event);
+        if (!self) {
+            return;
+        }
+    }
+}
+
+} // namespace Zelkor::Util

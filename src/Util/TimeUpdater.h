@@ -1,0 +1,63 @@
+#pragma once
+
+/// \file
+/// A running time in a document.
+
+#include <Util/Export.h>
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+QT_BEGIN_NAMESPACE
+class QTextDocument;
+QT_END_NAMESPACE
+
+namespace Zelkor
+{
+namespace Util
+{
+
+/// Writes a running time into a text document: the time of a clip while a film is at another, forward or as what is
+/// left. All times are in milliseconds.
+///
+/// \code
+/// auto* const left = new TimeUpdater(0, clipStart, clipEnd, QStringLiteral("mm:ss"), label->document(), true);
+/// QObject::connect(player, &Player::positionChanged, left, &TimeUpdater::setCurrentTime);
+/// \endcode
+///
+/// It is owned by its document and used on the document's thread.
+class ZQTUTIL_EXPORT TimeUpdater : public QObject
+{
+    Q_OBJECT
+    /// The time it was told last, that of the input.
+    Q_PROPERTY(int currentTime READ currentTime WRITE setCurrentTime)
+
+public:
+    /// Shows times from \a outputStart on while the input runs from \a inputStart to \a inputEnd, in \a format, as
+    /// `QTime::toString()` takes it, in \a document; counting down when \a reverse is true. Nothing is written yet.
+    ///
+    /// Throws `std::invalid_argument` ("TimeUpdater use without document!") when \a document is null.
+    TimeUpdater(int outputStart, int inputStart, int inputEnd, QString const& format, QTextDocument* document,
+                bool reverse);
+
+    /// The time shown for the input's \a time: between the output's start and end, and never negative.
+    int calculateOutputTime(int time) const;
+
+    /// The input is at \a time. The document is written only when its text changes.
+    void setCurrentTime(int time);
+
+    /// The input's time that was set last; its start before that.
+    int currentTime() const;
+
+private:
+    int current;
+    int outputStart;
+    int inputStart;
+    int inputEnd;
+    QString format;
+    bool reverse;
+    QTextDocument* document;
+};
+
+} // namespace Util
+} // namespace Zelkor

@@ -1,0 +1,53 @@
+#include <WidgetKit/LayoutController.h>
+
+#include <QtCore/QEvent>
+#include <QtWidgets/QLayout>
+#include <QtWidgets/QWidget>
+
+namespace Zelkor::Widget
+{
+
+namespace
+{
+
+bool ChangesLayout(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::ChildAdded:
+    case QEvent::ChildRemoved:
+    case QEvent::FontChange:
+    case QEvent::LayoutDirectionChange:
+    case QEvent::StyleChange:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+LayoutController::LayoutController(QWidget* container)
+    : QObject(container)
+    , container_(container)
+{
+    container->installEventFilter(this);
+    Invalidate();
+}
+
+bool LayoutController::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == container_ && ChangesLayout(event->type())) {
+        Invalidate();
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void LayoutController::Invalidate()
+{
+    // What is not set is read from the style anew; Qt joins the requests of one turn of the event loop.
+    if (QLayout* const layout = container_->layout()) {
+        layout->invalidate();
+    }
+}
+
+} // namespace Zelkor::Widget

@@ -1,0 +1,348 @@
+#include <TestCase.h>
+
+#include <Util/AlertBox.h>
+
+#include <QtGui/QWindow>
+#include <QtTest/QtTest>
+#include <QtWidgets/QPushButton>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <utility>
+
+using Zelkor::Util::AlertBox;
+
+Q_DECLARE_METATYPE(QMessageBox::StandardButton)
+
+namespace
+{
+
+AlertBox* BoxOf(QWindow const* window)
+{
+    auto const widgets = QApplication::topLevelWidgets();
+    auto const found = std::find_if(widgets.begin(), widgets.end(),
+                                    [window](QWidget* each) { return each->windowHandle() == window; });
+    return found != widgets.end() ? qobject_cast<AlertBox*>(*found) : nullptr;
+}
+
+/// Does something to the next alert box that can be seen, in the event loop that runs then. When the box is still open
+/// afterwards it is closed, for no test may hang.
+class WhenShown : public QObject
+{
+public:
+    using Action = std::function<void(AlertBox& box)>;
+
+    explicit WhenShown(Action action)
+        : action_(std::move(action))
+    {
+        qApp->installEventFilter(this);
+    }
+
+    /// Null once the box is gone.
+    QPointer<AlertBox> box;
+
+    bool HasRun() const { return hasRun_; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        auto* const window = qobject_cast<QWindow*>(watched);
+        if (!hasSeen_ && window && event->type() == QEvent::Expose && window->isExposed() && BoxOf(window)) {
+            hasSeen_ = true;
+            box = BoxOf(window);
+            QMetaObject::invokeMethod(
+                this, [this] { Run(); }, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+private:
+    void Run()
+    {
+        QVERIFY(box);
+        hasRun_ = true;
+        action_(*box);
+        if (box && box->isVisible()) {
+            box->done(-1);
+        }
+    }
+
+    Action action_;
+    bool hasSeen_ = false;
+    bool hasRun_ = false;
+};
+
+void Click(QAbstractButton* button)
+{
+    QVERIFY(button);
+    QTest::mouseClick(button, Qt::LeftButton);
+}
+
+/// Clicks a button of the next alert box.
+WhenShown::Action Clicks(QMessageBox::StandardButton button)
+{
+    return [button](AlertBox& box) { Click(box.button(button)); };
+}
+
+QString Tag(QAbstractButton const* button, char const* property)
+{
+    return button ? button->property(property).toString() : QStringLiteral("no button");
+}
+
+/// A box whose virtual functions are replaced.
+class OwnBox : public AlertBox
+{
+    Q_OBJECT
+
+public:
+    using AlertBox::AlertBox;
+    using AlertBox::Exec;
+
+    QStringList calls;
+
+    int exec() override
+    {
+        calls += QStringLiteral("exec");
+        return -7;
+    }
+    int Exec() override
+    {
+        calls += QStringLiteral("Exec");
+        return AlertBox::Exec();
+    }
+    void Show(bool modal) override
+    {
+        calls += modal ? QStringLiteral("Show modal") : QStringLiteral("Show");
+        AlertBox::Show(modal);
+    }
+};
+
+int ExecBox(QMessageBox::StandardButtons buttons, QWidget* parent = nullptr)
+{
+    return AlertBox::Exec(AlertBox::Question, QStringLiteral("title"), QStringLiteral("text"), buttons, parent);
+}
+
+} // namespace
+
+class AlertBoxExecTest : public Zelkor::Testing::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void resultIsTheClickedButton_data()
+    {
+        QTest::addColumn<QMessageBox::StandardButton>("button");
+        QTest::newRow("Ok") << QMessageBox::Ok;
+        QTest::newRow("Cancel") << QMessageBox::Cancel;
+        QTest::newRow("Yes") << QMessageBox::Yes;
+        QTest::newRow("No") << QMessageBox::No;
+        QTest::newRow("RestoreDefaults") << QMessageBox::RestoreDefaults;
+    }
+
+    void resultIsTheClickedButton()
+    {
+        QFETCH(QMessageBox::StandardButton, button);
+        constexpr auto Buttons =
+            QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Yes | QMessageBox::No | QMessageBox::RestoreDefaults;
+        WhenShown const first(Clicks(button));
+        QCOMPARE(ExecBox(Buttons), static_cast<int>(button));
+
+        AlertBox box(AlertBox::Question, QStringLiteral("title"), QStringLiteral("text"), Buttons);
+        WhenShown const second(Clicks(button));
+        QCOMPARE(box.Exec(), static_cast<int>(button));
+        QCOMPARE(box.clickedButton(), box.button(button));
+    }
+
+    void resultOfACustomButtonIsItsPosition()
+    {
+        AlertBox box;
+        box.addButton(QStringLiteral("first"), QMessageBox::ActionRole);
+        QPushButton* const second = box.addButton(QStringLiteral("second"), QMessageBox::ActionRole);
+        WhenShown const shown([second](AlertBox& /*box*/) { Click(second); });
+        QCOMPARE(box.Exec(), 1);
+        QCOMPARE(box.clickedButton(), second);
+    }
+
+    void escapeIsTheButtonThatRejects()
+    {
+        WhenShown const shown([](AlertBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+        QCOMPARE(ExecBox(QMessageBox::Ok | QMessageBox::Cancel), static_cast<int>(QMessageBox::Cancel));
+    }
+
+    void boxWithoutButtonsGetsOk()
+    {
+        WhenShown const shown(Clicks(QMessageBox::Ok));
+        QCOMPARE(AlertBox::Exec(AlertBox::Information, QString(), QStringLiteral("text")),
+                 static_cast<int>(QMessageBox::Ok));
+        QVERIFY(shown.HasRun());
+    }
+
+    void staticExecShowsABoxOfItsArguments()
+    {
+        QWidget parent;
+        WhenShown const shown([&parent](AlertBox& box) {
+            QCOMPARE(box.windowTitle(), QStringLiteral("Error"));
+            QCOMPARE(box.text(), QStringLiteral("the text"));
+            QCOMPARE(box.standardButtons(), QMessageBox::Ok | QMessageBox::Cancel);
+            QCOMPARE(box.parentWidget(), &parent);
+            QVERIFY(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+            QCOMPARE(box.property("Level").toString(), QStringLiteral("Error"));
+            QCOMPARE(box.metaObject(), &AlertBox::staticMetaObject);
+            Click(box.button(QMessageBox::Ok));
+        });
+        QCOMPARE(AlertBox::Exec(AlertBox::Error, QString(), QStringLiteral("the text"),
+                                QMessageBox::Ok | QMessageBox::Cancel, &parent, Qt::Dialog | Qt::WindowStaysOnTopHint),
+                 static_cast<int>(QMessageBox::Ok));
+        QVERIFY(shown.box.isNull());
+    }
+
+    void staticExecShowsAModalTaggedBox()
+    {
+        WhenShown const shown([](AlertBox& box) {
+            QVERIFY(box.isModal());
+            QCOMPARE(QApplication::activeModalWidget(), &box);
+            QAbstractButton* const yes = box.button(QMessageBox::Yes);
+            QCOMPARE(Tag(yes, "SubStyle"), QStringLiteral("Yes"));
+            QCOMPARE(Tag(yes, "styleHint"), QStringLiteral("activeButton"));
+            QCOMPARE(Tag(yes, "buttonRole"), QStringLiteral("Yes"));
+            QCOMPARE(yes->objectName(), QStringLiteral("buttonYes"));
+            Click(yes);
+        });
+        QCOMPARE(ExecBox(QMessageBox::Yes | QMessageBox::No), static_cast<int>(QMessageBox::Yes));
+    }
+
+    void staticExecDestroysTheBox()
+    {
+        WhenShown const shown(Clicks(QMessageBox::Yes));
+        QWidget parent;
+        QCOMPARE(ExecBox(QMessageBox::Yes, &parent), static_cast<int>(QMessageBox::Yes));
+        QVERIFY(shown.HasRun());
+        QVERIFY(shown.box.isNull());
+        QVERIFY(parent.children().isEmpty());
+    }
+
+    void staticExecGivesZeroWhenTheParentGoes()
+    {
+        auto* const parent = new QWidget;
+        WhenShown const shown([parent](AlertBox& /*box*/) { delete parent; });
+        QCOMPARE(ExecBox(QMessageBox::Ok, parent), 0);
+        QVERIFY(shown.HasRun());
+        QVERIFY(shown.box.isNull());
+    }
+
+    void staticExecGivesZeroWhenTheBoxIsDestroyed()
+    {
+        WhenShown const shown([](AlertBox& box) { delete &box; });
+        QCOMPARE(ExecBox(QMessageBox::Ok), 0);
+        QVERIFY(shown.HasRun());
+    }
+
+    void execGivesZeroWhenTheParentGoes()
+    {
+        auto* const parent = new QWidget;
+        auto* const box = new AlertBox(AlertBox::Error, QString(), QStringLiteral("text"), QMessageBox::Ok, parent);
+        WhenShown const shown([parent](AlertBox& /*box*/) { delete parent; });
+        QCOMPARE(box->Exec(), 0);
+        QVERIFY(shown.HasRun());
+        QVERIFY(shown.box.isNull());
+    }
+
+    void execPreparesTheBox()
+    {
+        AlertBox box;
+        QPushButton* const ok = box.addButton(QMessageBox::Ok);
+        WhenShown const shown([&box, ok](AlertBox& shownBox) {
+            QCOMPARE(&shownBox, &box);
+            QVERIFY(box.isModal());
+            QCOMPARE(Tag(ok, "SubStyle"), QStringLiteral("Ok"));
+            Click(ok);
+        });
+        QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::Ok));
+        QVERIFY(shown.HasRun());
+        QVERIFY(!box.isVisible());
+    }
+
+    void execMayBeCalledAgain()
+    {
+        AlertBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes | QMessageBox::No);
+        {
+            WhenShown const shown(Clicks(QMessageBox::Yes));
+            QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::Yes));
+        }
+        QPushButton const* const later = box.addButton(QStringLiteral("later"), QMessageBox::RejectRole);
+        WhenShown const shown(Clicks(QMessageBox::No));
+        QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::No));
+        QCOMPARE(Tag(later, "SubStyle"), QStringLiteral("Cancel"));
+    }
+
+    void execIsVirtualAndRunsTheDialogsOwnLoop()
+    {
+        OwnBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
+        AlertBox& base = box;
+        WhenShown const shown(Clicks(QMessageBox::Yes));
+        QCOMPARE(base.Exec(), static_cast<int>(QMessageBox::Yes));
+        QCOMPARE(box.calls, (QStringList{QStringLiteral("Exec")}));
+    }
+
+    void showIsVirtual()
+    {
+        OwnBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
+        AlertBox& base = box;
+        base.Show(true);
+        base.Show(false);
+        QCOMPARE(box.calls, (QStringList{QStringLiteral("Show modal"), QStringLiteral("Show")}));
+    }
+
+    void showReturnsAtOnce_data()
+    {
+        QTest::addColumn<bool>("modal");
+        QTest::newRow("modal") << true;
+        QTest::newRow("not modal") << false;
+    }
+
+    void showReturnsAtOnce()
+    {
+        QFETCH(bool, modal);
+        AlertBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes | QMessageBox::Cancel);
+        box.Show(modal);
+        QVERIFY(box.isVisible());
+        QCOMPARE(box.isModal(), modal);
+        QCOMPARE(Tag(box.button(QMessageBox::Cancel), "styleHint"), QStringLiteral("rejectButton"));
+        Click(box.button(QMessageBox::Yes));
+        QVERIFY(!box.isVisible());
+        QCOMPARE(box.result(), static_cast<int>(QMessageBox::Yes));
+    }
+
+    void showSetsTheModalityAnew()
+    {
+        AlertBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
+        box.setModal(true);
+        box.Show(false);
+        QVERIFY(!box.isModal());
+        box.hide();
+        box.Show(true);
+        QVERIFY(box.isModal());
+    }
+
+    void shownBoxMayBeDestroyed()
+    {
+        auto box = std::make_unique<AlertBox>(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
+        box->Show(true);
+        QCOMPARE(QApplication::activeModalWidget(), box.get());
+        box.reset();
+        QCOMPARE(QApplication::activeModalWidget(), nullptr);
+    }
+
+    void shownBoxMayGoWithItsParent()
+    {
+        auto parent = std::make_unique<QWidget>();
+        QPointer<AlertBox> const box(
+            new AlertBox(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes, parent.get()));
+        box->Show(true);
+        parent.reset();
+        QVERIFY(box.isNull());
+    }
+};
+
+ZQTUTIL_WIDGET_TEST_MAIN(AlertBoxExecTest)
+#include "AlertBoxExecTest.moc"

@@ -1,0 +1,600 @@
+#include <TestCase.h>
+
+#include <Util/FixWidgetStyle.h>
+
+#include <QtTest/QtTest>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLayout>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QProxyStyle>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyleFactory>
+
+#include <memory>
+#include <type_traits>
+
+using Zelkor::Util::FixWidgetStyle;
+
+static_assert(std::is_class_v<FixWidgetStyle> && !std::is_default_constructible_v<FixWidgetStyle>);
+static_assert(!std::is_polymorphic_v<FixWidgetStyle> && std::is_empty_v<FixWidgetStyle>);
+static_assert(std::is_same_v<decltype(&FixWidgetStyle::Apply), void (*)(QWidget*)>);
+
+Q_DECLARE_METATYPE(QDialogButtonBox::StandardButton)
+
+namespace
+{
+
+/// Keeps what is polished, each with the hint that it has at that time.
+class RecordingStyle : public QProxyStyle
+{
+public:
+    RecordingStyle()
+        : QProxyStyle(QStyleFactory::create(QStringLiteral("fusion")))
+    {}
+
+    QStringList log;
+
+    using QProxyStyle::polish;
+    using QProxyStyle::unpolish;
+
+    void polish(QWidget* widget) override
+    {
+        Note(QLatin1String("polish"), widget);
+        QProxyStyle::polish(widget);
+    }
+
+    void unpolish(QWidget* widget) override
+    {
+        Note(QLatin1String("unpolish"), widget);
+        QProxyStyle::unpolish(widget);
+    }
+
+private:
+    void Note(QLatin1String operation, QWidget* widget)
+    {
+        QString action;
+        if (auto const* const menu = qobject_cast<QMenu*>(widget)) {
+            action = menu->menuAction()->objectName();
+        }
+        log += operation + QLatin1Char(' ') + widget->objectName() + QLatin1Char(' ') + action +
+               widget->property("styleHint").toString();
+    }
+};
+
+/// Keeps the order in which widgets get a property.
+class RoundedWidgets : public QObject
+{
+public:
+    RoundedWidgets() { qApp->installEventFilter(this); }
+
+    QObjectList order;
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::DynamicPropertyChange &&
+            static_cast<QDynamicPropertyChangeEvent*>(event)->propertyName() == "roundedEdges") {
+            order += watched;
+        }
+        return false;
+    }
+};
+
+bool IsMarked(QWidget const& widget)
+{
+    return widget.property("roundedEdges") == QVariant(true);
+}
+
+bool IsRounded(QWidget const& widget)
+{
+    return widget.testAttribute(Qt::WA_TranslucentBackground) &&
+           widget.windowFlags().testFlag(Qt::FramelessWindowHint) &&
+           widget.windowFlags().testFlag(Qt::NoDropShadowWindowHint);
+}
+
+bool IsSquare(QWidget const& widget)
+{
+    return !widget.testAttribute(Qt::WA_TranslucentBackground) &&
+           !widget.windowFlags().testFlag(Qt::FramelessWindowHint) &&
+           !widget.windowFlags().testFlag(Qt::NoDropShadowWindowHint);
+}
+
+QWidget* PopUpOf(QComboBox const& comboBox)
+{
+    return comboBox.view()->window();
+}
+
+QMenu* AddMenu(QWidget* parent, QString const& name)
+{
+    auto* const menu = new QMenu(parent);
+    menu->setObjectName(name);
+    return menu;
+}
+
+/// Whether \a container is laid out again when it gets a child that its layout does not know.
+bool FollowsItsChildren(QWidget& container)
+{
+    class LayoutRequests : public QObject
+    {
+    public:
+        int count = 0;
+
+        bool eventFilter(QObject* /*watched*/, QEvent* event) override
+        {
+            count += event->type() == QEvent::LayoutRequest;
+            return false;
+        }
+    } requests;
+
+    for (int i = 0; i < 10 && container.layout()->activate(); ++i) { // the text finds its height in more than one pass
+    }
+    QCoreApplication::removePostedEvents(&container, QEvent::LayoutRequest);
+    container.installEventFilter(&requests);
+    QObject const child(&container);
+    QCoreApplication::sendPostedEvents(&container, QEvent::LayoutRequest);
+    return requests.count > 0;
+}
+
+} // namespace
+
+class FixWidgetStyleTest : public Zelkor::Testing::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nullIsIgnored() { FixWidgetStyle::Apply(nullptr); }
+
+    void plainWidgetsAreLeftAlone()
+    {
+        QWidget window;
+        QLabel label(&window);
+        Qt::WindowFlags const windowFlags = window.windowFlags();
+        Qt::WindowFlags const labelFlags = label.windowFlags();
+        FixWidgetStyle::Apply(&window);
+        for (QWidget const* const widget : {static_cast<QWidget*>(&window), static_cast<QWidget*>(&label)}) {
+            QVERIFY(!widget->property("roundedEdges").isValid());
+            QVERIFY(widget->dynamicPropertyNames().isEmpty());
+            QCOMPARE(widget->objectName(), QString());
+            QVERIFY(IsSquare(*widget));
+        }
+        QCOMPARE(window.windowFlags(), windowFlags);
+        QCOMPARE(label.windowFlags(), labelFlags);
+    }
+
+    void menusOfAMenuBarAreRounded()
+    {
+        QMainWindow window;
+        QMenu* const file = window.menuBar()->addMenu(QStringLiteral("File"));
+        QMenu* const recent = file->addMenu(QStringLiteral("Recent"));
+        QMenu* const context = AddMenu(&window, QStringLiteral("context"));
+        FixWidgetStyle::Apply(&window);
+        for (QMenu const* const menu : {file, recent, context}) {
+            QVERIFY(IsMarked(*menu));
+            QVERIFY(IsRounded(*menu));
+            QCOMPARE(menu->windowType(), Qt::Popup);
+        }
+        QVERIFY(!IsMarked(*window.menuBar()));
+        QVERIFY(IsSquare(*window.menuBar()));
+        QVERIFY(IsSquare(window));
+    }
+
+    void menuAsRootIsRounded()
+    {
+        QMenu menu;
+        QMenu* const subMenu = menu.addMenu(QStringLiteral("more"));
+        FixWidgetStyle::Apply(&menu);
+        QVERIFY(IsMarked(menu) && IsRounded(menu));
+        QVERIFY(IsMarked(*subMenu) && IsRounded(*subMenu));
+    }
+
+    void menusElsewhereAreLeftAlone()
+    {
+        QWidget window;
+        QMenu const other;
+        FixWidgetStyle::Apply(&window);
+        QVERIFY(!IsMarked(other));
+        QVERIFY(IsSquare(other));
+    }
+
+    void popUpsOfComboBoxesAreRounded()
+    {
+        QWidget window;
+        auto* const inner = new QWidget(&window);
+        auto const* const comboBox = new QComboBox(inner);
+        FixWidgetStyle::Apply(&window);
+        QWidget const& popUp = *PopUpOf(*comboBox);
+        QVERIFY(&popUp != &window);
+        QVERIFY(IsMarked(popUp));
+        QVERIFY(IsRounded(popUp));
+        QVERIFY(!IsMarked(*comboBox));
+        QVERIFY(IsSquare(*comboBox));
+        QVERIFY(IsSquare(*comboBox->view()));
+        QVERIFY(IsSquare(window));
+    }
+
+    void comboBoxAsRootHasARoundedPopUp()
+    {
+        QComboBox comboBox;
+        FixWidgetStyle::Apply(&comboBox);
+        QVERIFY(IsMarked(*PopUpOf(comboBox)));
+        QVERIFY(IsRounded(*PopUpOf(comboBox)));
+        QVERIFY(!IsMarked(comboBox));
+        QVERIFY(IsSquare(comboBox));
+    }
+
+    void popUpsAreMarkedInOrderMenusFirst()
+    {
+        QWidget window;
+        QComboBox const comboBox(&window);
+        QMenu* const first = AddMenu(&window, QStringLiteral("first"));
+        QComboBox const otherBox(&window);
+        QMenu* const second = AddMenu(&window, QStringLiteral("second"));
+        RoundedWidgets const rounded;
+        FixWidgetStyle::Apply(&window);
+        QCOMPARE(rounded.order, (QObjectList{first, second, PopUpOf(comboBox), PopUpOf(otherBox)}));
+    }
+
+    void rootIsMarkedBehindItsSubMenus()
+    {
+        QMenu menu;
+        QMenu* const subMenu = menu.addMenu(QStringLiteral("more"));
+        RoundedWidgets const rounded;
+        FixWidgetStyle::Apply(&menu);
+        QCOMPARE(rounded.order, (QObjectList{subMenu, &menu}));
+    }
+
+    void menuThatWasToHaveEdgesIsRoundedAllTheSame()
+    {
+        QWidget window;
+        QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
+        menu->setProperty("roundedEdges", false);
+        FixWidgetStyle::Apply(&window);
+        QVERIFY(IsMarked(*menu) && IsRounded(*menu));
+    }
+
+    void edgesGoWithTheProperty_data()
+    {
+        QTest::addColumn<QVariant>("property");
+        QTest::addColumn<bool>("rounded");
+        QTest::newRow("unset") << QVariant() << false;
+        QTest::newRow("false") << QVariant(false) << false;
+        QTest::newRow("true") << QVariant(true) << true;
+        QTest::newRow("text true") << QVariant(QStringLiteral("true")) << true;
+        QTest::newRow("text false") << QVariant(QStringLiteral("false")) << false;
+        QTest::newRow("empty text") << QVariant(QString()) << false;
+        QTest::newRow("one") << QVariant(1) << true;
+        QTest::newRow("zero") << QVariant(0) << false;
+        QTest::newRow("neither") << QVariant(QSize(1, 1)) << false;
+    }
+
+    void edgesGoWithTheProperty()
+    {
+        QFETCH(QVariant, property);
+        QFETCH(bool, rounded);
+        QDialog window;
+        QWidget child(&window);
+        QWidget grandChild(&child);
+        for (QWidget* const widget : {static_cast<QWidget*>(&window), &child, &grandChild}) {
+            widget->setProperty("roundedEdges", property);
+        }
+        FixWidgetStyle::Apply(&window);
+        for (QWidget const* const widget : {static_cast<QWidget*>(&window), &child, &grandChild}) {
+            QVERIFY(rounded ? IsRounded(*widget) : IsSquare(*widget));
+            QCOMPARE(widget->property("roundedEdges"), property);
+        }
+        QVERIFY(!child.isWindow() && !grandChild.isWindow());
+        QCOMPARE(child.parentWidget(), &window);
+    }
+
+    void edgesOfOneWidgetAreItsOwn()
+    {
+        QWidget window;
+        QWidget rounded(&window);
+        QWidget const sibling(&window);
+        QWidget const child(&rounded);
+        rounded.setProperty("roundedEdges", true);
+        FixWidgetStyle::Apply(&window);
+        QVERIFY(IsRounded(rounded));
+        QVERIFY(IsSquare(sibling) && IsSquare(child) && IsSquare(window));
+    }
+
+    void otherFlagsOfARoundedWindowStay()
+    {
+        QDialog window(nullptr, Qt::Tool | Qt::WindowStaysOnTopHint);
+        window.setProperty("roundedEdges", true);
+        FixWidgetStyle::Apply(&window);
+        QCOMPARE(window.windowType(), Qt::Tool);
+        QVERIFY(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        QVERIFY(IsRounded(window));
+    }
+
+    void helpButtonGoesFromTheRootOnly()
+    {
+        QDialog dialog(nullptr, Qt::Dialog | Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
+        QDialog const inner(&dialog, Qt::Dialog | Qt::WindowContextHelpButtonHint);
+        QVERIFY(dialog.windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+        Qt::WindowFlags const before = dialog.windowFlags();
+        FixWidgetStyle::Apply(&dialog);
+        QCOMPARE(dialog.windowFlags(), before & ~Qt::WindowContextHelpButtonHint);
+        QVERIFY(inner.windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+    }
+
+    void visibleWindowIsHiddenByTheLossOfItsHelpButton()
+    {
+        QDialog dialog(nullptr, Qt::Dialog | Qt::WindowContextHelpButtonHint);
+        dialog.show();
+        QVERIFY(dialog.isVisible());
+        FixWidgetStyle::Apply(&dialog);
+        QVERIFY(!dialog.isVisible());
+    }
+
+    void visibleWindowWhoseFlagsDoNotChangeStays()
+    {
+        QWidget window;
+        window.show();
+        FixWidgetStyle::Apply(&window);
+        QVERIFY(window.isVisible());
+    }
+
+    void actionIsNamedAfterItsMenu_data()
+    {
+        QTest::addColumn<QString>("menuName");
+        QTest::addColumn<QString>("actionName");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("named menu") << QStringLiteral("file") << QString() << QStringLiteral("action_file");
+        QTest::newRow("unnamed menu") << QString() << QString() << QStringLiteral("action_");
+        QTest::newRow("named action") << QStringLiteral("file") << QStringLiteral("own") << QStringLiteral("own");
+        QTest::newRow("named action of an unnamed menu") << QString() << QStringLiteral("own") << QStringLiteral("own");
+        QTest::newRow("placeholder") << QStringLiteral("%1") << QString() << QStringLiteral("action_%1");
+    }
+
+    void actionIsNamedAfterItsMenu()
+    {
+        QFETCH(QString, menuName);
+        QFETCH(QString, actionName);
+        QFETCH(QString, expected);
+        QMainWindow window;
+        QMenu* const menu = window.menuBar()->addMenu(QStringLiteral("Title"));
+        QMenu* const subMenu = menu->addMenu(QStringLiteral("More"));
+        for (QMenu* const each : {menu, subMenu}) {
+            each->setObjectName(menuName);
+            each->menuAction()->setObjectName(actionName);
+        }
+        FixWidgetStyle::Apply(&window);
+        for (QMenu const* const each : {menu, subMenu}) {
+            QCOMPARE(each->menuAction()->objectName(), expected);
+            QCOMPARE(each->objectName(), menuName);
+        }
+    }
+
+    void actionOfTheRootIsNotNamed()
+    {
+        RecordingStyle style;
+        QMenu menu;
+        menu.setObjectName(QStringLiteral("root"));
+        QMenu* const subMenu = menu.addMenu(QStringLiteral("More"));
+        subMenu->setObjectName(QStringLiteral("more"));
+        menu.setStyle(&style);
+        style.log.clear();
+        FixWidgetStyle::Apply(&menu);
+        QCOMPARE(menu.menuAction()->objectName(), QString());
+        QCOMPARE(subMenu->menuAction()->objectName(), QStringLiteral("action_more"));
+        QVERIFY(style.log.isEmpty());
+    }
+
+    void otherActionsKeepTheirNames()
+    {
+        QMainWindow window;
+        QMenu* const menu = window.menuBar()->addMenu(QStringLiteral("Title"));
+        QAction const* const action = menu->addAction(QStringLiteral("Entry"));
+        FixWidgetStyle::Apply(&window);
+        QCOMPARE(action->objectName(), QString());
+    }
+
+    void menuIsPolishedOnceAfterTheNaming()
+    {
+        RecordingStyle style;
+        QWidget window;
+        QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
+        menu->setStyle(&style);
+        style.log.clear();
+        FixWidgetStyle::Apply(&window);
+        QCOMPARE(style.log,
+                 (QStringList{QStringLiteral("unpolish menu action_menu"), QStringLiteral("polish menu action_menu")}));
+    }
+
+    void menuWithANamedActionIsPolishedToo()
+    {
+        RecordingStyle style;
+        QWidget window;
+        QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
+        menu->menuAction()->setObjectName(QStringLiteral("own"));
+        menu->setStyle(&style);
+        style.log.clear();
+        FixWidgetStyle::Apply(&window);
+        QCOMPARE(style.log, (QStringList{QStringLiteral("unpolish menu own"), QStringLiteral("polish menu own")}));
+    }
+
+    void roundedEdgesOfAMenuReachItsStyleSheet()
+    {
+        QWidget window;
+        window.setStyleSheet(QStringLiteral("QMenu[roundedEdges=\"true\"] { min-width: 234px }"));
+        QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
+        menu->ensurePolished();
+        QCOMPARE(menu->minimumWidth(), 0);
+        FixWidgetStyle::Apply(&window);
+        QCOMPARE(menu->minimumWidth(), 234);
+    }
+
+    void standardButtonIsNamedAndTagged_data()
+    {
+        QTest::addColumn<QDialogButtonBox::StandardButton>("standard");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QVariant>("styleHint");
+        auto const addRow = [](char const* title, QDialogButtonBox::StandardButton standard, char const* name,
+                               char const* hint) {
+            QTest::newRow(title) << standard << QString::fromLatin1(name)
+                                 << (hint ? QVariant(QString::fromLatin1(hint)) : QVariant());
+        };
+        addRow("Ok", QDialogButtonBox::Ok, "okButton", "activeButton");
+        addRow("Cancel", QDialogButtonBox::Cancel, "cancelButton", nullptr);
+        addRow("Close", QDialogButtonBox::Close, "closeButton", nullptr);
+        addRow("Yes", QDialogButtonBox::Yes, "yesButton", nullptr);
+        addRow("No", QDialogButtonBox::No, "noButton", nullptr);
+        addRow("RestoreDefaults", QDialogButtonBox::RestoreDefaults, "restoreButton", "highlightedButton");
+        addRow("Save", QDialogButtonBox::Save, "", nullptr);
+        addRow("SaveAll", QDialogButtonBox::SaveAll, "", nullptr);
+        addRow("Open", QDialogButtonBox::Open, "", nullptr);
+        addRow("YesToAll", QDialogButtonBox::YesToAll, "", nullptr);
+        addRow("NoToAll", QDialogButtonBox::NoToAll, "", nullptr);
+        addRow("Abort", QDialogButtonBox::Abort, "", nullptr);
+        addRow("Retry", QDialogButtonBox::Retry, "", nullptr);
+        addRow("Ignore", QDialogButtonBox::Ignore, "", nullptr);
+        addRow("Discard", QDialogButtonBox::Discard, "", nullptr);
+        addRow("Help", QDialogButtonBox::Help, "", nullptr);
+        addRow("Apply", QDialogButtonBox::Apply, "", nullptr);
+        addRow("Reset", QDialogButtonBox::Reset, "", nullptr);
+    }
+
+    void standardButtonIsNamedAndTagged()
+    {
+        QFETCH(QDialogButtonBox::StandardButton, standard);
+        QFETCH(QString, name);
+        QFETCH(QVariant, styleHint);
+        QDialog dialog;
+        QDialogButtonBox const box(standard, &dialog);
+        FixWidgetStyle::Apply(&dialog);
+        QCOMPARE(box.buttons().size(), 1);
+        QCOMPARE(box.button(standard)->objectName(), name);
+        QCOMPARE(box.button(standard)->property("styleHint"), styleHint);
+    }
+
+    void ownNameOfAStandardButtonStays_data() { standardButtonIsNamedAndTagged_data(); }
+
+    void ownNameOfAStandardButtonStays()
+    {
+        QFETCH(QDialogButtonBox::StandardButton, standard);
+        QFETCH(QVariant, styleHint);
+        QDialog dialog;
+        QDialogButtonBox const box(standard, &dialog);
+        box.button(standard)->setObjectName(QStringLiteral("own"));
+        FixWidgetStyle::Apply(&dialog);
+        QCOMPARE(box.button(standard)->objectName(), QStringLiteral("own"));
+        QCOMPARE(box.button(standard)->property("styleHint"), styleHint);
+    }
+
+    void ownHintStaysOnlyWhereTheTableHasNone()
+    {
+        QDialog dialog;
+        QDialogButtonBox const box(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
+        for (QAbstractButton* const button : {box.button(QDialogButtonBox::Ok), box.button(QDialogButtonBox::Cancel)}) {
+            button->setProperty("styleHint", QStringLiteral("own"));
+        }
+        FixWidgetStyle::Apply(&dialog);
+        QCOMPARE(box.button(QDialogButtonBox::Ok)->property("styleHint").toString(), QStringLiteral("activeButton"));
+        QCOMPARE(box.button(QDialogButtonBox::Cancel)->property("styleHint").toString(), QStringLiteral("own"));
+    }
+
+    void customButtonsAreNeitherNamedNorTagged()
+    {
+        QDialog dialog;
+        QDialogButtonBox box(&dialog);
+        QPushButton const* const button = box.addButton(QStringLiteral("custom"), QDialogButtonBox::AcceptRole);
+        FixWidgetStyle::Apply(&dialog);
+        QCOMPARE(button->objectName(), QString());
+        QVERIFY(button->dynamicPropertyNames().isEmpty());
+    }
+
+    void everyButtonBoxIsFixed()
+    {
+        QDialog dialog;
+        QDialogButtonBox const first(QDialogButtonBox::Ok, &dialog);
+        auto* const outer = new QWidget(&dialog);
+        QDialogButtonBox const second(QDialogButtonBox::Ok, new QWidget(outer));
+        FixWidgetStyle::Apply(&dialog);
+        for (QDialogButtonBox const* const box : {&first, &second}) {
+            QCOMPARE(box->button(QDialogButtonBox::Ok)->objectName(), QStringLiteral("okButton"));
+            QCOMPARE(box->button(QDialogButtonBox::Ok)->property("styleHint").toString(),
+                     QStringLiteral("activeButton"));
+        }
+    }
+
+    void buttonBoxAsRootIsNotFixed()
+    {
+        QDialogButtonBox outer(QDialogButtonBox::Ok);
+        QDialogButtonBox const inner(QDialogButtonBox::Ok, &outer);
+        FixWidgetStyle::Apply(&outer);
+        QCOMPARE(outer.button(QDialogButtonBox::Ok)->objectName(), QString());
+        QVERIFY(!FollowsItsChildren(outer));
+        QCOMPARE(inner.button(QDialogButtonBox::Ok)->objectName(), QStringLiteral("okButton"));
+    }
+
+    void buttonBoxFollowsItsChildren()
+    {
+        QDialog dialog;
+        QDialogButtonBox box(QDialogButtonBox::Ok, &dialog);
+        QVERIFY(!FollowsItsChildren(box));
+        FixWidgetStyle::Apply(&dialog);
+        QVERIFY(FollowsItsChildren(box));
+    }
+
+    void buttonsArePolishedForTheirHintAndOnceMore()
+    {
+        RecordingStyle style;
+        QDialog dialog;
+        QDialogButtonBox box(QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::RestoreDefaults,
+                             &dialog);
+        QPushButton* const custom = box.addButton(QStringLiteral("custom"), QDialogButtonBox::ActionRole);
+        custom->setObjectName(QStringLiteral("custom"));
+        QStringList expected{QStringLiteral("unpolish okButton activeButton"),
+                             QStringLiteral("polish okButton activeButton"),
+                             QStringLiteral("unpolish restoreButton highlightedButton"),
+                             QStringLiteral("polish restoreButton highlightedButton")};
+        auto const buttons = box.buttons();
+        for (QAbstractButton* const button : buttons) {
+            button->setStyle(&style);
+            QString const state = button == box.button(QDialogButtonBox::Ok) ? QStringLiteral("okButton activeButton")
+                                  : button == box.button(QDialogButtonBox::Cancel) ? QStringLiteral("cancelButton ")
+                                  : button == custom                               ? QStringLiteral("custom ")
+                                                     : QStringLiteral("restoreButton highlightedButton");
+            expected << QStringLiteral("unpolish ") + state << QStringLiteral("polish ") + state;
+        }
+        style.log.clear();
+        FixWidgetStyle::Apply(&dialog);
+        QCOMPARE(style.log, expected);
+    }
+
+    void nameOfAButtonReachesItsStyleSheet()
+    {
+        QDialog dialog;
+        dialog.setStyleSheet(QStringLiteral("QPushButton#cancelButton { min-width: 234px }"));
+        QDialogButtonBox const box(QDialogButtonBox::Cancel, &dialog);
+        QPushButton const* const cancel = box.button(QDialogButtonBox::Cancel);
+        cancel->ensurePolished();
+        QVERIFY(cancel->minimumWidth() < 234);
+        FixWidgetStyle::Apply(&dialog);
+        QVERIFY(cancel->minimumWidth() >= 234);
+    }
+
+    void secondPassChangesNothing()
+    {
+        QDialog dialog;
+        QDialogButtonBox const box(QDialogButtonBox::Ok, &dialog);
+        QMenu* const menu = AddMenu(&dialog, QStringLiteral("menu"));
+        FixWidgetStyle::Apply(&dialog);
+        menu->setObjectName(QStringLiteral("renamed"));
+        Qt::WindowFlags const flags = menu->windowFlags();
+        FixWidgetStyle::Apply(&dialog);
+        QCOMPARE(menu->menuAction()->objectName(), QStringLiteral("action_menu"));
+        QCOMPARE(menu->windowFlags(), flags);
+        QCOMPARE(box.button(QDialogButtonBox::Ok)->objectName(), QStringLiteral("okButton"));
+    }
+};
+
+ZQTUTIL_WIDGET_TEST_MAIN(FixWidgetStyleTest)
+#include "FixWidgetStyleTest.moc"
