@@ -46,6 +46,13 @@ set(ZQTUTIL_PUBLIC_HEADERS
     Util/VersionUtils.h
     Util/WindowUtils.h)
 
+if(ZQTUTIL_PLATFORM STREQUAL mac)
+    list(APPEND ZQTUTIL_PUBLIC_HEADERS
+        Base/SystemVersion.h
+        Util/AutoLauncher.h
+        Util/MediaUtils.h)
+endif()
+
 # Made by the build.
 set(ZQTUTIL_GENERATED_HEADERS
     Base/Export.h)

@@ -1,0 +1,19 @@
+#pragma once
+
+/// \file
+/// The version of the running system.
+
+#include <Base/Export.h>
+#include <Base/Version.h>
+
+namespace Zelkor
+{
+namespace Core
+{
+
+/// The version of the operating system: of macOS 10.13.6, say, or of the distribution as its os-release file tells it.
+/// All parts are not given when the system does not say. Any thread.
+ZQTUTIL_EXPORT Version GetSystemVersion();
+
+} // namespace Core
+} // namespace Zelkor

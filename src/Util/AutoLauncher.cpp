@@ -1,0 +1,8 @@
+#include <Util/AutoLauncher.h>
+
+namespace Zelkor::Util
+{
+
+IAutoLauncher::~IAutoLauncher() = default;
+
+} // namespace Zelkor::Util

@@ -1,0 +1,62 @@
+#pragma once
+
+/// \file
+/// Starting the application when the user logs in.
+
+#include <Util/Export.h>
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <memory>
+
+namespace Zelkor
+{
+namespace Util
+{
+
+/// Starts applications when the user logs in. An application is named by an identifier of four parts joined by "_":
+/// maker, product, version and flavour, as in "Zelkor_Studio_3.1.2_Agent".
+///
+/// \code
+/// auto const launcher = GetAutoLauncherImpl(AutoLauncherImplType::Default);
+/// if (!launcher->IsInStartup(identifier)) {
+///     launcher->AddToStartup(identifier, QCoreApplication::applicationFilePath(), {QStringLiteral("--hidden")});
+/// }
+/// \endcode
+///
+/// What it tells is read from the system at each call. Used on one thread at a time, normally the GUI thread.
+class ZQTUTIL_EXPORT IAutoLauncher
+{
+public:
+    virtual ~IAutoLauncher();
+
+    /// Whether the application \a identifier is started at login.
+    virtual bool IsInStartup(QString const& identifier) = 0;
+
+    /// Has the application \a identifier started at login: the executable at \a executablePath with \a arguments. False
+    /// when the system refuses, which is logged.
+    ///
+    /// On macOS a helper that the main bundle carries for the \a identifier in "Contents/Library/LoginItems" becomes a
+    /// login item; path and arguments count only when there is none, for a launch agent.
+    virtual bool AddToStartup(QString const& identifier, QString const& executablePath,
+                              QStringList const& arguments) = 0;
+
+    /// Has the application \a identifier started at login no more. False when it was not, or when the system refuses.
+    virtual bool RemoveFromStartup(QString const& identifier) = 0;
+
+    /// The identifiers of the maker's applications that are started at login. On macOS, one that is a login item and a
+    /// launch agent is there twice.
+    virtual QStringList GetStartupApplications() = 0;
+};
+
+/// Which implementation to take.
+enum class AutoLauncherImplType : int {
+    Default ///< that of the system
+};
+
+/// A new launcher of the system's kind, whatever the \a type. GUI thread.
+ZQTUTIL_EXPORT std::shared_ptr<IAutoLauncher> GetAutoLauncherImpl(AutoLauncherImplType type);
+
+} // namespace Util
+} // namespace Zelkor

@@ -1,0 +1,38 @@
+#include <Util/Platforms/mac/LaunchAgent.h>
+
+#include <QtCore/QStringList>
+
+namespace Zelkor::Util
+{
+
+namespace
+{
+
+constexpr int IdentifierParts = 4;
+
+} // namespace
+
+QString LaunchAgentFileName(QString const& identifier)
+{
+    QStringList const parts = identifier.split(QLatin1Char('_'));
+    if (parts.size() != IdentifierParts) {
+        return {};
+    }
+    QString const majorVersion = parts[2].section(QLatin1Char('.'), 0, 0);
+    return QLatin1String("com.") + parts[0].toLower() + QLatin1Char('.') + parts[1].toLower() + majorVersion +
+           QLatin1Char('.') + parts[3].toLower() + QLatin1String(".startup.plist");
+}
+
+QRegularExpression LoadedJobPattern(QString const& label)
+{
+    return QRegularExpression(label + QLatin1String("(\n|$)"));
+}
+
+QString BundlePathOf(QString const& executablePath)
+{
+    static QRegularExpression const insideBundle(QStringLiteral("/Contents.*"));
+    QString path = executablePath;
+    return path.remove(path.lastIndexOf(insideBundle), path.size() + 1);
+}
+
+} // namespace Zelkor::Util

@@ -1,0 +1,140 @@
+#include <Util/Platforms/mac/LaunchctlStartupImpl.h>
+
+#include <Util/Platforms/mac/LaunchAgent.h>
+#include <Util/Platforms/mac/SystemSettings.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QMap>
+#include <QtCore/QProcess>
+#include <QtCore/QSettings>
+#include <QtCore/QVariant>
+
+#include <glog/logging.h>
+
+#import <Foundation/Foundation.h>
+
+namespace Zelkor::Util
+{
+
+namespace
+{
+
+// Where these two records stand in the log since the first releases, whatever moves above them: support searches for
+// them.
+constexpr int ListingFailedLine = 63;
+constexpr int InvalidIdentifierLine = 120;
+
+QString GetAppsFromLaunchctl()
+{
+    @autoreleasepool {
+        @try {
+            NSPipe* const pipe = [NSPipe pipe];
+            NSFileHandle* const output = [pipe fileHandleForReading];
+            NSTask* const task = [[[NSTask alloc] init] autorelease];
+            [task setLaunchPath:@"/bin/launchctl"];
+            [task setArguments:[NSArray arrayWithObject:@"list"]];
+            [task setStandardOutput:pipe];
+            [task launch];
+            NSData* const data = [output readDataToEndOfFile];
+            NSString* const list = [[[NSString alloc] initWithData:data encoding:NSUTF8StringEncoding] autorelease];
+            [output closeFile];
+            return QString::fromNSString(list);
+        } @catch (NSException* exception) {
+            google::LogMessage(__FILE__, ListingFailedLine, google::GLOG_ERROR).stream()
+                << __PRETTY_FUNCTION__
+                << ": Exception while launchctl running: " << QString::fromNSString([exception reason]).toStdString();
+            return QString();
+        }
+    }
+}
+
+QDir AgentsFolder()
+{
+    return QDir(QDir(QDir::homePath()).absoluteFilePath(QStringLiteral("Library/LaunchAgents/")));
+}
+
+void WriteAgent(QString const& path, QString const& label, QStringList const& command)
+{
+    QSettings plist(path, PropertyListFormat());
+    plist.setValue(QStringLiteral("RunAtLoad"), true);
+    plist.setValue(QStringLiteral("KeepAlive"), false);
+    plist.setValue(QStringLiteral("Label"), label);
+    plist.setValue(QStringLiteral("ProgramArguments"), command);
+    plist.sync();
+}
+
+bool StartLaunchctl(QString const& verb, QString const& path)
+{
+    return QProcess::startDetached(QStringLiteral("launchctl"), {verb, QStringLiteral("-w"), path});
+}
+
+} // namespace
+
+class LaunchctlStartupImpl::Impl
+{
+public:
+    QMap<QString, QString> paths; // of the property lists, by label
+};
+
+LaunchctlStartupImpl::LaunchctlStartupImpl()
+    : impl(std::make_unique<Impl>())
+{}
+
+LaunchctlStartupImpl::~LaunchctlStartupImpl() = default;
+
+void LaunchctlStartupImpl::UpdatePlistList()
+{
+    impl->paths.clear();
+    QDir const folder = AgentsFolder();
+    auto const names = folder.entryList({QStringLiteral("*.plist")}, QDir::NoFilter, QDir::Unsorted);
+    for (QString const& name : names) {
+        QString const path = folder.absoluteFilePath(name);
+        QSettings const plist(path, PropertyListFormat());
+        impl->paths.insert(plist.value(QStringLiteral("Label")).toString(), path);
+    }
+}
+
+bool LaunchctlStartupImpl::IsInStartup(QString const& appId) const
+{
+    return GetAppsFromLaunchctl().contains(LoadedJobPattern(appId));
+}
+
+QStringList LaunchctlStartupImpl::GetAppsInStartup() const
+{
+    QString const jobs = GetAppsFromLaunchctl();
+    QStringList loaded;
+    for (auto agent = impl->paths.keyBegin(); agent != impl->paths.keyEnd(); ++agent) {
+        if (jobs.contains(LoadedJobPattern(*agent))) {
+            loaded.append(*agent);
+        }
+    }
+    return loaded;
+}
+
+bool LaunchctlStartupImpl::AddToStartup(QString const& appId, QString const& executablePath,
+                                        QStringList const& arguments)
+{
+    auto const known = impl->paths.constFind(appId);
+    if (known == impl->paths.constEnd() || !QFile::exists(*known)) {
+        QString const name = LaunchAgentFileName(appId);
+        if (name.isNull()) {
+            google::LogMessage(__FILE__, InvalidIdentifierLine, google::GLOG_WARNING).stream()
+                << __PRETTY_FUNCTION__ << ": Invalid application identificator.";
+            return false;
+        }
+        QString const path = AgentsFolder().absoluteFilePath(name);
+        QStringList const command = {QStringLiteral("open"), BundlePathOf(executablePath), QStringLiteral("--args")};
+        WriteAgent(path, appId, command + arguments);
+        impl->paths.insert(appId, path);
+    }
+    return StartLaunchctl(QStringLiteral("load"), impl->paths.value(appId));
+}
+
+bool LaunchctlStartupImpl::RemoveFromStartup(QString const& appId) const
+{
+    auto const known = impl->paths.constFind(appId);
+    return known != impl->paths.constEnd() && StartLaunchctl(QStringLiteral("unload"), *known);
+}
+
+} // namespace Zelkor::Util

@@ -1,0 +1,56 @@
+#include <Util/Platforms/mac/LoginItem.h>
+
+#include <QtCore/QStringList>
+
+namespace Zelkor::Util
+{
+
+namespace
+{
+
+constexpr int LeastBundleIdentifierParts = 3;
+constexpr int VersionDots = 2;
+// Contents, Library, LoginItems, the item, and nothing behind the last slash.
+constexpr int PartsInsideMainBundle = 5;
+constexpr int HelperPart = 3;
+
+} // namespace
+
+QString BundleIdentifierPart(QString const& bundleIdentifier, int index)
+{
+    QStringList const parts = bundleIdentifier.split(QLatin1Char('.'));
+    return parts.size() < LeastBundleIdentifierParts ? QString() : parts.value(index);
+}
+
+QString CompletedBundleVersion(QString const& version)
+{
+    return version.count(QLatin1Char('.')) < VersionDots ? version + QLatin1String(".0") : version;
+}
+
+QString ProductWithoutMajorVersion(QString const& product, QString const& version)
+{
+    QString const majorVersion = version.section(QLatin1Char('.'), 0, 0);
+    return product.endsWith(majorVersion) ? QString(product).remove(majorVersion) : product;
+}
+
+QString MainBundlePathOf(QString const& itemPath)
+{
+    QStringList const parts = itemPath.split(QLatin1Char('/'));
+    QString path;
+    for (int i = 0; i < parts.size() - PartsInsideMainBundle; ++i) {
+        path += parts[i] + QLatin1Char('/');
+    }
+    return path;
+}
+
+QString PathOfUrlText(QString const& url, bool namesLocalhost)
+{
+    return QString(url).remove(namesLocalhost ? QLatin1String("file://localhost") : QLatin1String("file://"));
+}
+
+QString HelperProductOf(QString const& identifier)
+{
+    return identifier.split(QLatin1Char('_')).value(HelperPart);
+}
+
+} // namespace Zelkor::Util

@@ -1,0 +1,213 @@
+#include <Util/Platforms/mac/LoginItemStartupImpl.h>
+
+#include <Base/SystemVersion.h>
+#include <Util/Platforms/mac/CoreFoundationOwner.h>
+#include <Util/Platforms/mac/LoginItem.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QMap>
+#include <QtCore/QUrl>
+
+#include <CoreServices/CoreServices.h>
+
+namespace Zelkor::Util
+{
+
+namespace
+{
+
+using Bundle = CoreFoundationOwner<CFBundleRef>;
+using LoginItems = CoreFoundationOwner<LSSharedFileListRef>;
+using Url = CoreFoundationOwner<CFURLRef>;
+
+/// What is read from a bundle; the first two are the places in its identifier.
+enum InfoParameter { Maker = 1, Product = 2, BundleVersion = 3 };
+
+QString GetQStringFromCFURL(CFURLRef url)
+{
+    bool const namesLocalhost = Core::GetSystemVersion() < Core::Version(10, 9);
+    return PathOfUrlText(QUrl::fromCFURL(url).toString(), namesLocalhost);
+}
+
+QString GetIdentifierParameterFromBundle(CFBundleRef bundle, InfoParameter parameter)
+{
+    CFStringRef const identifier = CFBundleGetIdentifier(bundle);
+    return identifier ? BundleIdentifierPart(QString::fromCFString(identifier), parameter) : QString();
+}
+
+QString GetVersionFromBundle(CFBundleRef bundle)
+{
+    CFTypeRef const version = CFBundleGetValueForInfoDictionaryKey(bundle, kCFBundleVersionKey);
+    bool const isText = version && CFGetTypeID(version) == CFStringGetTypeID();
+    return CompletedBundleVersion(isText ? QString::fromCFString(static_cast<CFStringRef>(version)) : QString());
+}
+
+QString GetBundleInfo(Bundle const& bundle, InfoParameter parameter)
+{
+    if (!bundle) {
+        return {};
+    }
+    switch (parameter) {
+    case Maker:
+    case Product:
+        return GetIdentifierParameterFromBundle(bundle.Get(), parameter);
+    case BundleVersion:
+        return GetVersionFromBundle(bundle.Get());
+    }
+    return {};
+}
+
+Url CreateFolderUrl(QString const& path)
+{
+    CoreFoundationOwner<CFStringRef> const text(path.toCFString());
+    return Url(CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.Get(), kCFURLPOSIXPathStyle, true));
+}
+
+Bundle CreateBundle(Url const& url)
+{
+    return Bundle(url ? CFBundleCreate(kCFAllocatorDefault, url.Get()) : nullptr);
+}
+
+LoginItems CreateLoginItems()
+{
+    return LoginItems(LSSharedFileListCreate(kCFAllocatorDefault, kLSSharedFileListSessionLoginItems, nullptr));
+}
+
+Url Resolve(LSSharedFileListItemRef item)
+{
+    CFURLRef url = nullptr;
+    OSStatus const status = LSSharedFileListItemResolve(item, 0, &url, nullptr);
+    Url resolved(url);
+    return status == noErr ? std::move(resolved) : Url();
+}
+
+/// Calls \a visit with each of \a items and its URL, in order, until it returns true; items that lead nowhere are left
+/// out.
+template <class Visit>
+void VisitItems(LoginItems const& items, Visit const& visit)
+{
+    UInt32 seed = 0;
+    CoreFoundationOwner<CFArrayRef> const snapshot(LSSharedFileListCopySnapshot(items.Get(), &seed));
+    CFIndex const count = snapshot ? CFArrayGetCount(snapshot.Get()) : 0;
+    for (CFIndex i = 0; i < count; ++i) {
+        auto const item =
+            static_cast<LSSharedFileListItemRef>(const_cast<void*>(CFArrayGetValueAtIndex(snapshot.Get(), i)));
+        Url const url = Resolve(item);
+        if (url && visit(item, url)) {
+            return;
+        }
+    }
+}
+
+/// The identifier under which an application knows the login item at \a url; null for another maker's.
+QString IdentifierOf(Url const& url, QString const& maker)
+{
+    Bundle const item = CreateBundle(url);
+    if (!item || GetBundleInfo(item, Maker) != maker) {
+        return {};
+    }
+    Bundle const application = CreateBundle(CreateFolderUrl(MainBundlePathOf(GetQStringFromCFURL(url.Get()))));
+    if (!application) {
+        return {};
+    }
+    QString const version = GetBundleInfo(application, BundleVersion);
+    QString const product = ProductWithoutMajorVersion(GetBundleInfo(application, Product), version);
+    return QStringList{maker, product, version, GetBundleInfo(item, Product)}.join(QLatin1Char('_'));
+}
+
+/// The folder of the helper \a product in the main bundle, with "/" at its end; empty when there is none.
+QString HelperPath(QString const& product)
+{
+    Url const mainBundle(CFBundleCopyBundleURL(CFBundleGetMainBundle()));
+    QString const folder = GetQStringFromCFURL(mainBundle.Get()) + QLatin1String("Contents/Library/LoginItems/");
+    auto const names = QDir(folder).entryList({QStringLiteral("*.app")}, QDir::AllEntries, QDir::Unsorted);
+    for (QString const& name : names) {
+        QString const path = folder + name;
+        if (GetBundleInfo(CreateBundle(CreateFolderUrl(path)), Product) == product) {
+            return path + QLatin1Char('/');
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+class LoginItemStartupImpl::Impl
+{
+public:
+    QMap<QString, QString> paths; // of the items' bundles, by identifier
+};
+
+LoginItemStartupImpl::LoginItemStartupImpl()
+    : impl(std::make_unique<Impl>())
+{}
+
+LoginItemStartupImpl::~LoginItemStartupImpl() = default;
+
+void LoginItemStartupImpl::UpdateStartupItems(QString const& filter)
+{
+    impl->paths.clear();
+    LoginItems const items = CreateLoginItems();
+    if (!items) {
+        return;
+    }
+    VisitItems(items, [this, &filter](LSSharedFileListItemRef, Url const& url) {
+        QString const identifier = IdentifierOf(url, filter);
+        if (!identifier.isNull()) {
+            impl->paths.insert(identifier, GetQStringFromCFURL(url.Get()));
+        }
+        return false;
+    });
+}
+
+bool LoginItemStartupImpl::IsInStartup(QString const& appId) const
+{
+    return impl->paths.contains(appId);
+}
+
+QStringList LoginItemStartupImpl::GetItemsAtStartup() const
+{
+    return impl->paths.keys();
+}
+
+bool LoginItemStartupImpl::AddToLoginItems(QString const& appId) const
+{
+    if (impl->paths.contains(appId)) {
+        return true;
+    }
+    QString const helper = HelperPath(HelperProductOf(appId));
+    if (helper.isEmpty()) {
+        return false;
+    }
+    LoginItems const items = CreateLoginItems();
+    if (!items) {
+        return false;
+    }
+    Url const url = CreateFolderUrl(helper);
+    CoreFoundationOwner<LSSharedFileListItemRef> const inserted(LSSharedFileListInsertItemURL(
+        items.Get(), kLSSharedFileListItemLast, nullptr, nullptr, url.Get(), nullptr, nullptr));
+    return static_cast<bool>(inserted);
+}
+
+bool LoginItemStartupImpl::RemoveFromLoginItems(QString const& appId) const
+{
+    QString const path = impl->paths.value(appId);
+    if (path.isEmpty()) {
+        return false;
+    }
+    LoginItems const items = CreateLoginItems();
+    if (!items) {
+        return false;
+    }
+    bool removed = false;
+    VisitItems(items, [&](LSSharedFileListItemRef item, Url const& url) {
+        if (GetQStringFromCFURL(url.Get()) != path) {
+            return false;
+        }
+        removed = LSSharedFileListItemRemove(items.Get(), item) == noErr;
+        return true;
+    });
+    return removed;
+}
+
+} // namespace Zelkor::Util
