@@ -1,0 +1,151 @@
+#include "Bundles.h"
+#include "Launchctl.h"
+
+#include <LogCapture.h>
+#include <TestBed.h>
+#include <TestCase.h>
+
+#include <Util/AutoLauncher.h>
+
+#include <QtTest/QtTest>
+
+#include <memory>
+#include <type_traits>
+
+using Zelkor::Testing::Bundles;
+using Zelkor::Testing::Launchctl;
+using Zelkor::Testing::LogCapture;
+using Zelkor::Util::AutoLauncherImplType;
+using Zelkor::Util::GetAutoLauncherImpl;
+using Zelkor::Util::IAutoLauncher;
+namespace TestBed = Zelkor::TestBed;
+
+static_assert(std::is_abstract_v<IAutoLauncher> && std::has_virtual_destructor_v<IAutoLauncher>);
+
+namespace
+{
+
+QString const Identifier = QStringLiteral("zelkor_Studio_3.1.0_Agent");
+QString const Executable = QStringLiteral("/Applications/X.app/Contents/MacOS/X");
+
+QDir AgentsFolder()
+{
+    return QDir(QDir::homePath() + QStringLiteral("/Library/LaunchAgents/"));
+}
+
+} // namespace
+
+class AutoLauncherTest : public Zelkor::Testing::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void addsALoginItemFirst()
+    {
+        MakeStudio();
+        QVERIFY(!launcher_->IsInStartup(Identifier));
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {QStringLiteral("--ignored")}));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 1);
+        QCOMPARE(AgentsFolder().entryList(QDir::Files), QStringList());
+        QVERIFY(launcher_->IsInStartup(Identifier));
+        QCOMPARE(launcher_->GetStartupApplications(), QStringList{Identifier});
+
+        QVERIFY(launcher_->RemoveFromStartup(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 0);
+        QVERIFY(!launcher_->IsInStartup(Identifier));
+        QCOMPARE(launchctl_->Calls(), QString());
+    }
+
+    void addsALaunchAgentOtherwise()
+    {
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {QStringLiteral("--hidden")}));
+        QStringList const files = AgentsFolder().entryList(QDir::Files);
+        QCOMPARE(files, QStringList{QStringLiteral("com.zelkor.studio3.agent.startup.plist")});
+        QTRY_COMPARE(launchctl_->Calls(),
+                     QStringLiteral("load|-w|%1|").arg(AgentsFolder().absoluteFilePath(files.first())));
+        QVERIFY(!launcher_->IsInStartup(Identifier)); // launchctl does not list it yet
+
+        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
+        QVERIFY(launcher_->IsInStartup(Identifier));
+        QCOMPARE(launcher_->GetStartupApplications(), QStringList{Identifier});
+        QVERIFY(launcher_->RemoveFromStartup(Identifier));
+        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("unload|-w|")), 1);
+    }
+
+    void listsWhatIsBothTwice()
+    {
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("load|")), 1);
+        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
+        MakeStudio();
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, Identifier}));
+    }
+
+    void failsWhenBothDo()
+    {
+        {
+            LogCapture const log;
+            QVERIFY(!launcher_->AddToStartup(QStringLiteral("three_parts_only"), Executable, {}));
+            QCOMPARE(log.Texts().size(), 1);
+        }
+        QVERIFY(!launcher_->RemoveFromStartup(Identifier));
+    }
+
+    void readsTheMakersItemsOnly()
+    {
+        bundles_->Make(QStringLiteral("O.app"), QStringLiteral("com.other.Studio"), QStringLiteral("1.0.0"));
+        TestBed::AddLoginItem(bundles_->Make(QStringLiteral("O.app/Contents/Library/LoginItems/H.app"),
+                                             QStringLiteral("com.other.Agent"), QStringLiteral("1")));
+        QCOMPARE(launcher_->GetStartupApplications(), QStringList());
+    }
+
+    void isTheSameWhateverIsAskedFor()
+    {
+        MakeStudio();
+        for (int const type : {0, 1, 99}) {
+            auto const launcher = GetAutoLauncherImpl(static_cast<AutoLauncherImplType>(type));
+            QVERIFY(launcher->AddToStartup(Identifier, Executable, {}));
+            QVERIFY(launcher->IsInStartup(Identifier));
+            QVERIFY(launcher->RemoveFromStartup(Identifier));
+        }
+    }
+
+protected:
+    void SetUp() override
+    {
+        TestBed::Reset();
+        QDir(AgentsFolder()).removeRecursively();
+        QVERIFY(QDir().mkpath(AgentsFolder().path()));
+        bundles_ = std::make_unique<Bundles>();
+        TestBed::SetMainBundle(
+            bundles_->Make(QStringLiteral("Plain.app"), QStringLiteral("com.zelkor.Plain"), QStringLiteral("1.0")));
+        launchctl_ = std::make_unique<Launchctl>();
+        launcher_ = GetAutoLauncherImpl(AutoLauncherImplType::Default);
+    }
+
+    void TearDown() override
+    {
+        launcher_.reset();
+        launchctl_.reset();
+        bundles_.reset();
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+private:
+    void MakeStudio()
+    {
+        TestBed::SetMainBundle(
+            bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
+        bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
+                       QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
+    }
+
+    std::unique_ptr<Bundles> bundles_;
+    std::unique_ptr<Launchctl> launchctl_;
+    std::shared_ptr<IAutoLauncher> launcher_;
+};
+
+ZQTUTIL_TEST_MAIN(AutoLauncherTest)
+
+#include "AutoLauncherTest.moc"

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+
+namespace Zelkor::Testing
+{
+
+/// Application bundles in a folder of their own: real folders with real property lists.
+class Bundles
+{
+public:
+    /// Makes the bundle \a name, a path below the folder, and returns its path. Without \a identifier it has no
+    /// property list.
+    QString Make(QString const& name, QString const& identifier, QString const& version)
+    {
+        QString const path = folder_.filePath(name);
+        QDir().mkpath(path + QStringLiteral("/Contents"));
+        if (!identifier.isEmpty()) {
+            QFile list(path + QStringLiteral("/Contents/Info.plist"));
+            list.open(QIODevice::WriteOnly);
+            list.write(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
+                                      "<key>CFBundleIdentifier</key><string>%1</string>"
+                                      "<key>CFBundleVersion</key><string>%2</string></dict></plist>")
+                           .arg(identifier, version)
+                           .toUtf8());
+        }
+        return path;
+    }
+
+private:
+    QTemporaryDir folder_;
+};
+
+} // namespace Zelkor::Testing

@@ -1,0 +1,213 @@
+#include "Launchctl.h"
+
+#include <LogCapture.h>
+#include <TestCase.h>
+
+#include <Util/Platforms/mac/LaunchctlStartupImpl.h>
+
+#include <QtCore/QProcess>
+#include <QtTest/QtTest>
+
+#include <memory>
+#include <type_traits>
+
+using Zelkor::Testing::Launchctl;
+using Zelkor::Testing::LogCapture;
+using Zelkor::Testing::LogLine;
+using Zelkor::Util::LaunchctlStartupImpl;
+namespace TestBed = Zelkor::TestBed;
+
+static_assert(!std::is_polymorphic_v<LaunchctlStartupImpl> && sizeof(LaunchctlStartupImpl) == sizeof(void*));
+
+namespace
+{
+
+QString const Identifier = QStringLiteral("Zelkor_Studio_3.1.2_Agent");
+QString const FileName = QStringLiteral("com.zelkor.studio3.agent.startup.plist");
+QString const Executable = QStringLiteral("/Applications/X.app/Contents/MacOS/X");
+
+QString AgentsFolder()
+{
+    return QDir::homePath() + QStringLiteral("/Library/LaunchAgents/");
+}
+
+/// What Python's plistlib reads of a property list.
+QByteArray ReadByPlistlib(QString const& path)
+{
+    QProcess python;
+    python.start(QStringLiteral("python3"),
+                 {QStringLiteral("-c"),
+                  QStringLiteral("import plistlib,sys,json;"
+                                 "print(json.dumps(plistlib.load(open(sys.argv[1],'rb')),sort_keys=True))"),
+                  path});
+    python.waitForFinished();
+    return python.readAllStandardOutput().trimmed();
+}
+
+} // namespace
+
+class LaunchctlStartupImplTest : public Zelkor::Testing::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void writesAndLoadsAnAgent()
+    {
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {QStringLiteral("--hidden"), QStringLiteral("a b")}));
+        QString const path = AgentsFolder() + FileName;
+        QCOMPARE(ReadByPlistlib(path),
+                 QByteArray("{\"KeepAlive\": false, \"Label\": \"Zelkor_Studio_3.1.2_Agent\", "
+                            "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\", "
+                            "\"--hidden\", \"a b\"], \"RunAtLoad\": true}"));
+        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|").arg(path));
+    }
+
+    void doesNotRewriteAKnownAgent()
+    {
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QString const path = AgentsFolder() + FileName;
+        QByteArray const before = ReadByPlistlib(path);
+        QVERIFY(startup_->AddToStartup(Identifier, QStringLiteral("/Other.app/Contents/MacOS/X"), {}));
+        QCOMPARE(ReadByPlistlib(path), before);
+        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|load|-w|%1|").arg(path));
+    }
+
+    void writesAnAgentAgainWhoseFileIsGone()
+    {
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(QFile::remove(AgentsFolder() + FileName));
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(QFile::exists(AgentsFolder() + FileName));
+        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("load|")), 2);
+    }
+
+    void refusesOtherIdentifiers_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::newRow("three parts") << QStringLiteral("a_b_c");
+        QTest::newRow("five parts") << QStringLiteral("a_b_c_d_e");
+    }
+
+    void refusesOtherIdentifiers()
+    {
+        QFETCH(QString, identifier);
+        LogCapture const log;
+        QVERIFY(!startup_->AddToStartup(identifier, Executable, {}));
+        QCOMPARE(log.Lines().size(), 1);
+        LogLine const line = log.Lines().first();
+        QCOMPARE(line.severity, google::GLOG_WARNING);
+        QCOMPARE(line.file, QStringLiteral("Util/Platforms/mac/LaunchctlStartupImpl.mm"));
+        QCOMPARE(line.line, 120);
+        QCOMPARE(line.text,
+                 QStringLiteral("bool Zelkor::Util::LaunchctlStartupImpl::AddToStartup(const QString &, "
+                                "const QString &, const QStringList &): Invalid application identificator."));
+        QCOMPARE(QDir(AgentsFolder()).entryList(QDir::Files), QStringList());
+    }
+
+    void failsWhenLaunchctlCannotBeStarted()
+    {
+        qputenv("PATH", "/nowhere");
+        QVERIFY(!startup_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(QFile::exists(AgentsFolder() + FileName)); // written all the same
+    }
+
+    void asksLaunchctlWhatIsLoaded()
+    {
+        launchctl_->SetJobs("PID\tStatus\tLabel\n1\t0\t" + Identifier.toUtf8() + "\n2\t0\tother");
+        QVERIFY(startup_->IsInStartup(Identifier));
+        QVERIFY(startup_->IsInStartup(QStringLiteral("other")));
+        QVERIFY(!startup_->IsInStartup(QStringLiteral("Status")));
+        launchctl_->SetJobs("axb\n");
+        QVERIFY(startup_->IsInStartup(QStringLiteral("a.b")));
+    }
+
+    void readsLongLists()
+    {
+        launchctl_->SetJobs(QByteArray("1\t0\tsomething\n").repeated(20000) + "1\t0\tlast\n");
+        QVERIFY(startup_->IsInStartup(QStringLiteral("last")));
+    }
+
+    void takesAListThatIsNoUtf8ForEmpty()
+    {
+        launchctl_->SetJobs("\xff\n" + Identifier.toUtf8() + "\n");
+        QVERIFY(!startup_->IsInStartup(Identifier));
+    }
+
+    void logsThatTheListFails()
+    {
+        TestBed::SetLaunchctl(QStringLiteral("/nowhere/launchctl"));
+        LogCapture const log;
+        QVERIFY(!startup_->IsInStartup(Identifier));
+        QCOMPARE(log.Lines().size(), 1);
+        LogLine const line = log.Lines().first();
+        QCOMPARE(line.severity, google::GLOG_ERROR);
+        QCOMPARE(line.file, QStringLiteral("Util/Platforms/mac/LaunchctlStartupImpl.mm"));
+        QCOMPARE(line.line, 63);
+        QVERIFY(
+            line.text.startsWith(QStringLiteral("QString Zelkor::Util::(anonymous namespace)::GetAppsFromLaunchctl(): "
+                                                "Exception while launchctl running: ")));
+        QVERIFY(line.text.contains(QStringLiteral("/nowhere/launchctl")));
+    }
+
+    void knowsTheAgentsOfTheFolder()
+    {
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(startup_->AddToStartup(QStringLiteral("Zelkor_Editor_1.0_Agent"), Executable, {}));
+        LaunchctlStartupImpl other;
+        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() +
+                            "\n1\t0\tZelkor_Editor_1.0_Agent\n1\t0\tZelkor_Gone_1.0_Agent\n");
+        QCOMPARE(other.GetAppsInStartup(), QStringList());
+        other.UpdatePlistList();
+        QCOMPARE(other.GetAppsInStartup(), (QStringList{QStringLiteral("Zelkor_Editor_1.0_Agent"), Identifier}));
+
+        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
+        QCOMPARE(other.GetAppsInStartup(), QStringList{Identifier});
+        QVERIFY(QFile::remove(AgentsFolder() + FileName));
+        other.UpdatePlistList();
+        QCOMPARE(other.GetAppsInStartup(), QStringList());
+    }
+
+    void unloadsAKnownAgent()
+    {
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QString const path = AgentsFolder() + FileName;
+        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|").arg(path));
+        QVERIFY(startup_->RemoveFromStartup(Identifier));
+        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|unload|-w|%1|").arg(path));
+        QVERIFY(QFile::exists(path));
+        QVERIFY(startup_->RemoveFromStartup(Identifier));
+        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("unload")), 2);
+    }
+
+    void unloadsNothingUnknown()
+    {
+        QVERIFY(!startup_->RemoveFromStartup(Identifier));
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(!startup_->RemoveFromStartup(QStringLiteral("Zelkor_Other_1.0_Agent")));
+        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("load")), 1);
+    }
+
+protected:
+    void SetUp() override
+    {
+        TestBed::Reset();
+        QDir(AgentsFolder()).removeRecursively();
+        QVERIFY(QDir().mkpath(AgentsFolder()));
+        launchctl_ = std::make_unique<Launchctl>();
+        startup_ = std::make_unique<LaunchctlStartupImpl>();
+    }
+
+    void TearDown() override
+    {
+        startup_.reset();
+        launchctl_.reset();
+    }
+
+private:
+    std::unique_ptr<Launchctl> launchctl_;
+    std::unique_ptr<LaunchctlStartupImpl> startup_;
+};
+
+ZQTUTIL_TEST_MAIN(LaunchctlStartupImplTest)
+
+#include "LaunchctlStartupImplTest.moc"

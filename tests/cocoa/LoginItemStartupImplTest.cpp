@@ -1,0 +1,266 @@
+#include "Bundles.h"
+
+#include <TestBed.h>
+#include <TestCase.h>
+
+#include <Util/Platforms/mac/LoginItemStartupImpl.h>
+
+#include <QtTest/QtTest>
+
+#include <memory>
+#include <type_traits>
+
+using Zelkor::Testing::Bundles;
+using Zelkor::Util::LoginItemStartupImpl;
+namespace TestBed = Zelkor::TestBed;
+
+static_assert(!std::is_polymorphic_v<LoginItemStartupImpl> && sizeof(LoginItemStartupImpl) == sizeof(void*));
+
+namespace
+{
+
+QString const Maker = QStringLiteral("zelkor");
+QString const Identifier = QStringLiteral("zelkor_Studio_3.1.0_Agent");
+
+} // namespace
+
+class LoginItemStartupImplTest : public Zelkor::Testing::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rebuildsTheIdentifier_data()
+    {
+        QTest::addColumn<QString>("application");
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<QString>("helper");
+        QTest::addColumn<QStringList>("identifiers");
+        QString const helper = QStringLiteral("com.zelkor.Agent");
+        QTest::newRow("product with its major version")
+            << QStringLiteral("com.zelkor.Studio3") << QStringLiteral("3.1") << helper << QStringList{Identifier};
+        QTest::newRow("plain product") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4.0.0") << helper
+                                       << QStringList{QStringLiteral("zelkor_Studio_4.0.0_Agent")};
+        QTest::newRow("version of one part") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4") << helper
+                                             << QStringList{QStringLiteral("zelkor_Studio_4.0_Agent")};
+        QTest::newRow("another maker's") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
+                                         << QStringLiteral("com.other.Agent") << QStringList();
+        QTest::newRow("maker in another case") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
+                                               << QStringLiteral("com.Zelkor.Agent") << QStringList();
+        QTest::newRow("short identifier") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
+                                          << QStringLiteral("zelkor.Agent") << QStringList();
+        QTest::newRow("helper without property list")
+            << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4") << QString() << QStringList();
+        QTest::newRow("application without property list")
+            << QString() << QString() << helper << QStringList{QStringLiteral("zelkor__.0_Agent")};
+    }
+
+    void rebuildsTheIdentifier()
+    {
+        QFETCH(QString, application);
+        QFETCH(QString, version);
+        QFETCH(QString, helper);
+        QFETCH(QStringList, identifiers);
+        QString const main = bundles_->Make(QStringLiteral("Some App.app"), application, version);
+        TestBed::AddLoginItem(bundles_->Make(QStringLiteral("Some App.app/Contents/Library/LoginItems/H.app"), helper,
+                                             QStringLiteral("1")));
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), identifiers);
+        for (QString const& identifier : identifiers) {
+            QVERIFY(startup_->IsInStartup(identifier));
+        }
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void skipsItemsThatLeadNowhere()
+    {
+        MakeStudio();
+        TestBed::AddLoginItem(QStringLiteral("/gone/H.app"), false);
+        TestBed::AddLoginItem(QStringLiteral("/gone/H.app"));
+        TestBed::AddLoginItem(helper_);
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void skipsItemsOutsideABundle()
+    {
+        TestBed::AddLoginItem(
+            bundles_->Make(QStringLiteral("H.app"), QStringLiteral("com.zelkor.Agent"), QStringLiteral("1")));
+        startup_->UpdateStartupItems(Maker);
+        QVERIFY(startup_->GetItemsAtStartup().size() <= 1);
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void knowsNothingWhenTheListFails_data()
+    {
+        QTest::addColumn<int>("call");
+        QTest::newRow("list") << int(TestBed::LoginItemsCall::Create);
+        QTest::newRow("snapshot") << int(TestBed::LoginItemsCall::Snapshot);
+    }
+
+    void knowsNothingWhenTheListFails()
+    {
+        QFETCH(int, call);
+        MakeStudio();
+        TestBed::AddLoginItem(helper_);
+        startup_->UpdateStartupItems(Maker);
+        QVERIFY(startup_->IsInStartup(Identifier));
+
+        TestBed::FailLoginItems(TestBed::LoginItemsCall(call));
+        QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void addsTheHelperOfTheMainBundle()
+    {
+        MakeStudio();
+        bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Another.APP"),
+                       QStringLiteral("com.zelkor.Other"), QStringLiteral("1"));
+        TestBed::AddLoginItem(QStringLiteral("/first"));
+        QVERIFY(startup_->AddToLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(),
+                 (QStringList{QStringLiteral("file:///first/"),
+                              QUrl::fromLocalFile(helper_).toString(QUrl::FullyEncoded) + QLatin1Char('/')}));
+        QVERIFY(!startup_->IsInStartup(Identifier)); // until it is read again
+        startup_->UpdateStartupItems(Maker);
+        QVERIFY(startup_->IsInStartup(Identifier));
+
+        QVERIFY(startup_->AddToLoginItems(Identifier)); // it is one already
+        QCOMPARE(TestBed::LoginItemUrls().size(), 2);
+
+        QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // in whatever case its name ends
+        QCOMPARE(TestBed::LoginItemUrls().size(), 3);
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void addsNothingElse_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::newRow("no such helper") << QStringLiteral("zelkor_Studio_3.1.0_Other");
+        QTest::newRow("case counts") << QStringLiteral("zelkor_Studio_3.1.0_agent");
+        QTest::newRow("three parts") << QStringLiteral("zelkor_Studio_3.1.0");
+        QTest::newRow("empty") << QString();
+    }
+
+    void addsNothingElse()
+    {
+        QFETCH(QString, identifier);
+        MakeStudio();
+        QVERIFY(!startup_->AddToLoginItems(identifier));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList());
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void failsWhenTheItemCannotBeAdded_data()
+    {
+        QTest::addColumn<int>("call");
+        QTest::newRow("list") << int(TestBed::LoginItemsCall::Create);
+        QTest::newRow("insertion") << int(TestBed::LoginItemsCall::Insert);
+    }
+
+    void failsWhenTheItemCannotBeAdded()
+    {
+        QFETCH(int, call);
+        MakeStudio();
+        TestBed::FailLoginItems(TestBed::LoginItemsCall(call));
+        QVERIFY(!startup_->AddToLoginItems(Identifier));
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void removesAnItem()
+    {
+        MakeStudio();
+        TestBed::AddLoginItem(QStringLiteral("/first"));
+        TestBed::AddLoginItem(QStringLiteral("/second"), false);
+        TestBed::AddLoginItem(helper_);
+        QVERIFY(!startup_->RemoveFromLoginItems(Identifier)); // not known yet
+        startup_->UpdateStartupItems(Maker);
+        QVERIFY(!startup_->RemoveFromLoginItems(QStringLiteral("zelkor_Other_1.0.0_Agent")));
+        QVERIFY(startup_->RemoveFromLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(),
+                 (QStringList{QStringLiteral("file:///first/"), QStringLiteral("file:///second/")}));
+        QVERIFY(startup_->IsInStartup(Identifier)); // until it is read again
+        QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void removesTheFirstMatchOnly()
+    {
+        MakeStudio();
+        TestBed::AddLoginItem(helper_);
+        TestBed::AddLoginItem(helper_);
+        startup_->UpdateStartupItems(Maker);
+        QVERIFY(startup_->RemoveFromLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 1);
+    }
+
+    void failsWhenTheItemCannotBeRemoved_data()
+    {
+        QTest::addColumn<int>("call");
+        QTest::newRow("list") << int(TestBed::LoginItemsCall::Create);
+        QTest::newRow("snapshot") << int(TestBed::LoginItemsCall::Snapshot);
+        QTest::newRow("removal") << int(TestBed::LoginItemsCall::Remove);
+    }
+
+    void failsWhenTheItemCannotBeRemoved()
+    {
+        QFETCH(int, call);
+        MakeStudio();
+        TestBed::AddLoginItem(helper_);
+        startup_->UpdateStartupItems(Maker);
+        TestBed::FailLoginItems(TestBed::LoginItemsCall(call));
+        QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 1);
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void readsPathsOfOlderSystems()
+    {
+        MakeStudio();
+        TestBed::AddLoginItem(helper_);
+        TestBed::SetSystemVersion(QStringLiteral("10.8.5"));
+        startup_->UpdateStartupItems(Maker);
+        // There the URLs name the host; these do not, so no path comes of them and no application is found.
+        QVERIFY(!startup_->IsInStartup(Identifier));
+        for (QString const& version : {QStringLiteral("10.9"), QStringLiteral("10.9.0"), QStringLiteral("11.2")}) {
+            TestBed::SetSystemVersion(version);
+            startup_->UpdateStartupItems(Maker);
+            QVERIFY(startup_->IsInStartup(Identifier));
+        }
+    }
+
+protected:
+    void SetUp() override
+    {
+        TestBed::Reset();
+        bundles_ = std::make_unique<Bundles>();
+        startup_ = std::make_unique<LoginItemStartupImpl>();
+    }
+
+    void TearDown() override
+    {
+        startup_.reset();
+        bundles_.reset();
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+private:
+    /// The main bundle with its helper.
+    void MakeStudio()
+    {
+        TestBed::SetMainBundle(
+            bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
+        helper_ = bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
+                                 QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
+    }
+
+    std::unique_ptr<Bundles> bundles_;
+    std::unique_ptr<LoginItemStartupImpl> startup_;
+    QString helper_;
+};
+
+ZQTUTIL_TEST_MAIN(LoginItemStartupImplTest)
+
+#include "LoginItemStartupImplTest.moc"

@@ -1,0 +1,40 @@
+#pragma once
+
+// What the parts of the test bed share.
+
+#include "TestBed.h"
+
+#import <Foundation/Foundation.h>
+
+#include <CoreServices/CoreServices.h>
+
+#include <vector>
+
+/// An item of the session's login items.
+@interface ZBLoginItem : NSObject {
+@public
+    NSURL* url;
+    BOOL resolves;
+}
+@end
+
+namespace Zelkor::TestBed
+{
+
+struct State
+{
+    QString mainBundle;
+    QString systemVersion = QStringLiteral("10.13.6");
+    QString launchctl;
+    LoginItemsCall failing = LoginItemsCall::None;
+    std::vector<ZBLoginItem*> loginItems;
+    QStringList opened;
+    QStringList fileViewer;
+};
+
+State& TheState();
+
+/// Counts \a object, which the caller has to release, and returns it.
+CFTypeRef Own(id object);
+
+} // namespace Zelkor::TestBed

@@ -1,0 +1,41 @@
+# Read right after project(): builds the library's macOS sources against the test bed.
+
+find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
+execute_process(COMMAND "${GNUSTEP_CONFIG}" --objc-flags OUTPUT_VARIABLE gnustep_flags OUTPUT_STRIP_TRAILING_WHITESPACE)
+execute_process(COMMAND "${GNUSTEP_CONFIG}" --gui-libs OUTPUT_VARIABLE gnustep_libraries OUTPUT_STRIP_TRAILING_WHITESPACE)
+separate_arguments(gnustep_flags)
+separate_arguments(gnustep_libraries)
+list(FILTER gnustep_flags EXCLUDE REGEX "^(-MMD|-MP|-g|-O2|-Wall|-Wno-import|-I\\.|-I.*/GNUstep/Library/Headers)$")
+
+set(CMAKE_OBJCXX_COMPILER "${CMAKE_CXX_COMPILER}")
+enable_language(OBJCXX)
+set(CMAKE_OBJCXX_STANDARD 17)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_OBJCXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
+
+# Before GNUstep's own, which they extend.
+include_directories(BEFORE "${CMAKE_CURRENT_LIST_DIR}/headers")
+add_compile_options("SHELL:-include ${CMAKE_CURRENT_LIST_DIR}/prefix.h")
+foreach(flag IN LISTS gnustep_flags)
+    add_compile_options("$<$<COMPILE_LANGUAGE:OBJCXX>:${flag}>")
+endforeach()
+# libobjc's headers come with gcc. A selector that does not exist is an error on a Mac's compiler too.
+file(GLOB objc_headers /usr/lib/gcc/*/*/include/objc)
+list(GET objc_headers -1 objc_headers)
+file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/objc-headers")
+file(CREATE_LINK "${objc_headers}" "${CMAKE_BINARY_DIR}/objc-headers/objc" SYMBOLIC)
+foreach(flag -fblocks -fobjc-runtime=gcc -Werror=objc-method-access
+    "SHELL:-isystem ${CMAKE_BINARY_DIR}/objc-headers" "SHELL:-isystem /usr/include/GNUstep")
+    string(REPLACE "SHELL:" "" bare "${flag}")
+    if(bare STREQUAL flag)
+        add_compile_options("$<$<COMPILE_LANGUAGE:OBJCXX>:${flag}>")
+    else()
+        add_compile_options("SHELL:$<$<COMPILE_LANGUAGE:OBJCXX>:${bare}>")
+    endif()
+endforeach()
+
+set(ZQTUTIL_GNUSTEP_LIBRARIES ${gnustep_libraries} BlocksRuntime)
+set(ZQTUTIL_TESTBED "${CMAKE_CURRENT_LIST_DIR}")
+set(ZQTUTIL_PLATFORM mac)
+set(ZQTUTIL_APPLE_LIBRARIES cocoa-testbed)
