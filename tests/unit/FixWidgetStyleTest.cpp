@@ -350,7 +350,7 @@ private Q_SLOTS:
         QTest::newRow("unnamed menu") << QString() << QString() << QStringLiteral("action_");
         QTest::newRow("named action") << QStringLiteral("file") << QStringLiteral("own") << QStringLiteral("own");
         QTest::newRow("named action of an unnamed menu") << QString() << QStringLiteral("own") << QStringLiteral("own");
-        QTest::newRow("placeholder") << QStringLiteral("%1") << QString() << QStringLiteral("action_%1");
+        QTest::newRow("format mark") << QStringLiteral("%1") << QString() << QStringLiteral("action_%1");
     }
 
     void actionIsNamedAfterItsMenu()
