@@ -105,12 +105,25 @@ PEERS = {
     "KMessageDialog": Peer("`KMessageDialog`", "KDE's, for more than Qt's offers."),
     "ByHand": Peer("by hand", "What the function stands for: the property, and the style applied again."),
     "OneByOne": Peer("one by one", "**The floor**: the same events sent to each widget."),
+    "LockedVector": Peer(
+        "vector under one mutex", "**The floor**: written in a minute; an observer must not register or publish."
+    ),
+    "QtDirect": Peer("Qt direct signal", "What Qt has, for observers that are all objects of Qt."),
+    "Sigc": Peer("sigc++", "The signals of the GTK world, on one thread only."),
+    "Signals2": Peer("`boost::signals2`", "Boost's, for several threads."),
+    "MinimalModel": Peer("minimal model", "**The floor**: a list of texts and two functions."),
+    "QStringListModel": Peer("`QStringListModel`", "Qt's own for texts, without roles."),
+    "QStandardItemModel": Peer("`QStandardItemModel`", "Qt's own for anything."),
+    "OnePass": Peer("one pass", "**The floor**: each character written once into a text of the right length."),
+    "ReplaceAndArg": Peer("`replace` and `arg`", "The first that comes to mind."),
+    "ConnectByHand": Peer("`connect` by hand", "The same connections without a name, each side knowing all of the other."),
     "KF5CoreAddons": Peer("KF5CoreAddons", "KDE's helpers without widgets: the nearest in kind."),
     "KF5WidgetsAddons": Peer("KF5WidgetsAddons", "KDE's helpers with widgets."),
 }
 
 BOXES = ("PlainDialog", "QMessageBox", "KMessageDialog")
 FORWARDING = ("PostedEvent", "InvokeMethod", "SingleShot", "Lean")
+PUBLISHERS = ("LockedVector", "QtDirect", "Sigc", "Signals2")
 WALKS = ("GetdentsFstatat", "DuOwn", "Du", "Fts", "StdFilesystem", "QDirIterator", "BoostFilesystem")
 
 JOBS = (
@@ -182,6 +195,19 @@ JOBS = (
         ("Glog", "QtDefault", "Spdlog"),
         (Goal("Glog", "≤", 1.2),),
     ),
+    Job("Publish1", "Tell 1 observer", "EventHandlerList", PUBLISHERS, (Goal("QtDirect", "≤", 1),)),
+    Job("Publish10", "... 10 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.8),)),
+    Job("Publish1000", "... 1 000 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.4),)),
+    Job(
+        "ModelUid",
+        "The uids of 100 items of a model",
+        "SimpleModel",
+        ("MinimalModel", "QStringListModel", "QStandardItemModel"),
+        (Goal("QStringListModel", "≤", 1.05),),
+    ),
+    Job("IconPath", "... their icon paths", "SimpleModel", ("OnePass", "ReplaceAndArg"), (Goal("OnePass", "≤", 1.2),)),
+    Job("Connect100", "100 emitters and 100 receivers by one name", "ObjectsConnector", ("ConnectByHand",)),
+    Job("Connect1000", "... 1 000 and 1 000", "ObjectsConnector", ("ConnectByHand",)),
     Job("MessageBox", "Build, show and close a message box", "AlertBox", BOXES, (Goal("QMessageBox", "≤", 2),)),
     Job(
         "StyledMessageBox",
@@ -309,6 +335,9 @@ class Runner:
         self.benchmark(results, "PathSizeBenchmark", f"--trees={self.trees}", f"--scale={self.scale}", repetitions=5)
         self.benchmark(results, "LogBenchmark", repetitions=31)
         self.benchmark(results, "RemovalBenchmark", repetitions=9)
+        self.benchmark(results, "ObserverBenchmark", repetitions=31)
+        self.benchmark(results, "ModelBenchmark", repetitions=31)
+        self.benchmark(results, "ConnectorBenchmark", repetitions=3)
         self.benchmark(results, "WidgetBenchmark", repetitions=15)
         for tree in TREES:
             self.subtract_start(results, tree, "Du", "ProcessStart")

@@ -3,9 +3,9 @@
 /// \file
 /// A list of observers that are told of events, from any thread.
 
-#include <boost/container/small_vector.hpp>
-
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <mutex>
@@ -48,7 +48,9 @@ struct SyncExecutePolicy
 /// \code
 /// class Player : private EventHandlerList<IPlayerObserver, SyncExecutePolicy>
 /// {
-///     void Finish() { PerformForEachEventHandler([this](IPlayerObserver* observer) { observer->OnFinished(*this); });
+///     void Finish()
+///     {
+///         PerformForEachEventHandler([this](IPlayerObserver* observer) { observer->OnFinished(*this); });
 ///     }
 /// };
 /// \endcode
@@ -95,7 +97,8 @@ public:
     template <class F>
     void PerformForEachEventHandler(F f)
     {
-        Snapshot const registered = Registered();
+        Snapshot registered;
+        registered.Take(handlersMutex, handlers);
         std::lock_guard<std::recursive_mutex> const lock(executionMutex);
         for (T* const handler : registered) {
             Policy::Execute([&f, handler] { std::invoke(f, handler); });
@@ -103,15 +106,39 @@ public:
     }
 
 private:
-    /// On the stack, up to a number that few lists exceed.
-    static constexpr std::size_t UsualCount = 32;
-    using Snapshot = boost::container::small_vector<T*, UsualCount>;
-
-    Snapshot Registered()
+    /// The handlers as they were at one moment; on the stack, up to a number that few lists exceed.
+    class Snapshot
     {
-        std::lock_guard<std::recursive_mutex> const lock(handlersMutex);
-        return Snapshot(handlers.begin(), handlers.end());
-    }
+    public:
+        Snapshot() = default;
+        Snapshot(Snapshot const&) = delete;
+        Snapshot& operator=(Snapshot const&) = delete;
+
+        void Take(std::recursive_mutex& mutex, std::vector<T*> const& handlers)
+        {
+            std::lock_guard<std::recursive_mutex> const lock(mutex);
+            count = handlers.size();
+            if (count > few.size()) {
+                many = handlers;
+                first = many.data();
+                return;
+            }
+            for (std::size_t i = 0; i < count; ++i) {
+                few[i] = handlers[i];
+                // One by one: for so few, the set-up of a block copy takes longer than the copy.
+                std::atomic_signal_fence(std::memory_order_acq_rel);
+            }
+        }
+
+        T* const* begin() const { return first; }
+        T* const* end() const { return first + count; }
+
+    private:
+        std::array<T*, 32> few; // set up to the count only: a publication need not clear the rest
+        std::vector<T*> many;
+        T* const* first = few.data();
+        std::size_t count = 0;
+    };
 
     std::vector<T*> handlers;
     std::recursive_mutex handlersMutex;

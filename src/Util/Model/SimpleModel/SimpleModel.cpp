@@ -2,8 +2,9 @@
 
 #include <Base/EventHandlerList.h>
 
-#include <QtCore/QStringBuilder>
+#include <QtCore/QStringView>
 
+#include <algorithm>
 #include <utility>
 
 namespace Zelkor::Util
@@ -15,8 +16,13 @@ namespace
 /// The underscores of a uid are the folders of its icon.
 QString IconPathOf(QString const& uid)
 {
-    QString path = QLatin1String("qrc:/icons/") % uid % QLatin1String(".png");
-    path.replace(QLatin1Char('_'), QLatin1Char('/')); // there is none in what stands around the uid
+    static constexpr QStringView before(u"qrc:/icons/");
+    static constexpr QStringView after(u".png");
+    QString path(before.length() + uid.length() + after.length(), Qt::Uninitialized);
+    QChar* const uidAt = std::copy(before.begin(), before.end(), path.data());
+    QChar* const afterAt = std::transform(
+        uid.begin(), uid.end(), uidAt, [](QChar letter) { return letter == QLatin1Char('_') ? QChar(u'/') : letter; });
+    std::copy(after.begin(), after.end(), afterAt);
     return path;
 }
 
@@ -56,16 +62,16 @@ int SimpleModel::rowCount(QModelIndex const& parent) const
 
 QVariant SimpleModel::data(QModelIndex const& index, int role) const
 {
-    switch (role) {
-    case Uid:
+    if (role == Uid) {
         return impl->uids.at(index.row());
-    case Title:
-        return impl->titleGetter(impl->uids.at(index.row()));
-    case IconPath:
-        return IconPathOf(impl->uids.at(index.row()));
-    default:
-        return {};
     }
+    if (role == Title) {
+        return impl->titleGetter(impl->uids.at(index.row()));
+    }
+    if (role == IconPath) {
+        return IconPathOf(impl->uids.at(index.row()));
+    }
+    return {};
 }
 
 bool SimpleModel::setData(QModelIndex const& index, QVariant const& value, int role)

@@ -26,9 +26,9 @@ namespace Util
 /// icon path made of the uid. Clicks are written back to the model, which tells its observers.
 ///
 /// \code
-/// auto* const model = SimpleModel::Create({"video_trim", "audio"}, [](QString const& uid) { return TitleOf(uid); },
-/// this); model->setData(QModelIndex(), QVariant::fromValue<ISimpleModelObserver*>(this),
-/// SimpleModel::RegisterObserver); \endcode
+/// auto* const model = SimpleModel::Create({"video_trim", "audio"}, TitleOf, this);
+/// model->setData(QModelIndex(), QVariant::fromValue<ISimpleModelObserver*>(this), SimpleModel::RegisterObserver);
+/// \endcode
 ///
 /// \code{.qml}
 /// delegate: ToolButton { text: Title; icon.source: IconPath; onClicked: model.Click = true }

@@ -1,0 +1,143 @@
+// Emitters and receivers registered under one name and unregistered again, each connected to all of the other side.
+//
+// The peer makes and breaks the same connections by hand, by QObject::connect() with the same texts.
+
+#include "Support.h"
+
+#include <Util/ObjectsConnector.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QObject>
+
+#include <array>
+#include <cerrno>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Zelkor::Benchmarks
+{
+namespace
+{
+
+class Emitter : public QObject
+{
+    Q_OBJECT
+
+Q_SIGNALS:
+    void changed(int value);
+};
+
+class Receiver : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    void setValue(int /*value*/) {}
+};
+
+struct ConnectorWay
+{
+    static void Run(std::vector<Emitter>& emitters, std::vector<Receiver>& receivers)
+    {
+        using Util::ObjectsConnector;
+        QString const id = QStringLiteral("volume");
+        QString const signal = QStringLiteral("changed(int)");
+        QString const slot = QStringLiteral("setValue(int)");
+        for (Emitter& emitter : emitters) {
+            ObjectsConnector::registerEmitter(id, &emitter, signal);
+        }
+        for (Receiver& receiver : receivers) {
+            ObjectsConnector::registerReceiver(id, &receiver, slot);
+        }
+        for (Receiver& receiver : receivers) {
+            ObjectsConnector::unregisterReceiver(id, &receiver, slot);
+        }
+        for (Emitter& emitter : emitters) {
+            ObjectsConnector::unregisterEmitter(id, &emitter, signal);
+        }
+    }
+};
+
+struct ByHandWay
+{
+    static void Run(std::vector<Emitter>& emitters, std::vector<Receiver>& receivers)
+    {
+        auto const type = static_cast<Qt::ConnectionType>(Qt::AutoConnection | Qt::UniqueConnection);
+        for (Receiver& receiver : receivers) {
+            for (Emitter& emitter : emitters) {
+                QObject::connect(&emitter, SIGNAL(changed(int)), &receiver, SLOT(setValue(int)), type);
+            }
+        }
+        for (Receiver& receiver : receivers) {
+            for (Emitter& emitter : emitters) {
+                QObject::disconnect(&emitter, SIGNAL(changed(int)), &receiver, SLOT(setValue(int)));
+            }
+        }
+    }
+};
+
+/// What \a work takes in a process of its own. There the heap is in order; what many connections leave behind makes the
+/// next ones several times slower, in either way.
+template <class Work>
+double SecondsInChild(Work const& work)
+{
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) {
+        throw std::system_error(errno, std::generic_category(), "pipe");
+    }
+    pid_t const child = fork();
+    if (child == 0) {
+        double const seconds = ProcessorSeconds(work);
+        _exit(write(ends[1], &seconds, sizeof(seconds)) == sizeof(seconds) ? 0 : 1);
+    }
+    close(ends[1]);
+    double seconds = 0;
+    bool const told = child > 0 && read(ends[0], &seconds, sizeof(seconds)) == sizeof(seconds);
+    close(ends[0]);
+    if (child > 0) {
+        waitpid(child, nullptr, 0);
+    }
+    if (!told) {
+        throw std::runtime_error("the process that connects did not end well");
+    }
+    return seconds;
+}
+
+template <class Way, int Count>
+void ConnectAndDisconnect(benchmark::State& state)
+{
+    for (auto _ : state) {
+        std::vector<Emitter> emitters(Count);
+        std::vector<Receiver> receivers(Count);
+        state.SetIterationTime(SecondsInChild([&] { Way::Run(emitters, receivers); }));
+    }
+}
+
+template <int Count>
+void Register()
+{
+    std::string const job = "Connect" + std::to_string(Count) + "/";
+    for (auto* const registered :
+         {benchmark::RegisterBenchmark((job + "ObjectsConnector").c_str(), ConnectAndDisconnect<ConnectorWay, Count>),
+          benchmark::RegisterBenchmark((job + "ConnectByHand").c_str(), ConnectAndDisconnect<ByHandWay, Count>)}) {
+        registered->Unit(benchmark::kMillisecond)->UseManualTime();
+    }
+}
+
+} // namespace
+} // namespace Zelkor::Benchmarks
+
+int main(int argc, char** argv)
+{
+    QCoreApplication const application(argc, argv);
+    Zelkor::Benchmarks::Register<100>();
+    Zelkor::Benchmarks::Register<1000>();
+    return Zelkor::Benchmarks::RunBenchmarks(argc, argv);
+}
+
+#include "ConnectorBenchmark.moc"

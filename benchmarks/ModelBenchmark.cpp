@@ -1,0 +1,155 @@
+// What a view asks of a model for each item: the uid, and the path of the icon.
+
+#include "Support.h"
+
+#include <Util/Model/SimpleModel/SimpleModel.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QStringListModel>
+#include <QtGui/QStandardItemModel>
+
+#include <string>
+#include <vector>
+
+namespace Zelkor::Benchmarks
+{
+namespace
+{
+
+using Util::SimpleModel;
+
+constexpr int Count = 100;
+
+QStringList Uids()
+{
+    QStringList uids;
+    for (int i = 0; i < Count; ++i) {
+        uids << QStringLiteral("video_effects_trim_%1").arg(i);
+    }
+    return uids;
+}
+
+/// The least that a model of texts is.
+class MinimalModel : public QAbstractListModel
+{
+public:
+    int rowCount(QModelIndex const& parent) const override { return parent.isValid() ? 0 : uids_.size(); }
+
+    QVariant data(QModelIndex const& index, int role) const override
+    {
+        return role == SimpleModel::Uid ? QVariant(uids_.at(index.row())) : QVariant();
+    }
+
+private:
+    QStringList const uids_ = Uids();
+};
+
+/// Our model, without titles.
+class UidModel : public SimpleModel
+{
+public:
+    UidModel()
+        : SimpleModel(Uids(), [](QString const& uid) { return uid; })
+    {}
+};
+
+class TextModel : public QStringListModel
+{
+public:
+    TextModel()
+        : QStringListModel(Uids())
+    {}
+};
+
+class ItemModel : public QStandardItemModel
+{
+public:
+    ItemModel()
+    {
+        for (QString const& uid : Uids()) {
+            auto* const item = new QStandardItem;
+            item->setData(uid, SimpleModel::Uid);
+            appendRow(item);
+        }
+    }
+};
+
+/// Reads \a Role of every item, in turn, as a view does that knows no more than that it has a model.
+template <class Model, int Role>
+void Read(benchmark::State& state)
+{
+    Model const theModel;
+    QAbstractItemModel const* model = &theModel;
+    benchmark::DoNotOptimize(model);
+    std::vector<QModelIndex> indexes;
+    for (int row = 0; row < model->rowCount(); ++row) {
+        indexes.push_back(model->index(row, 0));
+    }
+    for (auto _ : state) {
+        for (QModelIndex const& index : indexes) {
+            benchmark::DoNotOptimize(model->data(index, Role));
+        }
+    }
+}
+
+/// The icon path of a uid, written in one pass into a text of the right length.
+QString OnePass(QString const& uid)
+{
+    static QLatin1String const before("qrc:/icons/");
+    static QLatin1String const after(".png");
+    QString path(before.size() + uid.size() + after.size(), Qt::Uninitialized);
+    QChar* out = path.data();
+    for (char const letter : before) {
+        *out++ = QLatin1Char(letter);
+    }
+    for (QChar const letter : uid) {
+        *out++ = letter == QLatin1Char('_') ? QLatin1Char('/') : letter;
+    }
+    for (char const letter : after) {
+        *out++ = QLatin1Char(letter);
+    }
+    return path;
+}
+
+/// The first that comes to mind.
+QString ReplaceAndArg(QString const& uid)
+{
+    return QStringLiteral("qrc:/icons/%1.png").arg(QString(uid).replace(QLatin1Char('_'), QLatin1Char('/')));
+}
+
+/// A model that has icon paths only, made by \a Path.
+template <QString (*Path)(QString const&)>
+class IconModel : public QAbstractListModel
+{
+public:
+    int rowCount(QModelIndex const& parent) const override { return parent.isValid() ? 0 : uids_.size(); }
+
+    QVariant data(QModelIndex const& index, int role) const override
+    {
+        return role == SimpleModel::IconPath ? QVariant(Path(uids_.at(index.row()))) : QVariant();
+    }
+
+private:
+    QStringList const uids_ = Uids();
+};
+
+void RegisterAll()
+{
+    benchmark::RegisterBenchmark("ModelUid/SimpleModel", Read<UidModel, SimpleModel::Uid>);
+    benchmark::RegisterBenchmark("ModelUid/MinimalModel", Read<MinimalModel, SimpleModel::Uid>);
+    benchmark::RegisterBenchmark("ModelUid/QStringListModel", Read<TextModel, Qt::DisplayRole>);
+    benchmark::RegisterBenchmark("ModelUid/QStandardItemModel", Read<ItemModel, SimpleModel::Uid>);
+    benchmark::RegisterBenchmark("IconPath/SimpleModel", Read<UidModel, SimpleModel::IconPath>);
+    benchmark::RegisterBenchmark("IconPath/OnePass", Read<IconModel<OnePass>, SimpleModel::IconPath>);
+    benchmark::RegisterBenchmark("IconPath/ReplaceAndArg", Read<IconModel<ReplaceAndArg>, SimpleModel::IconPath>);
+}
+
+} // namespace
+} // namespace Zelkor::Benchmarks
+
+int main(int argc, char** argv)
+{
+    QCoreApplication const application(argc, argv);
+    Zelkor::Benchmarks::RegisterAll();
+    return Zelkor::Benchmarks::RunBenchmarks(argc, argv);
+}
