@@ -2,6 +2,8 @@
 
 #include "Pages.h"
 
+#include <Util/SpontaneousDialog.h>
+
 #include <QtGui/QCloseEvent>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -44,6 +46,7 @@ MainWindow::MainWindow(QWidget* parent)
     , navigation_(new QListWidget)
     , stack_(new QStackedWidget)
 {
+    Util::SpontaneousDialog::SetMainWindow(this);
     setWindowTitle(tr("ZQtUtil Gallery"));
     navigation_->setAccessibleName(tr("Pages"));
 

@@ -5,6 +5,11 @@ namespace Zelkor::Gallery
 
 void Page::SetFolder(ioPath const& /*folder*/) {}
 
+std::vector<SampleDialog> Page::SampleDialogs()
+{
+    return {};
+}
+
 void Page::Cancel() {}
 
 bool Page::IsBusy() const

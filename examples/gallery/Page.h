@@ -5,12 +5,22 @@
 
 #include <Base/IoPath.h>
 
-#include <QtWidgets/QWidget>
+#include <QtWidgets/QDialog>
+
+#include <memory>
+#include <vector>
 
 namespace Zelkor
 {
 namespace Gallery
 {
+
+/// A dialog of a page, for a picture named \a id.
+struct SampleDialog
+{
+    char const* id;
+    std::unique_ptr<QDialog> dialog;
+};
 
 /// A page of the gallery. One without background work needs to override nothing but ShowSample().
 class Page : public QWidget
@@ -26,6 +36,9 @@ public:
     /// Fills the page with what a user would see at work, and emits SampleShown() from the event loop when it is
     /// complete.
     virtual void ShowSample() = 0;
+
+    /// The dialogs that the page opens, filled with what a user would see.
+    virtual std::vector<SampleDialog> SampleDialogs();
 
     /// Asks the page's work to end, as the window is about to go.
     virtual void Cancel();

@@ -6,6 +6,7 @@
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QTableWidget>
+#include <QtWidgets/QToolButton>
 
 namespace Zelkor::Gallery
 {
@@ -48,6 +49,14 @@ QTableWidgetItem* NewCell(QString const& text)
     auto* const cell = new QTableWidgetItem(text);
     cell->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
     return cell;
+}
+
+QToolButton* NewActionButton(QAction* action)
+{
+    auto* const button = new QToolButton;
+    button->setDefaultAction(action);
+    button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    return button;
 }
 
 QLabel* NewHint(QString const& text)

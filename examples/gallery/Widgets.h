@@ -7,11 +7,13 @@
 #include <QtCore/QStringList>
 
 QT_BEGIN_NAMESPACE
+class QAction;
 class QFormLayout;
 class QLabel;
 class QTableView;
 class QTableWidget;
 class QTableWidgetItem;
+class QToolButton;
 class QWidget;
 QT_END_NAMESPACE
 
@@ -33,6 +35,9 @@ void SetUpTable(QTableWidget* table, QStringList const& titles);
 
 /// A cell for reading only.
 QTableWidgetItem* NewCell(QString const& text);
+
+/// A button for \a action that shows its text.
+QToolButton* NewActionButton(QAction* action);
 
 /// A short explanation that steps back behind the rest.
 QLabel* NewHint(QString const& text);

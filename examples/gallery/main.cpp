@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "HouseStyle.h"
 #include "Logging.h"
 #include "MainWindow.h"
 #include "Screenshots.h"
@@ -8,6 +9,7 @@
 
 #include <Util/StdStreams.h>
 
+#include <QtQuick/QQuickWindow>
 #include <QtWidgets/QApplication>
 
 using namespace Zelkor::Gallery;
@@ -41,8 +43,11 @@ int RunWithWindows(int& argc, char** argv, CommandLine const& commandLine)
     if (screenshots) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    // The gallery's one view of QML needs no graphics card.
+    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     QApplication const application(argc, argv);
     QApplication::setStyle(new Style);
+    UsePalette(QApplication::palette());
     return screenshots ? TakeScreenshots(*screenshots, commandLine.Folder().value_or("/usr/share"))
                        : ShowWindow(commandLine);
 }

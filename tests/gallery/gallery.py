@@ -74,7 +74,18 @@ def check_missing_folder(gallery):
     expect(result.stdout == b"", f"There is a report on a missing folder: {result.stdout}")
 
 
-def check_screenshots(gallery, pages):
+def check_pictures(folder, name, least_width, least_height):
+    contents = set()
+    for palette in ("light", "dark"):
+        data = (folder / f"{name}-{palette}.png").read_bytes()
+        expect(data[:8] == b"\x89PNG\r\n\x1a\n", f"{name}-{palette}.png is no PNG")
+        width, height = struct.unpack(">II", data[16:24])
+        expect(width >= least_width and height >= least_height, f"{name}-{palette}.png is {width} by {height}")
+        contents.add(data)
+    expect(len(contents) == 2, f"{name} looks the same in light and dark")
+
+
+def check_screenshots(gallery, pages, dialogs):
     with tempfile.TemporaryDirectory() as folder:
         sample = pathlib.Path(folder, "sample")
         sample.mkdir()
@@ -82,25 +93,24 @@ def check_screenshots(gallery, pages):
         pictures = pathlib.Path(folder, "pictures")
         result = run(gallery, "--folder", sample, "--screenshots", pictures)
         expect(result.returncode == 0, f"The screenshots ended with {result.returncode}: {result.stderr}")
+        expect(result.stderr == b"", f"The gallery complains: {result.stderr}")
         for page in pages:
-            contents = set()
-            for palette in ("light", "dark"):
-                data = (pictures / f"{page}-{palette}.png").read_bytes()
-                expect(data[:8] == b"\x89PNG\r\n\x1a\n", f"{page}-{palette}.png is no PNG")
-                width, height = struct.unpack(">II", data[16:24])
-                expect(width >= 800 and height >= 500, f"{page}-{palette}.png is {width} by {height}")
-                contents.add(data)
-            expect(len(contents) == 2, f"{page} looks the same in light and dark")
+            check_pictures(pictures, page, 800, 500)
+        for dialog in dialogs:
+            check_pictures(pictures, dialog, 100, 60)
+        expected = {f"{name}-{palette}.png" for name in (*pages, *dialogs) for palette in ("light", "dark")}
+        expect({file.name for file in pictures.iterdir()} == expected, "Other pictures than these were made")
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("gallery")
-    parser.add_argument("pages", nargs="+")
+    parser.add_argument("--pages", nargs="+", required=True)
+    parser.add_argument("--dialogs", nargs="+", required=True)
     arguments = parser.parse_args()
     check_report(arguments.gallery)
     check_missing_folder(arguments.gallery)
-    check_screenshots(arguments.gallery, arguments.pages)
+    check_screenshots(arguments.gallery, arguments.pages, arguments.dialogs)
 
 
 main()

@@ -1,0 +1,37 @@
+# zqtutil_render_icons(<target> BASE <folder> SIZES <path>=<pixels>...)
+#
+# Renders the icons <folder>/<path>.svg to PNG, at the given size and twice that for dense screens, and puts them into
+# the resources of <target>, at ":/<path>.png".
+find_program(ZQTUTIL_RSVG_CONVERT rsvg-convert)
+
+function(zqtutil_render_icons target)
+    cmake_parse_arguments(arg "" "BASE" "SIZES" ${ARGN})
+    if(NOT ZQTUTIL_RSVG_CONVERT)
+        message(FATAL_ERROR "rsvg-convert renders the icons: install librsvg2-bin (Debian) or librsvg (Homebrew)")
+    endif()
+    set(base "${CMAKE_CURRENT_SOURCE_DIR}/${arg_BASE}")
+    set(folder "${CMAKE_CURRENT_BINARY_DIR}/${target}-icons")
+    set(entries "")
+    foreach(icon IN LISTS arg_SIZES)
+        string(REGEX MATCH "^(.*)=(.*)$" matched "${icon}")
+        set(path "${CMAKE_MATCH_1}")
+        set(size "${CMAKE_MATCH_2}")
+        cmake_path(GET path PARENT_PATH parent)
+        file(MAKE_DIRECTORY "${folder}/${parent}")
+        math(EXPR double "2 * ${size}")
+        foreach(variant IN ITEMS "=${size}" "@2x=${double}")
+            string(REGEX MATCH "^(.*)=(.*)$" matched "${variant}")
+            set(picture "${path}${CMAKE_MATCH_1}.png")
+            add_custom_command(
+                OUTPUT "${folder}/${picture}"
+                COMMAND "${ZQTUTIL_RSVG_CONVERT}" --width ${CMAKE_MATCH_2} --height ${CMAKE_MATCH_2}
+                    --output "${folder}/${picture}" "${base}/${path}.svg"
+                DEPENDS "${base}/${path}.svg"
+                VERBATIM)
+            string(APPEND entries "<file>${picture}</file>\n")
+        endforeach()
+    endforeach()
+    file(CONFIGURE OUTPUT "${folder}/icons.qrc" CONTENT "<RCC><qresource prefix=\"/\">\n${entries}</qresource></RCC>\n")
+    qt5_add_resources(sources "${folder}/icons.qrc")
+    target_sources(${target} PRIVATE ${sources})
+endfunction()

@@ -1,0 +1,60 @@
+#pragma once
+
+/// \file
+/// The page Hover and time: tiles that hover as one, and a play bar that drives a property and a text.
+
+#include "Page.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtGui/QTextDocument>
+
+QT_BEGIN_NAMESPACE
+class QGroupBox;
+class QLabel;
+class QPushButton;
+class QSlider;
+class QTimer;
+QT_END_NAMESPACE
+
+namespace Zelkor
+{
+namespace Util
+{
+class PropertyTimeSwitcher;
+class TimeUpdater;
+} // namespace Util
+namespace Gallery
+{
+
+class HoverAndTimePage : public Page
+{
+    Q_OBJECT
+
+public:
+    explicit HoverAndTimePage(QWidget* parent = nullptr);
+
+    void ShowSample() override;
+    void Cancel() override;
+
+private:
+    QGroupBox* NewTiles();
+    QGroupBox* NewPlayBar();
+    QLabel* NewClock(Util::TimeUpdater*& updater, bool isReverse);
+    void SetTime(int time);
+    void Play(bool isOn);
+
+    QTextDocument elapsedText_;
+    QTextDocument remainingText_;
+    std::vector<QLabel*> tiles_;
+    QSlider* slider_;
+    QPushButton* playButton_;
+    QTimer* timer_;
+    QElapsedTimer clock_;
+    int playedFrom_ = 0;
+    Util::PropertyTimeSwitcher* switcher_;
+    Util::TimeUpdater* elapsed_;
+    Util::TimeUpdater* remaining_;
+};
+
+} // namespace Gallery
+} // namespace Zelkor

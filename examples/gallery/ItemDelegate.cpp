@@ -1,0 +1,23 @@
+#include "ItemDelegate.h"
+
+#include <Util/Model/SimpleModel/SimpleModel.h>
+
+#include <QtCore/QUrl>
+#include <QtGui/QIcon>
+
+namespace Zelkor::Gallery
+{
+
+using Util::SimpleModel;
+
+void ItemDelegate::initStyleOption(QStyleOptionViewItem* option, QModelIndex const& index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    // Widgets know a resource by its path, QML by its URL.
+    QUrl const icon(index.data(SimpleModel::IconPath).toString());
+    option->icon = QIcon(QLatin1Char(':') + icon.path());
+    option->text = index.data(SimpleModel::Title).toString();
+    option->features |= QStyleOptionViewItem::HasDecoration | QStyleOptionViewItem::HasDisplay;
+}
+
+} // namespace Zelkor::Gallery
