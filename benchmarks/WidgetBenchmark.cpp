@@ -12,6 +12,8 @@
 
 #include <KMessageDialog>
 
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLabel>
@@ -20,6 +22,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -72,7 +75,7 @@ struct KMessageDialogWay
 {
     static void Run()
     {
-        KMessageDialog dialog(KMessageDialog::Error, Text());
+        KMessageDialog dialog(KMessageDialog::WarningContinueCancel, Text()); // of its boxes the one with two buttons
         dialog.setCaption(Title());
         ShowAndClose(dialog);
     }
@@ -88,17 +91,33 @@ struct AlertBoxWay
     }
 };
 
-/// A small sheet of the kind that applications have, for as long as it lives.
+/// A style sheet of the kind that applications have: a base for every widget, and looks of some.
+QString CommonSheet()
+{
+    return QStringLiteral("QWidget { color: #202124; font-size: 13px }"
+                          "QDialog { background: white }"
+                          "QLineEdit, QTextEdit, QListView { border: 1px solid gray }"
+                          "QPushButton { padding: 4px 12px; border: 1px solid gray }"
+                          "QPushButton[styleHint=\"activeButton\"] { background: #2a6fdb }"
+                          "QDialog[Level=\"Error\"] { border: 1px solid red }");
+}
+
+/// The gallery's, which is all about names and properties.
+QString HouseSheet()
+{
+    QFile file(QStringLiteral(":/house.qss"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw std::runtime_error("the house style is not in the resources");
+    }
+    QString const colour = QStringLiteral("#2a6fdb");
+    return QString::fromUtf8(file.readAll()).replace(QRegularExpression(QStringLiteral("@\\w+")), colour);
+}
+
+/// Gives the application a style sheet, for as long as it lives.
 class ApplicationStyleSheet
 {
 public:
-    ApplicationStyleSheet()
-    {
-        qApp->setStyleSheet(QStringLiteral("QLabel { color: #202124 } QDialog { background: white }"
-                                           "QPushButton { padding: 4px 12px; border: 1px solid gray }"
-                                           "QPushButton[styleHint=\"activeButton\"] { background: #2a6fdb }"
-                                           "QDialog[Level=\"Error\"] { border: 1px solid red }"));
-    }
+    explicit ApplicationStyleSheet(QString const& sheet) { qApp->setStyleSheet(sheet); }
 
     ~ApplicationStyleSheet() { qApp->setStyleSheet(QString()); }
 
@@ -114,10 +133,10 @@ void Box(benchmark::State& state)
     }
 }
 
-template <class Way>
+template <class Way, QString (*Sheet)()>
 void StyledBox(benchmark::State& state)
 {
-    ApplicationStyleSheet const sheet;
+    ApplicationStyleSheet const sheet(Sheet());
     for (auto _ : state) {
         Way::Run();
     }
@@ -137,7 +156,7 @@ constexpr int Depth = 200;
 
 void StyleByApplyWidgetStyle(benchmark::State& state)
 {
-    ApplicationStyleSheet const sheet;
+    ApplicationStyleSheet const sheet(CommonSheet());
     QWidget window;
     QWidget* const widget = Innermost(&window, Depth);
     window.show();
@@ -150,7 +169,7 @@ void StyleByApplyWidgetStyle(benchmark::State& state)
 
 void StyleByHand(benchmark::State& state)
 {
-    ApplicationStyleSheet const sheet;
+    ApplicationStyleSheet const sheet(CommonSheet());
     QWidget window;
     QWidget* const widget = Innermost(&window, Depth);
     window.show();
@@ -209,7 +228,10 @@ template <class Way>
 void RegisterBoxes(std::string const& way)
 {
     benchmark::RegisterBenchmark(("MessageBox/" + way).c_str(), Box<Way>)->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark(("StyledMessageBox/" + way).c_str(), StyledBox<Way>)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(("StyledMessageBox/" + way).c_str(), StyledBox<Way, CommonSheet>)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(("HouseMessageBox/" + way).c_str(), StyledBox<Way, HouseSheet>)
+        ->Unit(benchmark::kMillisecond);
 }
 
 template <int Count>

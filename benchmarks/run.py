@@ -216,6 +216,7 @@ JOBS = (
         BOXES,
         (Goal("KMessageDialog", "≤", 1),),
     ),
+    Job("HouseMessageBox", "... with the gallery's house style", "AlertBox", BOXES),
     Job("StyleProperty", "A style property, 200 widgets deep", "ApplyWidgetStyle", ("ByHand",)),
     Job("Hover10", "Hover over a group of 10 widgets", "HoverGroup", ("OneByOne",)),
     Job("Hover100", "... of 100 widgets", "HoverGroup", ("OneByOne",)),
