@@ -114,17 +114,17 @@ private:
         Snapshot(Snapshot const&) = delete;
         Snapshot& operator=(Snapshot const&) = delete;
 
-        void Take(std::recursive_mutex& mutex, std::vector<T*> const& handlers)
+        void Take(std::recursive_mutex& mutex, std::vector<T*> const& all)
         {
             std::lock_guard<std::recursive_mutex> const lock(mutex);
-            count = handlers.size();
+            count = all.size();
             if (count > few.size()) {
-                many = handlers;
+                many = all;
                 first = many.data();
                 return;
             }
             for (std::size_t i = 0; i < count; ++i) {
-                few[i] = handlers[i];
+                few[i] = all[i];
                 // One by one: for so few, the set-up of a block copy takes longer than the copy.
                 std::atomic_signal_fence(std::memory_order_acq_rel);
             }
