@@ -117,17 +117,19 @@ int TakeScreenshots(QString const& target, ioPath const& folder)
     window.SetFolder(folder);
     window.show();
 
-    bool isSaved = true;
-    int index = 0;
-    for (PageInfo const& page : Pages()) {
+    for (int index = 0; index < static_cast<int>(Pages().size()); ++index) {
         window.Turn(index);
-        Page* const current = window.PageAt(index++);
-        Fill(current);
-        for (Look const& look : Looks) {
-            UsePalette(look.palette());
+        Fill(window.PageAt(index));
+    }
+    bool isSaved = true;
+    for (Look const& look : Looks) {
+        UsePalette(look.palette());
+        int index = 0;
+        for (PageInfo const& page : Pages()) {
+            window.Turn(index);
             Redraw();
             isSaved = Save(window, folderOfPictures, page.id, look) && isSaved;
-            isSaved = SaveDialogs(*current, folderOfPictures, look) && isSaved;
+            isSaved = SaveDialogs(*window.PageAt(index++), folderOfPictures, look) && isSaved;
         }
     }
     return isSaved ? EXIT_SUCCESS : EXIT_FAILURE;
