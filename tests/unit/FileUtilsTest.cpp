@@ -1,3 +1,4 @@
+#include <Folders.h>
 #include <LogCapture.h>
 #include <OrdinaryUser.h>
 #include <TestCase.h>
@@ -21,7 +22,6 @@
 #include <optional>
 #include <random>
 #include <string>
-#include <system_error>
 #include <thread>
 #include <type_traits>
 #include <vector>
@@ -30,14 +30,21 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 using Zelkor::ioPath;
+using Zelkor::Testing::AtFolder;
+using Zelkor::Testing::Check;
+using Zelkor::Testing::Descriptor;
+using Zelkor::Testing::Empty;
+using Zelkor::Testing::Exists;
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::LogLine;
+using Zelkor::Testing::MakeFolder;
+using Zelkor::Testing::MakeLink;
+using Zelkor::Testing::MakeSocket;
+using Zelkor::Testing::OpenDescriptors;
 using Zelkor::Testing::RunAsOrdinaryUser;
 using Zelkor::Util::GetPathSize;
 using Zelkor::Util::RemoveFile;
@@ -78,36 +85,12 @@ struct DisarmFaults
     }
 };
 
-int Check(int result)
-{
-    if (result < 0) {
-        throw std::system_error(errno, std::generic_category());
-    }
-    return result;
-}
-
 ino_t InodeOf(std::string const& path)
 {
     struct stat status;
     Check(stat(path.c_str(), &status));
     return status.st_ino;
 }
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int number)
-        : number_(Check(number))
-    {}
-    ~Descriptor() { close(number_); }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-
-    operator int() const { return number_; }
-
-private:
-    int number_;
-};
 
 void MakeFileAt(int folder, char const* name, off_t size)
 {
@@ -120,92 +103,15 @@ void MakeFile(std::string const& path, off_t size)
     MakeFileAt(AT_FDCWD, path.c_str(), size);
 }
 
-void MakeFolder(std::string const& path)
-{
-    Check(mkdir(path.c_str(), 0755));
-}
-
-void MakeLink(std::string const& path, std::string const& target)
-{
-    Check(symlink(target.c_str(), path.c_str()));
-}
-
 void Write(std::string const& path, std::string const& content)
 {
     Descriptor const file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
     Check(static_cast<int>(write(file, content.data(), content.size())));
 }
 
-void MakeSocket(std::string const& path)
-{
-    // The name of a socket must be short.
-    Descriptor const folder(open(path.substr(0, path.rfind('/')).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    std::string const name = "/proc/self/fd/" + std::to_string(folder) + path.substr(path.rfind('/'));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    name.copy(address.sun_path, sizeof address.sun_path - 1);
-    Descriptor const server(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    Check(bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address));
-}
-
 void Chmod(std::string const& path, mode_t mode)
 {
     Check(chmod(path.c_str(), mode));
-}
-
-bool Exists(std::string const& path)
-{
-    struct stat status;
-    return lstat(path.c_str(), &status) == 0;
-}
-
-struct CloseFolder
-{
-    void operator()(DIR* stream) const { closedir(stream); }
-};
-
-std::vector<std::string> NamesIn(int folder, char const* name)
-{
-    std::unique_ptr<DIR, CloseFolder> const stream(fdopendir(Check(openat(folder, name, O_RDONLY | O_DIRECTORY))));
-    std::vector<std::string> names;
-    while (dirent const* const entry = readdir(stream.get())) {
-        names.emplace_back(entry->d_name);
-    }
-    names.erase(std::remove_if(names.begin(), names.end(), [](auto const& n) { return n == "." || n == ".."; }),
-                names.end());
-    return names;
-}
-
-bool IsFolderAt(int folder, std::string const& name)
-{
-    struct stat status;
-    return fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
-}
-
-// Trees may be deeper than a path can tell: subfolders are moved up to the top before they are emptied in turn.
-void Empty(std::string const& path)
-{
-    Descriptor const top(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    int moved = 0;
-    for (std::vector<std::string> names = NamesIn(top, "."); !names.empty(); names = NamesIn(top, ".")) {
-        for (std::string const& name : names) {
-            if (!IsFolderAt(top, name)) {
-                Check(unlinkat(top, name.c_str(), 0));
-                continue;
-            }
-            Check(fchmodat(top, name.c_str(), 0700, 0));
-            Descriptor const folder(openat(top, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-            for (std::string const& below : NamesIn(folder, ".")) {
-                if (IsFolderAt(folder, below)) {
-                    Check(fchmodat(folder, below.c_str(), 0700, 0));
-                    Check(renameat(folder, below.c_str(), top, ("\x01moved" + std::to_string(moved++)).c_str()));
-                } else {
-                    Check(unlinkat(folder, below.c_str(), 0));
-                }
-            }
-            Check(unlinkat(top, name.c_str(), AT_REMOVEDIR));
-        }
-    }
 }
 
 /// What GetPathSize() returned, and the paths it logged, sorted, byte for byte.
@@ -444,31 +350,10 @@ private:
     QMap<QByteArray, Bytes> files_;
 };
 
-int OpenDescriptors()
-{
-    return static_cast<int>(NamesIn(AT_FDCWD, "/proc/self/fd").size());
-}
-
 std::string CurrentFolder()
 {
     return boost::filesystem::current_path().string();
 }
-
-class AtFolder
-{
-public:
-    explicit AtFolder(std::string const& path)
-        : before_(CurrentFolder())
-    {
-        Check(chdir(path.c_str()));
-    }
-    ~AtFolder() { boost::filesystem::current_path(before_); }
-    AtFolder(AtFolder const&) = delete;
-    AtFolder& operator=(AtFolder const&) = delete;
-
-private:
-    std::string before_;
-};
 
 bool IsBroken(DIR* stream)
 {
@@ -1413,7 +1298,7 @@ void FileUtilsTest::oneEntryIsRemoved_data()
         Write(path, "hello");
         Chmod(path, 0444);
     });
-    add("empty folder", MakeFolder);
+    add("empty folder", [](std::string const& path) { MakeFolder(path); });
     add("dangling link", [](std::string const& path) { MakeLink(path, "nowhere"); });
     add("link to itself", [](std::string const& path) { MakeLink(path, path); });
     add("pipe", [](std::string const& path) { Check(mkfifo(path.c_str(), 0644)); });

@@ -1,0 +1,57 @@
+#include "FolderTestCase.h"
+
+#include "Folders.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtTest/QtTest>
+
+#include <sys/stat.h>
+
+namespace Zelkor::Testing
+{
+
+void FolderTestCase::SetUp()
+{
+    folder_.emplace();
+    QVERIFY2(folder_->isValid(), qPrintable(folder_->errorString()));
+    // Ordinary users come here too.
+    Check(chmod(QDir::tempPath().toUtf8().constData(), 0755));
+    Check(chmod(Root().c_str(), 0755));
+}
+
+void FolderTestCase::TearDown()
+{
+    Empty(Root());
+    folder_.reset();
+}
+
+void FolderTestCase::NameRows()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("plain") << QByteArray("plain");
+    QTest::newRow("spaces") << QByteArray("  two words ");
+    QTest::newRow("line feed") << QByteArray("\nfirst\n\nsecond");
+    QTest::newRow("quotes") << QByteArray("'single' \"double\" `back`");
+    QTest::newRow("backslash") << QByteArray("a\\b\\\\c\\");
+    QTest::newRow("no UTF-8") << QByteArray("\xff\xfe\x80 \xc3\x28 \xed\xa0\x80");
+    QTest::newRow("letters beyond ASCII") << QByteArray("\xd0\xb8\xd0\xbc\xd1\x8f \xf0\x9f\x93\x81");
+    QTest::newRow("decomposed letter") << QByteArray("e\xcc\x81");
+    QTest::newRow("format placeholders") << QByteArray("%1% %s %n %1 %20 %");
+    QTest::newRow("what URIs are parted by") << QByteArray("a#b?c&d=e;f:g@h+i");
+    QTest::newRow("what URIs cannot hold") << QByteArray("[a]{b}|c^d<e>f");
+    QTest::newRow("patterns") << QByteArray("*?[a-z]$HOME~");
+    QTest::newRow("hyphen") << QByteArray("-rf");
+    QTest::newRow("control characters") << QByteArray("\x01\x1b[31m\t\r\x7f");
+    QTest::newRow("as long as it may be") << QByteArray(255, 'n');
+    QTest::newRow("random suffix") << QByteArray("aXXXXXXb.XXXXXX");
+    QTest::newRow("three dots") << QByteArray("...");
+    QTest::newRow("hidden") << QByteArray(".hidden");
+}
+
+QString FolderTestCase::PathAt(QByteArray const& name) const
+{
+    return QFile::decodeName(At(name.toStdString()).c_str());
+}
+
+} // namespace Zelkor::Testing

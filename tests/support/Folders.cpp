@@ -1,0 +1,247 @@
+#include "Folders.h"
+
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <memory>
+#include <system_error>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace Zelkor::Testing
+{
+namespace
+{
+
+struct CloseFolder
+{
+    void operator()(DIR* stream) const { closedir(stream); }
+};
+
+void ListTree(std::string const& path, std::string const& prefix, QByteArrayList& found)
+{
+    for (std::string const& name : NamesIn(AT_FDCWD, path.c_str())) {
+        found += QByteArray::fromStdString(prefix + name);
+        if (IsFolderAt(AT_FDCWD, path + '/' + name)) {
+            ListTree(path + '/' + name, prefix + name + '/', found);
+        }
+    }
+}
+
+} // namespace
+
+int Check(int result)
+{
+    if (result < 0) {
+        throw std::system_error(errno, std::generic_category());
+    }
+    return result;
+}
+
+Descriptor::Descriptor(int number)
+    : number_(Check(number))
+{}
+
+Descriptor::~Descriptor()
+{
+    close(number_);
+}
+
+void Descriptor::Become(int number)
+{
+    close(number_);
+    number_ = Check(number);
+}
+
+void MakeFileAt(int folder, char const* name)
+{
+    Descriptor const file(openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+    Check(static_cast<int>(write(file, "content", 7)));
+}
+
+void MakeFile(std::string const& path)
+{
+    MakeFileAt(AT_FDCWD, path.c_str());
+}
+
+QByteArray Content(std::string const& path)
+{
+    QFile file(QFile::decodeName(path.c_str()));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be opened");
+}
+
+void MakeFolder(std::string const& path, mode_t mode)
+{
+    Check(mkdir(path.c_str(), 0700));
+    Check(chmod(path.c_str(), mode));
+}
+
+void MakeLink(std::string const& path, std::string const& target)
+{
+    Check(symlink(target.c_str(), path.c_str()));
+}
+
+void MakeSocket(std::string const& path)
+{
+    // The name of a socket must be short.
+    Descriptor const folder(open(path.substr(0, path.rfind('/')).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    std::string const name = "/proc/self/fd/" + std::to_string(folder) + path.substr(path.rfind('/'));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    name.copy(address.sun_path, sizeof address.sun_path - 1);
+    Descriptor const server(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    Check(bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address));
+}
+
+bool Exists(std::string const& path)
+{
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
+}
+
+std::vector<std::string> NamesIn(int folder, char const* name)
+{
+    std::unique_ptr<DIR, CloseFolder> const stream(
+        fdopendir(Check(openat(folder, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC))));
+    std::vector<std::string> names;
+    while (dirent const* const entry = readdir(stream.get())) {
+        names.emplace_back(entry->d_name);
+    }
+    names.erase(std::remove_if(names.begin(), names.end(), [](auto const& n) { return n == "." || n == ".."; }),
+                names.end());
+    return names;
+}
+
+bool IsFolderAt(int folder, std::string const& name)
+{
+    struct stat status;
+    return fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Subfolders are moved up to the top before they are emptied in turn.
+void Empty(std::string const& path)
+{
+    Descriptor const top(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    int moved = 0;
+    for (std::vector<std::string> names = NamesIn(top, "."); !names.empty(); names = NamesIn(top, ".")) {
+        for (std::string const& name : names) {
+            if (!IsFolderAt(top, name)) {
+                Check(unlinkat(top, name.c_str(), 0));
+                continue;
+            }
+            Check(fchmodat(top, name.c_str(), 0700, 0));
+            Descriptor const folder(openat(top, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            for (std::string const& below : NamesIn(folder, ".")) {
+                if (IsFolderAt(folder, below)) {
+                    Check(fchmodat(folder, below.c_str(), 0700, 0));
+                    Check(renameat(folder, below.c_str(), top, ("\x01moved" + std::to_string(moved++)).c_str()));
+                } else {
+                    Check(unlinkat(folder, below.c_str(), 0));
+                }
+            }
+            Check(unlinkat(top, name.c_str(), AT_REMOVEDIR));
+        }
+    }
+}
+
+QByteArrayList TreeOf(std::string const& path)
+{
+    QByteArrayList found;
+    ListTree(path, "", found);
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+int OpenDescriptors()
+{
+    return static_cast<int>(NamesIn(AT_FDCWD, "/proc/self/fd").size());
+}
+
+QByteArray CurrentFolder()
+{
+    char path[PATH_MAX];
+    return getcwd(path, sizeof path);
+}
+
+AtFolder::AtFolder(std::string const& path)
+    : before_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC))
+{
+    Check(chdir(path.c_str()));
+}
+
+AtFolder::~AtFolder()
+{
+    if (fchdir(before_) != 0) {
+        qFatal("The current folder is lost");
+    }
+}
+
+Milliseconds Now()
+{
+    timespec now;
+    Check(clock_gettime(CLOCK_REALTIME, &now));
+    return Milliseconds{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+}
+
+timespec TimeOf(Milliseconds moment, long nanoseconds)
+{
+    Milliseconds const seconds = (moment >= 0 ? moment : moment - 999) / 1000;
+    return {static_cast<time_t>(seconds), static_cast<long>(moment - seconds * 1000) * 1000000 + nanoseconds};
+}
+
+void Date(int folder, char const* name, Milliseconds moment, long nanoseconds)
+{
+    timespec const times[] = {TimeOf(moment, nanoseconds), TimeOf(moment, nanoseconds)};
+    Check(utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW));
+}
+
+void Date(std::string const& path, Milliseconds moment, long nanoseconds)
+{
+    Date(AT_FDCWD, path.c_str(), moment, nanoseconds);
+}
+
+std::string MakeEntry(std::string const& description)
+{
+    std::size_t const end = description.find_first_of("|=%@");
+    std::string const path = description.substr(0, end);
+    if (end == std::string::npos) {
+        description.back() == '/' ? MakeFolder(description) : MakeFile(description);
+        return description.back() == '/' ? description.substr(0, description.size() - 1) : description;
+    }
+    switch (description[end]) {
+    case '|':
+        Check(mkfifo(path.c_str(), 0644));
+        break;
+    case '=':
+        MakeSocket(path);
+        break;
+    case '%':
+        Check(mknod(path.c_str(), S_IFCHR | 0644, makedev(1, 3)));
+        break;
+    default:
+        MakeLink(path, description.substr(end + 1));
+    }
+    return path;
+}
+
+void MakeTree(std::string const& root, std::vector<Entry> const& entries)
+{
+    Milliseconds const now = Now();
+    std::vector<std::string> paths;
+    for (Entry const& entry : entries) {
+        paths.push_back(MakeEntry(root + '/' + entry.description));
+    }
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        Date(paths[i], now - entries[i].age);
+    }
+}
+
+} // namespace Zelkor::Testing
