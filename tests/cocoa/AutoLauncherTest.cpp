@@ -1,5 +1,5 @@
 #include "Bundles.h"
-#include "Launchctl.h"
+#include "Programs.h"
 
 #include <LogCapture.h>
 #include <TestBed.h>
@@ -13,8 +13,8 @@
 #include <type_traits>
 
 using Zelkor::Testing::Bundles;
-using Zelkor::Testing::Launchctl;
 using Zelkor::Testing::LogCapture;
+using Zelkor::Testing::Programs;
 using Zelkor::Util::AutoLauncherImplType;
 using Zelkor::Util::GetAutoLauncherImpl;
 using Zelkor::Util::IAutoLauncher;
@@ -53,7 +53,7 @@ private Q_SLOTS:
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 0);
         QVERIFY(!launcher_->IsInStartup(Identifier));
-        QCOMPARE(launchctl_->Calls(), QString());
+        QCOMPARE(programs_->LaunchctlCalls(), QString());
     }
 
     void addsALaunchAgentOtherwise()
@@ -61,22 +61,21 @@ private Q_SLOTS:
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {QStringLiteral("--hidden")}));
         QStringList const files = AgentsFolder().entryList(QDir::Files);
         QCOMPARE(files, QStringList{QStringLiteral("com.zelkor.studio3.agent.startup.plist")});
-        QTRY_COMPARE(launchctl_->Calls(),
+        QTRY_COMPARE(programs_->LaunchctlCalls(),
                      QStringLiteral("load|-w|%1|").arg(AgentsFolder().absoluteFilePath(files.first())));
-        QVERIFY(!launcher_->IsInStartup(Identifier)); // launchctl does not list it yet
-
-        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
         QVERIFY(launcher_->IsInStartup(Identifier));
         QCOMPARE(launcher_->GetStartupApplications(), QStringList{Identifier});
+
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("unload|-w|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|-w|")), 1);
+        QVERIFY(!launcher_->IsInStartup(Identifier));
+        QCOMPARE(launcher_->GetStartupApplications(), QStringList());
     }
 
     void listsWhatIsBothTwice()
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("load|")), 1);
-        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
         MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, Identifier}));
@@ -120,14 +119,14 @@ protected:
         bundles_ = std::make_unique<Bundles>();
         TestBed::SetMainBundle(
             bundles_->Make(QStringLiteral("Plain.app"), QStringLiteral("com.zelkor.Plain"), QStringLiteral("1.0")));
-        launchctl_ = std::make_unique<Launchctl>();
+        programs_ = std::make_unique<Programs>();
         launcher_ = GetAutoLauncherImpl(AutoLauncherImplType::Default);
     }
 
     void TearDown() override
     {
         launcher_.reset();
-        launchctl_.reset();
+        programs_.reset();
         bundles_.reset();
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
@@ -142,7 +141,7 @@ private:
     }
 
     std::unique_ptr<Bundles> bundles_;
-    std::unique_ptr<Launchctl> launchctl_;
+    std::unique_ptr<Programs> programs_;
     std::shared_ptr<IAutoLauncher> launcher_;
 };
 

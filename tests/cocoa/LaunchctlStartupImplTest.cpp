@@ -1,4 +1,4 @@
-#include "Launchctl.h"
+#include "Programs.h"
 
 #include <LogCapture.h>
 #include <TestCase.h>
@@ -11,9 +11,9 @@
 #include <memory>
 #include <type_traits>
 
-using Zelkor::Testing::Launchctl;
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::LogLine;
+using Zelkor::Testing::Programs;
 using Zelkor::Util::LaunchctlStartupImpl;
 namespace TestBed = Zelkor::TestBed;
 
@@ -59,7 +59,7 @@ private Q_SLOTS:
                  QByteArray("{\"KeepAlive\": false, \"Label\": \"Zelkor_Studio_3.1.2_Agent\", "
                             "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\", "
                             "\"--hidden\", \"a b\"], \"RunAtLoad\": true}"));
-        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
     }
 
     void doesNotRewriteAKnownAgent()
@@ -69,7 +69,7 @@ private Q_SLOTS:
         QByteArray const before = ReadByPlistlib(path);
         QVERIFY(startup_->AddToStartup(Identifier, QStringLiteral("/Other.app/Contents/MacOS/X"), {}));
         QCOMPARE(ReadByPlistlib(path), before);
-        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|load|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|load|-w|%1|").arg(path));
     }
 
     void writesAnAgentAgainWhoseFileIsGone()
@@ -78,7 +78,7 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(AgentsFolder() + FileName));
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(QFile::exists(AgentsFolder() + FileName));
-        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("load|")), 2);
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
     }
 
     void refusesOtherIdentifiers_data()
@@ -113,29 +113,29 @@ private Q_SLOTS:
 
     void asksLaunchctlWhatIsLoaded()
     {
-        launchctl_->SetJobs("PID\tStatus\tLabel\n1\t0\t" + Identifier.toUtf8() + "\n2\t0\tother");
+        programs_->SetJobs("PID\tStatus\tLabel\n1\t0\t" + Identifier.toUtf8() + "\n2\t0\tother");
         QVERIFY(startup_->IsInStartup(Identifier));
         QVERIFY(startup_->IsInStartup(QStringLiteral("other")));
         QVERIFY(!startup_->IsInStartup(QStringLiteral("Status")));
-        launchctl_->SetJobs("axb\n");
+        programs_->SetJobs("axb\n");
         QVERIFY(startup_->IsInStartup(QStringLiteral("a.b")));
     }
 
     void readsLongLists()
     {
-        launchctl_->SetJobs(QByteArray("1\t0\tsomething\n").repeated(20000) + "1\t0\tlast\n");
+        programs_->SetJobs(QByteArray("1\t0\tsomething\n").repeated(20000) + "1\t0\tlast\n");
         QVERIFY(startup_->IsInStartup(QStringLiteral("last")));
     }
 
     void takesAListThatIsNoUtf8ForEmpty()
     {
-        launchctl_->SetJobs("\xff\n" + Identifier.toUtf8() + "\n");
+        programs_->SetJobs("\xff\n" + Identifier.toUtf8() + "\n");
         QVERIFY(!startup_->IsInStartup(Identifier));
     }
 
     void logsThatTheListFails()
     {
-        TestBed::SetLaunchctl(QStringLiteral("/nowhere/launchctl"));
+        TestBed::SetProgramsFolder(QStringLiteral("/nowhere"));
         LogCapture const log;
         QVERIFY(!startup_->IsInStartup(Identifier));
         QCOMPARE(log.Lines().size(), 1);
@@ -153,14 +153,15 @@ private Q_SLOTS:
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(startup_->AddToStartup(QStringLiteral("Zelkor_Editor_1.0_Agent"), Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
+        programs_->SetJobs("1\t0\t" + Identifier.toUtf8() +
+                           "\n1\t0\tZelkor_Editor_1.0_Agent\n1\t0\tZelkor_Gone_1.0_Agent\n");
         LaunchctlStartupImpl other;
-        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() +
-                            "\n1\t0\tZelkor_Editor_1.0_Agent\n1\t0\tZelkor_Gone_1.0_Agent\n");
         QCOMPARE(other.GetAppsInStartup(), QStringList());
         other.UpdatePlistList();
         QCOMPARE(other.GetAppsInStartup(), (QStringList{QStringLiteral("Zelkor_Editor_1.0_Agent"), Identifier}));
 
-        launchctl_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
+        programs_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
         QCOMPARE(other.GetAppsInStartup(), QStringList{Identifier});
         QVERIFY(QFile::remove(AgentsFolder() + FileName));
         other.UpdatePlistList();
@@ -171,12 +172,12 @@ private Q_SLOTS:
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QString const path = AgentsFolder() + FileName;
-        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
         QVERIFY(startup_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(launchctl_->Calls(), QStringLiteral("load|-w|%1|unload|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|unload|-w|%1|").arg(path));
         QVERIFY(QFile::exists(path));
         QVERIFY(startup_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("unload")), 2);
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload")), 2);
     }
 
     void unloadsNothingUnknown()
@@ -184,7 +185,7 @@ private Q_SLOTS:
         QVERIFY(!startup_->RemoveFromStartup(Identifier));
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(!startup_->RemoveFromStartup(QStringLiteral("Zelkor_Other_1.0_Agent")));
-        QTRY_COMPARE(launchctl_->Calls().count(QStringLiteral("load")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load")), 1);
     }
 
 protected:
@@ -193,18 +194,18 @@ protected:
         TestBed::Reset();
         QDir(AgentsFolder()).removeRecursively();
         QVERIFY(QDir().mkpath(AgentsFolder()));
-        launchctl_ = std::make_unique<Launchctl>();
+        programs_ = std::make_unique<Programs>();
         startup_ = std::make_unique<LaunchctlStartupImpl>();
     }
 
     void TearDown() override
     {
         startup_.reset();
-        launchctl_.reset();
+        programs_.reset();
     }
 
 private:
-    std::unique_ptr<Launchctl> launchctl_;
+    std::unique_ptr<Programs> programs_;
     std::unique_ptr<LaunchctlStartupImpl> startup_;
 };
 

@@ -1,9 +1,14 @@
-// What GNUstep's classes do otherwise than a Mac's: the workspace, the tool that is launched, the system's version.
+// What GNUstep's classes do otherwise than a Mac's: the workspace, the programs that are run, the system's
+// version.
 
 #include "State.h"
 
+#include <QtCore/QFile>
+
 #import <AppKit/AppKit.h>
 #import <objc/runtime.h>
+
+#include <dlfcn.h>
 
 using Zelkor::TestBed::TheState;
 
@@ -24,13 +29,44 @@ using Zelkor::TestBed::TheState;
 }
 @end
 
-@implementation NSTask (Launchctl)
+namespace
+{
+
+/// What runs in place of \a program, one of a Mac's; null for any other.
+QString Replacement(QString const& program)
+{
+    for (char const* const path : {"/bin/launchctl", "/usr/bin/open", "/usr/bin/tccutil"}) {
+        if (program == QLatin1String(path)) {
+            QString const& folder = TheState().programs;
+            return (folder.isEmpty() ? QStringLiteral("/no programs") : folder) +
+                   program.mid(program.lastIndexOf(QLatin1Char('/')));
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+@implementation NSTask (Programs)
 - (void)zb_setLaunchPath:(NSString*)path
 {
-    BOOL const isLaunchctl = [path isEqualToString:@"/bin/launchctl"];
-    [self zb_setLaunchPath:isLaunchctl ? TheState().launchctl.toNSString() : path];
+    QString const replacement = Replacement(QString::fromNSString(path));
+    [self zb_setLaunchPath:replacement.isNull() ? path : replacement.toNSString()];
 }
 @end
+
+// Comes before the C library's own, for the library too.
+extern "C" int system(char const* command)
+{
+    static auto const next = reinterpret_cast<int (*)(char const*)>(dlsym(RTLD_NEXT, "system"));
+    QString const text = QString::fromUtf8(command);
+    QString const program = text.section(QLatin1Char(' '), 0, 0);
+    QString const replacement = Replacement(program);
+    if (replacement.isNull()) {
+        return next(command);
+    }
+    return next(QFile::encodeName(QLatin1Char('\'') + replacement + QLatin1Char('\'') + text.mid(program.size())));
+}
 
 @implementation NSDictionary (SystemVersion)
 + (id)zb_dictionaryWithContentsOfFile:(NSString*)path

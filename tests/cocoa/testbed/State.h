@@ -25,7 +25,7 @@ struct State
 {
     QString mainBundle;
     QString systemVersion = QStringLiteral("10.13.6");
-    QString launchctl;
+    QString programs;
     LoginItemsCall failing = LoginItemsCall::None;
     std::vector<ZBLoginItem*> loginItems;
     QStringList opened;

@@ -35,9 +35,9 @@ void SetSystemVersion(QString const& version)
     TheState().systemVersion = version;
 }
 
-void SetLaunchctl(QString const& program)
+void SetProgramsFolder(QString const& folder)
 {
-    TheState().launchctl = program;
+    TheState().programs = folder;
 }
 
 void FailLoginItems(LoginItemsCall call)

@@ -8,7 +8,8 @@
 namespace Zelkor::TestBed
 {
 
-/// Everything as it is when a program starts: no login items, no records, no failures, a system of version 10.13.6.
+/// Everything as it is when a program starts: no login items, no records, no failures, no
+/// programs, a system of version 10.13.6.
 void Reset();
 
 // --- Core Foundation
@@ -21,11 +22,11 @@ void SetMainBundle(QString const& path);
 
 // --- The system
 
-/// The version that SystemVersion.plist tells.
+/// The version that SystemVersion.plist and the process tell, and that decides what is available.
 void SetSystemVersion(QString const& version);
 
-/// The program that runs when "/bin/launchctl" is launched.
-void SetLaunchctl(QString const& program);
+/// Where launchctl, open and tccutil are run when they are called by their full paths; without it they are missing.
+void SetProgramsFolder(QString const& folder);
 
 // --- Launch Services
 
