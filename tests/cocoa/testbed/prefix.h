@@ -15,6 +15,16 @@
 #define NO __objc_no
 #endif
 
+// What is available is decided by the version that a test has set; for another system than its own clang takes any
+// version for there. The empty text at the end makes a condition of what stands behind the "@".
+extern "C" bool ZBSystemIsAtLeast(char const* version);
+#define __builtin_available(version, ...) ZBSystemIsAtLeast(#version)
+#ifdef __OBJC__
+#include <QtCore/qcontiguouscache.h> // these have functions of that name
+#include <QtCore/qsemaphore.h>
+#define available(version, ...) encode(char)[ZBSystemIsAtLeast(#version) ? 0 : 1]
+#endif
+
 // Qt declares its conversions from and to Apple's types where the system is theirs.
 #include <QtCore/qglobal.h>
 #define Q_OS_DARWIN

@@ -1,0 +1,21 @@
+#pragma once
+
+// What Objective-C++ is told of the running system.
+
+#include <QtCore/QString>
+
+namespace Zelkor::Testing
+{
+
+bool IsAtLeast10_9();
+bool IsAtLeast10_15();
+bool IsAtLeast10_16();
+bool IsAtLeast11();
+bool IsNotAtLeast10_15();
+
+/// The version that the process tells, "10.13.6".
+QString VersionOfProcessInfo();
+
+bool ProcessInfoIsAtLeast(long majorVersion, long minorVersion, long patchVersion);
+
+} // namespace Zelkor::Testing
