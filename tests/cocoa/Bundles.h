@@ -15,6 +15,12 @@ public:
     /// property list.
     QString Make(QString const& name, QString const& identifier, QString const& version)
     {
+        return MakeWith(name, identifier, QStringLiteral("<string>%1</string>").arg(version));
+    }
+
+    /// The same, with the version as it stands in the property list: "<integer>3</integer>".
+    QString MakeWith(QString const& name, QString const& identifier, QString const& versionElement)
+    {
         QString const path = folder_.filePath(name);
         QDir().mkpath(path + QStringLiteral("/Contents"));
         if (!identifier.isEmpty()) {
@@ -22,8 +28,8 @@ public:
             list.open(QIODevice::WriteOnly);
             list.write(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
                                       "<key>CFBundleIdentifier</key><string>%1</string>"
-                                      "<key>CFBundleVersion</key><string>%2</string></dict></plist>")
-                           .arg(identifier, version)
+                                      "<key>CFBundleVersion</key>%2</dict></plist>")
+                           .arg(identifier, versionElement)
                            .toUtf8());
         }
         return path;

@@ -1,11 +1,13 @@
 #include "Programs.h"
 
 #include <LogCapture.h>
+#include <NextFunction.h>
 #include <TestCase.h>
 
 #include <Util/Platforms/mac/LaunchctlStartupImpl.h>
 
 #include <QtCore/QProcess>
+#include <QtCore/QSettings>
 #include <QtTest/QtTest>
 
 #include <memory>
@@ -31,6 +33,13 @@ QString AgentsFolder()
     return QDir::homePath() + QStringLiteral("/Library/LaunchAgents/");
 }
 
+/// The keys that were set in settings, in order.
+QStringList& SetKeys()
+{
+    static QStringList keys;
+    return keys;
+}
+
 /// What Python's plistlib reads of a property list.
 QByteArray ReadByPlistlib(QString const& path)
 {
@@ -46,6 +55,15 @@ QByteArray ReadByPlistlib(QString const& path)
 
 } // namespace
 
+// In the way of Qt's own: the source under test calls this.
+void QSettings::setValue(QString const& key, QVariant const& value)
+{
+    static auto const next = Zelkor::Testing::NextFunction<void (*)(QSettings*, QString const&, QVariant const&)>(
+        "_ZN9QSettings8setValueERK7QStringRK8QVariant");
+    SetKeys() += key;
+    next(this, key, value);
+}
+
 class LaunchctlStartupImplTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT
@@ -60,6 +78,22 @@ private Q_SLOTS:
                             "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\", "
                             "\"--hidden\", \"a b\"], \"RunAtLoad\": true}"));
         QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+    }
+
+    void setsTheKeysInOrder()
+    {
+        SetKeys().clear();
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QCOMPARE(SetKeys(), (QStringList{QStringLiteral("RunAtLoad"), QStringLiteral("KeepAlive"),
+                                         QStringLiteral("Label"), QStringLiteral("ProgramArguments")}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+    }
+
+    void writesBeforeItLoads()
+    {
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        QVERIFY(startup_->IsInStartup(Identifier)); // launchctl has read the label
     }
 
     void doesNotRewriteAKnownAgent()

@@ -71,6 +71,27 @@ private Q_SLOTS:
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
+    void takesAVersionThatIsNoTextForNone_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::newRow("integer") << QStringLiteral("<integer>5</integer>");
+        QTest::newRow("real") << QStringLiteral("<real>5.1</real>");
+        QTest::newRow("boolean") << QStringLiteral("<true/>");
+        QTest::newRow("list") << QStringLiteral("<array><string>5</string></array>");
+        QTest::newRow("data") << QStringLiteral("<data>NS4x</data>");
+    }
+
+    void takesAVersionThatIsNoTextForNone()
+    {
+        QFETCH(QString, version);
+        bundles_->MakeWith(QStringLiteral("X.app"), QStringLiteral("com.zelkor.Studio"), version);
+        TestBed::AddLoginItem(bundles_->Make(QStringLiteral("X.app/Contents/Library/LoginItems/H.app"),
+                                             QStringLiteral("com.zelkor.Agent"), QStringLiteral("1")));
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor_Studio_.0_Agent")});
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
     void skipsItemsThatLeadNowhere()
     {
         MakeStudio();
