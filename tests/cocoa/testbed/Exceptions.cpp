@@ -1,0 +1,237 @@
+// Exceptions pass through Objective-C++ as they do on a Mac. gcc's runtime lets no C++ exception be caught in such a
+// function, and takes a C++ handler for one of a class that it does not know, which ends the program. This comes before
+// its own decision about a function that an exception meets, and leaves the C++ side of it to the C++ runtime:
+// - a C++ exception meets C++ handlers, catch (...), @catch (...) and @finally, and passes @catch (SomeClass*);
+// - an NSException passes C++ handlers for types, and meets catch (...).
+
+#include <cstdint>
+#include <cstring>
+#include <typeinfo>
+
+#include <dlfcn.h>
+#include <unwind.h>
+
+extern "C" _Unwind_Reason_Code __gxx_personality_v0(int version, _Unwind_Action actions, _Unwind_Exception_Class type,
+                                                    _Unwind_Exception* exception, _Unwind_Context* context);
+
+namespace
+{
+
+using Personality = decltype(&__gxx_personality_v0);
+
+/// Reads the table that the compiler has written about the handlers of a function.
+class Reader
+{
+public:
+    Reader(std::uint8_t const* position, _Unwind_Context* context)
+        : position_(position)
+        , context_(context)
+    {}
+
+    std::uint8_t const* Position() const { return position_; }
+
+    template <class Number>
+    Number Take()
+    {
+        Number number;
+        std::memcpy(&number, position_, sizeof number);
+        position_ += sizeof number;
+        return number;
+    }
+
+    std::uint64_t Unsigned()
+    {
+        std::uint64_t number = 0;
+        for (unsigned shift = 0;; shift += 7) {
+            std::uint64_t const byte = Take<std::uint8_t>();
+            number |= (byte & 0x7f) << shift;
+            if (byte < 0x80) {
+                return number;
+            }
+        }
+    }
+
+    std::int64_t Signed()
+    {
+        std::uint64_t number = 0;
+        for (unsigned shift = 0;;) {
+            std::uint64_t const byte = Take<std::uint8_t>();
+            number |= (byte & 0x7f) << shift;
+            shift += 7;
+            if (byte < 0x80) {
+                bool const isNegative = (byte & 0x40) != 0 && shift < 64;
+                return static_cast<std::int64_t>(isNegative ? number | (~std::uint64_t{0} << shift) : number);
+            }
+        }
+    }
+
+    /// A pointer in one of DWARF's encodings.
+    std::uintptr_t Pointer(std::uint8_t encoding)
+    {
+        auto const start = reinterpret_cast<std::uintptr_t>(position_);
+        std::uintptr_t value = Value(encoding & 0x0f);
+        if (value == 0) {
+            return 0;
+        }
+        if ((encoding & 0x70) == 0x10) {
+            value += start;
+        } else if ((encoding & 0x70) == 0x40) {
+            value += _Unwind_GetRegionStart(context_);
+        }
+        return (encoding & 0x80) != 0 ? *reinterpret_cast<std::uintptr_t const*>(value) : value;
+    }
+
+private:
+    std::uintptr_t Value(int format)
+    {
+        switch (format) {
+        case 0x01:
+            return Unsigned();
+        case 0x02:
+            return Take<std::uint16_t>();
+        case 0x03:
+            return Take<std::uint32_t>();
+        case 0x09:
+            return static_cast<std::uintptr_t>(Signed());
+        case 0x0a:
+            return static_cast<std::uintptr_t>(std::intptr_t{Take<std::int16_t>()});
+        case 0x0b:
+            return static_cast<std::uintptr_t>(std::intptr_t{Take<std::int32_t>()});
+        default:
+            return Take<std::uint64_t>();
+        }
+    }
+
+    std::uint8_t const* position_;
+    _Unwind_Context* context_;
+};
+
+constexpr std::uint8_t Omitted = 0xff;
+
+int SizeOf(std::uint8_t encoding)
+{
+    switch (encoding & 0x07) {
+    case 0x02:
+        return 2;
+    case 0x03:
+        return 4;
+    default:
+        return 8;
+    }
+}
+
+struct Base
+{
+    virtual ~Base() = default;
+};
+struct Derived : Base
+{};
+struct Other
+{
+    int number;
+};
+struct DerivedTwice : Base, Other
+{};
+enum Enumeration { Enumerator };
+
+/// Whether \a type, of a handler, describes a C++ type: it starts with the table of one of C++'s classes of type
+/// information. What describes a class of Objective-C is its name.
+bool IsCppType(std::uintptr_t type)
+{
+    auto const tableOf = [](std::type_info const& info) { return *reinterpret_cast<void const* const*>(&info); };
+    void const* const tables[] = {
+        tableOf(typeid(int)),          tableOf(typeid(Base)),        tableOf(typeid(Derived)),
+        tableOf(typeid(DerivedTwice)), tableOf(typeid(int*)),        tableOf(typeid(int[3])),
+        tableOf(typeid(void())),       tableOf(typeid(Enumeration)), tableOf(typeid(int Other::*))};
+    void const* const first = *reinterpret_cast<void const* const*>(type);
+    for (void const* const table : tables) {
+        if (table == first) {
+            return true;
+        }
+    }
+    return false;
+}
+
+struct Handlers
+{
+    bool cpp = false;
+    bool objectiveC = false;
+};
+
+/// The handlers that name a type, in a chain that starts at \a actions.
+Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std::uint8_t typeEncoding,
+                    _Unwind_Context* context)
+{
+    Handlers handlers;
+    for (Reader action(actions, context);;) {
+        std::int64_t const filter = action.Signed();
+        std::uint8_t const* const here = action.Position();
+        std::int64_t const next = action.Signed();
+        if (filter > 0) {
+            std::uintptr_t const type = Reader(types - filter * SizeOf(typeEncoding), context).Pointer(typeEncoding);
+            if (type != 0) {
+                (IsCppType(type) ? handlers.cpp : handlers.objectiveC) = true;
+            }
+        }
+        if (next == 0) {
+            return handlers;
+        }
+        action = Reader(here + next, context);
+    }
+}
+
+/// The handlers around the call that the exception comes from.
+Handlers HandlersAtCall(_Unwind_Context* context)
+{
+    auto const table = reinterpret_cast<std::uint8_t const*>(_Unwind_GetLanguageSpecificData(context));
+    if (!table) {
+        return {};
+    }
+    int isBeforeInstruction = 0;
+    std::uintptr_t const instruction = _Unwind_GetIPInfo(context, &isBeforeInstruction);
+    std::uintptr_t const offset = instruction - (isBeforeInstruction ? 0 : 1) - _Unwind_GetRegionStart(context);
+
+    Reader reader(table, context);
+    auto const landingEncoding = reader.Take<std::uint8_t>();
+    if (landingEncoding != Omitted) {
+        reader.Pointer(landingEncoding);
+    }
+    auto const typeEncoding = reader.Take<std::uint8_t>();
+    std::uint8_t const* types = nullptr;
+    if (typeEncoding != Omitted) {
+        std::uint64_t const distance = reader.Unsigned();
+        types = reader.Position() + distance;
+    }
+    auto const callEncoding = reader.Take<std::uint8_t>();
+    std::uint64_t const length = reader.Unsigned();
+    std::uint8_t const* const actions = reader.Position() + length;
+    while (reader.Position() < actions) {
+        std::uintptr_t const start = reader.Pointer(callEncoding);
+        std::uintptr_t const size = reader.Pointer(callEncoding);
+        std::uintptr_t const landing = reader.Pointer(callEncoding);
+        std::uint64_t const action = reader.Unsigned();
+        if (offset >= start && offset < start + size) {
+            bool const hasHandlers = landing != 0 && action != 0 && types;
+            return hasHandlers ? HandlersOf(actions + action - 1, types, typeEncoding, context) : Handlers();
+        }
+    }
+    return {};
+}
+
+/// "GNUCC++" and a number, or "GNUCOBJC".
+bool IsCppException(_Unwind_Exception_Class type)
+{
+    return type >> 8 == 0x474e5543432b2b;
+}
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) _Unwind_Reason_Code
+__gnu_objc_personality_v0(int version, _Unwind_Action actions, _Unwind_Exception_Class type,
+                          _Unwind_Exception* exception, _Unwind_Context* context)
+{
+    static auto const next = reinterpret_cast<Personality>(dlsym(RTLD_NEXT, "__gnu_objc_personality_v0"));
+    Handlers const handlers = HandlersAtCall(context);
+    bool const isForCpp = IsCppException(type) ? !handlers.objectiveC : handlers.cpp && !handlers.objectiveC;
+    return (isForCpp ? __gxx_personality_v0 : next)(version, actions, type, exception, context);
+}
