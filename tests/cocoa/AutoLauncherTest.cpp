@@ -56,6 +56,27 @@ private Q_SLOTS:
         QCOMPARE(programs_->LaunchctlCalls(), QString());
     }
 
+    void knowsItsOwnChanges()
+    {
+        MakeStudio();
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+            QCOMPARE(TestBed::LoginItemUrls().size(), 1);
+            QVERIFY(launcher_->RemoveFromStartup(Identifier));
+            QCOMPARE(TestBed::LoginItemUrls().size(), 0);
+        }
+    }
+
+    void asksLaunchctlOnlyAboutWhatIsNoLoginItem()
+    {
+        MakeStudio();
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(launcher_->IsInStartup(Identifier));
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray());
+        QVERIFY(!launcher_->IsInStartup(QStringLiteral("zelkor_Other_1.0.0_Agent")));
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray("list|\n"));
+    }
+
     void addsALaunchAgentOtherwise()
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {QStringLiteral("--hidden")}));
@@ -129,6 +150,7 @@ protected:
         programs_.reset();
         bundles_.reset();
         QCOMPARE(TestBed::LiveObjects(), 0);
+        TestBed::Reset();
     }
 
 private:

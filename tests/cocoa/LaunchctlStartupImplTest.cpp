@@ -1,5 +1,6 @@
 #include "Programs.h"
 
+#include <Folders.h>
 #include <LogCapture.h>
 #include <NextFunction.h>
 #include <TestCase.h>
@@ -15,6 +16,7 @@
 
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::LogLine;
+using Zelkor::Testing::OpenDescriptors;
 using Zelkor::Testing::Programs;
 using Zelkor::Util::LaunchctlStartupImpl;
 namespace TestBed = Zelkor::TestBed;
@@ -94,6 +96,17 @@ private Q_SLOTS:
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
         QVERIFY(startup_->IsInStartup(Identifier)); // launchctl has read the label
+    }
+
+    void doesNotWaitForLaunchctl()
+    {
+        {
+            auto const held = programs_->Hold();
+            QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+            QVERIFY(startup_->RemoveFromStartup(Identifier));
+            QCOMPARE(programs_->LaunchctlCalls(), QString());
+        }
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
     }
 
     void doesNotRewriteAKnownAgent()
@@ -200,6 +213,41 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(AgentsFolder() + FileName));
         other.UpdatePlistList();
         QCOMPARE(other.GetAppsInStartup(), QStringList());
+    }
+
+    void takesNoOtherFileForAnAgent()
+    {
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        for (char const* const name : {"agent", "agent.plist.old"}) {
+            QString const copy = AgentsFolder() + QLatin1String(name);
+            QVERIFY(QFile::rename(AgentsFolder() + FileName, copy));
+            startup_->UpdatePlistList();
+            QCOMPARE(startup_->GetAppsInStartup(), QStringList());
+            QVERIFY(QFile::rename(copy, AgentsFolder() + FileName));
+        }
+        startup_->UpdatePlistList();
+        QCOMPARE(startup_->GetAppsInStartup(), QStringList{Identifier});
+    }
+
+    void takesAnAgentWithoutLabelForLoaded()
+    {
+        QFile file(AgentsFolder() + QStringLiteral("other.plist"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<plist><dict><key>RunAtLoad</key><true/></dict></plist>");
+        file.close();
+        startup_->UpdatePlistList();
+        QCOMPARE(startup_->GetAppsInStartup(), QStringList{QString()});
+    }
+
+    void leavesNoDescriptorsOpen()
+    {
+        QVERIFY(!startup_->IsInStartup(Identifier));
+        int const before = OpenDescriptors();
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(!startup_->IsInStartup(Identifier));
+        }
+        QCOMPARE(OpenDescriptors(), before);
     }
 
     void unloadsAKnownAgent()

@@ -265,6 +265,7 @@ protected:
         startup_.reset();
         bundles_.reset();
         QCOMPARE(TestBed::LiveObjects(), 0);
+        TestBed::Reset();
     }
 
 private:

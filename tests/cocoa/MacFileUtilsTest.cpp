@@ -1,5 +1,7 @@
+#include <ChildProcess.h>
+#include <FolderTestCase.h>
+#include <Folders.h>
 #include <TestBed.h>
-#include <TestCase.h>
 
 #include <Util/FileUtils.h>
 #include <Util/MediaUtils.h>
@@ -7,11 +9,14 @@
 #include <QtCore/QStorageInfo>
 #include <QtTest/QtTest>
 
+#include <unistd.h>
+
 using Zelkor::ioPath;
+using namespace Zelkor::Testing;
 using namespace Zelkor::Util;
 namespace TestBed = Zelkor::TestBed;
 
-class MacFileUtilsTest : public Zelkor::Testing::TestCase
+class MacFileUtilsTest : public Zelkor::Testing::FolderTestCase
 {
     Q_OBJECT
 
@@ -61,12 +66,44 @@ private Q_SLOTS:
         QCOMPARE(GetAvailableDiskSpace(ioPath("/no/such/folder")), 0LL);
     }
 
+    void freeSpaceIsWhatIsNotTaken()
+    {
+        MakeFolder(At("volume"));
+        QByteArray const found = RunWithMount(At("volume"), "size=1m", [this] {
+            long long const before = GetAvailableDiskSpace(ioPath(At("volume")));
+            MakeFile(At("volume/file"));
+            return QByteArray::number(before) + ' ' +
+                   QByteArray::number(before - GetAvailableDiskSpace(ioPath(At("volume/file"))));
+        });
+        QCOMPARE(found, QByteArray("1048576 4096"));
+    }
+
     void findsNoDiscWithoutVolumes() { QVERIFY(MountedDVD().empty()); }
+
+    void findsTheDiscsAmongTheVolumes()
+    {
+        for (char const* const folder : {"Volumes", "Volumes/MOVIE", "Volumes/MOVIE/VIDEO_TS", "Volumes/Backup"}) {
+            MakeFolder(At(folder));
+        }
+        auto const enter = [this] { Check(chroot(Root().c_str())); };
+        QByteArray const found = RunInFork(enter, [] {
+            QByteArray paths;
+            for (ioPath const& path : MountedDVD()) {
+                paths += QByteArray::fromStdString(path.utf8string()) + '|';
+            }
+            return paths;
+        });
+        QCOMPARE(found, QByteArray("/Volumes/MOVIE|"));
+    }
 
     void labelsAVolume() { QCOMPARE(DVDLabel(ioPath("/Volumes/Backup")), std::string("Backup")); }
 
 protected:
-    void SetUp() override { TestBed::Reset(); }
+    void SetUp() override
+    {
+        FolderTestCase::SetUp();
+        TestBed::Reset();
+    }
 };
 
 ZQTUTIL_WIDGET_TEST_MAIN(MacFileUtilsTest)

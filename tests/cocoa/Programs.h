@@ -9,6 +9,9 @@
 #include <QtCore/QTemporaryDir>
 
 #include <initializer_list>
+#include <memory>
+
+#include <sys/file.h>
 
 namespace Zelkor::Testing
 {
@@ -37,6 +40,15 @@ public:
 
     Programs(Programs const&) = delete;
     Programs& operator=(Programs const&) = delete;
+
+    /// Nothing that is called ends while the result lives.
+    std::unique_ptr<QFile> Hold() const
+    {
+        auto lock = std::make_unique<QFile>(folder_.filePath(QStringLiteral("lock")));
+        lock->open(QIODevice::WriteOnly);
+        flock(lock->handle(), LOCK_EX);
+        return lock;
+    }
 
     /// What launchctl lists.
     void SetJobs(QByteArray const& list) { SetState(QLatin1String("launchctl"), list); }
