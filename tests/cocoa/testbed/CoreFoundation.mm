@@ -1,4 +1,5 @@
-// Core Foundation's objects are GNUstep's, counted while somebody owns them.
+// Core Foundation's objects are GNUstep's, counted while somebody owns them. Plain C++ calls these functions without a
+// pool, as on a Mac, so each has its own.
 
 #include "State.h"
 
@@ -139,20 +140,24 @@ void const* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index)
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle, Boolean isDirectory)
 {
-    NSString* const text = (NSString*)path;
-    if ([text length] == 0) {
-        return nullptr;
+    @autoreleasepool {
+        NSString* const text = (NSString*)path;
+        if ([text length] == 0) {
+            return nullptr;
+        }
+        return (CFURLRef)Own(isDirectory ? FolderUrl(text) : [NSURL fileURLWithPath:text]);
     }
-    return (CFURLRef)Own(isDirectory ? FolderUrl(text) : [NSURL fileURLWithPath:text]);
 }
 
 CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url)
 {
-    NSString* const path = [(NSURL*)url path];
-    if (!IsFolder(path)) {
-        return nullptr;
+    @autoreleasepool {
+        NSString* const path = [(NSURL*)url path];
+        if (!IsFolder(path)) {
+            return nullptr;
+        }
+        return (CFBundleRef)Own([[[ZBBundle alloc] initWithPath:path] autorelease]);
     }
-    return (CFBundleRef)Own([[[ZBBundle alloc] initWithPath:path] autorelease]);
 }
 
 CFStringRef CFBundleGetIdentifier(CFBundleRef bundle)
@@ -167,30 +172,42 @@ CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef k
 
 CFBundleRef CFBundleGetMainBundle(void)
 {
-    NSString* const path = TheState().mainBundle.toNSString();
-    return (CFBundleRef)[[[ZBBundle alloc] initWithPath:path] autorelease];
+    @autoreleasepool {
+        static ZBBundle* bundle;
+        [bundle release];
+        bundle = [[ZBBundle alloc] initWithPath:TheState().mainBundle.toNSString()];
+        return (CFBundleRef)bundle;
+    }
 }
 
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle)
 {
-    return (CFURLRef)Own(FolderUrl(((ZBBundle*)bundle)->path));
+    @autoreleasepool {
+        return (CFURLRef)Own(FolderUrl(((ZBBundle*)bundle)->path));
+    }
 }
 
 // --- Qt's conversions
 
 QUrl QUrl::fromCFURL(CFURLRef url)
 {
-    return QUrl(QString::fromNSString([(NSURL*)url absoluteString]));
+    @autoreleasepool {
+        return QUrl(QString::fromNSString([(NSURL*)url absoluteString]));
+    }
 }
 
 CFURLRef QUrl::toCFURL() const
 {
-    return (CFURLRef)Own([NSURL URLWithString:[NSString stringWithUTF8String:toEncoded().constData()]]);
+    @autoreleasepool {
+        return (CFURLRef)Own([NSURL URLWithString:[NSString stringWithUTF8String:toEncoded().constData()]]);
+    }
 }
 
 QString QString::fromNSString(NSString const* string)
 {
-    return string ? QString::fromUtf8([(NSString*)string UTF8String]) : QString();
+    @autoreleasepool {
+        return string ? QString::fromUtf8([(NSString*)string UTF8String]) : QString();
+    }
 }
 
 NSString* QString::toNSString() const
@@ -205,5 +222,7 @@ QString QString::fromCFString(CFStringRef string)
 
 CFStringRef QString::toCFString() const
 {
-    return (CFStringRef)Own(toNSString());
+    @autoreleasepool {
+        return (CFStringRef)Own(toNSString());
+    }
 }

@@ -40,11 +40,13 @@ void AddLoginItem(QString const& path, bool resolves)
 
 QStringList LoginItemUrls()
 {
-    QStringList urls;
-    for (ZBLoginItem* const item : TheState().loginItems) {
-        urls += QString::fromNSString([item->url absoluteString]);
+    @autoreleasepool {
+        QStringList urls;
+        for (ZBLoginItem* const item : TheState().loginItems) {
+            urls += QString::fromNSString([item->url absoluteString]);
+        }
+        return urls;
     }
-    return urls;
 }
 
 } // namespace Zelkor::TestBed
@@ -54,47 +56,55 @@ LSSharedFileListItemRef kLSSharedFileListItemLast = (LSSharedFileListItemRef) @"
 
 LSSharedFileListRef LSSharedFileListCreate(CFAllocatorRef, CFStringRef type, CFTypeRef)
 {
-    if (Fails(LoginItemsCall::Create) || type != kLSSharedFileListSessionLoginItems) {
-        return nullptr;
+    @autoreleasepool {
+        if (Fails(LoginItemsCall::Create) || type != kLSSharedFileListSessionLoginItems) {
+            return nullptr;
+        }
+        return (LSSharedFileListRef)Own([[[NSObject alloc] init] autorelease]);
     }
-    return (LSSharedFileListRef)Own([[[NSObject alloc] init] autorelease]);
 }
 
 CFArrayRef LSSharedFileListCopySnapshot(LSSharedFileListRef, UInt32* seed)
 {
-    if (Fails(LoginItemsCall::Snapshot)) {
-        return nullptr;
+    @autoreleasepool {
+        if (Fails(LoginItemsCall::Snapshot)) {
+            return nullptr;
+        }
+        *seed = 1;
+        NSMutableArray* const items = [NSMutableArray array];
+        for (ZBLoginItem* const item : TheState().loginItems) {
+            [items addObject:item];
+        }
+        return (CFArrayRef)Own(items);
     }
-    *seed = 1;
-    NSMutableArray* const items = [NSMutableArray array];
-    for (ZBLoginItem* const item : TheState().loginItems) {
-        [items addObject:item];
-    }
-    return (CFArrayRef)Own(items);
 }
 
 OSStatus LSSharedFileListItemResolve(LSSharedFileListItemRef item, LSSharedFileListResolutionFlags, CFURLRef* url,
                                      FSRef*)
 {
-    ZBLoginItem* const loginItem = (ZBLoginItem*)item;
-    if (!loginItem->resolves) {
-        return -43; // fnfErr
+    @autoreleasepool {
+        ZBLoginItem* const loginItem = (ZBLoginItem*)item;
+        if (!loginItem->resolves) {
+            return -43; // fnfErr
+        }
+        *url = (CFURLRef)Own(loginItem->url);
+        return noErr;
     }
-    *url = (CFURLRef)Own(loginItem->url);
-    return noErr;
 }
 
 LSSharedFileListItemRef LSSharedFileListInsertItemURL(LSSharedFileListRef, LSSharedFileListItemRef after, CFStringRef,
                                                       IconRef, CFURLRef url, CFDictionaryRef, CFArrayRef)
 {
-    if (Fails(LoginItemsCall::Insert)) {
-        return nullptr;
+    @autoreleasepool {
+        if (Fails(LoginItemsCall::Insert)) {
+            return nullptr;
+        }
+        auto& items = TheState().loginItems;
+        bool const last = after == kLSSharedFileListItemLast;
+        ZBLoginItem* const item = CreateItem((NSURL*)url, true);
+        items.insert(last ? items.end() : items.begin(), item);
+        return (LSSharedFileListItemRef)Own(item);
     }
-    auto& items = TheState().loginItems;
-    bool const last = after == kLSSharedFileListItemLast;
-    ZBLoginItem* const item = CreateItem((NSURL*)url, true);
-    items.insert(last ? items.end() : items.begin(), item);
-    return (LSSharedFileListItemRef)Own(item);
 }
 
 OSStatus LSSharedFileListItemRemove(LSSharedFileListRef, LSSharedFileListItemRef item)
