@@ -5,6 +5,7 @@
 
 #include <QtCore/QLocale>
 #include <QtCore/QTemporaryDir>
+#include <QtGui/QScreen>
 #include <QtTest/QtTest>
 #include <QtWidgets/QApplication>
 
@@ -61,6 +62,25 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString 
     }
 }
 
+/// That the program runs on the display that its launcher promises, if there is one: without its screens the tests
+/// would pass, and tell nothing of them.
+void VerifyScreens()
+{
+    int const promised = qEnvironmentVariableIntValue("ZQTUTIL_TEST_SCREENS");
+    if (promised == 0) {
+        return;
+    }
+    QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
+    auto const screens = QGuiApplication::screens();
+    QCOMPARE(screens.size(), promised);
+    for (QScreen const* const screen : screens) {
+        QCOMPARE(screen->virtualSiblings(), screens);
+        for (QScreen const* const other : screens) {
+            QCOMPARE(screen->geometry().intersects(other->geometry()), screen == other);
+        }
+    }
+}
+
 void PinEnvironment(QString const& folder)
 {
     QByteArray const home = QFile::encodeName(folder);
@@ -99,6 +119,7 @@ void TestCase::initTestCase()
 {
     // QtTest has installed its own handler by now, and prints what passes through ours.
     Messages().next = qInstallMessageHandler(HandleQtMessage);
+    VerifyScreens();
 }
 
 void TestCase::init()

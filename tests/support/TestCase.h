@@ -9,6 +9,8 @@ namespace Zelkor::Testing
 /// What every test of the tree derives from. A Qt warning that was not announced, an announced one that did not come,
 /// and a glog warning or error that no LogCapture was there for fail the test function in which they happen.
 ///
+/// With ZQTUTIL_TEST_SCREENS in the environment the program must find that many screens side by side on an X server.
+///
 /// QtTest's own slots are taken; a test overrides SetUp() and TearDown() instead.
 class TestCase : public QObject
 {

@@ -1,3 +1,4 @@
+#include <Screens.h>
 #include <TestCase.h>
 
 #include <Util/GlobalCoordinates.h>
@@ -37,6 +38,27 @@ private Q_SLOTS:
         child.setGeometry(10, 20, 30, 40);
         QCOMPARE(GetWidgetRect(&child, GetGlobalWidgetRect(&child)), QRect(0, 0, 30, 40));
         QCOMPARE(GetWidgetRect(&window, GetGlobalWidgetRect(&child)), QRect(10, 20, 30, 40));
+    }
+
+    void followsAShownWindow_data() { Zelkor::Testing::AddScreens(); }
+
+    void followsAShownWindow()
+    {
+        QFETCH(QRect, screen);
+        QWidget window;
+        window.setGeometry(QRect(screen.topLeft() + QPoint(100, 150), QSize(320, 240)));
+        QWidget child(&window);
+        child.setGeometry(10, 20, 30, 40);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(GetGlobalWidgetRect(&window), window.geometry()); // the frame is not of it
+        QCOMPARE(GetGlobalWidgetRect(&child), child.geometry().translated(window.geometry().topLeft()));
+        QVERIFY(screen.contains(GetGlobalWidgetRect(&child)));
+
+        window.move(screen.center());
+        QTRY_COMPARE(window.pos(), screen.center());
+        QCOMPARE(GetGlobalWidgetRect(&window), window.geometry());
+        QCOMPARE(GetWidgetRect(&window, GetGlobalWidgetRect(&child)), child.geometry());
     }
 
     void takesAnyRectangle_data()

@@ -1,3 +1,4 @@
+#include <Screens.h>
 #include <TestCase.h>
 
 #include <Util/WindowUtils.h>
@@ -12,6 +13,7 @@
 #include <functional>
 #include <memory>
 
+using Zelkor::Testing::Screens;
 using Zelkor::Util::ExecDialogInCenterWindow;
 using Zelkor::Util::GetCurrentScreenRect;
 using Zelkor::Util::GetWidgetPosOnCurrentScreenCenter;
@@ -27,6 +29,14 @@ QRect Primary()
 QPoint MiddleOf(QRect const& rect)
 {
     return {(rect.left() + rect.right()) / 2, (rect.top() + rect.bottom()) / 2};
+}
+
+/// What is placed by its centre pixel, which an odd size has.
+QRect Around(QPoint centre)
+{
+    QRect rect(0, 0, 101, 101);
+    rect.moveCenter(centre);
+    return rect;
 }
 
 /// Of a fixed size; calls back when it is shown modally.
@@ -59,35 +69,102 @@ private Q_SLOTS:
     void findsTheScreenOfTheCentre_data()
     {
         QTest::addColumn<QRect>("geometry");
-        QTest::newRow("inside") << QRect(10, 10, 100, 100);
-        QTest::newRow("outside all screens") << QRect(100000, 100000, 100, 100);
-        QTest::newRow("half outside") << QRect(-49, -49, 100, 100);
+        QTest::addColumn<QRect>("screen");
+        QTest::newRow("inside") << QRect(Primary().topLeft() + QPoint(10, 10), QSize(100, 100)) << Primary();
+        QTest::newRow("outside all screens") << QRect(100000, 100000, 100, 100) << Primary();
+        QTest::newRow("half outside") << QRect(Primary().topLeft() - QPoint(49, 49), QSize(100, 100)) << Primary();
+        for (QRect const& screen : Screens()) {
+            int const number = Screens().indexOf(screen);
+            QTest::addRow("middle of screen %d", number) << Around(screen.center()) << screen;
+            QTest::addRow("first pixel of screen %d", number) << Around(screen.topLeft()) << screen;
+            QTest::addRow("last pixel of screen %d", number) << Around(screen.bottomRight()) << screen;
+        }
     }
 
     void findsTheScreenOfTheCentre()
     {
         QFETCH(QRect, geometry);
+        QFETCH(QRect, screen);
         QWidget window;
         window.setGeometry(geometry);
-        QCOMPARE(GetCurrentScreenRect(&window), Primary());
+        QCOMPARE(GetCurrentScreenRect(&window), screen);
+    }
+
+    void findsTheScreenOfAShownWindow_data() { Zelkor::Testing::AddScreens(); }
+
+    void findsTheScreenOfAShownWindow()
+    {
+        QFETCH(QRect, screen);
+        QWidget window;
+        window.setGeometry(Around(screen.center()));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(GetCurrentScreenRect(&window), screen);
+        for (QRect const& next : Screens()) {
+            window.move(next.center());
+            QTRY_COMPARE(GetCurrentScreenRect(&window), next);
+        }
+    }
+
+    void locatesAChildByItsGlobalPosition_data()
+    {
+        QTest::addColumn<QRect>("screenOfTheWindow");
+        QTest::addColumn<QRect>("screen");
+        for (QRect const& screenOfTheWindow : Screens()) {
+            for (QRect const& screen : Screens()) {
+                QTest::addRow("on screen %d, its window on screen %d", Screens().indexOf(screen),
+                              Screens().indexOf(screenOfTheWindow))
+                    << screenOfTheWindow << screen;
+            }
+        }
     }
 
     void locatesAChildByItsGlobalPosition()
     {
+        QFETCH(QRect, screenOfTheWindow);
+        QFETCH(QRect, screen);
         QWidget window;
-        window.setGeometry(20, 20, 200, 200);
+        window.setGeometry(QRect(screenOfTheWindow.topLeft() + QPoint(20, 20), QSize(200, 200)));
         QWidget child(&window);
-        child.setGeometry(0, 0, 10, 10);
-        QCOMPARE(GetCurrentScreenRect(&child), Primary());
+        child.setGeometry(QRect(window.mapFromGlobal(screen.topLeft()), QSize(10, 10)));
+        QCOMPARE(GetCurrentScreenRect(&child), screen);
     }
 
-    void centresOnTheScreenOfTheParent()
+    void centresOnThePrimaryScreenWithoutParent()
     {
         QWidget window;
         window.resize(101, 51);
-        QPoint const middle = MiddleOf(Primary());
-        QSize const frame = window.frameGeometry().size();
-        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), middle - QPoint(frame.width() / 2, frame.height() / 2));
+        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredIn(Primary(), window));
+    }
+
+    void centresOnTheScreenOfTheParent_data() { Zelkor::Testing::AddScreens(); }
+
+    void centresOnTheScreenOfTheParent()
+    {
+        QFETCH(QRect, screen);
+        QWidget parent;
+        parent.setGeometry(Around(screen.bottomRight()));
+        QWidget window(&parent, Qt::Window);
+        window.setGeometry(QRect(Primary().topLeft(), QSize(101, 51)));
+        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredIn(screen, window));
+        window.setGeometry(QRect(Primary().topLeft(), QSize(100, 50)));
+        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredIn(screen, window));
+    }
+
+    void centresAShownWindowWithItsFrame_data() { Zelkor::Testing::AddScreens(); }
+
+    void centresAShownWindowWithItsFrame()
+    {
+        QFETCH(QRect, screen);
+        QWidget parent;
+        parent.setGeometry(Around(screen.center()));
+        QWidget window(&parent, Qt::Window);
+        window.resize(301, 201);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.move(GetWidgetPosOnCurrentScreenCenter(window));
+        QTRY_COMPARE(window.pos(), CentredIn(screen, window));
+        QCOMPARE(GetCurrentScreenRect(&window), screen);
     }
 
     void showsNothingWithoutDialog()
@@ -100,28 +177,65 @@ private Q_SLOTS:
     void centresTheDialog_data()
     {
         QTest::addColumn<QString>("around");
-        QTest::newRow("the parent given") << QStringLiteral("given");
-        QTest::newRow("the window of the child given") << QStringLiteral("child");
-        QTest::newRow("its own parent") << QStringLiteral("own");
-        QTest::newRow("the screen") << QStringLiteral("screen");
+        QTest::addColumn<QRect>("screen");
+        for (QRect const& screen : Screens()) {
+            auto const addRow = [&screen](char const* name, char const* around) {
+                QTest::addRow("%s, screen %d", name, Screens().indexOf(screen))
+                    << QString::fromLatin1(around) << screen;
+            };
+            addRow("the parent given", "given");
+            addRow("the window of the child given", "child");
+            addRow("its own parent", "own");
+            addRow("the screen", "screen");
+        }
+        QTest::newRow("the screen, before it is anywhere") << QStringLiteral("nowhere") << Primary();
     }
 
     void centresTheDialog()
     {
         QFETCH(QString, around);
+        QFETCH(QRect, screen);
         QWidget window;
-        window.setGeometry(150, 120, 401, 301);
+        window.setGeometry(QRect(screen.topLeft() + QPoint(150, 120), QSize(401, 301)));
         QWidget child(&window);
         child.setGeometry(0, 0, 50, 50);
         Dialog dialog(around == QLatin1String("own") ? &child : nullptr);
         dialog.setFixedSize(121, 81);
+        if (around == QLatin1String("screen")) {
+            dialog.move(screen.topLeft() + QPoint(1, 1));
+        }
 
         QWidget* const parent = around == QLatin1String("given")   ? &window
                                 : around == QLatin1String("child") ? &child
                                                                    : nullptr;
-        QPoint const middle = MiddleOf(around == QLatin1String("screen") ? Primary() : window.geometry());
+        bool const hasWindow = parent || dialog.parent();
+        QPoint const middle = MiddleOf(hasWindow ? window.geometry() : screen);
         QCOMPARE(ExecDialogInCenterWindow(&dialog, parent), 7);
         QCOMPARE(dialog.placed, QRect(middle - QPoint(61, 41), QSize(121, 81)));
+    }
+
+    void theDialogStaysWhereItIsPlaced_data() { Zelkor::Testing::AddScreens(); }
+
+    void theDialogStaysWhereItIsPlaced()
+    {
+        QFETCH(QRect, screen);
+        QWidget window;
+        window.setGeometry(QRect(screen.topLeft() + QPoint(150, 120), QSize(401, 301)));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        Dialog dialog(&window);
+        dialog.setFixedSize(121, 81);
+        QPoint settled;
+        dialog.onExec = [&dialog, &settled] {
+            // Active: the window manager is done with it.
+            if (QTest::qWaitForWindowActive(&dialog)) {
+                settled = dialog.pos();
+            }
+            dialog.done(7);
+        };
+        QPoint const middle = MiddleOf(window.geometry());
+        QCOMPARE(ExecDialogInCenterWindow(&dialog, nullptr), 7);
+        QCOMPARE(settled, middle - QPoint(61, 41));
     }
 
     void passesTheResultOn()
@@ -148,6 +262,13 @@ private Q_SLOTS:
         dialog->onExec = [&parent] { parent.reset(); };
         QCOMPARE(ExecDialogInCenterWindow(dialog, nullptr), 0);
         QVERIFY(!dialog);
+    }
+
+private:
+    static QPoint CentredIn(QRect const& screen, QWidget const& window)
+    {
+        QSize const frame = window.frameGeometry().size();
+        return MiddleOf(screen) - QPoint(frame.width() / 2, frame.height() / 2);
     }
 };
 

@@ -1,0 +1,29 @@
+#include "Screens.h"
+
+#include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+#include <QtTest/QtTest>
+
+namespace Zelkor::Testing
+{
+
+QVector<QRect> Screens()
+{
+    QVector<QRect> geometries;
+    auto const screens = QGuiApplication::screens();
+    for (QScreen const* const screen : screens) {
+        geometries += screen->geometry();
+    }
+    return geometries;
+}
+
+void AddScreens()
+{
+    QTest::addColumn<QRect>("screen");
+    QVector<QRect> const screens = Screens();
+    for (int i = 0; i < screens.size(); ++i) {
+        QTest::addRow("screen %d", i) << screens.at(i);
+    }
+}
+
+} // namespace Zelkor::Testing
