@@ -1,3 +1,4 @@
+#include <Screens.h>
 #include <TestCase.h>
 
 #include <Util/FixWidgetStyle.h>
@@ -225,6 +226,51 @@ private Q_SLOTS:
         QVERIFY(IsRounded(*PopUpOf(comboBox)));
         QVERIFY(!IsMarked(comboBox));
         QVERIFY(IsSquare(comboBox));
+    }
+
+    void roundedMenuPopsUpWhereItIsAsked_data() { Zelkor::Testing::AddScreens(); }
+
+    void roundedMenuPopsUpWhereItIsAsked()
+    {
+        QFETCH(QRect, screen);
+        QWidget window;
+        window.setGeometry(QRect(screen.center(), QSize(200, 100)));
+        QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
+        menu->addAction(QStringLiteral("entry"));
+        FixWidgetStyle::Apply(&window);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QPoint const position = screen.topLeft() + QPoint(30, 40);
+        menu->popup(position);
+        QVERIFY(QTest::qWaitForWindowExposed(menu));
+        QCOMPARE(QApplication::activePopupWidget(), menu);
+        QCOMPARE(menu->geometry().topLeft(), position);
+        QCOMPARE(menu->frameGeometry(), menu->geometry());
+        QVERIFY(IsRounded(*menu));
+        QTest::keyClick(menu, Qt::Key_Escape);
+        QVERIFY(!menu->isVisible());
+    }
+
+    void roundedPopUpOfAComboBoxComesUpOnItsScreen_data() { Zelkor::Testing::AddScreens(); }
+
+    void roundedPopUpOfAComboBoxComesUpOnItsScreen()
+    {
+        QFETCH(QRect, screen);
+        QWidget window;
+        window.setGeometry(QRect(screen.center(), QSize(200, 100)));
+        auto* const comboBox = new QComboBox(&window);
+        comboBox->addItems({QStringLiteral("one"), QStringLiteral("two")});
+        FixWidgetStyle::Apply(&window);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        comboBox->showPopup();
+        QWidget& popUp = *PopUpOf(*comboBox);
+        QVERIFY(QTest::qWaitForWindowExposed(&popUp));
+        QVERIFY(IsRounded(popUp));
+        QCOMPARE(popUp.frameGeometry(), popUp.geometry());
+        QVERIFY(screen.contains(popUp.geometry()));
+        comboBox->hidePopup();
+        QTRY_VERIFY(!popUp.isVisible());
     }
 
     void popUpsAreMarkedInOrderMenusFirst()

@@ -1,9 +1,11 @@
+#include <Screens.h>
 #include <TestCase.h>
 
 #include <Util/HoverGroup.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
+#include <QtGui/QCursor>
 #include <QtGui/QHoverEvent>
 #include <QtTest/QtTest>
 
@@ -124,6 +126,40 @@ private Q_SLOTS:
         Send(tiles_[2].get(), QEvent::Leave);
         for (auto const& tile : tiles_) {
             QVERIFY(!tile->underMouse());
+        }
+    }
+
+    void followsThePointer_data() { Zelkor::Testing::AddScreens(); }
+
+    void followsThePointer()
+    {
+        QFETCH(QRect, screen);
+        QPoint const before = QCursor::pos();
+        QPoint const outside = screen.topLeft() + QPoint(5, 5);
+        QCursor::setPos(outside);
+        QWidget window;
+        window.setGeometry(QRect(screen.center(), QSize(300, 100)));
+        for (int i = 0; i < 3; ++i) {
+            tiles_[std::size_t(i)]->setParent(&window);
+            tiles_[std::size_t(i)]->setGeometry(100 * i, 0, 100, 100);
+        }
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto const moveAndExpect = [&](QPoint target, bool entered) {
+            QCursor::setPos(target);
+            for (auto const& tile : tiles_) {
+                QTRY_COMPARE(tile->underMouse(), entered);
+            }
+        };
+        for (auto const& tile : tiles_) {
+            moveAndExpect(tile->mapToGlobal(QPoint(50, 50)), true);
+        }
+        moveAndExpect(outside, false);
+        moveAndExpect(tiles_[2]->mapToGlobal(QPoint(50, 50)), true);
+        moveAndExpect(outside, false);
+        QCursor::setPos(before);
+        for (auto const& tile : tiles_) {
+            tile->setParent(nullptr);
         }
     }
 

@@ -73,6 +73,35 @@ private Q_SLOTS:
         QVERIFY(container_->hasFocus());
     }
 
+    void handsTheFocusOverEachTimeTheWindowComesBack_data()
+    {
+        QTest::addColumn<bool>("native");
+        QTest::newRow("to a plain widget") << false;
+        QTest::newRow("to one with a native window") << true;
+    }
+
+    void handsTheFocusOverEachTimeTheWindowComesBack()
+    {
+        QFETCH(bool, native);
+        container_->setAttribute(Qt::WA_NativeWindow, native);
+        container_->setGeometry(50, 50, 100, 100);
+        Show();
+        container_->setFocusPolicy(Qt::StrongFocus);
+        new QmlWindowFocusWorkaround(window_.get(), container_);
+        QWidget other;
+        for (int i = 0; i < 2; ++i) {
+            edit_->setFocus();
+            QVERIFY(edit_->hasFocus());
+            other.show();
+            other.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&other));
+            QVERIFY(!container_->hasFocus());
+            window_->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+            QTRY_VERIFY(container_->hasFocus());
+        }
+    }
+
     void leavesOtherEventsAlone()
     {
         Show();
