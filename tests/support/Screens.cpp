@@ -2,6 +2,7 @@
 
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
+#include <QtGui/QWindow>
 #include <QtTest/QtTest>
 
 namespace Zelkor::Testing
@@ -24,6 +25,14 @@ void AddScreens()
     for (int i = 0; i < screens.size(); ++i) {
         QTest::addRow("screen %d", i) << screens.at(i);
     }
+}
+
+bool WindowsSettle()
+{
+    QWindow last;
+    last.resize(100, 100);
+    last.show();
+    return QTest::qWaitForWindowExposed(&last);
 }
 
 } // namespace Zelkor::Testing

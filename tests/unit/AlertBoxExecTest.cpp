@@ -1,3 +1,4 @@
+#include <Screens.h>
 #include <TestCase.h>
 
 #include <Util/AlertBox.h>
@@ -269,6 +270,7 @@ private Q_SLOTS:
             WhenShown const shown(Clicks(QMessageBox::Yes));
             QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::Yes));
         }
+        QVERIFY(Zelkor::Testing::WindowsSettle()); // it is not there any more before it comes again
         QPushButton const* const later = box.addButton(QStringLiteral("later"), QMessageBox::RejectRole);
         WhenShown const shown(Clicks(QMessageBox::No));
         QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::No));
@@ -320,6 +322,7 @@ private Q_SLOTS:
         box.Show(false);
         QVERIFY(!box.isModal());
         box.hide();
+        QVERIFY(Zelkor::Testing::WindowsSettle());
         box.Show(true);
         QVERIFY(box.isModal());
     }
