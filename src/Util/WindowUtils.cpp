@@ -35,21 +35,6 @@ QPoint MiddleFor(QDialog const* dialog, QWidget const* parent)
     return MiddleOf(parent ? parent->window()->geometry() : GetCurrentScreenRect(dialog));
 }
 
-/// Gives \a dialog the size that it gets by being shown, as far as that is known before.
-void AdjustSize(QDialog* dialog)
-{
-    if (!dialog->testAttribute(Qt::WA_Resized)) {
-        dialog->adjustSize();
-        dialog->setAttribute(Qt::WA_Resized, false);
-    }
-}
-
-QPoint PositionAround(QPoint middle, QDialog const* dialog)
-{
-    QSize const size = dialog->geometry().size();
-    return middle - QPoint(qRound(size.width() * 0.5), qRound(size.height() * 0.5));
-}
-
 } // namespace
 
 QRect GetCurrentScreenRect(QWidget const* widget)
@@ -85,20 +70,13 @@ int ExecDialogInCenterWindow(QDialog* dialog, QWidget* parent)
     }
     QPointer<QDialog> const guarded(dialog);
     QPoint const middle = MiddleFor(dialog, parent);
-    if (!dialog->isVisible()) {
-        // Where a window that is shown goes depends on whether its window manager has put the frame on yet.
-        AdjustSize(dialog);
-        dialog->move(PositionAround(middle, dialog));
-    }
     dialog->show();
     QCoreApplication::processEvents(); // gives it its real size
     if (!guarded) {
         return 0;
     }
-    QPoint const position = PositionAround(middle, dialog);
-    if (dialog->pos() != position) {
-        dialog->move(position);
-    }
+    QSize const size = dialog->geometry().size();
+    dialog->move(middle - QPoint(qRound(size.width() * 0.5), qRound(size.height() * 0.5)));
     return dialog->exec();
 }
 

@@ -2,7 +2,6 @@
 
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
-#include <QtGui/QWindow>
 #include <QtTest/QtTest>
 
 namespace Zelkor::Testing
@@ -25,14 +24,6 @@ void AddScreens()
     for (int i = 0; i < screens.size(); ++i) {
         QTest::addRow("screen %d", i) << screens.at(i);
     }
-}
-
-bool WindowsSettle()
-{
-    QWindow last;
-    last.resize(100, 100);
-    last.show();
-    return QTest::qWaitForWindowExposed(&last);
 }
 
 } // namespace Zelkor::Testing

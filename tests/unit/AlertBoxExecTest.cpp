@@ -1,4 +1,3 @@
-#include <Screens.h>
 #include <TestCase.h>
 
 #include <Util/AlertBox.h>
@@ -270,7 +269,6 @@ private Q_SLOTS:
             WhenShown const shown(Clicks(QMessageBox::Yes));
             QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::Yes));
         }
-        QVERIFY(Zelkor::Testing::WindowsSettle()); // it is not there any more before it comes again
         QPushButton const* const later = box.addButton(QStringLiteral("later"), QMessageBox::RejectRole);
         WhenShown const shown(Clicks(QMessageBox::No));
         QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::No));
@@ -322,7 +320,6 @@ private Q_SLOTS:
         box.Show(false);
         QVERIFY(!box.isModal());
         box.hide();
-        QVERIFY(Zelkor::Testing::WindowsSettle());
         box.Show(true);
         QVERIFY(box.isModal());
     }

@@ -56,8 +56,7 @@ private Q_SLOTS:
         QVERIFY(screen.contains(GetGlobalWidgetRect(&child)));
 
         window.move(screen.center());
-        QVERIFY(Zelkor::Testing::WindowsSettle());
-        QCOMPARE(window.pos(), screen.center());
+        QTRY_COMPARE(window.pos(), screen.center());
         QCOMPARE(GetGlobalWidgetRect(&window), window.geometry());
         QCOMPARE(GetWidgetRect(&window, GetGlobalWidgetRect(&child)), child.geometry());
     }
