@@ -93,6 +93,36 @@ private Q_SLOTS:
         QCOMPARE(launcher_->GetStartupApplications(), QStringList());
     }
 
+    void seesWhatOthersHaveChanged()
+    {
+        auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);
+        QString const agent = QStringLiteral("zelkor_Editor_1.0_Agent");
+        QVERIFY(other->AddToStartup(agent, Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        MakeStudio();
+        QVERIFY(other->AddToStartup(Identifier, Executable, {}));
+        // Login items first.
+        QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent}));
+
+        auto const third = GetAutoLauncherImpl(AutoLauncherImplType::Default);
+        QVERIFY(third->IsInStartup(Identifier));
+        QVERIFY(third->RemoveFromStartup(agent));
+    }
+
+    void removesTheLoginItemFirst()
+    {
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        MakeStudio();
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(launcher_->RemoveFromStartup(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 0);
+        QVERIFY(launcher_->IsInStartup(Identifier));
+        QCOMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 0);
+        QVERIFY(launcher_->RemoveFromStartup(Identifier));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 1);
+    }
+
     void listsWhatIsBothTwice()
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));

@@ -86,6 +86,8 @@ private Q_SLOTS:
                                 << QStringLiteral("/Applications/X.app");
         QTest::newRow("no bundle") << QStringLiteral("/opt/x/run") << QStringLiteral("/opt/x/ru");
         QTest::newRow("contents twice") << QStringLiteral("/Contents/X.app/Contents/MacOS/X") << QString();
+        QTest::newRow("contents on two lines")
+            << QStringLiteral("/a/Contents\n/X.app/Contents/MacOS/X") << QStringLiteral("/a/Contents\n/X.app");
         QTest::newRow("contents only begun") << QStringLiteral("/a/ContentsOf/x") << QStringLiteral("/a");
         QTest::newRow("other case") << QStringLiteral("/a/contents/x") << QStringLiteral("/a/contents/");
         QTest::newRow("one character") << QStringLiteral("x") << QString();

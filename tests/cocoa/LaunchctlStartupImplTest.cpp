@@ -11,6 +11,8 @@
 #include <QtCore/QSettings>
 #include <QtTest/QtTest>
 
+#include <chrono>
+#include <future>
 #include <memory>
 #include <type_traits>
 
@@ -100,12 +102,17 @@ private Q_SLOTS:
 
     void doesNotWaitForLaunchctl()
     {
-        {
-            auto const held = programs_->Hold();
-            QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
-            QVERIFY(startup_->RemoveFromStartup(Identifier));
-            QCOMPARE(programs_->LaunchctlCalls(), QString());
-        }
+        std::promise<void> done;
+        auto wasDoneFirst = std::async(std::launch::async, [hold = programs_->Hold(), &done]() mutable {
+            bool const isDone = done.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+            hold.reset();
+            return isDone;
+        });
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QVERIFY(startup_->RemoveFromStartup(Identifier));
+        QCOMPARE(programs_->LaunchctlCalls(), QString());
+        done.set_value();
+        QVERIFY(wasDoneFirst.get());
         QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
     }
 

@@ -103,6 +103,15 @@ private Q_SLOTS:
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
+    void skipsItemsThatDoNotResolve()
+    {
+        MakeStudio();
+        TestBed::AddLoginItem(helper_, false);
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
     void skipsItemsOutsideABundle()
     {
         TestBed::AddLoginItem(
@@ -204,6 +213,25 @@ private Q_SLOTS:
                  (QStringList{QStringLiteral("file:///first/"), QStringLiteral("file:///second/")}));
         QVERIFY(startup_->IsInStartup(Identifier)); // until it is read again
         QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void removesTheVeryPathOnly()
+    {
+        MakeStudio();
+        QStringList const others = {helper_ + QStringLiteral("2"), helper_ + QStringLiteral("/Contents"),
+                                    helper_.chopped(1), helper_.toUpper()};
+        for (QString const& other : others) {
+            TestBed::AddLoginItem(other);
+        }
+        TestBed::AddLoginItem(helper_);
+        startup_->UpdateStartupItems(Maker);
+        QVERIFY(startup_->RemoveFromLoginItems(Identifier));
+        QStringList urls;
+        for (QString const& other : others) {
+            urls += QUrl::fromLocalFile(other).toString(QUrl::FullyEncoded) + QLatin1Char('/');
+        }
+        QCOMPARE(TestBed::LoginItemUrls(), urls);
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 

@@ -84,11 +84,8 @@ OSStatus LSSharedFileListItemResolve(LSSharedFileListItemRef item, LSSharedFileL
 {
     @autoreleasepool {
         ZBLoginItem* const loginItem = (ZBLoginItem*)item;
-        if (!loginItem->resolves) {
-            return -43; // fnfErr
-        }
         *url = (CFURLRef)Own(loginItem->url);
-        return noErr;
+        return loginItem->resolves ? noErr : -43; // fnfErr
     }
 }
 

@@ -35,7 +35,8 @@ enum class LoginItemsCall { None, Create, Snapshot, Insert, Remove };
 /// The next calls of this kind fail.
 void FailLoginItems(LoginItemsCall call);
 
-/// Adds an item for the folder \a path; one that does not resolve leads nowhere.
+/// Adds an item for the folder \a path; one that does not resolve leads nowhere, which its status
+/// alone tells.
 void AddLoginItem(QString const& path, bool resolves = true);
 
 /// The URLs of the items, in order.
