@@ -84,6 +84,11 @@ private Q_SLOTS:
         QCOMPARE(files, QStringList{QStringLiteral("com.zelkor.studio3.agent.startup.plist")});
         QTRY_COMPARE(programs_->LaunchctlCalls(),
                      QStringLiteral("load|-w|%1|").arg(AgentsFolder().absoluteFilePath(files.first())));
+        QFile agent(AgentsFolder().absoluteFilePath(files.first()));
+        QVERIFY(agent.open(QIODevice::ReadOnly));
+        QByteArray const text = agent.readAll();
+        QVERIFY(text.contains("<string>/Applications/X.app</string>"));
+        QVERIFY(text.contains("<string>--hidden</string>"));
         QVERIFY(launcher_->IsInStartup(Identifier));
         QCOMPARE(launcher_->GetStartupApplications(), QStringList{Identifier});
 
