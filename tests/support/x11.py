@@ -122,10 +122,11 @@ def start_window_manager(folder, environment):
 
 
 def wait_for_window_manager(manager, environment):
-    """Until the root window tells of it."""
+    """Until the root window tells of it, and of the windows that it manages."""
     end = time.monotonic() + PATIENCE
     while time.monotonic() < end:
-        if "window id" in ask(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], environment):
+        told = ask(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK", "_NET_CLIENT_LIST"], environment)
+        if told.count("window id") == 2:
             return
         try:
             manager.process.wait(0.02)

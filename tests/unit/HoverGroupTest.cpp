@@ -134,32 +134,25 @@ private Q_SLOTS:
     void followsThePointer()
     {
         QFETCH(QRect, screen);
-        QPoint const before = QCursor::pos();
         QPoint const outside = screen.topLeft() + QPoint(5, 5);
         QCursor::setPos(outside);
-        QWidget window;
-        window.setGeometry(QRect(screen.center(), QSize(300, 100)));
+        window_ = std::make_unique<QWidget>();
+        window_->setGeometry(QRect(screen.center(), QSize(300, 100)));
         for (int i = 0; i < 3; ++i) {
-            tiles_[std::size_t(i)]->setParent(&window);
+            tiles_[std::size_t(i)]->setParent(window_.get());
             tiles_[std::size_t(i)]->setGeometry(100 * i, 0, 100, 100);
         }
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        auto const moveAndExpect = [&](QPoint target, bool entered) {
+        window_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+        std::vector<QPoint> targets;
+        for (auto const& tile : tiles_) {
+            targets.push_back(tile->mapToGlobal(QPoint(50, 50)));
+        }
+        for (QPoint const target : {targets[0], targets[1], targets[2], outside, targets[2], outside}) {
             QCursor::setPos(target);
             for (auto const& tile : tiles_) {
-                QTRY_COMPARE(tile->underMouse(), entered);
+                QTRY_COMPARE(tile->underMouse(), target != outside);
             }
-        };
-        for (auto const& tile : tiles_) {
-            moveAndExpect(tile->mapToGlobal(QPoint(50, 50)), true);
-        }
-        moveAndExpect(outside, false);
-        moveAndExpect(tiles_[2]->mapToGlobal(QPoint(50, 50)), true);
-        moveAndExpect(outside, false);
-        QCursor::setPos(before);
-        for (auto const& tile : tiles_) {
-            tile->setParent(nullptr);
         }
     }
 
@@ -306,11 +299,13 @@ protected:
     void TearDown() override
     {
         tiles_.clear();
+        window_.reset();
         group_.reset();
     }
 
 private:
     std::unique_ptr<HoverGroup> group_;
+    std::unique_ptr<QWidget> window_; // that tiles may stand in
     std::vector<std::unique_ptr<Tile>> tiles_;
 };
 
