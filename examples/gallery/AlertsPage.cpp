@@ -5,6 +5,7 @@
 
 #include <Base/ILinksOpener.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>

@@ -14,6 +14,7 @@
 #include <QtQuickWidgets/QQuickWidget>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QGroupBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QListView>
 #include <QtWidgets/QVBoxLayout>
 

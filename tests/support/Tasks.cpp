@@ -1,0 +1,46 @@
+#include <Tasks.h>
+
+#include <QtCore/QThread>
+#include <QtTest/QTest>
+
+#include <cstddef>
+
+namespace Zelkor::Testing
+{
+
+using Util::AsyncService;
+
+bool TurnUntilEmpty(AsyncService const& service)
+{
+    return QTest::qWaitFor([&] { return service.empty(); }, Patience);
+}
+
+bool TurnUntilGone(AsyncService const& service, AsyncService::Task* task)
+{
+    return QTest::qWaitFor([&] { return !service.contains(task); }, Patience);
+}
+
+void DeliverQueued()
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+}
+
+AsyncService::Task* LetWorkerFinish(AsyncService& service)
+{
+    Gate reached;
+    AsyncService::Task* const last = service.post([&](AsyncService::Reporter*) { reached.Open(); });
+    service.run(last);
+    reached.Pass();
+    return last;
+}
+
+std::shared_ptr<void> MakeWitness(QStringList& deaths, char const* name)
+{
+    return {nullptr, [&deaths, name](std::nullptr_t) {
+                bool const onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
+                deaths += QString::fromLatin1(name) + QLatin1String(onMainThread ? "" : " on another thread");
+            }};
+}
+
+} // namespace Zelkor::Testing

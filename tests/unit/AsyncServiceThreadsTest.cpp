@@ -1,0 +1,457 @@
+#include <Tasks.h>
+#include <TestCase.h>
+
+#include <Util/AsyncService.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+#include <QtTest/QtTest>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <numeric>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+using Zelkor::Testing::DeliverQueued;
+using Zelkor::Testing::Gate;
+using Zelkor::Testing::LetWorkerFinish;
+using Zelkor::Testing::MakeWitness;
+using Zelkor::Testing::Patience;
+using Zelkor::Testing::TurnUntilEmpty;
+using Zelkor::Testing::TurnUntilGone;
+using Zelkor::Util::AsyncService;
+using Task = AsyncService::Task;
+using Reporter = AsyncService::Reporter;
+using Cancelled = AsyncService::Cancelled;
+using Job = std::function<void(Reporter*)>;
+
+namespace
+{
+
+/// Turns this thread's event loop until Quit() is called on this thread, or for Patience.
+class OwnerLoop
+{
+public:
+    bool Exec()
+    {
+        QTimer::singleShot(Patience, &loop_, [this] { loop_.exit(1); });
+        return loop_.exec() == 0;
+    }
+
+    void Quit() { loop_.quit(); }
+
+private:
+    QEventLoop loop_;
+};
+
+/// Lets a job wait until the thread that made this has come to a wait of its own.
+class OwnersWait
+{
+public:
+    /// To be called by the owner right before.
+    void Begin() { begun_ = true; }
+
+    /// To be called by the job.
+    void Await() const
+    {
+        auto const deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(Patience);
+        for (int seen = 0; seen < 100 && std::chrono::steady_clock::now() < deadline;) {
+            seen = begun_ && IsAsleep() ? seen + 1 : 0;
+            std::this_thread::yield();
+        }
+    }
+
+private:
+    bool IsAsleep() const
+    {
+        std::ifstream file("/proc/self/task/" + std::to_string(owner_) + "/stat");
+        std::string const status((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        std::size_t const nameEnd = status.rfind(')');
+        return nameEnd != std::string::npos && status.compare(nameEnd, 3, ") S") == 0;
+    }
+
+    pid_t owner_ = gettid();
+    std::atomic<bool> begun_{false};
+};
+
+/// Runs code on a thread that is not the main thread and has an event loop when the code turns one.
+void OnAnotherThread(std::function<void()> const& code)
+{
+    std::exception_ptr error;
+    std::thread thread([&] {
+        try {
+            code();
+        } catch (...) {
+            error = std::current_exception();
+        }
+    });
+    thread.join();
+    if (error) {
+        std::rethrow_exception(error);
+    }
+}
+
+} // namespace
+
+class AsyncServiceThreadsTest : public Zelkor::Testing::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void attachedObjectWorksOnTheWorkerThread();
+    void severalServicesWorkSideBySide();
+    void ownerIsTheThreadThatMadeTheService();
+    void destructionWaitsForTheRunningJob();
+    void destructionDropsTheJobsBehind_data();
+    void destructionDropsTheJobsBehind();
+    void destructionLeavesUnstartedTasksToTheirMaker();
+    void destructionDropsWhatIsQueuedForTheOwner();
+    void ownerThreadNeedNotTurnItsLoop();
+    void quitWorkerStartsAgainWithTheNextRun();
+    void quitWorkerLosesNoJobThatComesAsItEnds();
+    void quitWorkerLosesNoJobThatIsQueued();
+};
+
+void AsyncServiceThreadsTest::attachedObjectWorksOnTheWorkerThread()
+{
+    AsyncService service;
+    auto* const object = new QObject; // deleted on its thread
+    QThread* slotThread = nullptr;
+    QThread* jobThread = nullptr;
+    Gate called;
+    service.attach(object);
+    QVERIFY(object->thread() != thread());
+    QMetaObject::invokeMethod(object, [&] {
+        slotThread = QThread::currentThread();
+        called.Open();
+    });
+    DeliverQueued();
+
+    service.run(service.post([&](Reporter*) { jobThread = QThread::currentThread(); }));
+    called.Pass();
+    QVERIFY(TurnUntilEmpty(service));
+
+    QVERIFY(jobThread);
+    QCOMPARE(slotThread, jobThread);
+    QCOMPARE(object->thread(), jobThread);
+    service.run(service.post([=](Reporter*) { delete object; }));
+    QVERIFY(TurnUntilEmpty(service));
+}
+
+void AsyncServiceThreadsTest::severalServicesWorkSideBySide()
+{
+    constexpr int Count = 4;
+    std::vector<std::unique_ptr<AsyncService>> services;
+    std::vector<std::unique_ptr<Gate>> started;
+    std::vector<QThread*> threads(Count);
+    QVector<int> finished;
+    for (int i = 0; i < Count; ++i) {
+        services.push_back(std::make_unique<AsyncService>());
+        started.push_back(std::make_unique<Gate>());
+    }
+    std::vector<Task*> tasks;
+    for (int i = 0; i < Count; ++i) {
+        auto const index = static_cast<std::size_t>(i);
+        // Each job waits for all others: they can only end together.
+        tasks.push_back(services[index]->post([&, index](Reporter*) {
+            threads[index] = QThread::currentThread();
+            started[index]->Open();
+            for (auto const& gate : started) {
+                gate->Pass();
+            }
+        }));
+        tasks.back()->onFinished = [&, i] { finished += i; };
+        services[index]->run(tasks.back());
+    }
+    QVERIFY(services[0]->contains(tasks[0]));
+    QVERIFY(!services[1]->contains(tasks[0]));
+    QVERIFY(QTest::qWaitFor([&] { return finished.size() == Count; }, Patience));
+
+    std::sort(threads.begin(), threads.end());
+    QVERIFY(std::adjacent_find(threads.begin(), threads.end()) == threads.end());
+
+    services[0].reset();
+    bool still = false;
+    Task* const task = services[1]->post([](Reporter*) {});
+    task->onFinished = [&] { still = true; };
+    services[1]->run(task);
+    QVERIFY(TurnUntilEmpty(*services[1]));
+    QVERIFY(still);
+}
+
+void AsyncServiceThreadsTest::ownerIsTheThreadThatMadeTheService()
+{
+    QStringList calls;
+    bool completed = false;
+    OnAnotherThread([&] {
+        OwnerLoop loop;
+        AsyncService service;
+        QThread* const owner = QThread::currentThread();
+        auto const call = [&](QString const& name) {
+            calls += QThread::currentThread() == owner ? name : QStringLiteral("wrong thread");
+        };
+        Task* const task = service.post([&](Reporter* reporter) {
+            if (QThread::currentThread() != owner && QThread::currentThread() != thread()) {
+                reporter->report(1);
+            }
+            throw Cancelled();
+        });
+        task->onProgress = [&](int) { call(QStringLiteral("progress")); };
+        task->onCancelled = [&] {
+            call(QStringLiteral("cancelled"));
+            loop.Quit();
+        };
+        service.run(task);
+        completed = loop.Exec() && service.empty();
+    });
+
+    QVERIFY(completed);
+    QCOMPARE(calls, (QStringList{QStringLiteral("progress"), QStringLiteral("cancelled")}));
+}
+
+void AsyncServiceThreadsTest::destructionWaitsForTheRunningJob()
+{
+    auto service = std::make_unique<AsyncService>();
+    QStringList calls;
+    Gate started;
+    std::atomic<bool> returned{false};
+    OwnersWait destruction;
+    std::unique_ptr<Task> const task(service->post([&](Reporter* reporter) {
+        reporter->report(1);
+        started.Open();
+        destruction.Await();
+        reporter->report(reporter->isCancelled() ? -1 : 2);
+        returned = true;
+    }));
+    task->onProgress = [&](int) { calls += QStringLiteral("progress"); };
+    task->onFinished = [&] { calls += QStringLiteral("finished"); };
+    task->onCancelled = [&] { calls += QStringLiteral("cancelled"); };
+    task->onError = [&](std::exception_ptr const&) { calls += QStringLiteral("error"); };
+    service->run(task.get());
+    started.Pass();
+
+    destruction.Begin();
+    service.reset();
+
+    QVERIFY(returned);
+    DeliverQueued();
+    QCOMPARE(calls, QStringList());
+}
+
+void AsyncServiceThreadsTest::destructionDropsTheJobsBehind_data()
+{
+    QTest::addColumn<bool>("longBefore");
+    QTest::newRow("queued before the running job began") << true;
+    QTest::newRow("queued while the job was running") << false;
+}
+
+void AsyncServiceThreadsTest::destructionDropsTheJobsBehind()
+{
+    QFETCH(bool, longBefore);
+    auto service = std::make_unique<AsyncService>();
+    QStringList calls;
+    Gate queued;
+    Gate started;
+    std::atomic<bool> returned{false};
+    std::atomic<int> ran{0};
+    OwnersWait destruction;
+    std::vector<std::unique_ptr<Task>> tasks;
+    auto const add = [&](Job job) {
+        tasks.emplace_back(service->post(std::move(job)));
+        tasks.back()->onFinished = [&] { calls += QStringLiteral("finished"); };
+        service->run(tasks.back().get());
+    };
+    Task* const before = service->post([&](Reporter*) { queued.Pass(); });
+    service->run(before);
+    add([&](Reporter*) {
+        started.Open();
+        destruction.Await();
+        returned = true;
+    });
+    if (longBefore) {
+        for (int i = 0; i < 10; ++i) {
+            add([&](Reporter*) { ++ran; });
+        }
+    }
+    queued.Open();
+    started.Pass();
+    QVERIFY(TurnUntilGone(*service, before));
+    if (!longBefore) {
+        for (int i = 0; i < 10; ++i) {
+            add([&](Reporter*) { ++ran; });
+        }
+    }
+
+    destruction.Begin();
+    service.reset();
+
+    QVERIFY(returned);
+    DeliverQueued();
+    QCOMPARE(ran.load(), 0);
+    QCOMPARE(calls, QStringList());
+}
+
+void AsyncServiceThreadsTest::destructionLeavesUnstartedTasksToTheirMaker()
+{
+    QStringList deaths;
+    auto service = std::make_unique<AsyncService>();
+    std::unique_ptr<Task> const posted(service->post([witness = MakeWitness(deaths, "posted")](Reporter*) {}));
+    auto own = std::make_unique<Task>();
+    own->work = [witness = MakeWitness(deaths, "own")](Reporter*) {};
+    service->post(own.get());
+    service->cancel(own.get());
+    QVERIFY(TurnUntilGone(*service, LetWorkerFinish(*service)));
+    QVERIFY(service->contains(posted.get()) && service->contains(own.get()));
+
+    service.reset();
+
+    QCOMPARE(deaths, QStringList());
+    QVERIFY(posted->work && own->work);
+}
+
+void AsyncServiceThreadsTest::destructionDropsWhatIsQueuedForTheOwner()
+{
+    auto service = std::make_unique<AsyncService>();
+    QStringList calls;
+    Gate done;
+    std::unique_ptr<Task> const task(service->post([](Reporter* reporter) { reporter->report(1); }));
+    task->onProgress = [&](int) { calls += QStringLiteral("progress"); };
+    task->onFinished = [&] { calls += QStringLiteral("finished"); };
+    std::unique_ptr<Task> const last(service->post([&](Reporter*) { done.Open(); }));
+    service->run(task.get());
+    service->run(last.get());
+    done.Pass();
+
+    service.reset();
+
+    DeliverQueued();
+    QCOMPARE(calls, QStringList());
+}
+
+void AsyncServiceThreadsTest::ownerThreadNeedNotTurnItsLoop()
+{
+    std::atomic<int> ran{0};
+    std::atomic<int> called{0};
+    OnAnotherThread([&] {
+        std::vector<std::unique_ptr<Task>> tasks;
+        AsyncService service;
+        Gate done;
+        for (int i = 0; i < 5; ++i) {
+            tasks.emplace_back(service.post([&, i](Reporter* reporter) {
+                ++ran;
+                reporter->report(i);
+                if (i == 4) {
+                    done.Open();
+                }
+            }));
+            tasks.back()->onProgress = [&](int) { ++called; };
+            tasks.back()->onFinished = [&] { ++called; };
+            service.run(tasks.back().get());
+        }
+        done.Pass();
+    });
+    QCOMPARE(ran.load(), 5);
+    QCOMPARE(called.load(), 0);
+}
+
+void AsyncServiceThreadsTest::quitWorkerStartsAgainWithTheNextRun()
+{
+    QObject object;
+    AsyncService service;
+    service.attach(&object);
+    QThread* const worker = object.thread();
+    for (int round = 0; round < 3; ++round) {
+        service.run(service.post([](Reporter*) { QThread::currentThread()->quit(); }));
+        QVERIFY(TurnUntilEmpty(service));
+        QVERIFY(QTest::qWaitFor([&] { return worker->isFinished(); }, Patience));
+        DeliverQueued();
+        QVERIFY(!worker->isRunning());
+
+        bool finished = false;
+        QThread* jobThread = nullptr;
+        Task* const next = service.post([&](Reporter*) { jobThread = QThread::currentThread(); });
+        next->onFinished = [&] { finished = true; };
+        service.run(next);
+        QVERIFY(worker->isRunning());
+        QVERIFY(TurnUntilEmpty(service));
+        QVERIFY(finished);
+        QCOMPARE(jobThread, worker);
+    }
+}
+
+// At each completion the thread is about to end: sooner or later a job comes in at every moment of that.
+void AsyncServiceThreadsTest::quitWorkerLosesNoJobThatComesAsItEnds()
+{
+    constexpr int Rounds = 3000;
+    AsyncService service;
+    OwnerLoop loop;
+    int completed = 0;
+    std::atomic<int> ran{0};
+    std::function<void()> next = [&] {
+        Task* const task = service.post([&](Reporter*) {
+            ++ran;
+            QThread::currentThread()->quit();
+        });
+        task->onFinished = [&] {
+            if (++completed == Rounds) {
+                loop.Quit();
+            } else {
+                next();
+            }
+        };
+        // From at once to about as late as the thread takes to end.
+        int const delay = completed % 200 * 500; // nanoseconds
+        QElapsedTimer elapsed;
+        elapsed.start();
+        while (elapsed.nsecsElapsed() < delay) {
+        }
+        service.run(task);
+    };
+
+    next();
+    QVERIFY(loop.Exec());
+
+    QCOMPARE(completed, Rounds);
+    QCOMPARE(ran.load(), Rounds);
+    QVERIFY(service.empty());
+}
+
+void AsyncServiceThreadsTest::quitWorkerLosesNoJobThatIsQueued()
+{
+    constexpr int Count = 300;
+    AsyncService service;
+    std::mutex guard; // between one run of the thread and the next
+    QVector<int> jobs;
+    QVector<int> finished;
+    for (int i = 0; i < Count; ++i) {
+        Task* const task = service.post([&, i](Reporter*) {
+            std::lock_guard<std::mutex> const lock(guard);
+            jobs += i;
+            QThread::currentThread()->quit();
+        });
+        task->onFinished = [&, i] { finished += i; };
+        service.run(task);
+    }
+    QVERIFY(TurnUntilEmpty(service));
+
+    QVector<int> expected(Count);
+    std::iota(expected.begin(), expected.end(), 0);
+    QCOMPARE(jobs, expected);
+    QCOMPARE(finished, expected);
+}
+
+ZQTUTIL_TEST_MAIN(AsyncServiceThreadsTest)
+#include "AsyncServiceThreadsTest.moc"
