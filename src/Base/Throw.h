@@ -7,6 +7,10 @@
 #include <Base/AddStack.h>
 
 #include <boost/assert/source_location.hpp>
+#include <boost/current_function.hpp>
 #include <boost/throw_exception.hpp>
 
-#define ZELKOR_THROW(exception) ::boost::throw_exception(::Zelkor::AddStack(exception), BOOST_CURRENT_LOCATION)
+// Not BOOST_CURRENT_LOCATION: newer releases of Boost leave the signature out of it.
+#define ZELKOR_THROW(exception)                                                                                        \
+    ::boost::throw_exception(::Zelkor::AddStack(exception),                                                            \
+                             ::boost::source_location(__FILE__, __LINE__, BOOST_CURRENT_FUNCTION))

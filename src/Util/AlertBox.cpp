@@ -4,6 +4,7 @@
 #include <WidgetKit/WidgetUtils.h>
 
 #include <QtCore/QMap>
+#include <QtCore/QScopeGuard>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QGridLayout>
@@ -129,10 +130,9 @@ int AlertBox::Exec(Level level, QString const& title, QString const& text, QMess
 {
     // Not on the stack: the parent may end, and the box with it, while it is shown.
     QPointer<AlertBox> const box(new AlertBox(level, title, text, buttons, parent, flags));
+    auto const boxEnds = qScopeGuard([&box] { delete box.data(); });
     box->PrepareToShow();
-    int const result = box->QDialog::exec();
-    delete box.data();
-    return result;
+    return box->QDialog::exec();
 }
 
 int AlertBox::Exec()

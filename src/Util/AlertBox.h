@@ -81,10 +81,10 @@ public:
     /// SetButtonsSubStyle(), UpdateDefaultIcon(), Repolish(): for callers that show the box in another way.
     void PrepareToShow();
 
-    /// Holds the dialog to at least \a width pixels; negative: no more. Nothing when the layout is not the grid of a
-    /// message box.
+    /// Holds the dialog to at least \a width pixels; nothing when the layout is not the grid of a message box. When
+    /// negative, the dialog is held no more.
     void SetWidth(int width);
-    /// The width that is held; -1 when none is.
+    /// The width that is held; -1 when none is, which a negative SetWidth() comes to in the event loop, by way of 0.
     int GetWidth() const;
 
     /// Sets the \a spacing between the buttons in pixels. Nothing without buttons.

@@ -34,6 +34,8 @@ struct AsyncService::Impl
     Impl();
     ~Impl();
 
+    void Stop();
+
     void Register(Task* task, AsyncService* service);
     void Start();
     void Run(Task* task);
@@ -118,21 +120,28 @@ AsyncService::Impl::Impl()
 
 AsyncService::Impl::~Impl()
 {
+    Delivery::Orphan(deliveries);
+    qDeleteAll(tasks);
+}
+
+void AsyncService::Impl::Stop()
+{
     // Quitting alone would let the loop call everything that is queued already.
     QCoreApplication::removePostedEvents(&workerForwarder);
     thread->quit();
     thread->wait();
-    Delivery::Orphan(deliveries);
-    qDeleteAll(tasks);
 }
 
 void AsyncService::Impl::Register(Task* task, AsyncService* service)
 {
     task->service = service;
     task->error = nullptr;
-    if (Reporter* const earlier = std::exchange(tasks[task], new Reporter{service, task})) {
-        replaced.emplace_back(earlier);
+    std::unique_ptr<Reporter> reporter(new Reporter{service, task});
+    Reporter*& current = tasks[task];
+    if (current) {
+        replaced.emplace_back(current);
     }
+    current = reporter.release();
 }
 
 void AsyncService::Impl::Start()
@@ -192,7 +201,10 @@ AsyncService::AsyncService()
     : impl(std::make_unique<Impl>())
 {}
 
-AsyncService::~AsyncService() = default;
+AsyncService::~AsyncService()
+{
+    impl->Stop(); // not when impl goes: until its job returns, the worker thread reports through impl
+}
 
 AsyncService::Task* AsyncService::post(std::function<void(Reporter*)> work)
 {

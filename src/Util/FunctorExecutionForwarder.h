@@ -21,8 +21,8 @@ using FunctorType = std::function<void()>;
 /// Runs functions on the thread that the forwarder belongs to: the thread that made it, or the one it was moved to.
 ///
 /// \code
-/// FunctorExecutionForwarder gui;                            // made on the GUI thread
-/// std::thread([&] { gui.Forward([] { label->setText(...); }); });
+/// FunctorExecutionForwarder gui; // made on the GUI thread
+/// std::thread worker([&] { gui.Forward([label] { label->setText(...); }); });
 /// \endcode
 ///
 /// The event loop of that thread calls them one at a time, in the order they were forwarded. What is still queued when
@@ -40,8 +40,10 @@ public:
 
     /// Queues \a functor for the forwarder's thread and returns at once, also on that thread itself.
     ///
-    /// Any thread. \a functor is copied once into the queue; it is called and destroyed on the forwarder's thread. What
-    /// it throws leaves through that thread's event loop; an empty functor throws `std::bad_function_call` there.
+    /// Any thread. \a functor is copied once into the queue, and the copy is called and destroyed on the forwarder's
+    /// thread. The argument itself goes with this call, perhaps later than the copy: what both share, such as a
+    /// captured `std::shared_ptr`, may end on the calling thread. What the functor throws leaves through the event loop
+    /// of the forwarder's thread; an empty one throws `std::bad_function_call` there.
     void Forward(std::function<void()> functor) const;
 
 Q_SIGNALS:

@@ -1,6 +1,7 @@
 #include <Util/HoverGroup.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QScopeGuard>
 
 #include <utility>
 #include <vector>
@@ -63,9 +64,13 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     QPointer<HoverGroup> const self(this);
     QPointer<QObject> const receiver(watched);
     QEvent const* const replayedBefore = std::exchange(replayed, event);
-    ReplayToOthers(hovered->first, event);
-    if (self) {
-        replayed = replayedBefore;
+    {
+        auto const replayEnds = qScopeGuard([&] { // also when a member throws
+            if (self) {
+                replayed = replayedBefore;
+            }
+        });
+        ReplayToOthers(hovered->first, event);
     }
     // Without a receiver, nobody is left whom Qt could hand the event.
     return !receiver || (self && QObject::eventFilter(watched, event));

@@ -4,8 +4,48 @@
 
 #include <QtCore/QPointer>
 
+#include <utility>
+
 namespace Zelkor::Util
 {
+
+namespace
+{
+
+/// An executor whose function is on this thread's stack. The function may turn an event loop that brings the signal
+/// again, and may destroy the executor.
+class RunningExecutor
+{
+public:
+    explicit RunningExecutor(OneTimeExecutor* executor)
+        : executor_(executor)
+        , outer_(std::exchange(innermost, this))
+    {}
+    ~RunningExecutor() { innermost = outer_; }
+    Q_DISABLE_COPY_MOVE(RunningExecutor)
+
+    static bool Is(OneTimeExecutor const* executor)
+    {
+        for (RunningExecutor const* running = innermost; running; running = running->outer_) {
+            if (running->executor_ == executor) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// The executor, null when it is gone.
+    OneTimeExecutor* Get() const { return executor_; }
+
+private:
+    QPointer<OneTimeExecutor> const executor_;
+    RunningExecutor const* const outer_;
+    static thread_local RunningExecutor const* innermost;
+};
+
+thread_local RunningExecutor const* RunningExecutor::innermost = nullptr;
+
+} // namespace
 
 void LambdaQt4::execute()
 {
@@ -17,20 +57,12 @@ void LambdaQt4::execute()
 
 void OneTimeExecutor::executeOnce()
 {
-    if (running) {
+    if (RunningExecutor::Is(this)) {
         return;
     }
-    running = true;
-    QPointer<OneTimeExecutor> const self(this);
-    try {
-        execute();
-    } catch (...) {
-        if (self) {
-            running = false;
-        }
-        throw;
-    }
-    delete self.data();
+    RunningExecutor const running(this);
+    execute();
+    delete running.Get();
 }
 
 } // namespace Zelkor::Util

@@ -61,9 +61,6 @@ public:
 
 private Q_SLOTS:
     void executeOnce();
-
-private:
-    bool running = false;
 };
 
 } // namespace Util

@@ -43,9 +43,14 @@ QmlWindowFocusWorkaround::~QmlWindowFocusWorkaround() = default;
 bool QmlWindowFocusWorkaround::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::ActivationChange && target && window->isVisible() && window->isActiveWindow()) {
+        // Each of them lets others react, and these may destroy the target.
         target->activateWindow();
-        target->raise();
-        target->setFocus(Qt::ActiveWindowFocusReason);
+        if (target) {
+            target->raise();
+        }
+        if (target) {
+            target->setFocus(Qt::ActiveWindowFocusReason);
+        }
         event->ignore();
     }
     return QObject::eventFilter(watched, event);

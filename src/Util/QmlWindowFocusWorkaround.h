@@ -27,7 +27,7 @@ ZQTUTIL_EXPORT void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widg
 class ZQTUTIL_EXPORT QmlWindowFocusWorkaround : public QObject
 {
 public:
-    /// Watches \a window, which owns this object, for \a target, which may end at any time.
+    /// Watches \a window, which owns this object and is not null, for \a target, which may end at any time.
     QmlWindowFocusWorkaround(QWidget* window, QWidget* target);
 
     ~QmlWindowFocusWorkaround() override;

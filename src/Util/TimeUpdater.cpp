@@ -1,14 +1,11 @@
 #include <Util/TimeUpdater.h>
 
-#include <Base/Throw.h>
-
 #include <QtCore/QTime>
 #include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
 
 #include <algorithm>
 #include <limits>
-#include <stdexcept>
 
 namespace Zelkor::Util
 {
@@ -23,11 +20,7 @@ TimeUpdater::TimeUpdater(int outputStartTime, int inputStartTime, int inputEndTi
     , format(outputFormat)
     , reverse(countDown)
     , document(outputDocument)
-{
-    if (!document) {
-        ZELKOR_THROW(std::invalid_argument("TimeUpdater use without document!"));
-    }
-}
+{}
 
 int TimeUpdater::calculateOutputTime(int time) const
 {
@@ -41,10 +34,12 @@ int TimeUpdater::calculateOutputTime(int time) const
 
 void TimeUpdater::setCurrentTime(int time)
 {
-    QString const shown = document->toPlainText();
-    QString const text = QTime(0, 0, 0, 0).addMSecs(calculateOutputTime(time)).toString(format);
     current = time;
-    if (text == shown) {
+    if (!document) {
+        return;
+    }
+    QString const text = QTime(0, 0, 0, 0).addMSecs(calculateOutputTime(time)).toString(format);
+    if (text == document->toPlainText()) {
         return;
     }
     QTextCursor cursor(document);

@@ -34,9 +34,8 @@ class ZQTUTIL_EXPORT TimeUpdater : public QObject
 
 public:
     /// Shows times from \a outputStart on while the input runs from \a inputStart to \a inputEnd, in \a format, as
-    /// `QTime::toString()` takes it, in \a document; counting down when \a reverse is true. Nothing is written yet.
-    ///
-    /// Throws `std::invalid_argument` ("TimeUpdater use without document!") when \a document is null.
+    /// `QTime::toString()` takes it, in \a document; counting down when \a reverse is true. Nothing is written yet;
+    /// without a \a document nothing ever is, and the times are only computed.
     TimeUpdater(int outputStart, int inputStart, int inputEnd, QString const& format, QTextDocument* document,
                 bool reverse);
 

@@ -84,7 +84,11 @@ ValidationInputDialog::ValidationInputDialog(QString const& title, QString const
     Widget::Util::installLayoutController(this);
 }
 
-ValidationInputDialog::~ValidationInputDialog() = default;
+ValidationInputDialog::~ValidationInputDialog()
+{
+    // Hiding may still change the text, by what an input method commits, and comes when the checks have gone.
+    disconnect(ui->lineEdit, nullptr, this, nullptr);
+}
 
 QString ValidationInputDialog::inputText()
 {

@@ -39,7 +39,8 @@ QPoint MiddleFor(QDialog const* dialog, QWidget const* parent)
 
 QRect GetCurrentScreenRect(QWidget const* widget)
 {
-    QRect const primary = QGuiApplication::primaryScreen()->geometry();
+    QScreen const* const primaryScreen = QGuiApplication::primaryScreen();
+    QRect const primary = primaryScreen ? primaryScreen->geometry() : QRect();
     if (!widget) {
         return primary;
     }

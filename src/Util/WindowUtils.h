@@ -19,7 +19,7 @@ namespace Util
 {
 
 /// The geometry of the screen that holds the centre of \a widget, with its frame; of the primary screen when none does,
-/// and when \a widget is null. GUI thread.
+/// and when \a widget is null. Empty when there is no screen at all. GUI thread.
 ZQTUTIL_EXPORT QRect GetCurrentScreenRect(QWidget const* widget);
 
 /// Where the top left corner of \a widget goes so that it stands in the middle of the screen of its parent; of the

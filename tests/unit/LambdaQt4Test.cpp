@@ -36,6 +36,7 @@ static_assert(IsPlainQObjectClass<LambdaQt4> && IsPlainQObjectClass<OneTimeExecu
 static_assert(IsMadeOfFunctionAndOptionalParent<LambdaQt4> && IsMadeOfFunctionAndOptionalParent<OneTimeExecutor>);
 static_assert(std::is_convertible_v<OneTimeExecutor*, LambdaQt4*>);
 static_assert(sizeof(LambdaQt4) == sizeof(QObject) + sizeof(Function));
+static_assert(sizeof(OneTimeExecutor) == sizeof(LambdaQt4));
 static_assert(std::is_same_v<decltype(&LambdaQt4::execute), void (LambdaQt4::*)()>);
 
 Q_DECLARE_METATYPE(QMetaObject const*)
