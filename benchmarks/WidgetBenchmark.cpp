@@ -161,7 +161,7 @@ void StyleByApplyWidgetStyle(benchmark::State& state)
     QWidget* const widget = Innermost(&window, Depth);
     window.show();
     bool odd = false;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         odd = !odd;
         Util::ApplyWidgetStyle(widget, odd ? QStringLiteral("Error") : QStringLiteral("Warning"), "Level");
     }
@@ -174,7 +174,7 @@ void StyleByHand(benchmark::State& state)
     QWidget* const widget = Innermost(&window, Depth);
     window.show();
     bool odd = false;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         odd = !odd;
         widget->setProperty("Level", odd ? QStringLiteral("Error") : QStringLiteral("Warning"));
         widget->style()->unpolish(widget);
@@ -194,6 +194,7 @@ void Hover(QWidget& widget)
 std::vector<std::unique_ptr<QWidget>> MakeWidgets(int count)
 {
     std::vector<std::unique_ptr<QWidget>> widgets;
+    widgets.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         widgets.push_back(std::make_unique<QWidget>());
     }

@@ -62,7 +62,7 @@ Note Notes::Take(int row)
 {
     beginRemoveRows({}, row, row);
     auto const at = notes_.begin() + row;
-    Note const note = *at;
+    Note note = *at;
     notes_.erase(at);
     endRemoveRows();
     return note;

@@ -55,7 +55,7 @@ QByteArray RunInFork(std::function<void()> const& prepare, std::function<QByteAr
     close(ends[1]);
     QFile input;
     input.open(ends[0], QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
-    QByteArray const result = input.readAll();
+    QByteArray result = input.readAll();
     int status = 0;
     if (Check(waitpid(child, &status, 0)) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
         throw std::runtime_error("The child process failed");

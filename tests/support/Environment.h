@@ -3,7 +3,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QtGlobal>
 
-#include <time.h>
+#include <ctime>
 
 namespace Zelkor::Testing
 {

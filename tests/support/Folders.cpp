@@ -29,9 +29,11 @@ struct CloseFolder
 void ListTree(std::string const& path, std::string const& prefix, QByteArrayList& found)
 {
     for (std::string const& name : NamesIn(AT_FDCWD, path.c_str())) {
-        found += QByteArray::fromStdString(prefix + name);
-        if (IsFolderAt(AT_FDCWD, path + '/' + name)) {
-            ListTree(path + '/' + name, prefix + name + '/', found);
+        std::string const inside = prefix + name;
+        std::string const entry = std::string(path).append(1, '/').append(name);
+        found += QByteArray::fromStdString(inside);
+        if (IsFolderAt(AT_FDCWD, entry)) {
+            ListTree(entry, inside + '/', found);
         }
     }
 }
@@ -211,7 +213,7 @@ void Date(std::string const& path, Milliseconds moment, long nanoseconds)
 std::string MakeEntry(std::string const& description)
 {
     std::size_t const end = description.find_first_of("|=%@");
-    std::string const path = description.substr(0, end);
+    std::string path = description.substr(0, end);
     if (end == std::string::npos) {
         description.back() == '/' ? MakeFolder(description) : MakeFile(description);
         return description.back() == '/' ? description.substr(0, description.size() - 1) : description;
@@ -236,6 +238,7 @@ void MakeTree(std::string const& root, std::vector<Entry> const& entries)
 {
     Milliseconds const now = Now();
     std::vector<std::string> paths;
+    paths.reserve(entries.size());
     for (Entry const& entry : entries) {
         paths.push_back(MakeEntry(root + '/' + entry.description));
     }

@@ -5,11 +5,11 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayList>
 
+#include <ctime>
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
-#include <time.h>
 
 namespace Zelkor::Testing
 {

@@ -500,11 +500,11 @@ private Q_SLOTS:
 
     void keepsTheServiceThatItCouldNotLeave()
     {
-        ExclusiveClient* const client = client_[QStringLiteral("A")];
         DoAll("A use");
         when_ = QStringLiteral("A finished");
         act_ = [] { throw CannotRun(); };
         QVERIFY_EXCEPTION_THROWN(Do(QStringLiteral("A moves")), CannotRun);
+        ExclusiveClient* const client = client_[QStringLiteral("A")];
         QVERIFY(!client->isInUse());
         events_.clear();
         DoAll("A use");

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <climits>
+#include <ctime>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -20,7 +21,6 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
-#include <time.h>
 #include <unistd.h>
 
 using namespace Zelkor::Testing;
@@ -160,7 +160,7 @@ void FileUtilsRemovalTest::whatIsOldEnoughIsRemoved()
                         {"25h", now - 25 * Hour},
                         {"30d-less-1h", now - 30 * Day + Hour},
                         {"30d-and-1h", now - 30 * Day - Hour},
-                        {"1960", -10 * 365 * Day - 1}};
+                        {"1960", -10 * (365 * Day) - 1}};
     for (char const* const slash : {"", "/"}) {
         for (Row const& row : rows) {
             Date(MakeEntry(At(row.name) + slash), row.moment);

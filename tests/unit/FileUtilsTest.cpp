@@ -1004,7 +1004,7 @@ void FileUtilsTest::deepTreeIsMeasuredWithFewDescriptors()
     // A folder and the one below it are the least.
     for (std::size_t const descriptors : {2U, 3U, 4U, 12U}) {
         Measured const measured = MeasureWithDescriptors(descriptors, At("deep"));
-        QCOMPARE(measured.bytes, Bytes{4 * Levels});
+        QCOMPARE(measured.bytes, Bytes{4} * Levels);
         QCOMPARE(measured.sizeless, QByteArrayList{QByteArray::fromStdString(At("deep")) +
                                                    QByteArray("/d").repeated(Levels) + "/dangling"});
     }
@@ -1104,7 +1104,7 @@ void FileUtilsTest::MakeChain(std::string const& path, int levels, Ledger& ledge
         for (int i = 0; i < 6; ++i) {
             std::string const side = folder + "/s" + std::to_string(i);
             MakeFolder(side);
-            ledger.MakeFile(side + "/file", 1000 * (1 + level));
+            ledger.MakeFile(side + "/file", off_t{1000} * (1 + level));
         }
         folder += "/c";
     }
@@ -1277,7 +1277,7 @@ void FileUtilsTest::severalThreadsMeasureSideBySide()
     boost::filesystem::remove(At(Chain(ChainLevels - 1)) + "/trigger");
     std::atomic<int> right{0};
     std::vector<std::thread> threads;
-
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] { right += GetPathSize(ioPath(At(Chain(0)))) == ledger.Without({}) ? 1 : 0; });
     }

@@ -313,8 +313,8 @@ private Q_SLOTS:
     void theRegistryOutlivesTheConnector()
     {
         {
-            ObjectsConnector connector(nullptr);
-            connector.registerReceiver(Id, &*receiver_, Note);
+            ObjectsConnector const connector(nullptr);
+            ObjectsConnector::registerReceiver(Id, &*receiver_, Note);
         }
         RegisterEmitter(*emitter_);
         QCOMPARE(Heard(*emitter_), Words("receiver"));

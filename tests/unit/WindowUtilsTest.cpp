@@ -250,7 +250,7 @@ private Q_SLOTS:
     void aDialogMayEndBeforeItRuns()
     {
         QPointer<Dialog> const dialog = new Dialog;
-        QTimer::singleShot(0, dialog.data(), [dialog] { delete dialog.data(); });
+        QTimer::singleShot(0, dialog.data(), [ending = dialog.data()] { delete ending; });
         QCOMPARE(ExecDialogInCenterWindow(dialog, nullptr), 0);
         QVERIFY(!dialog);
     }
