@@ -21,7 +21,7 @@ public:
     /// The same, with the version as it stands in the property list: "<integer>3</integer>".
     QString MakeWith(QString const& name, QString const& identifier, QString const& versionElement)
     {
-        QString const path = folder_.filePath(name);
+        QString path = folder_.filePath(name);
         QDir().mkpath(path + QStringLiteral("/Contents"));
         if (!identifier.isEmpty()) {
             QFile list(path + QStringLiteral("/Contents/Info.plist"));

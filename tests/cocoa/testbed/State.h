@@ -35,6 +35,6 @@ struct State
 State& TheState();
 
 /// Counts \a object, which the caller has to release, and returns it.
-CFTypeRef Own(id object);
+CFTypeRef Own(id object) __attribute__((cf_returns_retained));
 
 } // namespace Zelkor::TestBed
