@@ -32,7 +32,7 @@ public:
 };
 
 /// Calls a handler at once, on the thread that publishes. The policy of EventHandlerList: any type with such an
-/// `Execute`.
+/// `Execute`, which may also keep the call for later.
 struct SyncExecutePolicy
 {
     /// Calls \a call, which takes no argument.
@@ -46,7 +46,7 @@ struct SyncExecutePolicy
 /// Handlers of type \a T, each at most once and in the order of registration, and the way to call them all.
 ///
 /// \code
-/// class Player : private EventHandlerList<IPlayerObserver, SyncExecutePolicy>
+/// class Player : public EventHandlerList<IPlayerObserver, SyncExecutePolicy>
 /// {
 ///     void Finish()
 ///     {
@@ -92,8 +92,8 @@ public:
         }
     }
 
-    /// Calls \a f with a pointer to each handler that is registered now, in the order of registration. What a handler
-    /// throws ends the walk and passes through.
+    /// Calls \a f with a pointer to each handler that is registered now, in the order of registration; the policy gets a
+    /// copy of \a f for each of them. What a handler throws ends the walk and passes through.
     template <class F>
     void PerformForEachEventHandler(F f)
     {
@@ -101,7 +101,7 @@ public:
         registered.Take(handlersMutex, handlers);
         std::lock_guard<std::recursive_mutex> const lock(executionMutex);
         for (T* const handler : registered) {
-            Policy::Execute([&f, handler] { std::invoke(f, handler); });
+            Policy::Execute(std::bind(f, handler));
         }
     }
 

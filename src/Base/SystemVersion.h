@@ -12,7 +12,7 @@ namespace Core
 {
 
 /// The version of the operating system: of macOS 10.13.6, say, or of the distribution as its os-release file tells it.
-/// All parts are not given when the system does not say. Any thread.
+/// 0.0 when the system does not say. Any thread.
 ZQTUTIL_EXPORT Version GetSystemVersion();
 
 } // namespace Core

@@ -25,7 +25,8 @@ namespace Util
 /// }
 /// \endcode
 ///
-/// What it tells is read from the system at each call. Used on one thread at a time, normally the GUI thread.
+/// What it tells is read from the system at each call, which may take a moment: on macOS, launchctl is run. Used on one
+/// thread at a time, normally the GUI thread.
 class ZQTUTIL_EXPORT IAutoLauncher
 {
 public:
@@ -35,7 +36,7 @@ public:
     virtual bool IsInStartup(QString const& identifier) = 0;
 
     /// Has the application \a identifier started at login: the executable at \a executablePath with \a arguments. False
-    /// when the system refuses, which is logged.
+    /// when the system refuses, or when the \a identifier has not four parts, which is logged as a warning.
     ///
     /// On macOS a helper that the main bundle carries for the \a identifier in "Contents/Library/LoginItems" becomes a
     /// login item; path and arguments count only when there is none, for a launch agent.
@@ -45,8 +46,9 @@ public:
     /// Has the application \a identifier started at login no more. False when it was not, or when the system refuses.
     virtual bool RemoveFromStartup(QString const& identifier) = 0;
 
-    /// The identifiers of the maker's applications that are started at login. On macOS, one that is a login item and a
-    /// launch agent is there twice.
+    /// The identifiers of the applications that are started at login. On macOS these are the login items of the maker,
+    /// and behind them the labels of all launch agents of the user that are loaded, other makers' too; what is both is
+    /// there twice.
     virtual QStringList GetStartupApplications() = 0;
 };
 

@@ -6,6 +6,7 @@
 
 #include <glog/logging.h>
 
+#include <utility>
 #include <vector>
 
 namespace Zelkor::Util
@@ -31,10 +32,10 @@ struct RegistryEnd
 constexpr char SlotCode = '1';
 constexpr char SignalCode = '2';
 
-bool IsMissing(QObject const* object, char const* side, QString const& ID)
+bool CanServe(QObject const* object, char const* side, QString const& ID)
 {
     LOG_IF(ERROR, !object) << "The " << side << " under \"" << QStringToUtf8(ID) << "\" is null";
-    return !object;
+    return object && registryIsThere;
 }
 
 std::string Coded(char code, QString const& signature)
@@ -43,23 +44,62 @@ std::string Coded(char code, QString const& signature)
     return signature.startsWith(QLatin1Char(code)) ? text : code + text;
 }
 
-/// Calls \a visit with the object and the signature of each of \a entries but those of \a self, as long as that lives.
+/// A walk over the entries of one side, on behalf of an object of the other.
 ///
 /// Qt tells an object of its connections (QObject::connectNotify()), which may then change the registry and end
-/// objects: the walk goes over the entries as they were at first, without those whose object has ended.
-template <class Entries, class Visit>
-void VisitOthers(Entries const& entries, QPointer<QObject> const& self, Visit const& visit)
+/// objects: the walk goes over the entries as they were at first, without those whose object has ended. Guarded
+/// pointers would not do: Qt makes none of an object whose `destroyed()` is being delivered.
+class Walk
 {
-    std::vector<std::pair<QPointer<QObject const>, std::string>> const snapshot(entries.begin(), entries.end());
-    for (auto const& [object, codedSignature] : snapshot) {
-        if (!self) {
-            return;
-        }
-        if (object && object != self) {
-            visit(object, codedSignature);
+public:
+    template <class Entries>
+    Walk(Entries const& entries, QObject const* self)
+        : entries_(entries.begin(), entries.end())
+        , self_(self)
+        , outer_(std::exchange(innermost, this))
+    {}
+    ~Walk() { innermost = outer_; }
+    Q_DISABLE_COPY_MOVE(Walk)
+
+    /// Calls \a visit with the object and the signature of each entry but those of the object that the walk is for, as
+    /// long as that lives.
+    template <class Visit>
+    void VisitOthers(Visit const& visit) const
+    {
+        QObject const* const self = self_;
+        for (auto const& [object, codedSignature] : entries_) {
+            if (!self_) {
+                return;
+            }
+            if (object && object != self) {
+                visit(object, codedSignature);
+            }
         }
     }
-}
+
+    /// Takes \a object, which ends, out of all walks that are under way.
+    static void TakeOut(QObject const* object)
+    {
+        for (Walk* walk = innermost; walk; walk = walk->outer_) {
+            if (walk->self_ == object) {
+                walk->self_ = nullptr;
+            }
+            for (auto& entry : walk->entries_) {
+                if (entry.first == object) {
+                    entry.first = nullptr;
+                }
+            }
+        }
+    }
+
+private:
+    std::vector<std::pair<QObject const*, std::string>> entries_;
+    QObject const* self_;
+    Walk* const outer_;
+    static Walk* innermost;
+};
+
+Walk* Walk::innermost = nullptr;
 
 Qt::ConnectionType UniqueConnection(bool queued)
 {
@@ -74,58 +114,68 @@ ObjectsConnector::ObjectsConnector(QObject* parent)
 
 void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QString const& signal, bool queued)
 {
-    if (IsMissing(sender, "sender", ID)) {
+    if (!CanServe(sender, "sender", ID)) {
         return;
     }
+    QString const id = ID; // which may go with what ends during the walk
     std::string const codedSignal = Coded(SignalCode, signal);
-    QPointer<QObject> const alive(sender);
-    VisitOthers(m_metaCollector[ID][TYPE_SLOT], alive, [&](QObject const* receiver, std::string const& codedSlot) {
-        connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
-    });
+    QPointer<QObject> const alive(sender); // no walk hears of its end before it is recorded
+    Walk(m_metaCollector[id][TYPE_SLOT], sender)
+        .VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
+            if (alive) {
+                connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
+            }
+        });
     if (alive) {
-        registerMetaType(ID, TYPE_SIGNAL, {sender, codedSignal});
+        registerMetaType(id, TYPE_SIGNAL, {sender, codedSignal});
     }
 }
 
 void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QString const& slot, bool queued)
 {
-    if (IsMissing(receiver, "receiver", ID)) {
+    if (!CanServe(receiver, "receiver", ID)) {
         return;
     }
+    QString const id = ID; // which may go with what ends during the walk
     std::string const codedSlot = Coded(SlotCode, slot);
-    QPointer<QObject> const alive(receiver);
-    VisitOthers(m_metaCollector[ID][TYPE_SIGNAL], alive, [&](QObject const* sender, std::string const& codedSignal) {
-        connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
-    });
+    QPointer<QObject> const alive(receiver); // no walk hears of its end before it is recorded
+    Walk(m_metaCollector[id][TYPE_SIGNAL], receiver)
+        .VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
+            if (alive) {
+                connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
+            }
+        });
     if (alive) {
-        registerMetaType(ID, TYPE_SLOT, {receiver, codedSlot});
+        registerMetaType(id, TYPE_SLOT, {receiver, codedSlot});
     }
 }
 
 void ObjectsConnector::unregisterReceiver(QString const& ID, QObject* receiver, QString const& slot)
 {
-    if (IsMissing(receiver, "receiver", ID)) {
+    if (!CanServe(receiver, "receiver", ID)) {
         return;
     }
     std::string const codedSlot = Coded(SlotCode, slot);
-    QPointer<QObject> const alive(receiver);
-    VisitOthers(m_metaCollector[ID][TYPE_SIGNAL], alive, [&](QObject const* sender, std::string const& codedSignal) {
-        disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
-    });
-    m_metaCollector[ID][TYPE_SLOT].remove({receiver, codedSlot});
+    Entries& own = m_metaCollector[ID][TYPE_SLOT];
+    Walk(m_metaCollector[ID][TYPE_SIGNAL], receiver)
+        .VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
+            disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
+        });
+    own.remove({receiver, codedSlot});
 }
 
 void ObjectsConnector::unregisterEmitter(QString const& ID, QObject* sender, QString const& signal)
 {
-    if (IsMissing(sender, "sender", ID)) {
+    if (!CanServe(sender, "sender", ID)) {
         return;
     }
     std::string const codedSignal = Coded(SignalCode, signal);
-    QPointer<QObject> const alive(sender);
-    VisitOthers(m_metaCollector[ID][TYPE_SLOT], alive, [&](QObject const* receiver, std::string const& codedSlot) {
-        disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
-    });
-    m_metaCollector[ID][TYPE_SIGNAL].remove({sender, codedSignal});
+    Entries& own = m_metaCollector[ID][TYPE_SIGNAL];
+    Walk(m_metaCollector[ID][TYPE_SLOT], sender)
+        .VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
+            disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
+        });
+    own.remove({sender, codedSignal});
 }
 
 void ObjectsConnector::registerMetaType(QString const& ID, std::string const& metaType,
@@ -135,6 +185,7 @@ void ObjectsConnector::registerMetaType(QString const& ID, std::string const& me
     connect(
         metaPair.first, &QObject::destroyed, metaPair.first,
         [ID, metaType, metaPair] {
+            Walk::TakeOut(metaPair.first);
             if (registryIsThere) {
                 m_metaCollector[ID][metaType].remove(metaPair);
             }

@@ -40,7 +40,8 @@ extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 /// An object is never connected to itself, even when it is registered on both sides of an ID. A connection is queued
 /// when the side that was registered *second* asked for it; what the first side asked for is not kept.
 ///
-/// **Ownership.** Objects are borrowed, and drop out when they are destroyed.
+/// **Ownership.** Objects are borrowed, and drop out when they are destroyed. One whose destruction has begun can be
+/// unregistered, but not registered.
 ///
 /// **Threads.** Nothing is locked: everything is called on one thread, normally the GUI thread, on which the registered
 /// objects are also destroyed.

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <functional>
 #include <future>
+#include <memory>
 #include <stdexcept>
 #include <thread>
 #include <type_traits>
@@ -170,12 +171,28 @@ private Q_SLOTS:
         QCOMPARE(Told(), (Handlers{&handlers_[0], &handlers_[1]}));
     }
 
-    void aHandlerThatIsUnregisteredMeanwhileIsCalledOnceMore()
+    void handlersThatAreUnregisteredMeanwhileAreCalledOnceMore_data()
     {
-        handlers_[0].onEvent = [this] { list_.UnregisterEventHandler(&handlers_[1]); };
-        list_.RegisterEventHandler(&handlers_[0]);
-        list_.RegisterEventHandler(&handlers_[1]);
-        QCOMPARE(Told(), (Handlers{&handlers_[0], &handlers_[1]}));
+        QTest::addColumn<int>("count");
+        QTest::newRow("few") << 3;
+        QTest::newRow("many") << 100;
+    }
+
+    void handlersThatAreUnregisteredMeanwhileAreCalledOnceMore()
+    {
+        QFETCH(int, count);
+        handlers_ = std::vector<Handler>(static_cast<std::size_t>(count));
+        Handlers expected;
+        for (Handler& handler : handlers_) {
+            list_.RegisterEventHandler(&handler);
+            expected.push_back(&handler);
+        }
+        handlers_[0].onEvent = [this] {
+            for (std::size_t i = 1; i < handlers_.size(); ++i) {
+                list_.UnregisterEventHandler(&handlers_[i]);
+            }
+        };
+        QCOMPARE(Told(), expected);
         QCOMPARE(Told(), Handlers{&handlers_[0]});
     }
 
@@ -212,11 +229,18 @@ private Q_SLOTS:
         later.RegisterEventHandler(&handlers_[0]);
         later.RegisterEventHandler(&handlers_[1]);
         Handlers called;
-        auto const note = [&called](Handler* handler) { called.push_back(handler); };
-        later.PerformForEachEventHandler(note);
+        auto resource = std::make_shared<int>();
+        std::weak_ptr<int> const watched = resource;
+        later.PerformForEachEventHandler(
+            [&called, resource = std::move(resource)](Handler* handler) { called.push_back(handler); });
         QCOMPARE(called, Handlers());
-        QCOMPARE(Postpone::Calls().size(), std::size_t(2));
-        Postpone::Calls().clear();
+        QCOMPARE(watched.use_count(), 2L); // each call has what it needs
+
+        auto const calls = std::exchange(Postpone::Calls(), {});
+        for (auto const& call : calls) {
+            call();
+        }
+        QCOMPARE(called, (Handlers{&handlers_[0], &handlers_[1]}));
     }
 
     void callsOnThePublishingThread()
@@ -256,9 +280,13 @@ private Q_SLOTS:
         handlers_[0].onEvent = [&] {
             overlapped = overlapped || inside.fetch_add(1) != 0;
             ++calls;
+        };
+        handlers_[1].onEvent = [&inside] {
+            std::this_thread::yield();
             inside.fetch_sub(1);
         };
         list_.RegisterEventHandler(&handlers_[0]);
+        list_.RegisterEventHandler(&handlers_[1]);
 
         std::vector<std::thread> threads;
         threads.reserve(Threads);
@@ -305,8 +333,8 @@ protected:
     {
         for (Handler& handler : handlers_) {
             list_.UnregisterEventHandler(&handler);
-            handler.onEvent = [] {};
         }
+        handlers_ = std::vector<Handler>(3);
         told_.clear();
     }
 

@@ -3,6 +3,7 @@
 #include <Util/ObjectsConnector.h>
 
 #include <QtCore/QMetaMethod>
+#include <QtCore/QRegularExpression>
 #include <QtTest/QtTest>
 
 #include <functional>
@@ -129,6 +130,63 @@ private Q_SLOTS:
 
         ObjectsConnector::unregisterEmitter(Id, emitter_.get(), Changed);
         QVERIFY(!emitter_);
+    }
+
+    void anObjectMayBeForgottenAsItEnds_data()
+    {
+        QTest::addColumn<bool>("isEmitter");
+        QTest::addColumn<bool>("hearsFirst");
+        for (bool const isEmitter : {false, true}) {
+            QTest::addRow("%s, before the registry hears of it", isEmitter ? "emitter" : "receiver")
+                << isEmitter << true;
+            QTest::addRow("%s, after that", isEmitter ? "emitter" : "receiver") << isEmitter << false;
+        }
+    }
+
+    void anObjectMayBeForgottenAsItEnds()
+    {
+        QFETCH(bool, isEmitter);
+        QFETCH(bool, hearsFirst);
+        QObject* const ending = isEmitter ? static_cast<QObject*>(emitter_.get()) : first_.get();
+        auto const hear = [&] {
+            connect(ending, &QObject::destroyed, this, [isEmitter](QObject* object) {
+                isEmitter ? ObjectsConnector::unregisterEmitter(Id, object, Changed)
+                          : ObjectsConnector::unregisterReceiver(Id, object, Count);
+            });
+        };
+        if (hearsFirst) {
+            hear();
+        }
+        RegisterEmitter(*emitter_);
+        RegisterReceiver(*first_);
+        if (!hearsFirst) {
+            hear();
+        }
+
+        // By then Qt knows no more than a QObject.
+        ExpectQtWarning(
+            QRegularExpression(QStringLiteral("No such (signal QObject::Changed|slot QObject::Count)\\(\\)")));
+        isEmitter ? emitter_.reset() : first_.reset();
+
+        Meddler lateEmitter;
+        Counter lateReceiver;
+        RegisterEmitter(lateEmitter);
+        RegisterReceiver(lateReceiver);
+        Q_EMIT lateEmitter.Changed();
+        QCOMPARE(lateReceiver.count, 1);
+    }
+
+    void othersMayBeRegisteredAsAnObjectEnds()
+    {
+        Meddler late;
+        connect(first_.get(), &QObject::destroyed, this, [&late] { RegisterEmitter(late); });
+        RegisterReceiver(*first_);
+        RegisterReceiver(*second_);
+
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such slot QObject::Count\\(\\)")));
+        first_.reset();
+        Q_EMIT late.Changed();
+        QCOMPARE(second_->count, 1);
     }
 
 protected:

@@ -291,6 +291,20 @@ private Q_SLOTS:
         }
     }
 
+    void recordsAnEmitterByName()
+    {
+        RegisterReceiver(*receiver_);
+        ObjectsConnector connector(nullptr);
+        std::pair<QObject const*, std::string const> const entry(&*emitter_, "2Changed()");
+        QVERIFY(QMetaObject::invokeMethod(
+            &connector, "registerMetaType", Q_ARG(QString, Id), Q_ARG(std::string, Zelkor::Util::TYPE_SIGNAL),
+            QGenericArgument("std::pair<const QObject*,const std::string>", static_cast<void const*>(&entry))));
+        QCOMPARE(emitter_->Connected(), QStringList());
+        Party late("late");
+        RegisterReceiver(late);
+        QCOMPARE(Heard(*emitter_), Words("late"));
+    }
+
     void recordsByNameWithoutConnecting()
     {
         RegisterEmitter(*emitter_);
@@ -633,6 +647,25 @@ private Q_SLOTS:
         QCOMPARE(Heard(*emitter_), Words("receiver late"));
     }
 
+    void unregisteringAStrangerDisconnectsIt_data() { AddSides("emitter", "receiver"); }
+
+    void unregisteringAStrangerDisconnectsIt()
+    {
+        QFETCH(bool, isEmitter);
+        Party stranger("stranger");
+        if (isEmitter) {
+            RegisterReceiver(*receiver_);
+            QVERIFY(connect(&stranger, SIGNAL(Changed()), &*receiver_, SLOT(Note())));
+            UnregisterEmitter(stranger);
+            QCOMPARE(Heard(stranger), QStringList());
+        } else {
+            RegisterEmitter(*emitter_);
+            QVERIFY(connect(&*emitter_, SIGNAL(Changed()), &stranger, SLOT(Note())));
+            UnregisterReceiver(stranger);
+            QCOMPARE(Heard(*emitter_), QStringList());
+        }
+    }
+
     void registersAgainAfterUnregistering()
     {
         RegisterReceiver(*receiver_);
@@ -658,6 +691,15 @@ private Q_SLOTS:
         ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
         ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
         RegisterEmitter(*emitter_, QStringLiteral("Gone()"));
+    }
+
+    void keepsAnEntryForEachRegistrationOfAnEmitter()
+    {
+        RegisterEmitter(*emitter_, QStringLiteral("Gone()"));
+        RegisterEmitter(*emitter_, QStringLiteral("2Gone()"));
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
+        RegisterReceiver(*receiver_);
     }
 
     void unregisteringOnceForgetsDuplicates_data() { AddSides("emitter", "receiver"); }

@@ -230,9 +230,13 @@ private Q_SLOTS:
     void takesNothingElseOfAnItem()
     {
         QFETCH(int, role);
+        Register(second_);
         QVERIFY(!model_->setData(model_->index(0), Carrying(&first_), role));
-        QVERIFY(Click(0));
+        QVERIFY(!model_->setData(model_->index(0), Carrying(&second_), role));
         QCOMPARE(log_, QStringList());
+        QVERIFY(Click(0));
+        QCOMPARE(log_.size(), 1); // the second one's: it stays, and the first one did not come
+        QVERIFY2(log_.first().startsWith(QStringLiteral("second")), qPrintable(log_.first()));
     }
 
     void takesNothingElseOfNoItem_data()

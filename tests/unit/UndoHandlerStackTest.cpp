@@ -141,6 +141,58 @@ private Q_SLOTS:
         QVERIFY(!log_.contains(QStringLiteral("canUndo false")));
     }
 
+    void isInItsNewOrderWhenItAnnouncesAPush()
+    {
+        a_->push(new QUndoCommand);
+        int announced = 0;
+        connect(handlers_.get(), &UndoHandlerStack::indexChanged, this, [&] {
+            ++announced;
+            QVERIFY(!handlers_->empty());
+            QCOMPARE(handlers_->activeStack(), a_.get());
+        });
+        handlers_->push(a_.get());
+        QVERIFY(announced > 0);
+    }
+
+    void isInItsNewOrderWhenItAnnouncesAPop_data()
+    {
+        QTest::addColumn<bool>("isLast");
+        QTest::newRow("the last stack") << true;
+        QTest::newRow("one above another") << false;
+    }
+
+    void isInItsNewOrderWhenItAnnouncesAPop()
+    {
+        QFETCH(bool, isLast);
+        auto* const group = handlers_->findChild<QUndoGroup*>();
+        if (!isLast) {
+            handlers_->push(a_.get());
+        }
+        b_->push(new QUndoCommand);
+        handlers_->push(b_.get());
+        int announced = 0;
+        connect(handlers_.get(), &UndoHandlerStack::indexChanged, this, [&] {
+            ++announced;
+            QCOMPARE(handlers_->empty(), isLast);
+            QCOMPARE(handlers_->activeStack(), isLast ? nullptr : a_.get());
+            QVERIFY(group->stacks().contains(b_.get())); // it leaves when the other one is active
+        });
+        QCOMPARE(handlers_->pop(), b_.get());
+        QVERIFY(announced > 0);
+        QVERIFY(!group->stacks().contains(b_.get()));
+    }
+
+    void aStackThatWasPushedTwiceLeavesTheGroupOnce()
+    {
+        handlers_->push(a_.get());
+        handlers_->push(a_.get());
+        QCOMPARE(handlers_->pop(), a_.get());
+        QCOMPARE(handlers_->activeStack(), nullptr); // taking it out of the group ends its turn
+        QVERIFY(!handlers_->empty());
+        QCOMPARE(handlers_->pop(), a_.get());
+        QVERIFY(handlers_->empty());
+    }
+
     void announcesChangesOfTheActiveStackOnly()
     {
         handlers_->push(a_.get());

@@ -12,10 +12,6 @@ list(FILTER gnustep_flags EXCLUDE REGEX "^(-MMD|-MP|-g|-O2|-Wall|-Wno-import|-I\
 
 set(CMAKE_OBJCXX_COMPILER "${CMAKE_CXX_COMPILER}")
 enable_language(OBJCXX)
-set(CMAKE_OBJCXX_STANDARD 17)
-set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
-set(CMAKE_OBJCXX_EXTENSIONS OFF)
-set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
 
 # Before GNUstep's own, which they extend.
 include_directories(BEFORE "${CMAKE_CURRENT_LIST_DIR}/headers")

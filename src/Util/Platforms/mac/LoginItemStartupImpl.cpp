@@ -10,6 +10,9 @@
 
 #include <CoreServices/CoreServices.h>
 
+// Deprecated since OS X 10.11, and the only way to the login items that users see in their preferences.
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
 namespace Zelkor::Util
 {
 
@@ -118,7 +121,11 @@ QString IdentifierOf(Url const& url, QString const& maker)
 /// The folder of the helper \a product in the main bundle, with "/" at its end; empty when there is none.
 QString HelperPath(QString const& product)
 {
-    Url const mainBundle(CFBundleCopyBundleURL(CFBundleGetMainBundle()));
+    CFBundleRef const bundle = CFBundleGetMainBundle(); // not owned
+    Url const mainBundle(bundle ? CFBundleCopyBundleURL(bundle) : nullptr);
+    if (!mainBundle) {
+        return {};
+    }
     QString const folder = GetQStringFromCFURL(mainBundle.Get()) + QLatin1String("Contents/Library/LoginItems/");
     auto const names = QDir(folder).entryList({QStringLiteral("*.app")}, QDir::AllEntries, QDir::Unsorted);
     for (QString const& name : names) {
@@ -184,6 +191,9 @@ bool LoginItemStartupImpl::AddToLoginItems(QString const& appId) const
         return false;
     }
     Url const url = CreateFolderUrl(helper);
+    if (!url) {
+        return false;
+    }
     CoreFoundationOwner<LSSharedFileListItemRef> const inserted(LSSharedFileListInsertItemURL(
         items.Get(), kLSSharedFileListItemLast, nullptr, nullptr, url.Get(), nullptr, nullptr));
     return static_cast<bool>(inserted);
