@@ -137,10 +137,5 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return Zelkor::Benchmarks::Run(argc, argv);
-    } catch (std::exception const& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
-    }
+    return Zelkor::Benchmarks::ExitCodeOf([&] { return Zelkor::Benchmarks::Run(argc, argv); });
 }

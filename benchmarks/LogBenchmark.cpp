@@ -126,11 +126,6 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        QCoreApplication const application(argc, argv);
-        return Zelkor::Benchmarks::Run(argc, argv);
-    } catch (std::exception const& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
-    }
+    QCoreApplication const application(argc, argv);
+    return Zelkor::Benchmarks::ExitCodeOf([&] { return Zelkor::Benchmarks::Run(argc, argv); });
 }

@@ -14,7 +14,9 @@
 #include <sched.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <ctime>
+#include <exception>
 #include <utility>
 
 namespace Zelkor::Benchmarks
@@ -154,6 +156,18 @@ inline int RunBenchmarks(int argc, char** argv)
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;
+}
+
+/// Calls \a run and returns what it does; what it throws ends on the standard error stream, and the program with 1.
+template <class Run>
+int ExitCodeOf(Run const& run)
+{
+    try {
+        return run();
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
 }
 
 } // namespace Zelkor::Benchmarks

@@ -1,4 +1,5 @@
 #include <TestCase.h>
+#include <Versions.h>
 
 #include <Base/Version.h>
 
@@ -29,20 +30,6 @@ static_assert(Version(1, 2, 3, 4).GetThird() == 3 && Version(1, 2, 3, 4).GetBuil
 Q_DECLARE_METATYPE(std::string)
 Q_DECLARE_METATYPE(Zelkor::Core::Version)
 Q_DECLARE_METATYPE(Zelkor::Core::Util::VersionToStringDetail)
-
-namespace Zelkor::Core
-{
-
-char* toString(Version const& version)
-{
-    return QTest::toString(QStringLiteral("Version(%1, %2, %3, %4)")
-                               .arg(version.GetMajor())
-                               .arg(version.GetMinor())
-                               .arg(version.GetThird())
-                               .arg(version.GetBuild()));
-}
-
-} // namespace Zelkor::Core
 
 namespace
 {

@@ -1,5 +1,6 @@
 #include <LogCapture.h>
 #include <TestCase.h>
+#include <Versions.h>
 
 #include <Util/VersionUtils.h>
 
@@ -21,20 +22,6 @@ static_assert(std::is_same_v<decltype(&GenerateApplicationVisibleVersion), QStri
 
 Q_DECLARE_METATYPE(Zelkor::Core::Version)
 Q_DECLARE_METATYPE(Zelkor::Core::Util::VersionToStringDetail)
-
-namespace Zelkor::Core
-{
-
-char* toString(Version const& version)
-{
-    return QTest::toString(QStringLiteral("Version(%1, %2, %3, %4)")
-                               .arg(version.GetMajor())
-                               .arg(version.GetMinor())
-                               .arg(version.GetThird())
-                               .arg(version.GetBuild()));
-}
-
-} // namespace Zelkor::Core
 
 namespace
 {
