@@ -1,3 +1,4 @@
+#include <LayoutRequests.h>
 #include <TestCase.h>
 
 #include <Util/AlertBox.h>
@@ -13,6 +14,7 @@
 #include <cstring>
 #include <type_traits>
 
+using Zelkor::Testing::FollowsItsChildren;
 using Zelkor::Util::AlertBox;
 
 static_assert(std::is_base_of_v<QMessageBox, AlertBox> && std::is_convertible_v<AlertBox*, QMessageBox*>);
@@ -46,30 +48,6 @@ public:
                    : QString();
     }
 };
-
-/// Whether \a container is laid out again when it gets a child that its layout does not know.
-bool FollowsItsChildren(QWidget& container)
-{
-    class LayoutRequests : public QObject
-    {
-    public:
-        int count = 0;
-
-        bool eventFilter(QObject* /*watched*/, QEvent* event) override
-        {
-            count += event->type() == QEvent::LayoutRequest;
-            return false;
-        }
-    } requests;
-
-    for (int i = 0; i < 10 && container.layout()->activate(); ++i) { // the text finds its height in more than one pass
-    }
-    QCoreApplication::removePostedEvents(&container, QEvent::LayoutRequest);
-    container.installEventFilter(&requests);
-    QObject const child(&container);
-    QCoreApplication::sendPostedEvents(&container, QEvent::LayoutRequest);
-    return requests.count > 0;
-}
 
 /// Where a virtual function stands in the table of its class.
 template <class Function>

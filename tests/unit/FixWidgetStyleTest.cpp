@@ -1,3 +1,4 @@
+#include <LayoutRequests.h>
 #include <Screens.h>
 #include <TestCase.h>
 
@@ -20,6 +21,7 @@
 #include <memory>
 #include <type_traits>
 
+using Zelkor::Testing::FollowsItsChildren;
 using Zelkor::Util::FixWidgetStyle;
 
 static_assert(std::is_class_v<FixWidgetStyle> && !std::is_default_constructible_v<FixWidgetStyle>);
@@ -115,30 +117,6 @@ QMenu* AddMenu(QWidget* parent, QString const& name)
     auto* const menu = new QMenu(parent);
     menu->setObjectName(name);
     return menu;
-}
-
-/// Whether \a container is laid out again when it gets a child that its layout does not know.
-bool FollowsItsChildren(QWidget& container)
-{
-    class LayoutRequests : public QObject
-    {
-    public:
-        int count = 0;
-
-        bool eventFilter(QObject* /*watched*/, QEvent* event) override
-        {
-            count += event->type() == QEvent::LayoutRequest;
-            return false;
-        }
-    } requests;
-
-    for (int i = 0; i < 10 && container.layout()->activate(); ++i) { // the text finds its height in more than one pass
-    }
-    QCoreApplication::removePostedEvents(&container, QEvent::LayoutRequest);
-    container.installEventFilter(&requests);
-    QObject const child(&container);
-    QCoreApplication::sendPostedEvents(&container, QEvent::LayoutRequest);
-    return requests.count > 0;
 }
 
 } // namespace
