@@ -1,3 +1,4 @@
+#include <LayoutRequests.h>
 #include <TestCase.h>
 
 #include <Util/SpontaneousDialog.h>
@@ -5,6 +6,7 @@
 #include <WidgetKit/Layouts.h>
 
 #include <QtCore/QTimer>
+#include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLabel>
@@ -15,6 +17,7 @@
 #include <memory>
 #include <type_traits>
 
+using Zelkor::Testing::FollowsItsChildren;
 using Zelkor::Util::SpontaneousDialog;
 using Zelkor::Util::ValidationInputDialog;
 using Zelkor::Widget::MFrame;
@@ -22,6 +25,68 @@ using Zelkor::Widget::MVBoxLayout;
 
 static_assert(std::is_base_of_v<QDialog, ValidationInputDialog>);
 static_assert(!std::is_copy_constructible_v<ValidationInputDialog> && !std::is_final_v<ValidationInputDialog>);
+
+namespace
+{
+
+/// Keeps what is asked for while it lives, each as "context: text".
+class RecordingTranslator : public QTranslator
+{
+public:
+    RecordingTranslator() { QCoreApplication::installTranslator(this); }
+    ~RecordingTranslator() override { QCoreApplication::removeTranslator(this); }
+
+    bool isEmpty() const override { return false; }
+
+    QString translate(char const* context, char const* source, char const* /*disambiguation*/, int /*n*/) const override
+    {
+        asked_ += QStringLiteral("%1: %2").arg(QString::fromUtf8(context), QString::fromUtf8(source));
+        return {};
+    }
+
+    QStringList Asked() const { return asked_; }
+
+private:
+    mutable QStringList asked_;
+};
+
+/// Types into \a edit when it is hidden, as an input method does that commits what it has.
+class LateTyping : public QObject
+{
+public:
+    explicit LateTyping(QLineEdit* edit)
+        : edit_(edit)
+    {
+        edit->installEventFilter(this);
+    }
+
+    bool hasTyped = false;
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() == QEvent::Hide) {
+            edit_->setText(QStringLiteral("late"));
+            hasTyped = true;
+        }
+        return false;
+    }
+
+private:
+    QLineEdit* edit_;
+};
+
+/// The names of the widgets right below \a parent, in the order of their creation.
+QStringList ChildNames(QWidget const* parent)
+{
+    QStringList names;
+    auto const children = parent->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWidget const* const child : children) {
+        names += child->objectName();
+    }
+    return names;
+}
+
+} // namespace
 
 class ValidationInputDialogTest : public Zelkor::Testing::TestCase
 {
@@ -45,6 +110,21 @@ private Q_SLOTS:
         QVERIFY(frame->findChild<QLabel*>(QStringLiteral("label"), Qt::FindDirectChildrenOnly));
         QVERIFY(frame->findChild<QLineEdit*>(QStringLiteral("lineEdit"), Qt::FindDirectChildrenOnly));
         QVERIFY(frame->findChild<QLabel*>(QStringLiteral("errorLabel"), Qt::FindDirectChildrenOnly));
+    }
+
+    void makesItsPartsFromTopToBottom()
+    {
+        Open();
+        QCOMPARE(ChildNames(dialog_.get()), (QStringList{QStringLiteral("contentFrame"), QStringLiteral("buttonBox")}));
+        QCOMPARE(ChildNames(dialog_->findChild<MFrame*>()),
+                 (QStringList{QStringLiteral("label"), QStringLiteral("lineEdit"), QStringLiteral("errorLabel")}));
+    }
+
+    void followsItsChildren()
+    {
+        Open();
+        QVERIFY(FollowsItsChildren(*dialog_));
+        QVERIFY(!FollowsItsChildren(*dialog_->findChild<MFrame*>()));
     }
 
     void isLaidOutWithoutGaps()
@@ -80,6 +160,13 @@ private Q_SLOTS:
         QCOMPARE(Ok()->property("styleHint").toString(), QStringLiteral("activeButton"));
         QCOMPARE(Buttons()->button(QDialogButtonBox::Cancel)->objectName(), QStringLiteral("cancelButton"));
         QVERIFY(!(dialog_->windowFlags() & Qt::WindowContextHelpButtonHint));
+    }
+
+    void asksForATranslationOfTheUsualLabel()
+    {
+        RecordingTranslator const translator;
+        Open();
+        QCOMPARE(translator.Asked().count(QStringLiteral("ValidationInputDialog: Input string:")), 1);
     }
 
     void checksNothingWhenItStartsEmpty()
@@ -156,6 +243,24 @@ private Q_SLOTS:
         QCOMPARE(Edit()->property("styleHint").toString(), QStringLiteral("normal"));
     }
 
+    void takesTheMessageBackWhenTheInputIsClean()
+    {
+        auto const isNotTaken = [](QString const& input, QString& message) {
+            bool const taken = input == QLatin1String("x");
+            message = taken ? QStringLiteral("taken") : QString();
+            return !taken;
+        };
+        auto const pass = [](QString const& /*input*/, QString& /*message*/) { return true; };
+        dialog_ = std::make_unique<ValidationInputDialog>(QString(), QString(), QStringLiteral("x"), pass, isNotTaken);
+        QCOMPARE(Error()->text(), QStringLiteral("taken"));
+        Edit()->setText(QStringLiteral("y"));
+        QCOMPARE(Error()->text(), QString());
+        dialog_ = std::make_unique<ValidationInputDialog>(QString(), QString(), QStringLiteral("x"), isNotTaken, pass);
+        QCOMPARE(Error()->text(), QStringLiteral("taken"));
+        Edit()->setText(QStringLiteral("y"));
+        QCOMPARE(Error()->text(), QString());
+    }
+
     void returnsWhatPassesTheFirstCheck()
     {
         Open(QStringLiteral(" a  b "));
@@ -192,11 +297,44 @@ private Q_SLOTS:
         QCOMPARE(dialog_->exec(), int(QDialog::Rejected));
     }
 
+    void checksNothingThatIsTypedWhileItEnds()
+    {
+        Open();
+        dialog_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(dialog_.get()));
+        LateTyping const typing(Edit());
+        dialog_.reset();
+        QVERIFY(typing.hasTyped);
+        QCOMPARE(log_, QStringList());
+    }
+
     void emptyChecksThrow()
     {
         ValidationInputDialog dialog(QString(), QString(), QString(), nullptr, nullptr);
         QVERIFY_EXCEPTION_THROWN(dialog.inputText(), std::bad_function_call);
         QVERIFY_EXCEPTION_THROWN(dialog.findChild<QLineEdit*>()->setText(QStringLiteral("x")), std::bad_function_call);
+    }
+
+    void anEmptyFirstCheckThrowsAtOnceWhenThereIsText()
+    {
+        auto const pass = [](QString const& /*input*/, QString& /*message*/) { return true; };
+        QVERIFY_EXCEPTION_THROWN(
+            ValidationInputDialog(QString(), QString(), QStringLiteral("x"), ValidationInputDialog::Check(), pass),
+            std::bad_function_call);
+    }
+
+    void anEmptySecondCheckThrowsOnlyWhenTheFirstPasses()
+    {
+        auto const isLong = [](QString const& input, QString& /*message*/) { return input.size() > 1; };
+        dialog_ = std::make_unique<ValidationInputDialog>(QString(), QString(), QStringLiteral("x"), isLong,
+                                                          ValidationInputDialog::Check());
+        QVERIFY(!Ok()->isEnabled());
+        QCOMPARE(dialog_->inputText(), QString());
+        QVERIFY_EXCEPTION_THROWN(Edit()->setText(QStringLiteral("xy")), std::bad_function_call);
+        QCOMPARE(dialog_->inputText(), QStringLiteral("xy")); // has no need of it
+        QVERIFY_EXCEPTION_THROWN(
+            ValidationInputDialog(QString(), QString(), QStringLiteral("xy"), isLong, ValidationInputDialog::Check()),
+            std::bad_function_call);
     }
 
     void hasTheParentOfSpontaneousDialogs()
