@@ -1,3 +1,4 @@
+#include <Tasks.h>
 #include <TestCase.h>
 
 #include <Util/AlertBox.h>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <utility>
 
+using Zelkor::Testing::Escape;
 using Zelkor::Util::AlertBox;
 
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
@@ -77,6 +79,34 @@ void Click(QAbstractButton* button)
     QVERIFY(button);
     QTest::mouseClick(button, Qt::LeftButton);
 }
+
+/// Throws when something in a visible alert box is told that it has the focus. That is before the event loop runs, out
+/// of which Qt lets no exception.
+class ThrowsWhenFocused : public QObject
+{
+public:
+    ThrowsWhenFocused() { qApp->installEventFilter(this); }
+
+    /// Null once the box is gone.
+    QPointer<AlertBox> box;
+
+    bool HasThrown() const { return hasThrown_; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::FocusIn && watched->isWidgetType()) {
+            box = qobject_cast<AlertBox*>(static_cast<QWidget*>(watched)->window());
+            if (box && box->isVisible()) {
+                hasThrown_ = true;
+                throw Escape();
+            }
+        }
+        return false;
+    }
+
+private:
+    bool hasThrown_ = false;
+};
 
 /// Clicks a button of the next alert box.
 WhenShown::Action Clicks(QMessageBox::StandardButton button)
@@ -235,6 +265,18 @@ private Q_SLOTS:
         WhenShown const shown([](AlertBox& box) { delete &box; });
         QCOMPARE(ExecBox(QMessageBox::Ok), 0);
         QVERIFY(shown.HasRun());
+    }
+
+    void staticExecDestroysTheBoxWhenAnExceptionPasses()
+    {
+        QWidget parent;
+        ThrowsWhenFocused const thrower;
+        WhenShown const shown([](AlertBox& /*box*/) {}); // closes it if nothing is thrown
+        QVERIFY_EXCEPTION_THROWN(ExecBox(QMessageBox::Ok, &parent), Escape);
+        QVERIFY(thrower.HasThrown());
+        QVERIFY(thrower.box.isNull());
+        QVERIFY(parent.children().isEmpty());
+        QCOMPARE(QApplication::activeModalWidget(), nullptr);
     }
 
     void execGivesZeroWhenTheParentGoes()

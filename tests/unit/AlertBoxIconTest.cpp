@@ -6,8 +6,11 @@
 #include <QtCore/QDataStream>
 #include <QtCore/QHash>
 #include <QtCore/QResource>
+#include <QtCore/QScopeGuard>
+#include <QtCore/QTimer>
 #include <QtGui/QImage>
 #include <QtTest/QtTest>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QProxyStyle>
@@ -183,6 +186,9 @@ QStringList PassOver(AlertBox& box)
     return log;
 }
 
+/// Shows a box of level Error, which has to be closed.
+using Shows = std::function<void()>;
+
 std::unique_ptr<AlertBox> CreateBox(AlertBox::Level level)
 {
     return std::make_unique<AlertBox>(level, QStringLiteral("title"), QStringLiteral("text"),
@@ -190,6 +196,8 @@ std::unique_ptr<AlertBox> CreateBox(AlertBox::Level level)
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(Shows)
 
 class AlertBoxIconTest : public Zelkor::Testing::TestCase
 {
@@ -441,6 +449,47 @@ private Q_SLOTS:
         QCOMPARE(polishes.value(box.get()), 1);
         QCOMPARE(polishes.value(box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))), 1);
         QCOMPARE(polishes.value(box->button(QMessageBox::Ok)), 4); // three properties, and the pass
+    }
+
+    void everyWayOfShowingPreparesTheBox_data()
+    {
+        QTest::addColumn<Shows>("show");
+        QTest::newRow("static Exec") << Shows(
+            [] { AlertBox::Exec(AlertBox::Error, QStringLiteral("title"), QStringLiteral("text"), QMessageBox::Ok); });
+        QTest::newRow("Exec") << Shows([] { CreateBox(AlertBox::Error)->Exec(); });
+        QTest::newRow("Show") << Shows([] {
+            auto const box = CreateBox(AlertBox::Error);
+            box->Show(true);
+            QTRY_VERIFY(!box->isVisible());
+        });
+    }
+
+    void everyWayOfShowingPreparesTheBox()
+    {
+        QFETCH(Shows, show);
+        // Of the application, for who calls the static function has no box to give a style to.
+        QString const styleBefore = QApplication::style()->objectName();
+        auto* const style = new ReportingStyle;
+        QApplication::setStyle(style);
+        auto const styleEnds = qScopeGuard([style, &styleBefore] {
+            style->report = nullptr;
+            QApplication::setStyle(styleBefore);
+        });
+        bool isPolishedAgain = false;
+        style->report = [&isPolishedAgain](QLatin1String operation, QWidget* widget) {
+            isPolishedAgain |=
+                operation == QLatin1String("unpolish") && widget->objectName() == QLatin1String("qt_msgbox_label");
+        };
+        QColor color;
+        QTimer::singleShot(0, this, [&color] {
+            auto* const box = qobject_cast<AlertBox*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            color = ColorOf(box->iconPixmap());
+            box->done(0);
+        });
+        show();
+        QCOMPARE(color, ErrorColor);
+        QVERIFY(isPolishedAgain);
     }
 
 private:
