@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -27,6 +28,7 @@ class Tile : public QWidget
 {
 public:
     std::vector<QEvent::Type> seen;
+    QEvent const* lastEvent = nullptr; // for comparison only
     std::function<void()> onHover = [] {};
 
 protected:
@@ -38,6 +40,7 @@ protected:
         case QEvent::HoverEnter:
         case QEvent::HoverLeave: {
             seen.push_back(event->type());
+            lastEvent = event;
             auto const called = onHover; // which may end this tile
             called();
             return true;
@@ -104,6 +107,15 @@ private Q_SLOTS:
         Send(tiles_[std::size_t(hovered)].get(), event);
         for (auto const& tile : tiles_) {
             QCOMPARE(tile->seen, Types{event});
+        }
+    }
+
+    void everyMemberGetsTheVeryEvent()
+    {
+        QHoverEvent event(QEvent::HoverEnter, QPointF(1, 1), QPointF(0, 0));
+        QCoreApplication::sendEvent(tiles_[1].get(), &event);
+        for (auto const& tile : tiles_) {
+            QCOMPARE(tile->lastEvent, &event);
         }
     }
 
@@ -261,16 +273,47 @@ private Q_SLOTS:
         QCOMPARE(tiles_[0]->seen, Types{QEvent::Enter});
     }
 
-    void membersMayLeaveAndJoinDuringAReplay()
+    void aMemberThatIsRemovedBeforeItsTurnGetsNothing()
+    {
+        // Whichever comes first removes the other.
+        tiles_[0]->onHover = [this] { group_->removeItem(tiles_[2].get()); };
+        tiles_[2]->onHover = [this] { group_->removeItem(tiles_[0].get()); };
+        Send(tiles_[1].get(), QEvent::Enter);
+        QCOMPARE(tiles_[0]->seen.size() + tiles_[2]->seen.size(), std::size_t(1));
+        QCOMPARE(tiles_[1]->seen, Types{QEvent::Enter});
+    }
+
+    void membersMayJoinDuringAReplay()
     {
         Tile late;
-        tiles_[0]->onHover = tiles_[1]->onHover = [this, &late] {
-            group_->removeItem(tiles_[2].get());
-            group_->addItem(&late);
-        };
+        tiles_[0]->onHover = tiles_[2]->onHover = [this, &late] { group_->addItem(&late); };
         Send(tiles_[1].get(), QEvent::Enter);
-        QVERIFY(tiles_[2]->seen.size() <= 1);
-        group_->removeItem(&late);
+        Send(tiles_[1].get(), QEvent::Leave);
+        for (auto const& tile : tiles_) {
+            QCOMPARE(tile->seen, (Types{QEvent::Enter, QEvent::Leave}));
+        }
+        QVERIFY(!late.seen.empty());
+        QCOMPARE(late.seen.back(), QEvent::Leave);
+    }
+
+    void replaysAgainAfterAMemberHasThrown()
+    {
+        struct Escape
+        {};
+        tiles_[0]->onHover = tiles_[2]->onHover = [] { throw Escape(); };
+        std::optional<QEvent> event(QEvent::Enter);
+        QVERIFY_EXCEPTION_THROWN(QCoreApplication::sendEvent(tiles_[1].get(), &*event), Escape);
+        for (auto const& tile : tiles_) {
+            tile->onHover = [] {};
+            tile->seen.clear();
+        }
+        for (auto const type : {QEvent::Leave, QEvent::Enter}) {
+            event.emplace(type); // in the same place, as the events of the system are
+            QCoreApplication::sendEvent(tiles_[1].get(), &*event);
+        }
+        for (auto const& tile : tiles_) {
+            QCOMPARE(tile->seen, (Types{QEvent::Leave, QEvent::Enter}));
+        }
     }
 
     void aMemberOfTwoGroupsGetsAnEventOnce()
