@@ -137,6 +137,25 @@ private Q_SLOTS:
         QCOMPARE(controlled.Level(), 5);
     }
 
+    void doesNotWriteWhatIsEqualInAnotherType_data()
+    {
+        QTest::addColumn<QVariant>("wanted");
+        QTest::newRow("text") << QVariant(QStringLiteral("7"));
+        QTest::newRow("bytes") << QVariant(QByteArray("7"));
+        QTest::newRow("real number") << QVariant(7.0);
+        QTest::newRow("unsigned") << QVariant(7U);
+    }
+
+    void doesNotWriteWhatIsEqualInAnotherType()
+    {
+        QFETCH(QVariant, wanted);
+        Controlled controlled;
+        QCOMPARE(controlled.property("level") == wanted, true);
+        PropertyTimeSwitcher switcher("level", wanted, &controlled);
+        switcher.setCurrentTime(0);
+        QCOMPARE(controlled.writes, 0);
+    }
+
     void warnsOfAPropertyThatIsNotThere()
     {
         ExpectQtWarning(QRegularExpression(QStringLiteral(

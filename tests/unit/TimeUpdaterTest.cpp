@@ -152,6 +152,19 @@ private Q_SLOTS:
         QVERIFY(document.isUndoAvailable());
     }
 
+    void writesInOneEdit()
+    {
+        QString const before = QStringLiteral("text\nof two lines");
+        QTextDocument document(before);
+        document.clearUndoRedoStacks();
+        TimeUpdater updater(0, 0, 60000, QStringLiteral("mm:ss"), &document, false);
+        updater.setCurrentTime(3000);
+        QCOMPARE(document.toPlainText(), QStringLiteral("00:03"));
+        document.undo();
+        QCOMPARE(document.toPlainText(), before);
+        QVERIFY(!document.isUndoAvailable());
+    }
+
     void onlyComputesWithoutADocument()
     {
         TimeUpdater updater(100, 0, 1000, Format, nullptr, false);
