@@ -2,12 +2,16 @@
 
 #include <Util/QmlWindowFocusWorkaround.h>
 
+#include <QtCore/QPointer>
+#include <QtGui/QFocusEvent>
+#include <QtGui/QWindow>
 #include <QtTest/QtTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
 
 #include <memory>
 #include <type_traits>
+#include <vector>
 
 using Zelkor::Util::ApplyQmlWindowFocusWorkaround;
 using Zelkor::Util::findQmlContainer;
@@ -15,6 +19,44 @@ using Zelkor::Util::QmlWindowFocusWorkaround;
 
 static_assert(std::is_base_of_v<QObject, QmlWindowFocusWorkaround>);
 static_assert(!std::is_copy_constructible_v<QmlWindowFocusWorkaround>);
+
+namespace
+{
+
+/// Keeps why a widget gets the focus.
+class FocusReasons : public QObject
+{
+public:
+    explicit FocusReasons(QWidget* widget) { widget->installEventFilter(this); }
+
+    std::vector<Qt::FocusReason> seen;
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() == QEvent::FocusIn) {
+            seen.push_back(static_cast<QFocusEvent*>(event)->reason());
+        }
+        return false;
+    }
+};
+
+/// Destroys a widget that is raised.
+class EndsWhenRaised : public QObject
+{
+public:
+    explicit EndsWhenRaised(QWidget* widget) { widget->installEventFilter(this); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() != QEvent::ZOrderChange) {
+            return false;
+        }
+        delete watched;
+        return true;
+    }
+};
+
+} // namespace
 
 class QmlWindowFocusWorkaroundTest : public Zelkor::Testing::TestCase
 {
@@ -73,6 +115,37 @@ private Q_SLOTS:
         QVERIFY(container_->hasFocus());
     }
 
+    void handsTheFocusToTheWidgetAroundTheContainer()
+    {
+        container_->setParent(outer_);
+        container_->setAttribute(Qt::WA_NativeWindow);
+        Show();
+        ApplyQmlWindowFocusWorkaround(window_.get(), outer_);
+        QCOMPARE(container_->focusPolicy(), Qt::StrongFocus);
+        QCOMPARE(outer_->focusPolicy(), Qt::NoFocus);
+        edit_->setFocus();
+        QVERIFY(!SendActivationChange());
+        QVERIFY(outer_->hasFocus());
+    }
+
+    void raisesTheTarget()
+    {
+        Show();
+        new QmlWindowFocusWorkaround(window_.get(), outer_);
+        QVERIFY(!SendActivationChange());
+        QCOMPARE(window_->children().constLast(), outer_);
+    }
+
+    void saysThatTheFocusComesWithTheWindow()
+    {
+        Show();
+        new QmlWindowFocusWorkaround(window_.get(), container_);
+        edit_->setFocus();
+        FocusReasons const reasons(container_);
+        QVERIFY(!SendActivationChange());
+        QCOMPARE(reasons.seen, std::vector<Qt::FocusReason>{Qt::ActiveWindowFocusReason});
+    }
+
     void handsTheFocusOverEachTimeTheWindowComesBack_data()
     {
         QTest::addColumn<bool>("native");
@@ -119,6 +192,55 @@ private Q_SLOTS:
         container_->setFocusPolicy(Qt::StrongFocus);
         new QmlWindowFocusWorkaround(window_.get(), container_);
         QVERIFY(SendActivationChange());
+    }
+
+    void doesNothingForAWindowThatIsNotActive()
+    {
+        Show();
+        edit_->setFocus();
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QVERIFY(window_->isVisible() && !window_->isActiveWindow());
+        new QmlWindowFocusWorkaround(window_.get(), outer_);
+        QVERIFY(SendActivationChange());
+        QCOMPARE(window_->focusWidget(), edit_);
+        QVERIFY(window_->children().indexOf(outer_) < window_->children().indexOf(edit_));
+    }
+
+    void theTargetMayEndWhenItIsRaised()
+    {
+        Show();
+        new QmlWindowFocusWorkaround(window_.get(), outer_);
+        edit_->setFocus();
+        EndsWhenRaised const ends(outer_);
+        QPointer<QWidget> const target(outer_);
+        QVERIFY(!SendActivationChange());
+        QVERIFY(!target);
+        QVERIFY(edit_->hasFocus());
+    }
+
+    void theTargetMayEndWhenItIsActivated()
+    {
+        // Before the events are processed, all that comes of activating a window is what Qt says of such a one.
+        static QPointer<QWidget> target;
+        static QtMessageHandler previous = nullptr;
+        target = container_;
+        Show();
+        edit_->setFocus();
+        new QmlWindowFocusWorkaround(window_.get(), target);
+        window_->windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus);
+        ExpectQtWarning(QRegularExpression(QStringLiteral("^requestActivate\\(\\) called for ")));
+        previous = qInstallMessageHandler([](QtMsgType type, QMessageLogContext const& context, QString const& text) {
+            previous(type, context, text);
+            delete target.data();
+        });
+        bool const accepted = SendActivationChange();
+        qInstallMessageHandler(previous);
+        QVERIFY(!accepted);
+        QVERIFY(!target);
+        QVERIFY(edit_->hasFocus());
     }
 
     void doesNothingWhenTheTargetIsGone()
