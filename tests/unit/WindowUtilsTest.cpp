@@ -214,6 +214,27 @@ private Q_SLOTS:
         QCOMPARE(dialog.placed, QRect(middle - QPoint(61, 41), QSize(121, 81)));
     }
 
+    void centresTheDialogAroundAPixelThatIsRoundedTowardZero_data()
+    {
+        QTest::addColumn<QRect>("window");
+        QTest::addColumn<QPoint>("middle");
+        QTest::newRow("before zero") << QRect(-500, -300, 400, 200) << QPoint(-300, -200); // -300.5, -200.5
+        QTest::newRow("across zero") << QRect(-300, -200, 400, 300) << QPoint(-100, -50);  // -100.5, -50.5
+        QTest::newRow("after zero") << QRect(300, 200, 400, 300) << QPoint(499, 349);      // 499.5, 349.5
+    }
+
+    void centresTheDialogAroundAPixelThatIsRoundedTowardZero()
+    {
+        QFETCH(QRect, window);
+        QFETCH(QPoint, middle);
+        QWidget parent;
+        parent.setGeometry(window);
+        Dialog dialog;
+        dialog.setFixedSize(120, 80);
+        QCOMPARE(ExecDialogInCenterWindow(&dialog, &parent), 7);
+        QCOMPARE(dialog.placed, QRect(middle - QPoint(60, 40), QSize(120, 80)));
+    }
+
     void theDialogStaysWhereItIsPlaced_data() { Zelkor::Testing::AddScreens(); }
 
     void theDialogStaysWhereItIsPlaced()
