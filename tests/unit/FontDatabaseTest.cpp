@@ -3,6 +3,8 @@
 #include <Util/FontDatabase.h>
 
 #include <QtCore/QDirIterator>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
 #include <QtGui/QFontDatabase>
 #include <QtTest/QtTest>
 
@@ -30,6 +32,40 @@ QString Sans()
 QString Mono()
 {
     return FontFile(QStringLiteral("DejaVuSansMono.ttf"));
+}
+
+/// A font of \a family in \a folder that is made of the letter A alone, in dots, and cannot be scaled.
+QString MakeDotFont(QTemporaryDir const& folder, QByteArray const& family)
+{
+    QFile file(folder.filePath(QString::fromLatin1(family) + QLatin1String(".bdf")));
+    file.open(QIODevice::WriteOnly);
+    file.write("STARTFONT 2.1\n"
+               "FONT -Test-" +
+               family +
+               "-Medium-R-Normal--8-80-75-75-C-80-ISO10646-1\n"
+               "SIZE 8 75 75\n"
+               "FONTBOUNDINGBOX 8 8 0 0\n"
+               "STARTPROPERTIES 6\n"
+               "FAMILY_NAME \"" +
+               family +
+               "\"\n"
+               "FONT_ASCENT 8\n"
+               "FONT_DESCENT 0\n"
+               "PIXEL_SIZE 8\n"
+               "CHARSET_REGISTRY \"ISO10646\"\n"
+               "CHARSET_ENCODING \"1\"\n"
+               "ENDPROPERTIES\n"
+               "CHARS 1\n"
+               "STARTCHAR A\n"
+               "ENCODING 65\n"
+               "SWIDTH 1000 0\n"
+               "DWIDTH 8 0\n"
+               "BBX 8 8 0 0\n"
+               "BITMAP\n"
+               "18\n3C\n66\n66\n7E\n66\n66\n00\n"
+               "ENDCHAR\n"
+               "ENDFONT\n");
+    return file.fileName();
 }
 
 QString const SansFamily = QStringLiteral("DejaVu Sans");
@@ -76,6 +112,16 @@ private Q_SLOTS:
         QCOMPARE(FontDatabase::addedFontFamilies(), (QStringList{SansFamily, MonoFamily}));
     }
 
+    void sortsCapitalsFirst()
+    {
+        Add(MakeDotFont(folder_, "beta"));
+        Add(MakeDotFont(folder_, "Gamma"));
+        Add(MakeDotFont(folder_, "alpha"));
+        Add(MakeDotFont(folder_, "Delta"));
+        QCOMPARE(FontDatabase::addedFontFamilies(), (QStringList{QStringLiteral("Delta"), QStringLiteral("Gamma"),
+                                                                 QStringLiteral("alpha"), QStringLiteral("beta")}));
+    }
+
     void keepsAddedFamiliesFromTheSystems()
     {
         int const id = Add(Sans());
@@ -87,6 +133,31 @@ private Q_SLOTS:
 
         Remove(id);
         QCOMPARE(FontDatabase::systemFontFamilies(), QFontDatabase().families());
+    }
+
+    void takesAFamilyForAnotherWhenItIsWrittenInAnotherWay()
+    {
+        // Added by others, which makes it one of the system's.
+        int const id = QFontDatabase::addApplicationFont(MakeDotFont(folder_, "Dots"));
+        QStringList const before = FontDatabase::systemFontFamilies();
+        QVERIFY(before.contains(QStringLiteral("Dots")));
+        Add(MakeDotFont(folder_, "dOTS"));
+        QCOMPARE(FontDatabase::addedFontFamilies(), QStringList{QStringLiteral("dOTS")});
+        QCOMPARE(FontDatabase::systemFontFamilies(), before);
+        Add(MakeDotFont(folder_, "Dot"));
+        QCOMPARE(FontDatabase::systemFontFamilies(), before);
+        QVERIFY(QFontDatabase::removeApplicationFont(id));
+    }
+
+    void leavesFamiliesOutThatCannotBeScaled()
+    {
+        QString const family = QStringLiteral("Dots");
+        Add(MakeDotFont(folder_, family.toLatin1()));
+        QVERIFY(QFontDatabase().families().contains(family));
+        QStringList const scalable = FontDatabase::scalableFontFamilies();
+        QVERIFY(!scalable.contains(family));
+        Add(Sans());
+        QVERIFY(FontDatabase::scalableFontFamilies().contains(SansFamily));
     }
 
     void keepsScalableFamilies()
@@ -151,6 +222,7 @@ private:
         added_.removeAll(id);
     }
 
+    QTemporaryDir folder_;
     QList<int> added_;
 };
 
