@@ -1,3 +1,4 @@
+#include <RecordingStyle.h>
 #include <TestCase.h>
 
 #include <Util/AlertBox.h>
@@ -5,12 +6,11 @@
 #include <QtTest/QtTest>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QProxyStyle>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QStyleFactory>
 
 #include <memory>
 
+using Zelkor::Testing::RecordingStyle;
 using Zelkor::Util::AlertBox;
 
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
@@ -36,41 +36,15 @@ public:
     }
 };
 
-/// Keeps what is polished, each with the hint that the widget has at that time.
-class RecordingStyle : public QProxyStyle
+/// The tags that a button has.
+QString Tags(QWidget const& widget)
 {
-public:
-    RecordingStyle()
-        : QProxyStyle(QStyleFactory::create(QStringLiteral("fusion")))
-    {}
-
-    QStringList log;
-
-    using QProxyStyle::polish;
-    using QProxyStyle::unpolish;
-
-    void polish(QWidget* widget) override
-    {
-        Note(QLatin1String("polish"), widget);
-        QProxyStyle::polish(widget);
+    QStringList properties;
+    for (char const* const property : {"SubStyle", "styleHint", "buttonRole"}) {
+        properties += widget.property(property).toString();
     }
-
-    void unpolish(QWidget* widget) override
-    {
-        Note(QLatin1String("unpolish"), widget);
-        QProxyStyle::unpolish(widget);
-    }
-
-private:
-    void Note(QLatin1String operation, QWidget* widget)
-    {
-        QStringList properties;
-        for (char const* const property : {"SubStyle", "styleHint", "buttonRole"}) {
-            properties += widget->property(property).toString();
-        }
-        log += operation + QLatin1Char(' ') + properties.join(QLatin1Char(','));
-    }
-};
+    return properties.join(QLatin1Char(','));
+}
 
 std::unique_ptr<AlertBox> CreateBox(QMessageBox::StandardButtons buttons)
 {
@@ -351,7 +325,7 @@ private Q_SLOTS:
     {
         QFETCH(QMessageBox::StandardButton, standard);
         QFETCH(QStringList, polishes);
-        RecordingStyle style;
+        RecordingStyle style(Tags);
         auto const box = CreateBox(standard);
         box->button(standard)->setStyle(&style);
         style.log.clear();
@@ -361,7 +335,7 @@ private Q_SLOTS:
 
     void propertiesArePolishedInAgainWhenTaggedAgain()
     {
-        RecordingStyle style;
+        RecordingStyle style(Tags);
         auto const box = CreateBox(QMessageBox::Ok);
         box->button(QMessageBox::Ok)->setStyle(&style);
         box->SetButtonsSubStyle();

@@ -1,4 +1,5 @@
 #include <LayoutRequests.h>
+#include <RecordingStyle.h>
 #include <Screens.h>
 #include <TestCase.h>
 
@@ -14,14 +15,13 @@
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
-#include <QtWidgets/QProxyStyle>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QStyleFactory>
 
 #include <memory>
 #include <type_traits>
 
 using Zelkor::Testing::FollowsItsChildren;
+using Zelkor::Testing::RecordingStyle;
 using Zelkor::Util::FixWidgetStyle;
 
 static_assert(std::is_class_v<FixWidgetStyle> && !std::is_default_constructible_v<FixWidgetStyle>);
@@ -33,42 +33,15 @@ Q_DECLARE_METATYPE(QDialogButtonBox::StandardButton)
 namespace
 {
 
-/// Keeps what is polished, each with the hint that it has at that time.
-class RecordingStyle : public QProxyStyle
+/// What is polished, and the hint that it has.
+QString NameAndHint(QWidget const& widget)
 {
-public:
-    RecordingStyle()
-        : QProxyStyle(QStyleFactory::create(QStringLiteral("fusion")))
-    {}
-
-    QStringList log;
-
-    using QProxyStyle::polish;
-    using QProxyStyle::unpolish;
-
-    void polish(QWidget* widget) override
-    {
-        Note(QLatin1String("polish"), widget);
-        QProxyStyle::polish(widget);
+    QString action;
+    if (auto const* const menu = qobject_cast<QMenu const*>(&widget)) {
+        action = menu->menuAction()->objectName();
     }
-
-    void unpolish(QWidget* widget) override
-    {
-        Note(QLatin1String("unpolish"), widget);
-        QProxyStyle::unpolish(widget);
-    }
-
-private:
-    void Note(QLatin1String operation, QWidget* widget)
-    {
-        QString action;
-        if (auto const* const menu = qobject_cast<QMenu*>(widget)) {
-            action = menu->menuAction()->objectName();
-        }
-        log += operation + QLatin1Char(' ') + widget->objectName() + QLatin1Char(' ') + action +
-               widget->property("styleHint").toString();
-    }
-};
+    return widget.objectName() + QLatin1Char(' ') + action + widget.property("styleHint").toString();
+}
 
 /// Keeps the order in which widgets get a property.
 class RoundedWidgets : public QObject
@@ -398,7 +371,7 @@ private Q_SLOTS:
 
     void actionOfTheRootIsNotNamed()
     {
-        RecordingStyle style;
+        RecordingStyle style(NameAndHint);
         QMenu menu;
         menu.setObjectName(QStringLiteral("root"));
         QMenu* const subMenu = menu.addMenu(QStringLiteral("More"));
@@ -422,7 +395,7 @@ private Q_SLOTS:
 
     void menuIsPolishedOnceAfterTheNaming()
     {
-        RecordingStyle style;
+        RecordingStyle style(NameAndHint);
         QWidget window;
         QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
         menu->setStyle(&style);
@@ -434,7 +407,7 @@ private Q_SLOTS:
 
     void menuWithANamedActionIsPolishedToo()
     {
-        RecordingStyle style;
+        RecordingStyle style(NameAndHint);
         QWidget window;
         QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
         menu->menuAction()->setObjectName(QStringLiteral("own"));
@@ -569,7 +542,7 @@ private Q_SLOTS:
 
     void buttonsArePolishedForTheirHintAndOnceMore()
     {
-        RecordingStyle style;
+        RecordingStyle style(NameAndHint);
         QDialog dialog;
         QDialogButtonBox box(QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::RestoreDefaults,
                              &dialog);

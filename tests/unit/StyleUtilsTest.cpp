@@ -1,3 +1,4 @@
+#include <RecordingStyle.h>
 #include <TestCase.h>
 
 #include <Util/StyleUtils.h>
@@ -5,11 +6,10 @@
 #include <QtCore/QMetaEnum>
 #include <QtTest/QtTest>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QProxyStyle>
-#include <QtWidgets/QStyleFactory>
 
 #include <type_traits>
 
+using Zelkor::Testing::RecordingStyle;
 using Zelkor::Util::ApplyMessageLevel;
 using Zelkor::Util::ApplyWidgetStyle;
 using Zelkor::Util::GetMessageLevel;
@@ -30,38 +30,12 @@ namespace
 
 constexpr char Property[] = "SubStyle";
 
-/// Keeps what is polished, each with the property that it has at that time.
-class RecordingStyle : public QProxyStyle
+/// What is polished, and the properties that it has.
+QString NameAndProperties(QWidget const& widget)
 {
-public:
-    RecordingStyle()
-        : QProxyStyle(QStyleFactory::create(QStringLiteral("fusion")))
-    {}
-
-    QStringList log;
-
-    using QProxyStyle::polish;
-    using QProxyStyle::unpolish;
-
-    void polish(QWidget* widget) override
-    {
-        Note(QLatin1String("polish"), widget);
-        QProxyStyle::polish(widget);
-    }
-
-    void unpolish(QWidget* widget) override
-    {
-        Note(QLatin1String("unpolish"), widget);
-        QProxyStyle::unpolish(widget);
-    }
-
-private:
-    void Note(QLatin1String operation, QWidget* widget)
-    {
-        log += operation + QLatin1Char(' ') + widget->objectName() + QLatin1Char(' ') +
-               widget->property(Property).toString() + widget->property("Level").toString();
-    }
-};
+    return widget.objectName() + QLatin1Char(' ') + widget.property(Property).toString() +
+           widget.property("Level").toString();
+}
 
 } // namespace
 
@@ -214,8 +188,8 @@ private Q_SLOTS:
 
     void widgetIsPolishedOnceWithItsOwnStyleAfterTheChange()
     {
-        RecordingStyle style;
-        RecordingStyle parentStyle;
+        RecordingStyle style(NameAndProperties);
+        RecordingStyle parentStyle(NameAndProperties);
         QWidget parent;
         parent.setStyle(&parentStyle);
         QLabel widget(&parent);
@@ -232,7 +206,7 @@ private Q_SLOTS:
 
     void widgetIsPolishedEvenWhenNothingChanges()
     {
-        RecordingStyle style;
+        RecordingStyle style(NameAndProperties);
         QWidget widget;
         widget.setStyle(&style);
         ApplyWidgetStyle(&widget, QStringLiteral("value"), Property);
@@ -243,7 +217,7 @@ private Q_SLOTS:
 
     void levelIsPolishedInOnce()
     {
-        RecordingStyle style;
+        RecordingStyle style(NameAndProperties);
         QWidget widget;
         widget.setStyle(&style);
         style.log.clear();
@@ -253,7 +227,7 @@ private Q_SLOTS:
 
     void readingPolishesNothing()
     {
-        RecordingStyle style;
+        RecordingStyle style(NameAndProperties);
         QWidget widget;
         widget.setStyle(&style);
         ApplyMessageLevel(&widget, MessageLevel::Warning);

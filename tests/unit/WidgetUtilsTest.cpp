@@ -1,16 +1,16 @@
+#include <RecordingStyle.h>
 #include <TestCase.h>
 
 #include <WidgetKit/WidgetUtils.h>
 
 #include <QtTest/QtTest>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QProxyStyle>
-#include <QtWidgets/QStyleFactory>
 #include <QtWidgets/QVBoxLayout>
 
 #include <memory>
 #include <type_traits>
 
+using Zelkor::Testing::RecordingStyle;
 using Zelkor::Widget::Util::applyStyleHint;
 using Zelkor::Widget::Util::createSpacer;
 using Zelkor::Widget::Util::installLayoutController;
@@ -24,30 +24,19 @@ static_assert(std::is_same_v<decltype(&installLayoutController), void (*)(QWidge
 namespace
 {
 
-/// Keeps what is polished, each with the hint that it has at that time; has margins and a spacing of its own.
-class OwnStyle : public QProxyStyle
+/// What is polished, and the hint that it has.
+QString NameAndHint(QWidget const& widget)
+{
+    return widget.objectName() + QLatin1Char(' ') + widget.property("styleHint").toString();
+}
+
+/// Has margins and a spacing of its own.
+class OwnStyle : public RecordingStyle
 {
 public:
     OwnStyle()
-        : QProxyStyle(QStyleFactory::create(QStringLiteral("fusion")))
+        : RecordingStyle(NameAndHint)
     {}
-
-    QStringList log;
-
-    using QProxyStyle::polish;
-    using QProxyStyle::unpolish;
-
-    void polish(QWidget* widget) override
-    {
-        Note(QLatin1String("polish"), widget);
-        QProxyStyle::polish(widget);
-    }
-
-    void unpolish(QWidget* widget) override
-    {
-        Note(QLatin1String("unpolish"), widget);
-        QProxyStyle::unpolish(widget);
-    }
 
     int pixelMetric(PixelMetric metric, QStyleOption const* option, QWidget const* widget) const override
     {
@@ -59,13 +48,6 @@ public:
         default:
             return QProxyStyle::pixelMetric(metric, option, widget);
         }
-    }
-
-private:
-    void Note(QLatin1String operation, QWidget* widget)
-    {
-        log += operation + QLatin1Char(' ') + widget->objectName() + QLatin1Char(' ') +
-               widget->property("styleHint").toString();
     }
 };
 
