@@ -1,3 +1,4 @@
+#include <ConnectionRefusal.h>
 #include <ProgrammingError.h>
 #include <TestCase.h>
 
@@ -16,8 +17,8 @@
 #include <type_traits>
 #include <vector>
 
-#include <dlfcn.h>
-
+using Zelkor::Testing::ConnectionRefusal;
+using Zelkor::Testing::ConnectionRequest;
 using Zelkor::Util::FunctorExecutionForwarder;
 using Zelkor::Util::FunctorType;
 
@@ -35,54 +36,6 @@ static_assert(std::is_same_v<decltype(&FunctorExecutionForwarder::Forward),
                              void (FunctorExecutionForwarder::*)(std::function<void()>) const>);
 static_assert(std::is_same_v<decltype(&FunctorExecutionForwarder::ExecuteFunctor),
                              void (FunctorExecutionForwarder::*)(FunctorType) const>);
-
-namespace
-{
-
-/// A connection that somebody asked Qt for by name.
-struct ConnectionRequest
-{
-    QObject const* sender;
-    QByteArray signal;
-    QObject const* receiver;
-    QByteArray slot;
-    Qt::ConnectionType type;
-};
-
-/// Keeps the connections that this thread asks for while it lives, and makes none.
-class ConnectionRefusal
-{
-public:
-    ConnectionRefusal() { current_ = this; }
-    ~ConnectionRefusal() { current_ = nullptr; }
-    Q_DISABLE_COPY_MOVE(ConnectionRefusal)
-
-    static ConnectionRefusal* Current() { return current_; }
-
-    std::vector<ConnectionRequest> requests;
-
-private:
-    static thread_local ConnectionRefusal* current_;
-};
-
-thread_local ConnectionRefusal* ConnectionRefusal::current_ = nullptr;
-
-} // namespace
-
-// Stands before Qt's own in the order of symbols, also for the library under test.
-QMetaObject::Connection QObject::connect(QObject const* sender, char const* signal, QObject const* receiver,
-                                         char const* slot, Qt::ConnectionType type)
-{
-    if (ConnectionRefusal* const refusal = ConnectionRefusal::Current()) {
-        refusal->requests.push_back({sender, signal, receiver, slot, type});
-        return QMetaObject::Connection();
-    }
-    using Connect =
-        QMetaObject::Connection (*)(QObject const*, char const*, QObject const*, char const*, Qt::ConnectionType);
-    static auto const next =
-        reinterpret_cast<Connect>(dlsym(RTLD_NEXT, "_ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE"));
-    return next(sender, signal, receiver, slot, type);
-}
 
 namespace
 {
