@@ -1,3 +1,4 @@
+#include <ConnectionRefusal.h>
 #include <ProgrammingError.h>
 #include <Tasks.h>
 #include <TestCase.h>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -21,6 +23,7 @@
 #include <vector>
 
 using Zelkor::Testing::CatchProgrammingError;
+using Zelkor::Testing::ConnectionRefusal;
 using Zelkor::Testing::DeliverQueued;
 using Zelkor::Testing::Gate;
 using Zelkor::Testing::LetWorkerFinish;
@@ -111,6 +114,8 @@ private Q_SLOTS:
     void postedTaskIsNotStarted();
     void postAgainLeavesOneTaskWithTheSecondReporter();
     void postAgainLeavesAQueuedJobTheFirstReporter();
+    void replacedReporterLivesAsLongAsTheService_data();
+    void replacedReporterLivesAsLongAsTheService();
     void jobIsCalledOnceWithItsReporter();
     void jobsRunOnOneThreadThatIsNotTheOwner();
     void jobsRunInTheOrderOfTheRuns();
@@ -122,6 +127,10 @@ private Q_SLOTS:
     // Misuse
     void nullPointerIsRefused_data();
     void nullPointerIsRefused();
+
+    // Qt refuses
+    void constructorThrowsWhenQtRefusesAConnection_data();
+    void constructorThrowsWhenQtRefusesAConnection();
 };
 
 void AsyncServiceTest::taskIsARecordInThisOrder()
@@ -335,6 +344,58 @@ void AsyncServiceTest::postAgainLeavesAQueuedJobTheFirstReporter()
     QCOMPARE(finished, 1);
 }
 
+void AsyncServiceTest::replacedReporterLivesAsLongAsTheService_data()
+{
+    QTest::addColumn<bool>("cancelled");
+    QTest::newRow("cancelled before it was replaced") << true;
+    QTest::newRow("cancelled when it was replaced already") << false;
+}
+
+// Whatever takes the place of a reporter that has been freed fills in other fields.
+void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
+{
+    QFETCH(bool, cancelled);
+    Gate started;
+    Gate go;
+    AsyncService service;
+    Reporter* first = nullptr;
+    Task* const task = service.post([&](Reporter* reporter) {
+        first = reporter;
+        started.Open();
+        go.Pass();
+    });
+    service.run(task);
+    started.Pass();
+    auto const isIntact = [&] {
+        return first->service == &service && first->task == task && first->cancelled == cancelled;
+    };
+    std::vector<Task*> others;
+    auto const postOthers = [&] {
+        for (int i = 0; i < 10; ++i) {
+            others.push_back(service.post([](Reporter*) {}));
+        }
+    };
+
+    if (cancelled) {
+        service.cancel(task);
+    }
+    service.post(task);
+    service.cancel(task);
+    postOthers();
+    bool const whileTheJobRuns = isIntact();
+    go.Open();
+    QVERIFY(TurnUntilGone(service, task));
+    postOthers();
+
+    QVERIFY(whileTheJobRuns);
+    QVERIFY(isIntact());
+    for (Task* const other : others) {
+        service.run(other);
+    }
+    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(isIntact());
+}
+
 void AsyncServiceTest::jobIsCalledOnceWithItsReporter()
 {
     AsyncService service;
@@ -536,6 +597,36 @@ void AsyncServiceTest::nullPointerIsRefused()
              qPrintable(complaint.function));
     QVERIFY(complaint.line > 0);
     QVERIFY(service.empty());
+}
+
+void AsyncServiceTest::constructorThrowsWhenQtRefusesAConnection_data()
+{
+    QTest::addColumn<int>("allowed");
+    QTest::newRow("the first") << 0;
+    QTest::newRow("the second") << 1;
+}
+
+void AsyncServiceTest::constructorThrowsWhenQtRefusesAConnection()
+{
+    QFETCH(int, allowed);
+    auto const count = static_cast<std::size_t>(allowed);
+    {
+        ConnectionRefusal const refusal(count);
+        ProgrammingError const complaint = CatchProgrammingError<std::logic_error>([] { AsyncService(); });
+
+        QCOMPARE(complaint.message, QStringLiteral("Failed to connect signal and slot"));
+        QVERIFY2(complaint.callStack.contains(QStringLiteral("AsyncService::AsyncService")),
+                 qPrintable(complaint.callStack));
+        QCOMPARE(refusal.requests.size(), count + 1);
+    }
+
+    AsyncService service;
+    bool finished = false;
+    Task* const task = service.post([](Reporter*) {});
+    task->onFinished = [&] { finished = true; };
+    service.run(task);
+    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(finished);
 }
 
 ZQTUTIL_TEST_MAIN(AsyncServiceTest)
