@@ -115,6 +115,8 @@ private Q_SLOTS:
     void severalServicesWorkSideBySide();
     void ownerIsTheThreadThatMadeTheService();
     void destructionWaitsForTheRunningJob();
+    void destructionNeitherCancelsNorInterruptsTheRunningJob();
+    void runningJobMayReportDuringDestruction();
     void destructionDropsTheJobsBehind_data();
     void destructionDropsTheJobsBehind();
     void destructionLeavesUnstartedTasksToTheirMaker();
@@ -233,7 +235,6 @@ void AsyncServiceThreadsTest::destructionWaitsForTheRunningJob()
         reporter->report(1);
         started.Open();
         destruction.Await();
-        reporter->report(reporter->isCancelled() ? -1 : 2);
         returned = true;
     }));
     task->onProgress = [&](int) { calls += QStringLiteral("progress"); };
@@ -249,6 +250,58 @@ void AsyncServiceThreadsTest::destructionWaitsForTheRunningJob()
     QVERIFY(returned);
     DeliverQueued();
     QCOMPARE(calls, QStringList());
+}
+
+void AsyncServiceThreadsTest::destructionNeitherCancelsNorInterruptsTheRunningJob()
+{
+    auto service = std::make_unique<AsyncService>();
+    Gate started;
+    bool returned = false;
+    bool cancelled = false;
+    bool interrupted = false;
+    OwnersWait destruction;
+    std::unique_ptr<Task> const task(service->post([&](Reporter* reporter) {
+        started.Open();
+        destruction.Await();
+        cancelled = reporter->isCancelled();
+        interrupted = QThread::currentThread()->isInterruptionRequested();
+        returned = true;
+    }));
+    service->run(task.get());
+    started.Pass();
+
+    destruction.Begin();
+    service.reset();
+
+    QVERIFY(returned);
+    QVERIFY(!cancelled);
+    QVERIFY(!interrupted);
+}
+
+void AsyncServiceThreadsTest::runningJobMayReportDuringDestruction()
+{
+    auto service = std::make_unique<AsyncService>();
+    QVector<int> values;
+    Gate started;
+    int reported = 0;
+    OwnersWait destruction;
+    std::unique_ptr<Task> const task(service->post([&](Reporter* reporter) {
+        started.Open();
+        destruction.Await();
+        for (; reported < 100; ++reported) {
+            reporter->report(reported);
+        }
+    }));
+    task->onProgress = [&](int value) { values += value; };
+    service->run(task.get());
+    started.Pass();
+
+    destruction.Begin();
+    service.reset();
+
+    QCOMPARE(reported, 100);
+    DeliverQueued();
+    QCOMPARE(values, QVector<int>());
 }
 
 void AsyncServiceThreadsTest::destructionDropsTheJobsBehind_data()
