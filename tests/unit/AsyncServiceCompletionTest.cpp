@@ -44,9 +44,13 @@ struct Failure : std::runtime_error
 class Abandoned : public Cancelled
 {};
 
+/// Gives a task a job, and the call-back of that job's outcome.
+using Ending = void (*)(Task* task, std::function<void()> callBack);
+
 } // namespace
 
 Q_DECLARE_METATYPE(Job)
+Q_DECLARE_METATYPE(Ending)
 
 class AsyncServiceCompletionTest : public Zelkor::Testing::TestCase
 {
@@ -67,6 +71,12 @@ private Q_SLOTS:
     void callBackThatThrowsStillFreesItsTask();
     void lastCallBackMayDestroyTheService_data();
     void lastCallBackMayDestroyTheService();
+
+    // Call-backs with an event loop of their own
+    void othersCompleteInsideACallBack_data();
+    void othersCompleteInsideACallBack();
+    void serviceMayGoInsideALoopOfACallBack_data();
+    void serviceMayGoInsideALoopOfACallBack();
 };
 
 void AsyncServiceCompletionTest::outcomeCallsOneCallBack_data()
@@ -370,6 +380,84 @@ void AsyncServiceCompletionTest::lastCallBackMayDestroyTheService()
 
     QCOMPARE(deathsInside, QStringList());
     QCOMPARE(deaths, QStringList{QStringLiteral("task")});
+}
+
+void AsyncServiceCompletionTest::othersCompleteInsideACallBack_data()
+{
+    QTest::addColumn<Ending>("ending");
+    auto const add = [](char const* name, Ending ending) { QTest::newRow(name) << ending; };
+    add("onFinished", [](Task* task, std::function<void()> callBack) {
+        task->work = [](Reporter*) {};
+        task->onFinished = std::move(callBack);
+    });
+    add("onCancelled", [](Task* task, std::function<void()> callBack) {
+        task->work = [](Reporter*) { throw Cancelled(); };
+        task->onCancelled = std::move(callBack);
+    });
+    add("onError", [](Task* task, std::function<void()> callBack) {
+        task->work = [](Reporter*) { throw Failure(1); };
+        task->onError = [callBack = std::move(callBack)](std::exception_ptr const&) { callBack(); };
+    });
+}
+
+void AsyncServiceCompletionTest::othersCompleteInsideACallBack()
+{
+    QFETCH(Ending, ending);
+    AsyncService service;
+    QStringList deaths;
+    QStringList calls;
+    Task* const task = service.post(Job());
+    Task* const queued = service.post([](Reporter* reporter) { reporter->report(1); });
+    queued->onProgress = [&](int) { calls += QStringLiteral("progress"); };
+    queued->onFinished = [&, witness = MakeWitness(deaths, "queued")] { calls += QStringLiteral("finished"); };
+    ending(task, [&, witness = MakeWitness(deaths, "task")] {
+        bool const registered = service.contains(task);
+        Task* const added = service.post([](Reporter*) { throw Cancelled(); });
+        added->onCancelled = [&, other = MakeWitness(deaths, "added")] { calls += QStringLiteral("cancelled"); };
+        service.run(added);
+        bool const completed = TurnUntilEmpty(service);
+        calls += QStringLiteral("end, registered: %1, others completed: %2, dead: %3")
+                     .arg(registered)
+                     .arg(completed)
+                     .arg(deaths.join(QLatin1Char(' ')));
+    });
+
+    service.run(task);
+    service.run(queued);
+    QVERIFY(QTest::qWaitFor([&] { return deaths.size() == 3; }, Patience));
+
+    QCOMPARE(calls, (QStringList{QStringLiteral("progress"), QStringLiteral("finished"), QStringLiteral("cancelled"),
+                                 QStringLiteral("end, registered: 0, others completed: 1, dead: queued added")}));
+    QCOMPARE(deaths.join(QLatin1Char(' ')), QStringLiteral("queued added task"));
+    QVERIFY(service.empty());
+}
+
+void AsyncServiceCompletionTest::serviceMayGoInsideALoopOfACallBack_data()
+{
+    othersCompleteInsideACallBack_data();
+}
+
+void AsyncServiceCompletionTest::serviceMayGoInsideALoopOfACallBack()
+{
+    QFETCH(Ending, ending);
+    auto service = std::make_unique<AsyncService>();
+    QStringList deaths;
+    QStringList calls;
+    Task* const task = service->post(Job());
+    ending(task, [&, witness = MakeWitness(deaths, "task")] {
+        Task* const added = service->post([](Reporter*) {});
+        added->onFinished = [&, other = MakeWitness(deaths, "added")] { service.reset(); };
+        service->run(added);
+        bool const gone = QTest::qWaitFor([&] { return !service; }, Patience);
+        calls += QStringLiteral("end, service gone: %1, dead: %2").arg(gone).arg(deaths.join(QLatin1Char(' ')));
+    });
+
+    service->run(task);
+    QVERIFY(QTest::qWaitFor([&] { return deaths.size() == 2; }, Patience));
+    DeliverQueued();
+
+    QCOMPARE(calls, QStringList{QStringLiteral("end, service gone: 1, dead: added")});
+    QCOMPARE(deaths.join(QLatin1Char(' ')), QStringLiteral("added task"));
 }
 
 ZQTUTIL_TEST_MAIN(AsyncServiceCompletionTest)
