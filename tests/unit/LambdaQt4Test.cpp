@@ -9,6 +9,7 @@
 #include <QtWidgets/QPushButton>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <future>
 #include <memory>
@@ -72,6 +73,26 @@ public:
 private:
     QStringList& log_;
     QString text_;
+};
+
+/// An executor that takes the place of the one before, and logs its end.
+class PlacedExecutor : public OneTimeExecutor
+{
+public:
+    PlacedExecutor(QStringList& log, QString text, Function function)
+        : OneTimeExecutor(std::move(function))
+        , end_(log, std::move(text))
+    {}
+
+    static void* operator new(std::size_t)
+    {
+        alignas(std::max_align_t) static unsigned char place[sizeof(PlacedExecutor)];
+        return place;
+    }
+    static void operator delete(void*) {}
+
+private:
+    Witness end_;
 };
 
 bool ConnectToExecute(Sender const& sender, LambdaQt4 const& lambda)
@@ -453,6 +474,106 @@ private Q_SLOTS:
         });
         QVERIFY_EXCEPTION_THROWN(ExecuteOnce(executor), CannotRun);
         QVERIFY(executor.isNull());
+    }
+
+    void oneTimeExecutorIsDestroyedAsTheClassThatItIs()
+    {
+        QStringList log;
+        Sender sender;
+        QPointer<OneTimeExecutor> const executor(
+            new PlacedExecutor(log, QStringLiteral("destroyed"), [&log](QObject*) { log += QStringLiteral("run"); }));
+        QVERIFY(ConnectToExecuteOnce(sender, *executor));
+        Q_EMIT sender.Happened();
+        QVERIFY(executor.isNull());
+        QCOMPARE(log, (QStringList{QStringLiteral("run"), QStringLiteral("destroyed")}));
+    }
+
+    void oneTimeExecutorRunsInThePlaceOfOneWhoseFunctionRunsStill()
+    {
+        QStringList log;
+        Sender toFirst;
+        Sender toSecond;
+        QPointer<OneTimeExecutor> first;
+        QPointer<OneTimeExecutor> second;
+        bool isAtTheSamePlace = false;
+        bool isSecondGone = false;
+        // Not the function itself, which goes with its executor.
+        std::function<void()> const replaceFirst = [&] {
+            void const* const place = first.data();
+            delete first.data();
+            second = new PlacedExecutor(log, QStringLiteral("second destroyed"), [&](QObject*) {
+                log += QStringLiteral("second");
+                Q_EMIT toSecond.Happened();
+            });
+            isAtTheSamePlace = second.data() == place;
+            ConnectToExecuteOnce(toSecond, *second);
+            Q_EMIT toFirst.Happened();
+            Q_EMIT toSecond.Happened();
+            isSecondGone = second.isNull();
+            log += QStringLiteral("first ends");
+        };
+        first =
+            new PlacedExecutor(log, QStringLiteral("first destroyed"), [&replaceFirst](QObject*) { replaceFirst(); });
+        QVERIFY(ConnectToExecuteOnce(toFirst, *first));
+        Q_EMIT toFirst.Happened();
+        QVERIFY(isAtTheSamePlace);
+        QVERIFY(isSecondGone);
+        QCOMPARE(log, (QStringList{QStringLiteral("first destroyed"), QStringLiteral("second"),
+                                   QStringLiteral("second destroyed"), QStringLiteral("first ends")}));
+    }
+
+    void oneTimeExecutorOutlivesTheOneInWhosePlaceItWasMade()
+    {
+        QStringList log;
+        QPointer<OneTimeExecutor> first;
+        QPointer<OneTimeExecutor> second;
+        std::function<void()> const replaceFirst = [&] {
+            delete first.data();
+            second = new PlacedExecutor(log, QStringLiteral("second destroyed"),
+                                        [&log](QObject*) { log += QStringLiteral("second"); });
+        };
+        first =
+            new PlacedExecutor(log, QStringLiteral("first destroyed"), [&replaceFirst](QObject*) { replaceFirst(); });
+        ExecuteOnce(first);
+        QVERIFY(first.isNull());
+        QVERIFY(!second.isNull());
+        QCOMPARE(log, QStringList{QStringLiteral("first destroyed")});
+        ExecuteOnce(second);
+        QVERIFY(second.isNull());
+        QCOMPARE(log, (QStringList{QStringLiteral("first destroyed"), QStringLiteral("second"),
+                                   QStringLiteral("second destroyed")}));
+    }
+
+    void oneTimeExecutorRunsInsideTheFunctionOfAnother()
+    {
+        Sender toFirst;
+        Sender toSecond;
+        QStringList log;
+        bool isFirstThere = false;
+        bool isSecondGone = false;
+        QPointer<OneTimeExecutor> const second(new OneTimeExecutor([&](QObject*) {
+            log += QStringLiteral("second begins");
+            Q_EMIT toFirst.Happened();
+            Q_EMIT toSecond.Happened();
+            log += QStringLiteral("second ends");
+        }));
+        QPointer<OneTimeExecutor> first;
+        first = new OneTimeExecutor([&](QObject*) {
+            log += QStringLiteral("first begins");
+            Q_EMIT toSecond.Happened();
+            isSecondGone = second.isNull();
+            Q_EMIT toFirst.Happened();
+            isFirstThere = !first.isNull();
+            log += QStringLiteral("first ends");
+        });
+        QVERIFY(ConnectToExecuteOnce(toFirst, *first));
+        QVERIFY(ConnectToExecuteOnce(toSecond, *second));
+        Q_EMIT toFirst.Happened();
+        QCOMPARE(log, (QStringList{QStringLiteral("first begins"), QStringLiteral("second begins"),
+                                   QStringLiteral("second ends"), QStringLiteral("first ends")}));
+        QVERIFY(isSecondGone);
+        QVERIFY(isFirstThere);
+        QVERIFY(first.isNull());
     }
 
     void oneTimeExecutorMayGoWithItsSender()
