@@ -1,13 +1,12 @@
 #include <OrdinaryUser.h>
+#include <ProgrammingError.h>
 #include <TestCase.h>
 
 #include <Base/IoPath.h>
 
 #include <QtTest/QtTest>
 
-#include <boost/exception/get_error_info.hpp>
 #include <boost/filesystem/operations.hpp>
-#include <boost/throw_exception.hpp>
 
 #include <fstream>
 #include <memory>
@@ -17,6 +16,8 @@
 
 using Zelkor::ioPath;
 using Zelkor::Core::FileExists;
+using Zelkor::Testing::CatchProgrammingError;
+using Zelkor::Testing::ProgrammingError;
 
 namespace fs = boost::filesystem;
 
@@ -115,24 +116,14 @@ private Q_SLOTS:
     void cannotBeMadeFromANullPointer()
     {
         char const* const nothing = nullptr;
-        try {
-            ioPath const path(nothing);
-            QFAIL("Nothing was thrown");
-        } catch (std::invalid_argument const& error) {
-            verifyProgrammingError(error);
-        }
+        verifyNullPointer(CatchProgrammingError<std::invalid_argument>([nothing] { ioPath const path(nothing); }));
     }
 
     void staysAsItIsWhenAssignedANullPointer()
     {
         char const* const nothing = nullptr;
         ioPath path("before");
-        try {
-            path = nothing;
-            QFAIL("Nothing was thrown");
-        } catch (std::invalid_argument const& error) {
-            verifyProgrammingError(error);
-        }
+        verifyNullPointer(CatchProgrammingError<std::invalid_argument>([&path, nothing] { path = nothing; }));
         QCOMPARE(path.utf8string(), std::string("before"));
     }
 
@@ -327,13 +318,14 @@ private:
         }
     }
 
-    static void verifyProgrammingError(std::invalid_argument const& error)
+    static void verifyNullPointer(ProgrammingError const& error)
     {
-        QVERIFY2(std::string(error.what()).find("ioPath") != std::string::npos, error.what());
-        char const* const* const file = boost::get_error_info<boost::throw_file>(error);
-        QVERIFY(file);
-        QCOMPARE(*file, "Base/IoPath.cpp");
-        QVERIFY(boost::get_error_info<boost::throw_line>(error));
+        QVERIFY2(error.message.contains(QStringLiteral("null pointer")), qPrintable(error.message));
+        QVERIFY2(error.callStack.contains(QStringLiteral("ioPath")), qPrintable(error.callStack));
+        QCOMPARE(error.file, QStringLiteral("Base/IoPath.cpp"));
+        static QRegularExpression const signature(QStringLiteral("\\bZelkor::.*\\(.*\\)$"));
+        QVERIFY2(error.function.contains(signature), qPrintable(error.function));
+        QVERIFY(error.line > 0);
     }
 
     std::unique_ptr<QTemporaryDir> folder_;
