@@ -101,11 +101,14 @@ private Q_SLOTS:
         for (Handler& handler : handlers_) {
             list_.RegisterEventHandler(&handler);
         }
-        list_.UnregisterEventHandler(&handlers_[1]);
-        QCOMPARE(Told(), (Handlers{&handlers_[0], &handlers_[2]}));
+        list_.UnregisterEventHandler(&handlers_[0]);
+        QCOMPARE(Told(), (Handlers{&handlers_[1], &handlers_[2]}));
 
-        list_.RegisterEventHandler(&handlers_[1]);
-        QCOMPARE(Told(), (Handlers{&handlers_[0], &handlers_[2], &handlers_[1]}));
+        list_.RegisterEventHandler(&handlers_[0]);
+        QCOMPARE(Told(), (Handlers{&handlers_[1], &handlers_[2], &handlers_[0]}));
+
+        list_.UnregisterEventHandler(&handlers_[2]);
+        QCOMPARE(Told(), (Handlers{&handlers_[1], &handlers_[0]}));
     }
 
     void ignoresNull()
