@@ -117,15 +117,15 @@ void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QStri
     if (!CanServe(sender, "sender", ID)) {
         return;
     }
-    QString const id = ID; // which may go with what ends during the walk
+    // The registry's own: the caller's may go with what ends during the walk.
+    auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSignal = Coded(SignalCode, signal);
     QPointer<QObject> const alive(sender); // no walk hears of its end before it is recorded
-    Walk(m_metaCollector[id][TYPE_SLOT], sender)
-        .VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
-            if (alive) {
-                connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
-            }
-        });
+    Walk(roles[TYPE_SLOT], sender).VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
+        if (alive) {
+            connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
+        }
+    });
     if (alive) {
         registerMetaType(id, TYPE_SIGNAL, {sender, codedSignal});
     }
@@ -136,15 +136,15 @@ void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QS
     if (!CanServe(receiver, "receiver", ID)) {
         return;
     }
-    QString const id = ID; // which may go with what ends during the walk
+    // The registry's own: the caller's may go with what ends during the walk.
+    auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSlot = Coded(SlotCode, slot);
     QPointer<QObject> const alive(receiver); // no walk hears of its end before it is recorded
-    Walk(m_metaCollector[id][TYPE_SIGNAL], receiver)
-        .VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
-            if (alive) {
-                connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
-            }
-        });
+    Walk(roles[TYPE_SIGNAL], receiver).VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
+        if (alive) {
+            connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
+        }
+    });
     if (alive) {
         registerMetaType(id, TYPE_SLOT, {receiver, codedSlot});
     }
