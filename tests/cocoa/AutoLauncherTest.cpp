@@ -21,6 +21,12 @@ using Zelkor::Util::IAutoLauncher;
 namespace TestBed = Zelkor::TestBed;
 
 static_assert(std::is_abstract_v<IAutoLauncher> && std::has_virtual_destructor_v<IAutoLauncher>);
+static_assert(std::is_same_v<decltype(&GetAutoLauncherImpl), std::shared_ptr<IAutoLauncher> (*)(AutoLauncherImplType)>);
+static_assert(std::is_same_v<decltype(&IAutoLauncher::IsInStartup), bool (IAutoLauncher::*)(QString const&)>);
+static_assert(std::is_same_v<decltype(&IAutoLauncher::AddToStartup),
+                             bool (IAutoLauncher::*)(QString const&, QString const&, QStringList const&)>);
+static_assert(std::is_same_v<decltype(&IAutoLauncher::RemoveFromStartup), bool (IAutoLauncher::*)(QString const&)>);
+static_assert(std::is_same_v<decltype(&IAutoLauncher::GetStartupApplications), QStringList (IAutoLauncher::*)()>);
 
 namespace
 {
@@ -147,6 +153,58 @@ private Q_SLOTS:
         QVERIFY(!launcher_->RemoveFromStartup(Identifier));
     }
 
+    void keepsWhatItKnowsWhenAnAdditionFails()
+    {
+        MakeStudio();
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        RemoveBehindItsBack();
+        {
+            LogCapture const log;
+            QVERIFY(!launcher_->AddToStartup(QStringLiteral("three_parts_only"), Executable, {}));
+            QCOMPARE(log.Texts().size(), 1);
+        }
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // known as a login item still
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList());
+        QCOMPARE(AgentsFolder().entryList(QDir::Files), QStringList());
+    }
+
+    void keepsWhatItKnowsWhenARemovalFails()
+    {
+        MakeStudio();
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        RemoveBehindItsBack();
+        QVERIFY(!launcher_->RemoveFromStartup(QStringLiteral("zelkor_Other_1.0.0_Agent")));
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList());
+        QCOMPARE(AgentsFolder().entryList(QDir::Files), QStringList());
+    }
+
+    void addsWithoutReadingFirst()
+    {
+        MakeStudio();
+        TestBed::AddLoginItem(helper_);
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // once more
+        QCOMPARE(TestBed::LoginItemUrls().size(), 2);
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // read after the first
+        QCOMPARE(TestBed::LoginItemUrls().size(), 2);
+    }
+
+    void removesWithoutReadingFirst()
+    {
+        auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);
+        QVERIFY(other->AddToStartup(Identifier, Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        MakeStudio();
+        TestBed::AddLoginItem(helper_);
+        QVERIFY(!launcher_->RemoveFromStartup(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 1);
+        QVERIFY(launcher_->IsInStartup(Identifier)); // which reads
+        QVERIFY(launcher_->RemoveFromStartup(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 0);
+        QVERIFY(launcher_->RemoveFromStartup(Identifier)); // the agent
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 1);
+    }
+
     void readsTheMakersItemsOnly()
     {
         bundles_->Make(QStringLiteral("O.app"), QStringLiteral("com.other.Studio"), QStringLiteral("1.0.0"));
@@ -193,13 +251,23 @@ private:
     {
         TestBed::SetMainBundle(
             bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
-        bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
-                       QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
+        helper_ = bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
+                                 QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
+    }
+
+    /// As another program would.
+    static void RemoveBehindItsBack()
+    {
+        auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);
+        QVERIFY(other->IsInStartup(Identifier));
+        QVERIFY(other->RemoveFromStartup(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList());
     }
 
     std::unique_ptr<Bundles> bundles_;
     std::unique_ptr<Programs> programs_;
     std::shared_ptr<IAutoLauncher> launcher_;
+    QString helper_;
 };
 
 ZQTUTIL_TEST_MAIN(AutoLauncherTest)
