@@ -1,5 +1,7 @@
 #include "Bundles.h"
 
+#include <ChildProcess.h>
+#include <Folders.h>
 #include <TestBed.h>
 #include <TestCase.h>
 
@@ -7,10 +9,21 @@
 
 #include <QtTest/QtTest>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <vector>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+using Zelkor::Testing::AtFolder;
 using Zelkor::Testing::Bundles;
+using Zelkor::Testing::Check;
+using Zelkor::Testing::NamesIn;
+using Zelkor::Testing::RunInFork;
 using Zelkor::Util::LoginItemStartupImpl;
 namespace TestBed = Zelkor::TestBed;
 
@@ -21,6 +34,12 @@ namespace
 
 QString const Maker = QStringLiteral("zelkor");
 QString const Identifier = QStringLiteral("zelkor_Studio_3.1.0_Agent");
+
+/// The URL of the folder \a path, as the login items have it.
+QString UrlOf(QString const& path)
+{
+    return QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) + QLatin1Char('/');
+}
 
 } // namespace
 
@@ -112,12 +131,80 @@ private Q_SLOTS:
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void skipsItemsOutsideABundle()
+    void takesAnyFolderForTheApplication()
     {
-        TestBed::AddLoginItem(
-            bundles_->Make(QStringLiteral("H.app"), QStringLiteral("com.zelkor.Agent"), QStringLiteral("1")));
+        QString const helper = bundles_->Make(QStringLiteral("some/folder/and/another/H.app"),
+                                              QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
+        TestBed::AddLoginItem(helper);
         startup_->UpdateStartupItems(Maker);
-        QVERIFY(startup_->GetItemsAtStartup().size() <= 1);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor__.0_Agent")});
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void skipsItemsTooHighForAnApplication()
+    {
+        QTemporaryDir root;
+        auto const enter = [&] { Check(chroot(QFile::encodeName(root.path()).constData())); };
+        QString const list = QStringLiteral("/Contents/Info.plist");
+        QString const helper =
+            bundles_->Make(QStringLiteral("H.app"), QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
+        for (QString const& folder : {QStringLiteral("/H.app"), QStringLiteral("/a/b/c/H.app")}) {
+            QVERIFY(QDir().mkpath(root.path() + folder + QStringLiteral("/Contents")));
+            QVERIFY(QFile::copy(helper + list, root.path() + folder + list));
+        }
+        QByteArray const found = RunInFork(enter, [this] {
+            TestBed::AddLoginItem(QStringLiteral("/H.app"));
+            startup_->UpdateStartupItems(Maker);
+            QByteArray const first = startup_->GetItemsAtStartup().join(QLatin1Char(' ')).toUtf8();
+            TestBed::AddLoginItem(QStringLiteral("/a/b/c/H.app"));
+            startup_->UpdateStartupItems(Maker);
+            return first + '|' + startup_->GetItemsAtStartup().join(QLatin1Char(' ')).toUtf8() + '|' +
+                   QByteArray::number(TestBed::LiveObjects());
+        });
+        QCOMPARE(found, QByteArray("|zelkor__.0_Agent|0"));
+    }
+
+    void knowsTheLaterOfTwoItems()
+    {
+        QStringList helpers;
+        for (QString const& name : {QStringLiteral("First.app"), QStringLiteral("Second.app")}) {
+            bundles_->Make(name, QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1"));
+            helpers += bundles_->Make(name + QStringLiteral("/Contents/Library/LoginItems/Agent.app"),
+                                      QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
+            TestBed::AddLoginItem(helpers.last());
+        }
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
+        QVERIFY(startup_->RemoveFromLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList{UrlOf(helpers.first())});
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void doesNotAskWhoMadeTheApplication()
+    {
+        TestBed::SetMainBundle(
+            bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.other.Studio3"), QStringLiteral("3.1")));
+        bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
+                       QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
+        QVERIFY(startup_->AddToLoginItems(Identifier));
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void standsNamesOfAllKinds()
+    {
+        TestBed::SetMainBundle(bundles_->Make(QStringLiteral("Mein St\u00FCdio \u2116 3.app"),
+                                              QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
+        QString const helper = bundles_->Make(
+            QStringLiteral("Mein St\u00FCdio \u2116 3.app/Contents/Library/LoginItems/Der \u0416gent  .app"),
+            QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
+        QVERIFY(startup_->AddToLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList{UrlOf(helper)});
+        startup_->UpdateStartupItems(Maker);
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
+        QVERIFY(startup_->RemoveFromLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
@@ -150,9 +237,7 @@ private Q_SLOTS:
                        QStringLiteral("com.zelkor.Other"), QStringLiteral("1"));
         TestBed::AddLoginItem(QStringLiteral("/first"));
         QVERIFY(startup_->AddToLoginItems(Identifier));
-        QCOMPARE(TestBed::LoginItemUrls(),
-                 (QStringList{QStringLiteral("file:///first/"),
-                              QUrl::fromLocalFile(helper_).toString(QUrl::FullyEncoded) + QLatin1Char('/')}));
+        QCOMPARE(TestBed::LoginItemUrls(), (QStringList{QStringLiteral("file:///first/"), UrlOf(helper_)}));
         QVERIFY(!startup_->IsInStartup(Identifier)); // until it is read again
         startup_->UpdateStartupItems(Maker);
         QVERIFY(startup_->IsInStartup(Identifier));
@@ -162,6 +247,78 @@ private Q_SLOTS:
 
         QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // in whatever case its name ends
         QCOMPARE(TestBed::LoginItemUrls().size(), 3);
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void addsNothingWithoutMainBundle_data()
+    {
+        QTest::addColumn<int>("call");
+        QTest::newRow("bundle") << int(TestBed::MainBundleCall::Get);
+        QTest::newRow("its URL") << int(TestBed::MainBundleCall::CopyUrl);
+    }
+
+    void addsNothingWithoutMainBundle()
+    {
+        QFETCH(int, call);
+        MakeStudio();
+        // Nor is the helper found from here.
+        AtFolder const bundle(QDir::cleanPath(helper_ + QStringLiteral("/../../../..")).toStdString());
+        QVERIFY(QFileInfo(QStringLiteral("Contents/Library/LoginItems/Agent.app")).isDir());
+        TestBed::FailMainBundle(TestBed::MainBundleCall(call));
+        QVERIFY(!startup_->AddToLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList());
+        QCOMPARE(TestBed::LiveObjects(), 0);
+
+        TestBed::FailMainBundle(TestBed::MainBundleCall::None);
+        QVERIFY(startup_->AddToLoginItems(Identifier));
+    }
+
+    void needsNoListForAKnownItem()
+    {
+        MakeStudio();
+        TestBed::AddLoginItem(helper_);
+        startup_->UpdateStartupItems(Maker);
+        TestBed::FailLoginItems(TestBed::LoginItemsCall::Create);
+        TestBed::FailMainBundle(TestBed::MainBundleCall::Get);
+        QVERIFY(startup_->AddToLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls().size(), 1);
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void addsTheFirstHelperOfTheFolder()
+    {
+        TestBed::SetMainBundle(
+            bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
+        QString const folder = QStringLiteral("Studio.app/Contents/Library/LoginItems/");
+        QString path;
+        for (char const letter : std::string("kcphadmobgnelfij")) {
+            path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
+        }
+        path = QFileInfo(path).path();
+        // Two that stand in another order there than their names have.
+        std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
+        auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
+        QVERIFY(first != names.end());
+        for (auto name = first; name != first + 2; ++name) {
+            bundles_->Make(folder + QString::fromStdString(*name), QStringLiteral("com.zelkor.Agent"),
+                           QStringLiteral("1"));
+        }
+        QVERIFY(startup_->AddToLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(),
+                 QStringList{UrlOf(path + QLatin1Char('/') + QString::fromStdString(*first))});
+        QCOMPARE(TestBed::LiveObjects(), 0);
+    }
+
+    void addsBundlesOfApplicationsOnly()
+    {
+        TestBed::SetMainBundle(
+            bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
+        for (char const* const name : {"Agent", "Agent.bundle", "Agent.app.old", "Agentapp"}) {
+            bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/") + QLatin1String(name),
+                           QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
+        }
+        QVERIFY(!startup_->AddToLoginItems(Identifier));
+        QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
@@ -229,7 +386,7 @@ private Q_SLOTS:
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QStringList urls;
         for (QString const& other : others) {
-            urls += QUrl::fromLocalFile(other).toString(QUrl::FullyEncoded) + QLatin1Char('/');
+            urls += UrlOf(other);
         }
         QCOMPARE(TestBed::LoginItemUrls(), urls);
         QCOMPARE(TestBed::LiveObjects(), 0);

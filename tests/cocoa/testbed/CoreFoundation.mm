@@ -92,6 +92,7 @@ int LiveObjects()
 
 } // namespace Zelkor::TestBed
 
+using Zelkor::TestBed::MainBundleCall;
 using Zelkor::TestBed::Own;
 using Zelkor::TestBed::TheState;
 
@@ -151,6 +152,9 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPa
 
 CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url)
 {
+    if (!url) {
+        Abort("a bundle is created without a URL");
+    }
     @autoreleasepool {
         NSString* const path = [(NSURL*)url path];
         if (!IsFolder(path)) {
@@ -172,6 +176,9 @@ CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef k
 
 CFBundleRef CFBundleGetMainBundle(void)
 {
+    if (TheState().failingMainBundle == MainBundleCall::Get) {
+        return nullptr;
+    }
     @autoreleasepool {
         static ZBBundle* bundle;
         [bundle release];
@@ -182,6 +189,12 @@ CFBundleRef CFBundleGetMainBundle(void)
 
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle)
 {
+    if (!bundle) {
+        Abort("null is asked for its URL");
+    }
+    if (TheState().failingMainBundle == MainBundleCall::CopyUrl) {
+        return nullptr;
+    }
     @autoreleasepool {
         return (CFURLRef)Own(FolderUrl(((ZBBundle*)bundle)->path));
     }

@@ -24,6 +24,7 @@ namespace Zelkor::TestBed
 struct State
 {
     QString mainBundle;
+    MainBundleCall failingMainBundle = MainBundleCall::None;
     QString systemVersion = QStringLiteral("10.13.6");
     QString programs;
     LoginItemsCall failing = LoginItemsCall::None;

@@ -30,6 +30,11 @@ void SetMainBundle(QString const& path)
     TheState().mainBundle = path;
 }
 
+void FailMainBundle(MainBundleCall call)
+{
+    TheState().failingMainBundle = call;
+}
+
 void SetSystemVersion(QString const& version)
 {
     TheState().systemVersion = version;

@@ -20,6 +20,11 @@ int LiveObjects();
 /// The bundle that the program is; a folder.
 void SetMainBundle(QString const& path);
 
+enum class MainBundleCall { None, Get, CopyUrl };
+
+/// The next calls of this kind, for the main bundle or its URL, return null.
+void FailMainBundle(MainBundleCall call);
+
 // --- The system
 
 /// The version that SystemVersion.plist and the process tell, and that decides what is available.
