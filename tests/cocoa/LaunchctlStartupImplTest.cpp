@@ -3,6 +3,7 @@
 #include <Folders.h>
 #include <LogCapture.h>
 #include <NextFunction.h>
+#include <OrdinaryUser.h>
 #include <TestCase.h>
 
 #include <Util/Platforms/mac/LaunchctlStartupImpl.h>
@@ -16,10 +17,14 @@
 #include <memory>
 #include <type_traits>
 
+#include <sys/stat.h>
+
+using Zelkor::Testing::Check;
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::LogLine;
 using Zelkor::Testing::OpenDescriptors;
 using Zelkor::Testing::Programs;
+using Zelkor::Testing::RunAsOrdinaryUser;
 using Zelkor::Util::LaunchctlStartupImpl;
 namespace TestBed = Zelkor::TestBed;
 
@@ -135,6 +140,73 @@ private Q_SLOTS:
         QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
     }
 
+    void writesAnAgentAgainThatItDoesNotKnow()
+    {
+        MakeAgent(FileName, QStringLiteral("another"));
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QString const path = AgentsFolder() + FileName;
+        QCOMPARE(ReadByPlistlib(path),
+                 QByteArray("{\"KeepAlive\": false, \"Label\": \"Zelkor_Studio_3.1.2_Agent\", "
+                            "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\"], "
+                            "\"RunAtLoad\": true}"));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+    }
+
+    void loadsAKnownAgentOfAnyLabel_data()
+    {
+        QTest::addColumn<QString>("label");
+        QTest::newRow("three parts") << QStringLiteral("a_b_c");
+        QTest::newRow("another maker's") << QStringLiteral("org.example.agent");
+        QTest::newRow("none") << QString();
+    }
+
+    void loadsAKnownAgentOfAnyLabel()
+    {
+        QFETCH(QString, label);
+        QString const path = MakeAgent(QStringLiteral("other.plist"), label);
+        startup_->UpdatePlistList();
+        LogCapture const log;
+        QVERIFY(startup_->AddToStartup(label, Executable, {}));
+        QCOMPARE(log.Texts(), QStringList());
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QCOMPARE(QDir(AgentsFolder()).entryList(QDir::Files), QStringList{QStringLiteral("other.plist")});
+    }
+
+    void loadsAndUnloadsTheFileThatItHasRead()
+    {
+        QString const path = MakeAgent(QStringLiteral("an agent.plist"), Identifier);
+        QByteArray const before = ReadByPlistlib(path);
+        startup_->UpdatePlistList();
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QCOMPARE(ReadByPlistlib(path), before);
+        QVERIFY(!QFile::exists(AgentsFolder() + FileName));
+        QVERIFY(startup_->RemoveFromStartup(Identifier));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|unload|-w|%1|").arg(path));
+    }
+
+    void loadsAnAgentThatAFolderIsInTheWayOf()
+    {
+        QString const path = AgentsFolder() + FileName;
+        QVERIFY(QDir().mkpath(path));
+        QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QVERIFY(QFileInfo(path).isDir());
+    }
+
+    void loadsAnAgentOfAReadOnlyFolder()
+    {
+        QString const path = AgentsFolder() + FileName;
+        Check(chmod(QFile::encodeName(QDir::homePath()).constData(), 0755));
+        Check(chmod(QFile::encodeName(AgentsFolder()).constData(), 0555));
+        programs_->AdmitEverybody();
+        QByteArray const added = RunAsOrdinaryUser(
+            [this] { return QByteArray::number(int(startup_->AddToStartup(Identifier, Executable, {}))); });
+        QCOMPARE(added, QByteArray("1"));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QVERIFY(!QFile::exists(path));
+    }
+
     void refusesOtherIdentifiers_data()
     {
         QTest::addColumn<QString>("identifier");
@@ -163,6 +235,7 @@ private Q_SLOTS:
         qputenv("PATH", "/nowhere");
         QVERIFY(!startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(QFile::exists(AgentsFolder() + FileName)); // written all the same
+        QVERIFY(!startup_->RemoveFromStartup(Identifier));
     }
 
     void asksLaunchctlWhatIsLoaded()
@@ -220,6 +293,29 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(AgentsFolder() + FileName));
         other.UpdatePlistList();
         QCOMPARE(other.GetAppsInStartup(), QStringList());
+    }
+
+    void asksLaunchctlOnceAboutAllAgents()
+    {
+        QStringList labels;
+        for (QString const& name : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}) {
+            labels += QStringLiteral("org.example.") + name;
+            MakeAgent(name + QStringLiteral(".plist"), labels.last());
+        }
+        startup_->UpdatePlistList();
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray());
+        programs_->SetJobs("1\t0\torg.example.a\n1\t0\torg.example.b\n1\t0\torg.example.c\n");
+        QCOMPARE(startup_->GetAppsInStartup(), labels);
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray("list|\n"));
+    }
+
+    void listsALabelOnce()
+    {
+        MakeAgent(QStringLiteral("one.plist"), Identifier);
+        MakeAgent(QStringLiteral("two.plist"), Identifier);
+        programs_->SetJobs("1\t0\t" + Identifier.toUtf8() + "\n");
+        startup_->UpdatePlistList();
+        QCOMPARE(startup_->GetAppsInStartup(), QStringList{Identifier});
     }
 
     void takesNoOtherFileForAnAgent()
@@ -294,6 +390,16 @@ protected:
     }
 
 private:
+    /// An agent in the user's folder that has nothing but a label; its path.
+    static QString MakeAgent(QString const& name, QString const& label)
+    {
+        QString path = AgentsFolder() + name;
+        QFile file(path);
+        file.open(QIODevice::WriteOnly);
+        file.write("<plist><dict>\n<key>Label</key>\n<string>" + label.toUtf8() + "</string>\n</dict></plist>\n");
+        return path;
+    }
+
     std::unique_ptr<Programs> programs_;
     std::unique_ptr<LaunchctlStartupImpl> startup_;
 };

@@ -12,6 +12,7 @@
 #include <memory>
 
 #include <sys/file.h>
+#include <sys/stat.h>
 
 namespace Zelkor::Testing
 {
@@ -25,7 +26,7 @@ public:
         : path_(qgetenv("PATH"))
     {
         for (char const* const name : {"launchctl", "open", "tccutil"}) {
-            QFile::link(QStringLiteral(ZQTUTIL_TESTBED_PROGRAM), File(QLatin1String(name)));
+            QFile::copy(QStringLiteral(ZQTUTIL_TESTBED_PROGRAM), File(QLatin1String(name)));
             SetState(QLatin1String(name), QByteArray());
         }
         qputenv("PATH", QFile::encodeName(folder_.path()) + ':' + path_);
@@ -40,6 +41,9 @@ public:
 
     Programs(Programs const&) = delete;
     Programs& operator=(Programs const&) = delete;
+
+    /// Every user may run them.
+    void AdmitEverybody() const { chmod(QFile::encodeName(folder_.path()).constData(), 0777); }
 
     /// Nothing that is called ends while the result lives.
     std::unique_ptr<QFile> Hold() const
