@@ -9,6 +9,9 @@
 #include <QtCore/QStorageInfo>
 #include <QtTest/QtTest>
 
+#include <algorithm>
+
+#include <fcntl.h>
 #include <unistd.h>
 
 using Zelkor::ioPath;
@@ -42,7 +45,10 @@ private Q_SLOTS:
     {
         QVERIFY(ExploreSingleFile(QStringLiteral("/tmp/file")));
         QVERIFY(ExploreFile(ioPath("/tmp/file")));
-        QCOMPARE(TestBed::FileViewerRequests().size(), 2);
+        QVERIFY(ExploreSingleFile(QStringLiteral("/tmp/\u00E4 b")));
+        QString const url = QStringLiteral("file:///tmp/file");
+        QCOMPARE(TestBed::FileViewerRequests(), (QStringList{url, url, QStringLiteral("file:///tmp/%C3%A4%20b")}));
+        QCOMPARE(TestBed::OpenedUrls(), QStringList());
     }
 
     void standsPathsThatAreNoUtf8()
@@ -82,9 +88,14 @@ private Q_SLOTS:
 
     void findsTheDiscsAmongTheVolumes()
     {
-        for (char const* const folder : {"Volumes", "Volumes/MOVIE", "Volumes/MOVIE/VIDEO_TS", "Volumes/Backup"}) {
-            MakeFolder(At(folder));
+        MakeFolder(At("Volumes"));
+        MakeFolder(At("Volumes/Backup"));
+        for (char const* const disc : {"MOVIE", "\u041A\u0438\u043D\u043E", "another one", "ZOO"}) {
+            MakeFolder(At(std::string("Volumes/") + disc));
+            MakeFolder(At(std::string("Volumes/") + disc + "/VIDEO_TS"));
         }
+        std::vector<std::string> expected = NamesIn(AT_FDCWD, At("Volumes").c_str());
+        expected.erase(std::remove(expected.begin(), expected.end(), "Backup"), expected.end());
         auto const enter = [this] { Check(chroot(Root().c_str())); };
         QByteArray const found = RunInFork(enter, [] {
             QByteArray paths;
@@ -93,7 +104,12 @@ private Q_SLOTS:
             }
             return paths;
         });
-        QCOMPARE(found, QByteArray("/Volumes/MOVIE|"));
+        QByteArray paths;
+        for (std::string const& name : expected) {
+            paths += "/Volumes/" + QByteArray::fromStdString(name) + '|';
+        }
+        QCOMPARE(expected.size(), std::size_t(4));
+        QCOMPARE(found, paths);
     }
 
     void labelsAVolume() { QCOMPARE(DVDLabel(ioPath("/Volumes/Backup")), std::string("Backup")); }

@@ -1,18 +1,27 @@
-#include <TestCase.h>
+#include <FolderTestCase.h>
+#include <Folders.h>
+#include <OrdinaryUser.h>
 
+#include <Util/MediaUtils.h>
 #include <Util/Platforms/posix/VideoDisc.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
-#include <memory>
+#include <fcntl.h>
+#include <sys/stat.h>
 
+using Zelkor::ioPath;
+using Zelkor::Testing::Check;
+using Zelkor::Testing::MakeFile;
+using Zelkor::Testing::NamesIn;
+using Zelkor::Testing::RunAsOrdinaryUser;
+using Zelkor::Util::DVDLabel;
 using Zelkor::Util::VideoDiscLabel;
 using Zelkor::Util::VideoDiscsIn;
 
-class VideoDiscTest : public Zelkor::Testing::TestCase
+class VideoDiscTest : public Zelkor::Testing::FolderTestCase
 {
     Q_OBJECT
 
@@ -35,6 +44,11 @@ private Q_SLOTS:
         QTest::newRow("lower case, unreadable parent") << lower << QStringList() << parent;
         QTest::newRow("lower case audio") << video << QStringList{video, QStringLiteral("audio_ts")} << video;
         QTest::newRow("thumbs in lower case") << video << QStringList{video, QStringLiteral("thumbs.db")} << video;
+        QTest::newRow("dotless i, unreadable parent") << QStringLiteral("v\u0131deo_ts") << QStringList() << parent;
+        QTest::newRow("dotless i beside a disc")
+            << video << QStringList{video, QStringLiteral("v\u0131deo_ts")} << video;
+        QTest::newRow("letters of another width")
+            << QStringLiteral("\uFF56\uFF49deo_ts") << QStringList() << QStringLiteral("\uFF56\uFF49deo_ts");
         QTest::newRow("hidden") << video << QStringList{QStringLiteral(".anything")} << parent;
     }
 
@@ -59,6 +73,55 @@ private Q_SLOTS:
         QCOMPARE(VideoDiscLabel(Path(QStringLiteral("gone/VIDEO_TS"))), QStringLiteral("gone"));
     }
 
+    void labelsWhatUsersHave()
+    {
+        Make(QStringLiteral("\u041A\u0438\u043D\u043E e\u0301/VIDEO_TS"));
+        Make(QStringLiteral("\u041A\u0438\u043D\u043E e\u0301/AUDIO_TS"));
+        std::string const movie = "\u041A\u0438\u043D\u043E e\u0301";
+        MakeFile(At(movie + "/.DS_Store"));
+        MakeFile(At(movie + "/Thumbs.db"));
+        QCOMPARE(DVDLabel(ioPath(At(movie + "/VIDEO_TS"))), movie);
+        QCOMPARE(DVDLabel(ioPath(At(movie + "/AUDIO_TS"))), std::string("AUDIO_TS"));
+        QCOMPARE(DVDLabel(ioPath(At(movie))), movie);
+
+        Make(QStringLiteral("lower/video_ts"));
+        QCOMPARE(DVDLabel(ioPath(At("lower/video_ts"))), std::string("video_ts"));
+        QCOMPARE(DVDLabel(ioPath(At("gone/video_ts"))), std::string("gone"));
+        QCOMPARE(DVDLabel(ioPath(At("gone/v\u0131deo_ts"))), std::string("gone"));
+    }
+
+    void takesAParentThatCannotBeReadForEmpty()
+    {
+        Make(QStringLiteral("closed/VIDEO_TS"));
+        Make(QStringLiteral("closed/video_ts"));
+        MakeFile(At("closed/readme.txt"));
+        QCOMPARE(DVDLabel(ioPath(At("closed/VIDEO_TS"))), std::string("VIDEO_TS"));
+        Check(chmod(At("closed").c_str(), 0311));
+        QByteArray const labels = RunAsOrdinaryUser([this] {
+            return QByteArray::fromStdString(DVDLabel(ioPath(At("closed/VIDEO_TS"))) + ' ' +
+                                             DVDLabel(ioPath(At("closed/video_ts"))) + ' ' +
+                                             DVDLabel(ioPath(At("closed/readme.txt"))));
+        });
+        QCOMPARE(labels, QByteArray("closed closed readme.txt"));
+    }
+
+    void findsDiscsInTheOrderOfTheFolder()
+    {
+        for (char const* const name : {"k", "\u042F", "c", "p", "a b", "d", "\u0416", "m", "o", "b", "E"}) {
+            Make(QString::fromUtf8(name) + QStringLiteral("/VIDEO_TS"));
+        }
+        QStringList found;
+        for (ioPath const& path : VideoDiscsIn(QString::fromStdString(Root()))) {
+            found += QString::fromStdString(path.utf8string());
+        }
+        QStringList expected;
+        for (std::string const& name : NamesIn(AT_FDCWD, Root().c_str())) {
+            expected += QString::fromStdString(At(name));
+        }
+        QCOMPARE(found.size(), 11);
+        QCOMPARE(found, expected);
+    }
+
     void findsDiscs()
     {
         Make(QStringLiteral("one/VIDEO_TS"));
@@ -66,21 +129,15 @@ private Q_SLOTS:
         Make(QStringLiteral("three"));
         QFile file(Path(QStringLiteral("three/VIDEO_TS")));
         QVERIFY(file.open(QIODevice::WriteOnly)); // no folder
-        auto const discs = VideoDiscsIn(folder_->path());
+        auto const discs = VideoDiscsIn(QString::fromStdString(Root()));
         QCOMPARE(discs.size(), std::size_t(1));
         QCOMPARE(QString::fromStdString(discs.front().utf8string()), Path(QStringLiteral("one")));
         QVERIFY(VideoDiscsIn(Path(QStringLiteral("nowhere"))).empty());
     }
 
-protected:
-    void SetUp() override { folder_ = std::make_unique<QTemporaryDir>(); }
-    void TearDown() override { folder_.reset(); }
-
 private:
-    QString Path(QString const& name) const { return folder_->filePath(name); }
+    QString Path(QString const& name) const { return PathAt(name.toUtf8()); }
     void Make(QString const& name) const { QVERIFY(QDir().mkpath(Path(name))); }
-
-    std::unique_ptr<QTemporaryDir> folder_;
 };
 
 ZQTUTIL_TEST_MAIN(VideoDiscTest)
