@@ -92,8 +92,8 @@ public:
         }
     }
 
-    /// Calls \a f with a pointer to each handler that is registered now, in the order of registration; the policy gets a
-    /// copy of \a f for each of them. What a handler throws ends the walk and passes through.
+    /// Calls \a f with a pointer to each handler that is registered now, in the order of registration; the policy gets
+    /// a copy of \a f for each of them. What a handler throws ends the walk and passes through.
     template <class F>
     void PerformForEachEventHandler(F f)
     {

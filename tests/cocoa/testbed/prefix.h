@@ -18,6 +18,7 @@
 // What is available is decided by the version that a test has set; for another system than its own clang takes any
 // version for there. The empty text at the end makes a condition of what stands behind the "@".
 extern "C" bool ZBSystemIsAtLeast(char const* version);
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the compiler's own name
 #define __builtin_available(version, ...) ZBSystemIsAtLeast(#version)
 #ifdef __OBJC__
 #include <QtCore/qcontiguouscache.h> // these have functions of that name
