@@ -118,6 +118,7 @@ private Q_SLOTS:
         auto const third = GetAutoLauncherImpl(AutoLauncherImplType::Default);
         QVERIFY(third->IsInStartup(Identifier));
         QVERIFY(third->RemoveFromStartup(agent));
+        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 1);
     }
 
     void removesTheLoginItemFirst()
