@@ -48,7 +48,7 @@ class AutoLauncherTest : public Zelkor::Testing::TestCase
 private Q_SLOTS:
     void addsALoginItemFirst()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(!launcher_->IsInStartup(Identifier));
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {QStringLiteral("--ignored")}));
         QCOMPARE(TestBed::LoginItemUrls().size(), 1);
@@ -64,7 +64,7 @@ private Q_SLOTS:
 
     void knowsItsOwnChanges()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         for (int i = 0; i < 2; ++i) {
             QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
             QCOMPARE(TestBed::LoginItemUrls().size(), 1);
@@ -75,7 +75,7 @@ private Q_SLOTS:
 
     void asksLaunchctlOnlyAboutWhatIsNoLoginItem()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(launcher_->IsInStartup(Identifier));
         QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray());
@@ -110,7 +110,7 @@ private Q_SLOTS:
         QString const agent = QStringLiteral("zelkor_Editor_1.0_Agent");
         QVERIFY(other->AddToStartup(agent, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(other->AddToStartup(Identifier, Executable, {}));
         // Login items first.
         QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent}));
@@ -125,7 +125,7 @@ private Q_SLOTS:
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 0);
@@ -139,7 +139,7 @@ private Q_SLOTS:
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, Identifier}));
     }
@@ -156,7 +156,7 @@ private Q_SLOTS:
 
     void keepsWhatItKnowsWhenAnAdditionFails()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         RemoveBehindItsBack();
         {
@@ -171,7 +171,7 @@ private Q_SLOTS:
 
     void keepsWhatItKnowsWhenARemovalFails()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         RemoveBehindItsBack();
         QVERIFY(!launcher_->RemoveFromStartup(QStringLiteral("zelkor_Other_1.0.0_Agent")));
@@ -182,7 +182,7 @@ private Q_SLOTS:
 
     void addsWithoutReadingFirst()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // once more
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
@@ -195,7 +195,7 @@ private Q_SLOTS:
         auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);
         QVERIFY(other->AddToStartup(Identifier, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         QVERIFY(!launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 1);
@@ -216,7 +216,7 @@ private Q_SLOTS:
 
     void isTheSameWhateverIsAskedFor()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         for (int const type : {0, 1, 99}) {
             auto const launcher = GetAutoLauncherImpl(static_cast<AutoLauncherImplType>(type));
             QVERIFY(launcher->AddToStartup(Identifier, Executable, {}));
@@ -248,14 +248,6 @@ protected:
     }
 
 private:
-    void MakeStudio()
-    {
-        TestBed::SetMainBundle(
-            bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
-        helper_ = bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
-                                 QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
-    }
-
     /// As another program would.
     static void RemoveBehindItsBack()
     {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <TestBed.h>
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
@@ -33,6 +35,16 @@ public:
                            .toUtf8());
         }
         return path;
+    }
+
+    /// Makes an application of the maker's, which the main bundle then is, with a helper in it, and returns the
+    /// helper's path.
+    QString MakeStudio()
+    {
+        TestBed::SetMainBundle(
+            Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
+        return Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
+                    QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
     }
 
 private:

@@ -109,7 +109,7 @@ private Q_SLOTS:
 
     void skipsItemsThatLeadNowhere()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(QStringLiteral("/gone/H.app"), false);
         TestBed::AddLoginItem(QStringLiteral("/gone/H.app"));
         TestBed::AddLoginItem(helper_);
@@ -120,7 +120,7 @@ private Q_SLOTS:
 
     void skipsItemsThatDoNotResolve()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_, false);
         startup_->UpdateStartupItems(Maker);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
@@ -208,7 +208,7 @@ private Q_SLOTS:
     void knowsNothingWhenTheListFails()
     {
         QFETCH(int, call);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         startup_->UpdateStartupItems(Maker);
         QVERIFY(startup_->IsInStartup(Identifier));
@@ -222,7 +222,7 @@ private Q_SLOTS:
 
     void addsTheHelperOfTheMainBundle()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Another.APP"),
                        QStringLiteral("com.zelkor.Other"), QStringLiteral("1"));
         TestBed::AddLoginItem(QStringLiteral("/first"));
@@ -250,7 +250,7 @@ private Q_SLOTS:
     void addsNothingWithoutMainBundle()
     {
         QFETCH(int, call);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         // Nor is the helper found from here.
         AtFolder const bundle(QDir::cleanPath(helper_ + QStringLiteral("/../../../..")).toStdString());
         QVERIFY(QFileInfo(QStringLiteral("Contents/Library/LoginItems/Agent.app")).isDir());
@@ -265,7 +265,7 @@ private Q_SLOTS:
 
     void needsNoListForAKnownItem()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         startup_->UpdateStartupItems(Maker);
         TestBed::FailLoginItems(TestBed::LoginItemsCall::Create);
@@ -324,7 +324,7 @@ private Q_SLOTS:
     void addsNothingElse()
     {
         QFETCH(QString, identifier);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QVERIFY(!startup_->AddToLoginItems(identifier));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(TestBed::LiveObjects(), 0);
@@ -340,7 +340,7 @@ private Q_SLOTS:
     void failsWhenTheItemCannotBeAdded()
     {
         QFETCH(int, call);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::FailLoginItems(TestBed::LoginItemsCall(call));
         QVERIFY(!startup_->AddToLoginItems(Identifier));
         QCOMPARE(TestBed::LiveObjects(), 0);
@@ -348,7 +348,7 @@ private Q_SLOTS:
 
     void removesAnItem()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(QStringLiteral("/first"));
         TestBed::AddLoginItem(QStringLiteral("/second"), false);
         TestBed::AddLoginItem(helper_);
@@ -365,7 +365,7 @@ private Q_SLOTS:
 
     void removesTheVeryPathOnly()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         QStringList const others = {helper_ + QStringLiteral("2"), helper_ + QStringLiteral("/Contents"),
                                     helper_.chopped(1), helper_.toUpper()};
         for (QString const& other : others) {
@@ -384,7 +384,7 @@ private Q_SLOTS:
 
     void removesTheFirstMatchOnly()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         TestBed::AddLoginItem(helper_);
         startup_->UpdateStartupItems(Maker);
@@ -403,7 +403,7 @@ private Q_SLOTS:
     void failsWhenTheItemCannotBeRemoved()
     {
         QFETCH(int, call);
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         startup_->UpdateStartupItems(Maker);
         TestBed::FailLoginItems(TestBed::LoginItemsCall(call));
@@ -414,7 +414,7 @@ private Q_SLOTS:
 
     void readsPathsOfOlderSystems()
     {
-        MakeStudio();
+        helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         TestBed::SetSystemVersion(QStringLiteral("10.8.5"));
         startup_->UpdateStartupItems(Maker);
@@ -444,15 +444,6 @@ protected:
     }
 
 private:
-    /// The main bundle with its helper.
-    void MakeStudio()
-    {
-        TestBed::SetMainBundle(
-            bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
-        helper_ = bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
-                                 QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
-    }
-
     std::unique_ptr<Bundles> bundles_;
     std::unique_ptr<LoginItemStartupImpl> startup_;
     QString helper_;
