@@ -14,6 +14,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLabel>
@@ -77,6 +78,7 @@ struct KMessageDialogWay
     {
         KMessageDialog dialog(KMessageDialog::WarningContinueCancel, Text()); // of its boxes the one with two buttons
         dialog.setCaption(Title());
+        dialog.setIcon(QIcon(QStringLiteral(":/MessageBox/error_icon.png"))); // its own is in a theme, if there is one
         ShowAndClose(dialog);
     }
 };
