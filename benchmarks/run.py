@@ -335,11 +335,11 @@ class Runner:
         self.benchmark(results, "LoadBenchmark", f"--library={self.library}", repetitions=101, min_time=0.001)
         self.benchmark(results, "PathSizeBenchmark", f"--trees={self.trees}", f"--scale={self.scale}", repetitions=5)
         self.benchmark(results, "LogBenchmark", repetitions=61)
-        self.benchmark(results, "RemovalBenchmark", repetitions=9)
+        self.benchmark(results, "RemovalBenchmark", repetitions=21)
         self.benchmark(results, "ObserverBenchmark", repetitions=31)
         self.benchmark(results, "ModelBenchmark", repetitions=31)
         self.benchmark(results, "ConnectorBenchmark", repetitions=3)
-        self.benchmark(results, "WidgetBenchmark", repetitions=45)
+        self.benchmark(results, "WidgetBenchmark", repetitions=61, min_time=0.1)
         for tree in TREES:
             self.subtract_start(results, tree, "Du", "ProcessStart")
         self.subtract_start(results, "Removal", "Rm", "RemovalStart")

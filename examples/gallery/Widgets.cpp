@@ -62,7 +62,6 @@ QToolButton* NewActionButton(QAction* action)
 QLabel* NewHint(QString const& text)
 {
     auto* const hint = new QLabel(text);
-    hint->setForegroundRole(QPalette::PlaceholderText);
     hint->setWordWrap(true);
     return hint;
 }
