@@ -294,7 +294,7 @@ class Results:
 class Runner:
     def __init__(self, build_dir, scratch, quick):
         self.bin = build_dir / "bin"
-        self.library = build_dir / "lib" / "libZQtUtil.so.1"
+        self.shared_object = build_dir / "lib" / "libZQtUtil.so.1"
         self.trees = pathlib.Path(scratch) / "trees"
         self.report = pathlib.Path(scratch) / "report.json"
         self.quick = quick
@@ -332,7 +332,7 @@ class Runner:
         self.benchmark(results, "ForwardingBenchmark", repetitions=31)
         self.benchmark(results, "TaskBenchmark", repetitions=45, min_time=0.05)
         self.benchmark(results, "FormatBenchmark", repetitions=15)
-        self.benchmark(results, "LoadBenchmark", f"--library={self.library}", repetitions=101, min_time=0.001)
+        self.benchmark(results, "LoadBenchmark", f"--library={self.shared_object}", repetitions=101, min_time=0.001)
         self.benchmark(results, "PathSizeBenchmark", f"--trees={self.trees}", f"--scale={self.scale}", repetitions=5)
         self.benchmark(results, "LogBenchmark", repetitions=61)
         self.benchmark(results, "RemovalBenchmark", repetitions=21)

@@ -51,15 +51,15 @@ def path_complaints(library, source_dir):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("library")
+    parser.add_argument("shared_object")
     parser.add_argument("--source-dir", required=True)
     parser.add_argument("--write", action="store_true")
     arguments = parser.parse_args()
     if arguments.write:
-        LIST.write_text("".join(name + "\n" for name in exported(arguments.library)))
+        LIST.write_text("".join(name + "\n" for name in exported(arguments.shared_object)))
         return
-    complaints = [*export_complaints(arguments.library), *initializer_complaints(arguments.library),
-                  *path_complaints(arguments.library, arguments.source_dir)]
+    complaints = [*export_complaints(arguments.shared_object), *initializer_complaints(arguments.shared_object),
+                  *path_complaints(arguments.shared_object, arguments.source_dir)]
     for complaint in complaints:
         print(complaint)
     sys.exit(1 if complaints else 0)
