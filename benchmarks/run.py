@@ -331,7 +331,7 @@ class Runner:
         results = Results()
         self.benchmark(results, "ForwardingBenchmark", repetitions=31)
         self.benchmark(results, "TaskBenchmark", repetitions=45, min_time=0.05)
-        self.benchmark(results, "FormatBenchmark", repetitions=15)
+        self.benchmark(results, "FormatBenchmark", repetitions=201, min_time=0.005)
         self.benchmark(results, "LoadBenchmark", f"--library={self.shared_object}", repetitions=101, min_time=0.001)
         self.benchmark(results, "PathSizeBenchmark", f"--trees={self.trees}", f"--scale={self.scale}", repetitions=5)
         self.benchmark(results, "LogBenchmark", repetitions=61)
