@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <string>
+#include <string_view>
 
 #include <glog/logging.h>
 
@@ -29,9 +30,14 @@ bool LetThrough(QList<Filter> const& filters, Arguments const&... arguments)
     return true;
 }
 
-std::string SourcePosition(QMessageLogContext const& context)
+std::string WithSourcePosition(QMessageLogContext const& context, std::string const& text)
 {
-    return (context.file ? context.file : "undefined") + (":" + std::to_string(context.line)) + " ";
+    std::string_view const file = context.file ? context.file : "undefined";
+    std::string const line = std::to_string(context.line);
+    std::string result;
+    result.reserve(file.size() + line.size() + text.size() + 2);
+    result.append(file).append(1, ':').append(line).append(1, ' ').append(text);
+    return result;
 }
 
 void WriteToLog(QtMsgType type, std::string const& text)
@@ -80,8 +86,11 @@ void QtLogHandler::Impl::Handler(QtMsgType type, QMessageLogContext const& conte
     if (!LetThrough(fullFilters, type, context, message) || !LetThrough(textFilters, message)) {
         return;
     }
-    std::string const text = QStringToUtf8(message);
-    WriteToLog(type, logFileNameAndLineNumber ? SourcePosition(context) + text : text);
+    std::string text = QStringToUtf8(message);
+    if (logFileNameAndLineNumber) {
+        text = WithSourcePosition(context, text);
+    }
+    WriteToLog(type, text);
     // The handler itself comes back as the earlier one when somebody else put it back before it was installed again.
     if (forwardIntoPreviousHandler && previousHandler && previousHandler != StaticHandler) {
         previousHandler(type, context, message);
