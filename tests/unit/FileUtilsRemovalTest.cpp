@@ -10,10 +10,14 @@
 #include <QtTest/QtTest>
 
 #include <atomic>
+#include <cerrno>
 #include <climits>
+#include <cstring>
 #include <ctime>
+#include <limits>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -94,6 +98,7 @@ private Q_SLOTS:
     void whatIsOldEnoughIsRemoved();
     void ageIsExactToTheMillisecond_data();
     void ageIsExactToTheMillisecond();
+    void timeFartherThanMillisecondsReachCountsAsFar();
     void daysAreThoseOfTheCalendar_data();
     void daysAreThoseOfTheCalendar();
     void everyKindIsRemovedByItsOwnAge_data();
@@ -217,6 +222,26 @@ void FileUtilsRemovalTest::ageIsExactToTheMillisecond()
     QCOMPARE(TreeOf(At("folder")),
              (QByteArrayList{"file 1 ms after", "file 1 s after", "folder 1 ms after", "folder 1 ms after/file",
                              "folder 1 s after", "folder 1 s after/file"}));
+}
+
+// A disc in memory keeps any number of seconds.
+void FileUtilsRemovalTest::timeFartherThanMillisecondsReachCountsAsFar()
+{
+    MakeFolder(At("volume"));
+    QByteArray const left = RunWithMount(At("volume"), "mode=0777", [&] {
+        constexpr time_t beyond = std::numeric_limits<Milliseconds>::max() / 1000 + 1;
+        for (auto const& [name, seconds] : {std::pair("future", beyond), std::pair("past", -beyond)}) {
+            std::string const file = At("volume/") + name;
+            MakeFile(file);
+            timespec const times[] = {{seconds, 0}, {seconds, 0}};
+            if (utimensat(AT_FDCWD, file.c_str(), times, 0) != 0) {
+                return QByteArray("utimensat: ").append(strerror(errno));
+            }
+        }
+        RemoveDir(PathAt("volume"), 0, false);
+        return TreeOf(At("volume")).join(' ');
+    });
+    QCOMPARE(left, QByteArray("future"));
 }
 
 void FileUtilsRemovalTest::daysAreThoseOfTheCalendar_data()

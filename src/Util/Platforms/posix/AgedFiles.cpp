@@ -2,8 +2,9 @@
 
 #include <Util/Platforms/posix/FolderWalk.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include <fcntl.h>
@@ -15,6 +16,8 @@ namespace Zelkor::Util
 namespace
 {
 
+/// When something was modified, in milliseconds since 1970: some file systems keep times that only seconds can tell,
+/// the farthest moment stands for these.
 long long ModifiedAt(struct stat const& status)
 {
 #ifdef __APPLE__
@@ -22,7 +25,9 @@ long long ModifiedAt(struct stat const& status)
 #else
     timespec const& time = status.st_mtim;
 #endif
-    return static_cast<long long>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+    constexpr long long farthest = std::numeric_limits<long long>::max() / 1000 - 1;
+    long long const seconds = std::clamp<long long>(time.tv_sec, -farthest, farthest);
+    return seconds * 1000 + time.tv_nsec / 1000000;
 }
 
 class RemovingWalk final : public FolderWalk
