@@ -21,19 +21,26 @@ namespace Zelkor::Util
 namespace
 {
 
-QString ApplicationFolder(QString const& systemFolder, QString const& name, QString const& version)
+/// The system's temporary folder, as it is called when the application's is first needed.
+QString const& SystemFolder()
+{
+    static QString const folder = QDir::tempPath();
+    return folder;
+}
+
+QString ApplicationFolder(QString const& name, QString const& version)
 {
     // One call for all four: the name may hold something that looks like a placeholder.
     return QStringLiteral("%1/%2/%3/%4")
-        .arg(systemFolder, name, QString::number(VersionFromString(version, QStringLiteral(".")).GetMajor()),
+        .arg(SystemFolder(), name, QString::number(VersionFromString(version, QStringLiteral(".")).GetMajor()),
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
 }
 
-/// The first folder between \a systemFolder and \a folder, which is below it, that is there and not ours, or leads back
+/// The first folder between the system's and \a folder, which is below it, that is there and not ours, or leads back
 /// out; empty when there is none.
-QString FindForeignFolder(QString const& systemFolder, QString const& folder)
+QString FindForeignFolder(QString const& folder)
 {
-    QString path = systemFolder;
+    QString path = SystemFolder();
     QStringList const names = folder.mid(path.size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
     for (QString const& name : names) {
         path += QLatin1Char('/') + name;
@@ -69,10 +76,10 @@ void PrepareTemporaryFolder(QString const& folder)
     if (std::exchange(ready, true)) {
         return;
     }
-    if (QDir(folder).exists()) {
-        EmptyFolder(folder);
-    } else {
+    if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
+    } else if (FindForeignFolder(folder).isEmpty()) { // it was not there a moment ago, perhaps
+        EmptyFolder(folder);
     }
 }
 
@@ -88,16 +95,16 @@ std::unique_ptr<QTemporaryDir> MakeDefaultDirectory()
     return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<QTemporaryDir>() : MakeNoDirectory();
 }
 
-/// A directory in \a folder, which is below \a systemFolder; an invalid one where that is not to be had.
-std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& systemFolder, QString const& folder)
+/// A directory in \a folder, which is below the system's; an invalid one where that is not to be had.
+std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& folder)
 {
-    if (!QFileInfo::exists(systemFolder)) {
+    if (!QFileInfo::exists(SystemFolder())) {
         return MakeNoDirectory();
     }
-    QString foreign = FindForeignFolder(systemFolder, folder);
+    QString foreign = FindForeignFolder(folder);
     if (foreign.isEmpty()) {
         PrepareTemporaryFolder(folder);
-        foreign = FindForeignFolder(systemFolder, folder);
+        foreign = FindForeignFolder(folder);
     }
     if (foreign.isEmpty()) {
         return std::make_unique<QTemporaryDir>(folder + QStringLiteral("/XXXXXX"));
@@ -127,9 +134,8 @@ TemporaryDir::TemporaryDir()
                 std::logic_error("Using TemporaryDir before and after applicationName and applicationVersion are set"));
         }
     }
-    static QString const systemFolder = QDir::tempPath();
-    static QString const tempPath = ApplicationFolder(systemFolder, name, version);
-    dir = MakeDirectoryIn(systemFolder, tempPath);
+    static QString const tempPath = ApplicationFolder(name, version);
+    dir = MakeDirectoryIn(tempPath);
 }
 
 TemporaryDir::~TemporaryDir() = default;

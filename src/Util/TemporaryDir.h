@@ -48,7 +48,7 @@ public:
     /// Whether the directory was made.
     bool isValid() const;
 
-    /// Why it was not.
+    /// Why it was not, as far as Qt knows. That a folder on the way is not our own is told by the log only.
     QString errorString() const;
 
     /// Whether the destructor removes the directory; it does at first.
