@@ -56,7 +56,15 @@ void ExclusiveClient::setService(ExclusiveService* newService)
         return;
     }
     if (service) {
-        disconnect(service, nullptr, this, nullptr); // a slot may have bound another one meanwhile
+        // A slot may have bound another one meanwhile, and be using it. It hears nothing more of that: it might go on
+        // so.
+        disconnect(service, nullptr, this, nullptr);
+        if (isInUse()) {
+            service->setClient(nullptr);
+        }
+        if (!self) {
+            return;
+        }
     }
     service = next;
     if (!service) {

@@ -449,6 +449,41 @@ private Q_SLOTS:
         QCOMPARE(timesFinished, 0);
     }
 
+    // A service never keeps a client that has left it, which might end unseen.
+    void leavesWhatASlotBoundMeanwhileToo()
+    {
+        ExclusiveService backup(nullptr);
+        ExclusiveClient client(service_.get(), nullptr);
+        client.setObjectName(QStringLiteral("D"));
+        int timesFinished = 0;
+        QObject::connect(&client, &ExclusiveClient::finished, this, [&] {
+            ++timesFinished;
+            client.setService(&backup);
+            client.use();
+            QCOMPARE(backup.currentClient(), &client);
+        });
+        client.use();
+        client.setService(nullptr);
+        QCOMPARE(backup.currentClient(), nullptr);
+        QCOMPARE(service_->currentClient(), nullptr);
+        QVERIFY(!client.isInUse());
+        QCOMPARE(timesFinished, 1);
+    }
+
+    void leavesWhatASlotUsesAgainMeanwhileToo()
+    {
+        ExclusiveService other(nullptr);
+        ExclusiveClient client(service_.get(), nullptr);
+        client.setObjectName(QStringLiteral("D"));
+        QObject::connect(&client, &ExclusiveClient::finished, &client, &ExclusiveClient::use);
+        client.use();
+        client.setService(&other);
+        QCOMPARE(service_->currentClient(), nullptr);
+        client.use();
+        QCOMPARE(other.currentClient(), &client);
+        QObject::disconnect(&client, &ExclusiveClient::finished, nullptr, nullptr);
+    }
+
     void bindsNothingWhenTheNewServiceEndsMeanwhile()
     {
         DoAll("A use");
