@@ -3,6 +3,7 @@
 #include <Base/Throw.h>
 
 #include <boost/filesystem/operations.hpp>
+#include <boost/throw_exception.hpp>
 
 #include <utility>
 
@@ -58,7 +59,7 @@ ioPath ioPath::parent_path() const
 bool ioPath::remove() const
 {
     if (IsCutShort(*this)) {
-        BOOST_FILESYSTEM_THROW(boost::filesystem::filesystem_error(
+        boost::throw_exception(boost::filesystem::filesystem_error(
             "The path holds a NUL byte", *this,
             boost::system::errc::make_error_code(boost::system::errc::invalid_argument)));
     }

@@ -24,7 +24,7 @@ constexpr unsigned long long SecondsInHour = 3600;
 constexpr std::size_t NumberCapacity = 32;
 
 // "%1"
-constexpr int PlaceholderSize = 2;
+constexpr int PlaceMarkerSize = 2;
 
 /// A short ASCII text on the stack.
 class NumberText
@@ -83,30 +83,30 @@ bool WriteFixed(NumberText& text, double value, int precision)
 }
 
 /// Where the plain "%1" of \a label stands, or -1 when QString::arg would find more in it than that.
-int FindOnlyPlaceholder(QString const& label)
+int FindOnlyPlaceMarker(QString const& label)
 {
     constexpr QLatin1Char percent('%');
     QChar const* const begin = label.cbegin();
     QChar const* const end = label.cend();
     QChar const* const at = std::find(begin, end, percent);
-    bool const isOne = end - at >= PlaceholderSize && at[1] == QLatin1Char('1');
+    bool const isOne = end - at >= PlaceMarkerSize && at[1] == QLatin1Char('1');
     if (!isOne) {
         return -1;
     }
-    QChar const* const rest = at + PlaceholderSize;
+    QChar const* const rest = at + PlaceMarkerSize;
     bool const goesOn = (rest != end && rest->digitValue() != -1) || std::find(rest, end, percent) != end;
     return goesOn ? -1 : static_cast<int>(at - begin);
 }
 
-/// Puts \a number in the place of the placeholder \a at which FindOnlyPlaceholder() has found in \a label.
+/// Puts \a number in the place of the place marker \a at which FindOnlyPlaceMarker() has found in \a label.
 QString FillIn(QString const& label, int at, NumberText const& number)
 {
-    QString text(label.size() - PlaceholderSize + number.Size(), Qt::Uninitialized);
+    QString text(label.size() - PlaceMarkerSize + number.Size(), Qt::Uninitialized);
     QChar* out = std::copy_n(label.cbegin(), at, text.data());
     for (char const digit : number.View()) {
         *out++ = QLatin1Char(digit);
     }
-    std::copy(label.cbegin() + at + PlaceholderSize, label.cend(), out);
+    std::copy(label.cbegin() + at + PlaceMarkerSize, label.cend(), out);
     return text;
 }
 
@@ -114,7 +114,7 @@ QString FillIn(QString const& label, int at, NumberText const& number)
 QString FillIn(QString const& label, double value, int precision)
 {
     NumberText number;
-    int const at = FindOnlyPlaceholder(label);
+    int const at = FindOnlyPlaceMarker(label);
     if (at < 0 || !WriteFixed(number, value, precision)) {
         return label.arg(value, 0, 'f', precision, QLatin1Char(' '));
     }
@@ -124,7 +124,7 @@ QString FillIn(QString const& label, double value, int precision)
 /// The same as label.arg(value), at a fraction of its time.
 QString FillIn(QString const& label, unsigned long long value)
 {
-    int const at = FindOnlyPlaceholder(label);
+    int const at = FindOnlyPlaceMarker(label);
     if (at < 0) {
         return label.arg(value);
     }

@@ -101,12 +101,12 @@ private:
 
     std::string path_;
     AfterSubfolder const after_;
-    std::vector<Folder> folders_;   // from the start to the current one; the first closedFolders_ of them are closed
-    std::size_t closedFolders_ = 0; //
-    std::vector<char> subfolders_;  // names still to be entered, each with its NUL, of all folders_ in order
-    FolderStream below_;            // the open folder that was left last,
-    std::size_t levelsBelow_ = 0;   // and how far it is below the current one
-    std::string left_;              // the name of the subfolder that was left last, while SubfolderLeft is still due
+    std::vector<Folder> folders_; // from the start to the current one; the first closedFolders_ of them are closed
+    std::size_t closedFolders_ = 0;
+    std::vector<char> subfolders_; // names still to be entered, each with its NUL, of all folders_ in order
+    FolderStream below_;           // the open folder that was left last,
+    std::size_t levelsBelow_ = 0;  // and how far it is below the current one
+    std::string left_;             // the name of the subfolder that was left last, while SubfolderLeft is still due
 };
 
 } // namespace Util
