@@ -5,6 +5,7 @@
 #include "Timeline.h"
 #include "Widgets.h"
 
+#include <QtCore/QPointer>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QHBoxLayout>
@@ -114,14 +115,19 @@ std::unique_ptr<ColoursDialog> UndoPage::NewDialog()
 
 void UndoPage::EditColours()
 {
-    auto const dialog = NewDialog();
+    QPointer<UndoPage> const alive(this);
+    QPointer<ColoursDialog> const dialog = NewDialog().release();
     handlers_.push(dialog->Commands());
     bool const isAccepted = dialog->exec() == QDialog::Accepted;
+    if (!alive) {
+        return; // the window went, and the dialog with it
+    }
     handlers_.pop();
     Update();
-    if (isAccepted && dialog->Commands()->index() > 0) {
+    if (isAccepted && dialog && dialog->Commands()->index() > 0) {
         document_.push(NewReplaceCommand(&notes_, dialog->Coloured()));
     }
+    delete dialog;
 }
 
 void UndoPage::Update()
