@@ -53,7 +53,7 @@ install(FILES src/Qml/qmldir src/Qml/plugins.qmltypes DESTINATION ${ZQTUTIL_QML_
 install(EXPORT ZQtUtilTargets NAMESPACE ZQtUtil:: DESTINATION ${ZQTUTIL_CMAKE_DIR})
 configure_package_config_file(cmake/ZQtUtilConfig.cmake.in "${PROJECT_BINARY_DIR}/ZQtUtilConfig.cmake"
     INSTALL_DESTINATION ${ZQTUTIL_CMAKE_DIR}
-    PATH_VARS ZQTUTIL_QML_INSTALL_DIR)
+    PATH_VARS ZQTUTIL_QML_INSTALL_DIR ZQTUTIL_TRANSLATIONS_DIR)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/ZQtUtilConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES
     "${PROJECT_BINARY_DIR}/ZQtUtilConfig.cmake"
@@ -65,12 +65,16 @@ file(RELATIVE_PATH ZQTUTIL_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "
 configure_file(cmake/zqtutil.pc.in "${PROJECT_BINARY_DIR}/zqtutil.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zqtutil.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-set(CPACK_GENERATOR TGZ DEB)
+set(CPACK_GENERATOR TGZ)
+if(CMAKE_SYSTEM_NAME STREQUAL Linux)
+    list(APPEND CPACK_GENERATOR DEB)
+endif()
 set(CPACK_PACKAGE_NAME zqtutil)
 set(CPACK_PACKAGE_VENDOR Zelkor)
 set(CPACK_PACKAGE_CONTACT "Zelkor <support@zelkor.example>")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # what others that link the library depend on
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qtbase5-dev (>= 5.15), libboost-filesystem-dev (>= 1.74)")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

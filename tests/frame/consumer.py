@@ -49,8 +49,9 @@ def main():
         installed.rename(prefix)
 
         build = pathlib.Path(folder, "build")
+        # An older standard than the headers need: the package has to ask for its own.
         run("cmake", "-S", str(source), "-B", str(build), "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
-            f"-DCMAKE_CXX_COMPILER={arguments.compiler}")
+            f"-DCMAKE_CXX_COMPILER={arguments.compiler}", "-DCMAKE_CXX_STANDARD=14")
         run("cmake", "--build", str(build))
         check_library("CMake", build / "consumer")
         check_qml("CMake", build / "qml-consumer", source)
@@ -69,6 +70,10 @@ def main():
         compile_with(program, "main.cpp", *pkg_config("--cflags", "--libs", "zqtutil"),
                      f"-Wl,-rpath,{library.parent}")
         check_library("pkg-config", program)
+
+        (translations,) = pkg_config("--variable=translationsdir", "zqtutil")
+        if not pathlib.Path(translations, "zqtutil_de.qm").is_file():
+            sys.exit(f"No translations in {translations}")
 
         program = pathlib.Path(folder, "pkg-config-qml-consumer")
         (import_dir,) = pkg_config("--variable=qmlimportdir", "zqtutil")
