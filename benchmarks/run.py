@@ -88,14 +88,14 @@ PEERS = {
     "GetdentsFstatat": Peer(
         "`getdents`, `fstatat`", "**The floor**: each folder read, each entry looked at once relative to it."
     ),
-    "DuOwn": Peer("`du`, its own time", "The same, less the time of a `du` on an empty folder. The goals ask for this."),
     "Du": Peer("`du`", "What a user has at the prompt: `du -s --apparent-size -B1` as a process."),
+    "DuOwn": Peer("`du`, its own time", "The same, less the time of a `du` on an empty folder. The goals ask for this."),
     "Fts": Peer("`fts`", "The C library's walk."),
     "StdFilesystem": Peer("`std::filesystem`", "The standard library's recursive iterator."),
     "BoostFilesystem": Peer("`boost::filesystem`", "The same from the library that the paths come from."),
     "QDirIterator": Peer("`QDirIterator`", "Qt's own."),
-    "RmOwn": Peer("`rm`, its own time", "The same, less the time of an `rm` of an empty folder."),
     "Rm": Peer("`rm -rf`", "What a user has at the prompt; it need not look at a file's age."),
+    "RmOwn": Peer("`rm`, its own time", "The same, less the time of an `rm` of an empty folder."),
     "RemoveRecursively": Peer("`QDir::removeRecursively`", "Qt's own, which removes files of any age."),
     "Glog": Peer("glog", "**The floor**: the log that the messages go to, without Qt."),
     "QtDefault": Peer("Qt's handler", "What Qt does by itself: a line on the standard error, without time and thread."),
@@ -373,8 +373,8 @@ def time_text(seconds):
     return f"{seconds * 1e9:.0f} ns"
 
 
-def ratios_text(ours, peers):
-    return ", ".join(f"{PEERS[peer].label} {ours / value:.2f}" for peer, value in peers.items())
+def ratios_text(ours, peers, decimals=2):
+    return ", ".join(f"{PEERS[peer].label} {ours / value:.{decimals}f}" for peer, value in peers.items())
 
 
 def job_row(job, results):
@@ -382,7 +382,8 @@ def job_row(job, results):
     peers = {peer: results.time(job.key, peer) for peer in job.peers}
     holds = all(goal.holds(ours, peers[goal.peer]) for goal in job.goals) if job.goals else None
     goal = ", ".join(goal.text() for goal in job.goals)
-    return Row(job.title, time_text(ours), ratios_text(ours, peers), goal, holds)
+    # Two decimals might round a miss to the goal itself.
+    return Row(job.title, time_text(ours), ratios_text(ours, peers, 3 if holds is False else 2), goal, holds)
 
 
 def copies_row(results):

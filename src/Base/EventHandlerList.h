@@ -59,8 +59,9 @@ struct SyncExecutePolicy
 /// the first, unless it comes from inside it, on the same thread. Handlers are called without the lock of the list, so
 /// that other threads may register and unregister meanwhile.
 ///
-/// **Changes during a publication** take effect from the next one. A handler that is unregistered while others are told
-/// is therefore still called once: it has to live until the publication ends, and so has the list.
+/// **Changes during a publication** take effect from the next one. A handler that is unregistered meanwhile is
+/// therefore still called, once by the publication under way and by each that waits for its end: it has to outlive them
+/// all, and so has the list.
 ///
 /// \a Policy says how a handler is called; `SyncExecutePolicy` calls it at once.
 template <class T, class Policy>

@@ -11,8 +11,7 @@ namespace Zelkor
 namespace Core
 {
 
-/// The version of the operating system: of macOS 10.13.6, say, or of the distribution as its os-release file tells it.
-/// 0.0 when the system does not say. Any thread.
+/// The version of the operating system, such as 10.13.6; 0.0 when the system does not say. Any thread.
 ZQTUTIL_EXPORT Version GetSystemVersion();
 
 } // namespace Core

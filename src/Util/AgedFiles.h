@@ -1,5 +1,7 @@
 #pragma once
 
+// Emptying folders of what is old, on every system. Private to the library.
+
 #include <string>
 
 namespace Zelkor

@@ -12,7 +12,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QStyle>
 
-#include <utility>
+#include <iterator>
 
 namespace Zelkor::Util
 {

@@ -24,9 +24,8 @@ namespace Util
 /// application's style sheet.
 ///
 /// \code
-/// if (AlertBox::Exec(AlertBox::Question, tr("Delete"), tr("Delete the film?"), QMessageBox::Yes | QMessageBox::No,
-/// this)
-///     == QMessageBox::Yes) ...
+/// auto const buttons = QMessageBox::Yes | QMessageBox::No;
+/// if (AlertBox::Exec(AlertBox::Question, tr("Delete"), tr("Delete the film?"), buttons, this) == QMessageBox::Yes) ...
 /// \endcode
 ///
 /// **For style sheets.** The box has the property "Level" (ApplyMessageLevel()). Each button has an object name
@@ -84,7 +83,7 @@ public:
     /// Holds the dialog to at least \a width pixels; nothing when the layout is not the grid of a message box. When
     /// negative, the dialog is held no more.
     void SetWidth(int width);
-    /// The width that is held; -1 when none is, which a negative SetWidth() comes to in the event loop, by way of 0.
+    /// The width that is held; -1 when none is. After a negative SetWidth() it is 0 until the event loop has run.
     int GetWidth() const;
 
     /// Sets the \a spacing between the buttons in pixels. Nothing without buttons.

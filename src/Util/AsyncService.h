@@ -42,8 +42,8 @@ namespace Util
 /// for jobs that should run side by side (`QThreadPool`), or for a job that cannot be waited for: the destructor waits
 /// for the one that is running.
 ///
-/// **Threads.** Everything but the job itself and the reporter's operations is called on the owner thread, and every
-/// call-back runs there, from its event loop. Without an event loop on the owner thread nothing is delivered.
+/// **Threads.** Everything but the job itself, report() and the reporter's operations is called on the owner thread,
+/// and every call-back runs there, from its event loop. Without an event loop on the owner thread nothing is delivered.
 ///
 /// **Promises.** Jobs never overlap and run in the order of the run() calls. A task completes exactly once, and calls
 /// at most one of Task::onError, Task::onCancelled and Task::onFinished. What a job reported is delivered in that order
@@ -71,7 +71,7 @@ public:
         std::exception_ptr error;
         /// The job, called once on the worker thread. An empty one ends with `std::bad_function_call`.
         std::function<void(Reporter*)> work;
-        /// Called when the job has returned, and in place of the next two when they are empty.
+        /// Called when the job has returned, and in place of #onCancelled and #onError when these are empty.
         std::function<void()> onFinished;
         /// Called when the job has thrown Cancelled.
         std::function<void()> onCancelled;
@@ -132,7 +132,8 @@ private:
     std::unique_ptr<Impl> impl;
 };
 
-/// What a job knows of the service: a plain record, which the service frees when the job's task completes.
+/// What a job knows of the service: a plain record, which the service frees when the job's task completes, or with
+/// itself when the task was posted again meanwhile.
 struct AsyncService::Reporter
 {
     /// The service that the job runs on.

@@ -33,17 +33,26 @@ public:
     virtual ~IAutoLauncher();
 
     /// Whether the application \a identifier is started at login.
+    ///
+    /// On macOS launchctl's list is searched for the \a identifier as a regular expression at the end of a line, so
+    /// that an empty one is found in any list.
     virtual bool IsInStartup(QString const& identifier) = 0;
 
     /// Has the application \a identifier started at login: the executable at \a executablePath with \a arguments. False
-    /// when the system refuses, or when the \a identifier has not four parts, which is logged as a warning.
+    /// when that cannot be asked of the system.
     ///
     /// On macOS a helper that the main bundle carries for the \a identifier in "Contents/Library/LoginItems" becomes a
-    /// login item; path and arguments count only when there is none, for a launch agent.
+    /// login item. Only when that fails, or there is none, path and arguments count, for a launch agent. It is written
+    /// and loaded without waiting for the outcome: false means that the \a identifier has not four parts, which is
+    /// logged as a warning, or that launchctl did not start.
     virtual bool AddToStartup(QString const& identifier, QString const& executablePath,
                               QStringList const& arguments) = 0;
 
-    /// Has the application \a identifier started at login no more. False when it was not, or when the system refuses.
+    /// Has the application \a identifier started at login no more. False when it was not known, or when that cannot be
+    /// asked of the system.
+    ///
+    /// What is known is what the last call found that read it: every other operation, and this one when it is true. On
+    /// macOS a launch agent whose file is there is unloaded, loaded or not, without waiting for the outcome.
     virtual bool RemoveFromStartup(QString const& identifier) = 0;
 
     /// The identifiers of the applications that are started at login. On macOS these are the login items of the maker,

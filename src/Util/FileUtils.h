@@ -39,9 +39,12 @@ ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 /// \param errorText  when it cannot, becomes the reason, translated, for the user; may be null
 ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 
-/// Whether this user may create files in \a folder and one can be created: checks the folder's permissions, owner and
-/// group as POSIX does (IEEE Std 1003.1, 4.5 File Access Permissions), then tries. Root is no exception: it may not
-/// where the folder belongs to somebody else and only its owner may write.
+/// Whether this user may create files in \a folder and one can be created: asks whether everybody may write there, or a
+/// group that the process is in, or its owner, who is the user; then tries.
+///
+/// Other than in POSIX (IEEE Std 1003.1, 4.5 File Access Permissions), where the first class that fits decides, any of
+/// the three will do, and root is asked like everybody: it may not where the folder belongs to somebody else and only
+/// its owner may write.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
 /// Whether this user can read files in \a folder, as far as the folder is concerned. Always true on macOS, where the

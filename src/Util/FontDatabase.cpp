@@ -1,4 +1,4 @@
-// One question is deprecated since Qt 5.2, and the answer still Qt's to give.
+// QFontDatabase::supportsThreadedFontRendering() is deprecated since Qt 5.2; only Qt can answer it all the same.
 #undef QT_DISABLE_DEPRECATED_BEFORE
 #define QT_DISABLE_DEPRECATED_BEFORE 0x050100
 

@@ -40,7 +40,7 @@ public:
     /// ignored.
     void addItem(QWidget* widget);
 
-    /// Takes \a widget out: its events reach nobody else any more, nor theirs it. It keeps its hover events.
+    /// Takes \a widget out: its events no longer reach the others, nor do theirs reach it. It keeps its hover events.
     void removeItem(QWidget* widget);
 
     /// Replays hover events of members to the other members; swallows nothing.

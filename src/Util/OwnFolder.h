@@ -1,5 +1,7 @@
 #pragma once
 
+// Whose a folder is. Implemented beside the other questions of access. Private to the library.
+
 #include <QtCore/QString>
 
 namespace Zelkor

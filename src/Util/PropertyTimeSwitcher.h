@@ -35,14 +35,14 @@ public:
     /// A property that \a parent does not have is reported by qWarning(), and added when it is written.
     PropertyTimeSwitcher(QByteArray const& propertyName, QVariant const& defaultValue, QObject* parent);
 
-    /// From \a from on and before \a to the property is \a value. Replaces the range before.
+    /// Sets the one range, from \a from on and before \a to, in which the property is \a value.
     void setRange(int from, int to, QVariant const& value);
 
     /// Writes the value of the current time, unless the property has it already.
     void updateValue();
 
 public Q_SLOTS:
-    /// It is now \a time.
+    /// Tells the current \a time, and writes the property when its value changes with that.
     void setCurrentTime(int time);
 
 private:

@@ -20,8 +20,8 @@ public:
     SpontaneousDialog() = delete;
 
     /// The widget that such a dialog is to have as its parent: the active modal one, else the active window. One that
-    /// deletes itself when it is closed is passed over for the main window, so that the dialog does not go with it.
-    /// Otherwise the active window, which may be null. GUI thread.
+    /// deletes itself when it is closed is passed over for the main window, so that the dialog does not go with it;
+    /// without a main window for the active window, even if that deletes itself. May be null. GUI thread.
     static QWidget* findParent();
 
     /// The main window, as long as it exists; otherwise the active window, which may be null. GUI thread.

@@ -18,7 +18,7 @@ namespace Util
 {
 
 /// Writes a running time into a text document: the time of a clip while a film is at another, forward or as what is
-/// left. All times are in milliseconds.
+/// left. All times are in milliseconds; a text tells a time of day, so it starts again at 24 hours.
 ///
 /// \code
 /// auto* const left = new TimeUpdater(0, clipStart, clipEnd, QStringLiteral("mm:ss"), label->document(), true);

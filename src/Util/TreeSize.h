@@ -1,5 +1,7 @@
 #pragma once
 
+// The size of a file or a tree, on every system. Private to the library.
+
 #include <functional>
 #include <string>
 

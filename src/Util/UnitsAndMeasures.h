@@ -46,18 +46,20 @@ ZQTUTIL_EXPORT QString FormatBitrate(long long bitsPerSecond);
 /// \a hertz as text, such as "44100 Hz".
 ZQTUTIL_EXPORT QString FormatSampleRate(long long hertz);
 
-/// Splits \a seconds into hours, which may pass 24, minutes (0 to 59) and seconds (0 to 59).
+/// Splits \a seconds into hours, which may pass 24, minutes (0 to 59) and seconds (0 to 59). Hours are cut to what an
+/// `int` holds, some 245 000 years.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") for a negative number; \a hours, \a minutes and \a secs are
 /// untouched then.
 ZQTUTIL_EXPORT void DurationInSecondsToTimeComponents(long seconds, int& hours, int& minutes, int& secs);
 
-/// \a seconds as a time of day, which is invalid from 24 hours on.
+/// \a seconds as a time of day, which is invalid from 24 hours on. The hours are those of
+/// DurationInSecondsToTimeComponents().
 ///
 /// Throws `std::invalid_argument` ("Negative duration") for a negative number.
 ZQTUTIL_EXPORT QTime DurationInSecondsToQTime(long seconds);
 
-/// \a seconds in the given `QTime::toString` format; empty from 24 hours on.
+/// DurationInSecondsToQTime() of \a seconds in the given `QTime::toString` format; empty from 24 hours on.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") for a negative number.
 ZQTUTIL_EXPORT QString DurationInSecondsToString(long seconds, QString const& format);

@@ -58,7 +58,7 @@ public:
 ///
 /// \code
 /// auto* const layout = new MVBoxLayout(frame);
-/// layout->addItems({{label, 0}, {lineEdit, 0}, {SpacerPolicy::Stretch, 0}});
+/// layout->addItems({{label, 0}, {lineEdit, 0}, {LayoutHelpers::SpacerPolicy::Stretch, 0}});
 /// \endcode
 class ZQTUTIL_EXPORT MBoxLayout : public QBoxLayout
 {

@@ -9,10 +9,12 @@
 #include <QtTest/QtTest>
 #include <QtWidgets/QApplication>
 
+#include <algorithm>
 #include <clocale>
 #include <ctime>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace Zelkor::Testing

@@ -26,7 +26,8 @@ namespace Util
 /// icon path made of the uid. Clicks are written back to the model, which tells its observers.
 ///
 /// \code
-/// auto* const model = SimpleModel::Create({"video_trim", "audio"}, TitleOf, this);
+/// QStringList const uids{QStringLiteral("video_trim"), QStringLiteral("audio")};
+/// auto* const model = SimpleModel::Create(uids, TitleOf, this);
 /// model->setData(QModelIndex(), QVariant::fromValue<ISimpleModelObserver*>(this), SimpleModel::RegisterObserver);
 /// \endcode
 ///
