@@ -16,8 +16,8 @@ void FolderTestCase::SetUp()
     folder_.emplace();
     QVERIFY2(folder_->isValid(), qPrintable(folder_->errorString()));
     // Ordinary users come here too.
-    Check(chmod(QDir::tempPath().toUtf8().constData(), 0755));
-    Check(chmod(Root().c_str(), 0755));
+    Chmod(QDir::tempPath().toStdString(), 0755);
+    Chmod(Root(), 0755);
 }
 
 void FolderTestCase::TearDown()
@@ -46,12 +46,26 @@ void FolderTestCase::NameRows()
     QTest::newRow("as long as it may be") << QByteArray(255, 'n');
     QTest::newRow("random suffix") << QByteArray("aXXXXXXb.XXXXXX");
     QTest::newRow("three dots") << QByteArray("...");
+    QTest::newRow("dot and space") << QByteArray(". ");
     QTest::newRow("hidden") << QByteArray(".hidden");
 }
 
 QString FolderTestCase::PathAt(QByteArray const& name) const
 {
     return QFile::decodeName(At(name.toStdString()).c_str());
+}
+
+void FolderTestCase::MakeTargets() const
+{
+    MakeFile(At("target"), 321);
+    MakeLink(At("link-to-target"), "target");
+    MakeLink(At("dangling"), "nowhere");
+    MakeLink(At("ring1"), "ring2");
+    MakeLink(At("ring2"), "ring1");
+    MakeFolder(At("full"));
+    MakeFile(At("full/file"), 1000);
+    MakeLink(At("link-to-full"), "full");
+    Check(mkfifo(At("pipe").c_str(), 0644));
 }
 
 } // namespace Zelkor::Testing

@@ -27,6 +27,11 @@ protected:
     std::string At(std::string const& name) const { return Root() + '/' + name; }
     QString PathAt(QByteArray const& name) const;
 
+    /// Makes in the folder what links may lead to: "target", a file of 321 bytes, and "link-to-target"; "full", a
+    /// folder with a "file" of 1000 bytes, and "link-to-full"; "dangling"; "ring1" and "ring2", links to each other; a
+    /// "pipe".
+    void MakeTargets() const;
+
 private:
     std::optional<QTemporaryDir> folder_;
 };

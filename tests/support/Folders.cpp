@@ -26,6 +26,17 @@ struct CloseFolder
     void operator()(DIR* stream) const { closedir(stream); }
 };
 
+int MakeEmptyFileAt(int folder, char const* name)
+{
+    return openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+}
+
+void WriteAt(int folder, char const* name, std::string const& content)
+{
+    Descriptor const file(MakeEmptyFileAt(folder, name));
+    Check(static_cast<int>(write(file, content.data(), content.size())));
+}
+
 void ListTree(std::string const& path, std::string const& prefix, QByteArrayList& found)
 {
     for (std::string const& name : NamesIn(AT_FDCWD, path.c_str())) {
@@ -65,13 +76,28 @@ void Descriptor::Become(int number)
 
 void MakeFileAt(int folder, char const* name)
 {
-    Descriptor const file(openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
-    Check(static_cast<int>(write(file, "content", 7)));
+    WriteAt(folder, name, "content");
 }
 
 void MakeFile(std::string const& path)
 {
     MakeFileAt(AT_FDCWD, path.c_str());
+}
+
+void MakeFileAt(int folder, char const* name, off_t size)
+{
+    Descriptor const file(MakeEmptyFileAt(folder, name));
+    Check(ftruncate(file, size));
+}
+
+void MakeFile(std::string const& path, off_t size)
+{
+    MakeFileAt(AT_FDCWD, path.c_str(), size);
+}
+
+void Write(std::string const& path, std::string const& content)
+{
+    WriteAt(AT_FDCWD, path.c_str(), content);
 }
 
 QByteArray Content(std::string const& path)
@@ -83,7 +109,7 @@ QByteArray Content(std::string const& path)
 void MakeFolder(std::string const& path, mode_t mode)
 {
     Check(mkdir(path.c_str(), 0700));
-    Check(chmod(path.c_str(), mode));
+    Chmod(path, mode);
 }
 
 void MakeLink(std::string const& path, std::string const& target)
@@ -101,6 +127,11 @@ void MakeSocket(std::string const& path)
     name.copy(address.sun_path, sizeof address.sun_path - 1);
     Descriptor const server(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     Check(bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address));
+}
+
+void Chmod(std::string const& path, mode_t mode)
+{
+    Check(chmod(path.c_str(), mode));
 }
 
 bool Exists(std::string const& path)

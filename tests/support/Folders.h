@@ -4,6 +4,7 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayList>
+#include <QtCore/QMetaType>
 
 #include <ctime>
 #include <string>
@@ -39,11 +40,23 @@ private:
 void MakeFileAt(int folder, char const* name);
 void MakeFile(std::string const& path);
 
+/// Makes a file of so many bytes, all of them a hole.
+void MakeFileAt(int folder, char const* name, off_t size);
+void MakeFile(std::string const& path, off_t size);
+
+/// Makes a file that has this content.
+void Write(std::string const& path, std::string const& content);
+
 QByteArray Content(std::string const& path);
 
 void MakeFolder(std::string const& path, mode_t mode = 0755);
 void MakeLink(std::string const& path, std::string const& target);
 void MakeSocket(std::string const& path);
+
+/// Makes something at a path, or other things below it.
+using Maker = void (*)(std::string const& path);
+
+void Chmod(std::string const& path, mode_t mode);
 
 /// Whether there is anything, be it a link that leads nowhere.
 bool Exists(std::string const& path);
@@ -105,3 +118,5 @@ std::string MakeEntry(std::string const& description);
 void MakeTree(std::string const& root, std::vector<Entry> const& entries);
 
 } // namespace Zelkor::Testing
+
+Q_DECLARE_METATYPE(Zelkor::Testing::Maker)
