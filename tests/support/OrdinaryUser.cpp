@@ -11,22 +11,20 @@ namespace Zelkor::Testing
 namespace
 {
 
-constexpr uid_t Nobody = 65534;
-
-bool DropPrivileges()
-{
-    return geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(Nobody) == 0 && setuid(Nobody) == 0);
-}
-
 [[noreturn]] void RunChild(int output, std::function<QByteArray()> const& work)
 {
     QFile file;
     bool const done =
-        DropPrivileges() && file.open(output, QIODevice::WriteOnly) && file.write(work()) >= 0 && file.flush();
+        BecomeOrdinaryUser() && file.open(output, QIODevice::WriteOnly) && file.write(work()) >= 0 && file.flush();
     _exit(done ? 0 : 1);
 }
 
 } // namespace
+
+bool BecomeOrdinaryUser()
+{
+    return geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(Nobody) == 0 && setuid(Nobody) == 0);
+}
 
 QByteArray RunAsOrdinaryUser(std::function<QByteArray()> const& work)
 {

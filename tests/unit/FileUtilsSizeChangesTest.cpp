@@ -3,6 +3,7 @@
 #include <FolderTestCase.h>
 #include <Folders.h>
 #include <MeasuredSize.h>
+#include <OrdinaryUser.h>
 
 #include <Util/FileUtils.h>
 
@@ -240,7 +241,7 @@ void FileUtilsSizeChangesTest::folderClosedMeanwhileLosesOnlyWhatIsLogged()
     // Only the owner may close it.
     if (geteuid() == 0) {
         for (int level = 0; level < ChainLevels; ++level) {
-            Check(chown(At(Chain(level)).c_str(), 65534, 65534));
+            Check(chown(At(Chain(level)).c_str(), Nobody, Nobody));
         }
     }
 
