@@ -2,6 +2,7 @@
 
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
+#include "Plays.h"
 #include "TemporaryFolders.h"
 
 #include <Util/TemporaryDir.h>
@@ -32,8 +33,6 @@ namespace
 using Util::TemporaryDir;
 
 constexpr int Timeout = 60000; // ms
-
-char const* const playArgument = "--play";
 
 void Tell(QJsonObject const& facts)
 {
@@ -72,7 +71,7 @@ QJsonObject FactsOf(boost::wrapexcept<std::logic_error> const& error)
             {QStringLiteral("line"), *boost::get_error_info<boost::throw_line>(error)}};
 }
 
-class Play
+class StepTaker
 {
 public:
     void Take(QString const& step)
@@ -85,22 +84,22 @@ public:
     }
 
 private:
-    using Step = void (Play::*)(QString const& object);
+    using Step = void (StepTaker::*)(QString const& object);
 
     static std::map<QString, Step> const& Steps()
     {
         static std::map<QString, Step> const steps{
-            {QStringLiteral("no application"), &Play::DropApplication},
-            {QStringLiteral("ordinary user"), &Play::DropPrivileges},
-            {QStringLiteral("name"), &Play::SetName},
-            {QStringLiteral("version"), &Play::SetVersion},
-            {QStringLiteral("temporary folder"), &Play::SetTemporaryFolder},
-            {QStringLiteral("make"), &Play::Make},
-            {QStringLiteral("make on threads"), &Play::MakeOnThreads},
-            {QStringLiteral("put file"), &Play::PutFile},
-            {QStringLiteral("put locked folder"), &Play::PutLockedFolder},
-            {QStringLiteral("remove"), &Play::Remove},
-            {QStringLiteral("await"), &Play::Await},
+            {QStringLiteral("no application"), &StepTaker::DropApplication},
+            {QStringLiteral("ordinary user"), &StepTaker::DropPrivileges},
+            {QStringLiteral("name"), &StepTaker::SetName},
+            {QStringLiteral("version"), &StepTaker::SetVersion},
+            {QStringLiteral("temporary folder"), &StepTaker::SetTemporaryFolder},
+            {QStringLiteral("make"), &StepTaker::Make},
+            {QStringLiteral("make on threads"), &StepTaker::MakeOnThreads},
+            {QStringLiteral("put file"), &StepTaker::PutFile},
+            {QStringLiteral("put locked folder"), &StepTaker::PutLockedFolder},
+            {QStringLiteral("remove"), &StepTaker::Remove},
+            {QStringLiteral("await"), &StepTaker::Await},
         };
         return steps;
     }
@@ -194,12 +193,7 @@ private:
 
 } // namespace
 
-bool IsPlay(int argc, char** argv)
-{
-    return argc > 1 && qstrcmp(argv[1], playArgument) == 0;
-}
-
-int RunPlay(int argc, char** argv)
+int TakeSteps(int argc, char** argv)
 {
     google::InitGoogleLogging(argv[0]);
     google::AddLogSink(&LogWatch::Instance());
@@ -208,9 +202,9 @@ int RunPlay(int argc, char** argv)
     }
     int result = 0;
     try {
-        Play play;
+        StepTaker taker;
         for (int i = 2; i < argc; ++i) {
-            play.Take(QString::fromUtf8(argv[i]));
+            taker.Take(QString::fromUtf8(argv[i]));
         }
     } catch (std::exception const& error) {
         std::fprintf(stderr, "%s\n", error.what());

@@ -23,11 +23,8 @@
 namespace Zelkor::Testing
 {
 
-/// Whether a program's arguments make it the other process.
-bool IsPlay(int argc, char** argv);
-
-/// Takes the steps that the arguments name. Returns what the program is to return.
-int RunPlay(int argc, char** argv);
+/// Takes the steps that the arguments of the other process (see IsPlay) name. Returns what the program is to return.
+int TakeSteps(int argc, char** argv);
 
 /// What the other process told of a directory.
 struct Made

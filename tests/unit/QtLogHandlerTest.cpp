@@ -1,4 +1,5 @@
 #include <LogCapture.h>
+#include <Plays.h>
 #include <TestCase.h>
 
 #include <Util/QtLogHandler.h>
@@ -22,6 +23,8 @@
 
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::LogLine;
+using Zelkor::Testing::Play;
+using Zelkor::Testing::StartPlay;
 using Zelkor::Util::QtLogHandler;
 
 static_assert(!std::is_default_constructible_v<QtLogHandler>);
@@ -40,8 +43,6 @@ Q_DECLARE_METATYPE(QtMsgType)
 
 namespace
 {
-
-char const* const playArgument = "--play";
 
 constexpr int Timeout = 60000;
 
@@ -250,13 +251,7 @@ void PlayLoggingHandler()
     Warn("text");
 }
 
-struct PlayEntry
-{
-    char const* name;
-    void (*run)();
-};
-
-constexpr PlayEntry plays[] = {
+constexpr Play plays[] = {
     {"first use", PlayFirstUse},
     {"first use on many threads", PlayFirstUseOnManyThreads},
     {"no handler before", PlayNoHandlerBefore},
@@ -280,15 +275,7 @@ int RunPlay(int argc, char** argv)
     google::SetStderrLogging(google::GLOG_FATAL);
     static auto* const sink = new TellingSink; // outlives all other static objects
     google::AddLogSink(sink);
-
-    QCoreApplication const application(argc, argv);
-    for (PlayEntry const& play : plays) {
-        if (qstrcmp(play.name, argv[2]) == 0) {
-            play.run();
-            return 0;
-        }
-    }
-    return 1;
+    return Zelkor::Testing::RunPlay(argc, argv, plays);
 }
 
 /// What became of a process that ran a play.
@@ -304,8 +291,7 @@ struct Outcome
 Outcome Run(char const* play)
 {
     QProcess process;
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QString::fromLatin1(playArgument), QString::fromLatin1(play)});
+    StartPlay(process, play);
     if (!process.waitForFinished(Timeout)) {
         return {{QStringLiteral("hangs")}, QString(), false, -1};
     }
@@ -980,10 +966,8 @@ private Q_SLOTS:
 
 int main(int argc, char** argv)
 {
-    if (argc == 3 && qstrcmp(argv[1], playArgument) == 0) {
-        return RunPlay(argc, argv);
-    }
-    return Zelkor::Testing::RunTests<QtLogHandlerTest>(argc, argv, false);
+    return Zelkor::Testing::IsPlay(argc, argv) ? RunPlay(argc, argv)
+                                               : Zelkor::Testing::RunTests<QtLogHandlerTest>(argc, argv, false);
 }
 
 #include "QtLogHandlerTest.moc"

@@ -1,8 +1,8 @@
+#include <Plays.h>
 #include <TestCase.h>
 
 #include <Util/StdStreams.h>
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
@@ -17,6 +17,8 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+using namespace Zelkor::Testing;
 
 static_assert(std::is_base_of_v<QTextStream, ConsoleOutputStream>);
 static_assert(std::is_convertible_v<ConsoleOutputStream*, QTextStream*>); // publicly
@@ -55,8 +57,6 @@ static_assert(std::is_same_v<Written<QLatin1String>, QTextStream&>);
 
 namespace
 {
-
-char const* const playArgument = "--play";
 
 constexpr int Timeout = 60000;
 
@@ -171,13 +171,7 @@ void PlayInputAfterwards()
     std::printf("%d", next);
 }
 
-struct PlayEntry
-{
-    char const* name;
-    void (*run)();
-};
-
-constexpr PlayEntry plays[] = {
+constexpr Play plays[] = {
     {"buffering", PlayBuffering},
     {"writing to both", PlayWritingToBoth},
     {"ending without flush", PlayEndingWithoutFlush},
@@ -188,24 +182,6 @@ constexpr PlayEntry plays[] = {
     {"input afterwards", PlayInputAfterwards},
 };
 
-int RunPlay(int argc, char** argv)
-{
-    QCoreApplication const application(argc, argv);
-    for (PlayEntry const& play : plays) {
-        if (qstrcmp(play.name, argv[2]) == 0) {
-            play.run();
-            return 0;
-        }
-    }
-    return 1;
-}
-
-void Start(QProcess& process, char const* play)
-{
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QString::fromLatin1(playArgument), QString::fromLatin1(play)});
-}
-
 bool EndsWell(QProcess& process)
 {
     bool const ended = process.state() == QProcess::NotRunning || process.waitForFinished(Timeout);
@@ -215,7 +191,7 @@ bool EndsWell(QProcess& process)
 /// Runs a play that finds \a input on its standard input.
 bool Run(QProcess& process, char const* play, QByteArray const& input = QByteArray())
 {
-    Start(process, play);
+    StartPlay(process, play);
     process.write(input);
     process.closeWriteChannel();
     return EndsWell(process);
@@ -519,7 +495,7 @@ private Q_SLOTS:
     void linesAreReadAsTheyCome()
     {
         QProcess process;
-        Start(process, "echo");
+        StartPlay(process, "echo");
         for (QByteArray const& line : {QByteArray("first"), QByteArray("second"), QByteArray("third")}) {
             process.write(line + '\n');
             while (!process.canReadLine() && process.waitForReadyRead(Timeout)) {
@@ -600,10 +576,7 @@ private Q_SLOTS:
 
 int main(int argc, char** argv)
 {
-    if (argc == 3 && qstrcmp(argv[1], playArgument) == 0) {
-        return RunPlay(argc, argv);
-    }
-    return Zelkor::Testing::RunTests<StdStreamsTest>(argc, argv, false);
+    return IsPlay(argc, argv) ? RunPlay(argc, argv, plays) : RunTests<StdStreamsTest>(argc, argv, false);
 }
 
 #include "StdStreamsTest.moc"

@@ -1,5 +1,6 @@
 // What temporary directories clear away of what runs leave behind, also of processes and threads that run at once.
 
+#include <Plays.h>
 #include <TemporaryDirPlay.h>
 #include <TemporaryDirTestCase.h>
 #include <TemporaryFolders.h>
@@ -339,7 +340,7 @@ void TemporaryDirCleanUpTest::isMadeOnManyThreadsAtOnce()
 
 int main(int argc, char** argv)
 {
-    return IsPlay(argc, argv) ? RunPlay(argc, argv) : RunTests<TemporaryDirCleanUpTest>(argc, argv, false);
+    return IsPlay(argc, argv) ? TakeSteps(argc, argv) : RunTests<TemporaryDirCleanUpTest>(argc, argv, false);
 }
 
 #include "TemporaryDirCleanUpTest.moc"

@@ -1,6 +1,7 @@
 // Where no temporary directory is made.
 
 #include <OrdinaryUser.h>
+#include <Plays.h>
 #include <TemporaryDirPlay.h>
 #include <TemporaryDirTestCase.h>
 #include <TemporaryFolders.h>
@@ -292,7 +293,7 @@ void TemporaryDirRefusalTest::isInvalidWithANameThatIsTooLong()
 
 int main(int argc, char** argv)
 {
-    return IsPlay(argc, argv) ? RunPlay(argc, argv) : RunTests<TemporaryDirRefusalTest>(argc, argv, false);
+    return IsPlay(argc, argv) ? TakeSteps(argc, argv) : RunTests<TemporaryDirRefusalTest>(argc, argv, false);
 }
 
 #include "TemporaryDirRefusalTest.moc"

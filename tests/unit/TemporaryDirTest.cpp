@@ -1,5 +1,6 @@
 // Where temporary directories lie, and how they go.
 
+#include <Plays.h>
 #include <TemporaryDirPlay.h>
 #include <TemporaryDirTestCase.h>
 #include <TemporaryFolders.h>
@@ -456,7 +457,7 @@ void TemporaryDirTest::hasNoErrorWhenValid()
 
 int main(int argc, char** argv)
 {
-    return IsPlay(argc, argv) ? RunPlay(argc, argv) : RunTests<TemporaryDirTest>(argc, argv, false);
+    return IsPlay(argc, argv) ? TakeSteps(argc, argv) : RunTests<TemporaryDirTest>(argc, argv, false);
 }
 
 #include "TemporaryDirTest.moc"
