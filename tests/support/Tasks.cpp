@@ -8,14 +8,12 @@
 namespace Zelkor::Testing
 {
 
-using Util::AsyncService;
-
 bool TurnUntilEmpty(AsyncService const& service)
 {
     return QTest::qWaitFor([&] { return service.empty(); }, Patience);
 }
 
-bool TurnUntilGone(AsyncService const& service, AsyncService::Task* task)
+bool TurnUntilGone(AsyncService const& service, Task* task)
 {
     return QTest::qWaitFor([&] { return !service.contains(task); }, Patience);
 }
@@ -26,10 +24,10 @@ void DeliverQueued()
     QCoreApplication::processEvents();
 }
 
-AsyncService::Task* LetWorkerFinish(AsyncService& service)
+Task* LetWorkerFinish(AsyncService& service)
 {
     Gate reached;
-    AsyncService::Task* const last = service.post([&](AsyncService::Reporter*) { reached.Open(); });
+    Task* const last = service.post([&](Reporter*) { reached.Open(); });
     service.run(last);
     reached.Pass();
     return last;

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
@@ -15,6 +16,12 @@
 
 namespace Zelkor::Testing
 {
+
+using Util::AsyncService;
+using Task = AsyncService::Task;
+using Reporter = AsyncService::Reporter;
+using Cancelled = AsyncService::Cancelled;
+using Job = std::function<void(Reporter*)>;
 
 constexpr int Patience = 60000; // ms; only a broken library takes so long
 
@@ -51,17 +58,17 @@ private:
 };
 
 /// Turns the event loop until \a service is empty.
-bool TurnUntilEmpty(Util::AsyncService const& service);
+bool TurnUntilEmpty(AsyncService const& service);
 
 /// Turns the event loop until \a task has completed.
-bool TurnUntilGone(Util::AsyncService const& service, Util::AsyncService::Task* task);
+bool TurnUntilGone(AsyncService const& service, Task* task);
 
 /// Delivers everything that is queued for this thread, and all that this queues in turn.
 void DeliverQueued();
 
 /// Returns when the worker thread has done all that was queued for it so far; the owner thread's events stay queued.
 /// Returns the task that it took for that.
-Util::AsyncService::Task* LetWorkerFinish(Util::AsyncService& service);
+Task* LetWorkerFinish(AsyncService& service);
 
 /// Made to die with a call-back: appends \a name to \a deaths when its last copy goes, and " on another thread" when
 /// that is not the main thread.

@@ -9,15 +9,9 @@
 #include <thread>
 #include <vector>
 
-using Zelkor::Testing::Gate;
-using Zelkor::Testing::LetWorkerFinish;
-using Zelkor::Testing::Patience;
-using Zelkor::Testing::TurnUntilEmpty;
-using Zelkor::Util::AsyncService;
-using Task = AsyncService::Task;
-using Reporter = AsyncService::Reporter;
+using namespace Zelkor::Testing;
 
-class AsyncServiceCancelTest : public Zelkor::Testing::TestCase
+class AsyncServiceCancelTest : public TestCase
 {
     Q_OBJECT
 

@@ -14,19 +14,7 @@
 #include <utility>
 #include <vector>
 
-using Zelkor::Testing::DeliverQueued;
-using Zelkor::Testing::Escape;
-using Zelkor::Testing::LetWorkerFinish;
-using Zelkor::Testing::LogCapture;
-using Zelkor::Testing::MakeWitness;
-using Zelkor::Testing::Patience;
-using Zelkor::Testing::TurnUntilEmpty;
-using Zelkor::Testing::TurnUntilThrown;
-using Zelkor::Util::AsyncService;
-using Task = AsyncService::Task;
-using Reporter = AsyncService::Reporter;
-using Cancelled = AsyncService::Cancelled;
-using Job = std::function<void(Reporter*)>;
+using namespace Zelkor::Testing;
 
 namespace
 {
@@ -52,7 +40,7 @@ using Ending = void (*)(Task* task, std::function<void()> callBack);
 Q_DECLARE_METATYPE(Job)
 Q_DECLARE_METATYPE(Ending)
 
-class AsyncServiceCompletionTest : public Zelkor::Testing::TestCase
+class AsyncServiceCompletionTest : public TestCase
 {
     Q_OBJECT
 

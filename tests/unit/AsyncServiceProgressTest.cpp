@@ -12,20 +12,9 @@
 #include <thread>
 #include <vector>
 
-using Zelkor::Testing::DeliverQueued;
-using Zelkor::Testing::Escape;
-using Zelkor::Testing::Gate;
-using Zelkor::Testing::LetWorkerFinish;
-using Zelkor::Testing::MakeWitness;
-using Zelkor::Testing::Patience;
-using Zelkor::Testing::TurnUntilEmpty;
-using Zelkor::Testing::TurnUntilGone;
-using Zelkor::Testing::TurnUntilThrown;
-using Zelkor::Util::AsyncService;
-using Task = AsyncService::Task;
-using Reporter = AsyncService::Reporter;
+using namespace Zelkor::Testing;
 
-class AsyncServiceProgressTest : public Zelkor::Testing::TestCase
+class AsyncServiceProgressTest : public TestCase
 {
     Q_OBJECT
 

@@ -22,20 +22,7 @@
 #include <utility>
 #include <vector>
 
-using Zelkor::Testing::CatchProgrammingError;
-using Zelkor::Testing::ConnectionRefusal;
-using Zelkor::Testing::DeliverQueued;
-using Zelkor::Testing::Gate;
-using Zelkor::Testing::LetWorkerFinish;
-using Zelkor::Testing::MakeWitness;
-using Zelkor::Testing::ProgrammingError;
-using Zelkor::Testing::TurnUntilEmpty;
-using Zelkor::Testing::TurnUntilGone;
-using Zelkor::Util::AsyncService;
-using Task = AsyncService::Task;
-using Reporter = AsyncService::Reporter;
-using Cancelled = AsyncService::Cancelled;
-using Job = std::function<void(Reporter*)>;
+using namespace Zelkor::Testing;
 
 static_assert(std::is_polymorphic_v<AsyncService> && std::has_virtual_destructor_v<AsyncService>);
 static_assert(!std::is_base_of_v<QObject, AsyncService> && !std::is_final_v<AsyncService>);
@@ -95,7 +82,7 @@ using Misuse = void (*)(AsyncService& service);
 
 Q_DECLARE_METATYPE(Misuse)
 
-class AsyncServiceTest : public Zelkor::Testing::TestCase
+class AsyncServiceTest : public TestCase
 {
     Q_OBJECT
 

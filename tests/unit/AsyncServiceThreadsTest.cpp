@@ -25,18 +25,7 @@
 
 #include <unistd.h>
 
-using Zelkor::Testing::DeliverQueued;
-using Zelkor::Testing::Gate;
-using Zelkor::Testing::LetWorkerFinish;
-using Zelkor::Testing::MakeWitness;
-using Zelkor::Testing::Patience;
-using Zelkor::Testing::TurnUntilEmpty;
-using Zelkor::Testing::TurnUntilGone;
-using Zelkor::Util::AsyncService;
-using Task = AsyncService::Task;
-using Reporter = AsyncService::Reporter;
-using Cancelled = AsyncService::Cancelled;
-using Job = std::function<void(Reporter*)>;
+using namespace Zelkor::Testing;
 
 namespace
 {
@@ -106,7 +95,7 @@ void OnAnotherThread(std::function<void()> const& code)
 
 } // namespace
 
-class AsyncServiceThreadsTest : public Zelkor::Testing::TestCase
+class AsyncServiceThreadsTest : public TestCase
 {
     Q_OBJECT
 
