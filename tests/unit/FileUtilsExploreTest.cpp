@@ -255,22 +255,30 @@ ioPath Io(QByteArray const& path)
 /// The three ways to ask for the same.
 enum class Asking { File, Text, FolderAndFiles };
 
-bool Explore(Asking asking, QByteArray const& folder, QByteArrayList const& files)
+/// What is to be shown: files, and the folder that is opened where they cannot be.
+struct Question
 {
-    if (asking == Asking::File) {
-        return ExploreFile(Io(files.first()));
+    Asking asking;
+    QByteArray folder;
+    QByteArrayList files;
+};
+
+bool Explore(Question const& question)
+{
+    if (question.asking == Asking::File) {
+        return ExploreFile(Io(question.files.first()));
     }
-    if (asking == Asking::Text) {
-        return ExploreSingleFile(QString::fromUtf8(files.first()));
+    if (question.asking == Asking::Text) {
+        return ExploreSingleFile(QString::fromUtf8(question.files.first()));
     }
     std::vector<ioPath> paths;
-    std::transform(files.begin(), files.end(), std::back_inserter(paths), Io);
-    return ExploreFile(Io(folder), paths);
+    std::transform(question.files.begin(), question.files.end(), std::back_inserter(paths), Io);
+    return ExploreFile(Io(question.folder), paths);
 }
 
 } // namespace
 
-Q_DECLARE_METATYPE(Asking)
+Q_DECLARE_METATYPE(Question)
 
 class FileUtilsExploreTest : public Zelkor::Testing::FolderTestCase
 {
@@ -303,37 +311,48 @@ private Q_SLOTS:
 
 private:
     static void AskingRows();
-    static void AskingRow(char const* name, Asking asking, QByteArray const& folder, QByteArrayList const& files);
-};
 
-void FileUtilsExploreTest::AskingRow(char const* name, Asking asking, QByteArray const& folder,
-                                     QByteArrayList const& files)
-{
-    QTest::newRow(name) << asking << folder << files;
-}
+    /// That \a call is one of this method of a file manager, and of no start-up.
+    static void VerifyCall(FileManager::Call const& call, QString const& method);
+
+    /// That \a line warns that \a folder was not opened.
+    static void VerifyWarning(LogLine const& line, QString const& folder);
+};
 
 void FileUtilsExploreTest::AskingRows()
 {
-    QTest::addColumn<Asking>("asking");
-    QTest::addColumn<QByteArray>("folder");
-    QTest::addColumn<QByteArrayList>("files");
-    AskingRow("file", Asking::File, "/no/folder", {"/no/folder/file"});
-    AskingRow("file at the top", Asking::File, "/", {"/file"});
-    AskingRow("file by its text", Asking::Text, "/no/folder", {"/no/folder/file"});
-    AskingRow("file by its text beyond ASCII", Asking::Text, "/no/\xd0\xb8", {"/no/\xd0\xb8/\xf0\x9f\x93\x81 %20"});
-    AskingRow("file in its folder", Asking::FolderAndFiles, "/no/folder", {"/no/folder/file"});
-    AskingRow("file in another folder", Asking::FolderAndFiles, "/no/other", {"/no/folder/file"});
-    AskingRow("files in their order", Asking::FolderAndFiles, "/no/folder",
-              {"/no/folder/c", "/no/folder/a", "/no/folder/b"});
-    AskingRow("file named twice", Asking::FolderAndFiles, "/no/folder", {"/no/folder/a", "/no/folder/a"});
-    AskingRow("files of several folders", Asking::FolderAndFiles, "/no", {"/no/folder/z", "/no/a", "/y"});
+    QTest::addColumn<Question>("question");
+    auto const add = [](char const* name, Question const& question) { QTest::newRow(name) << question; };
+    add("file", {Asking::File, "/no/folder", {"/no/folder/file"}});
+    add("file at the top", {Asking::File, "/", {"/file"}});
+    add("file by its text", {Asking::Text, "/no/folder", {"/no/folder/file"}});
+    add("file by its text beyond ASCII", {Asking::Text, "/no/\xd0\xb8", {"/no/\xd0\xb8/\xf0\x9f\x93\x81 %20"}});
+    add("file in its folder", {Asking::FolderAndFiles, "/no/folder", {"/no/folder/file"}});
+    add("file in another folder", {Asking::FolderAndFiles, "/no/other", {"/no/folder/file"}});
+    add("files in their order",
+        {Asking::FolderAndFiles, "/no/folder", {"/no/folder/c", "/no/folder/a", "/no/folder/b"}});
+    add("file named twice", {Asking::FolderAndFiles, "/no/folder", {"/no/folder/a", "/no/folder/a"}});
+    add("files of several folders", {Asking::FolderAndFiles, "/no", {"/no/folder/z", "/no/a", "/y"}});
+}
+
+void FileUtilsExploreTest::VerifyCall(FileManager::Call const& call, QString const& method)
+{
+    QCOMPARE(call.interface, QStringLiteral("org.freedesktop.FileManager1"));
+    QCOMPARE(call.method, method);
+    QCOMPARE(call.signature, QStringLiteral("ass"));
+    QCOMPARE(call.startupId, QString());
+}
+
+void FileUtilsExploreTest::VerifyWarning(LogLine const& line, QString const& folder)
+{
+    QCOMPARE(line.severity, static_cast<google::LogSeverity>(google::GLOG_WARNING));
+    QCOMPARE(line.file, QStringLiteral("Util/Platforms/linux/FileUtils.cpp"));
+    QVERIFY2(line.text.endsWith(folder), qPrintable(line.text));
 }
 
 void FileUtilsExploreTest::fileManagerIsAskedToShowFiles()
 {
-    QFETCH(Asking, asking);
-    QFETCH(QByteArray, folder);
-    QFETCH(QByteArrayList, files);
+    QFETCH(Question, question);
     if (RanInAnotherProcess()) {
         return;
     }
@@ -342,14 +361,11 @@ void FileUtilsExploreTest::fileManagerIsAskedToShowFiles()
     QVERIFY(manager.isThere);
     Opener const opener;
 
-    QVERIFY(Explore(asking, folder, files));
+    QVERIFY(Explore(question));
 
     QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, Timeout);
-    QCOMPARE(manager.calls[0].interface, QStringLiteral("org.freedesktop.FileManager1"));
-    QCOMPARE(manager.calls[0].method, QStringLiteral("ShowItems"));
-    QCOMPARE(manager.calls[0].signature, QStringLiteral("ass"));
-    QCOMPARE(PathsOf(manager.calls[0].uris), files);
-    QCOMPARE(manager.calls[0].startupId, QString());
+    VerifyCall(manager.calls[0], QStringLiteral("ShowItems"));
+    QCOMPARE(PathsOf(manager.calls[0].uris), question.files);
     QVERIFY(CatchUp(manager));
     QCOMPARE(manager.calls.size(), 1);
     QCOMPARE(opener.urls, QByteArrayList());
@@ -368,11 +384,8 @@ void FileUtilsExploreTest::fileManagerIsAskedToShowTheFolderWithoutFiles()
     QVERIFY(ExploreFile(ioPath("/no/two words"), {}));
 
     QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, Timeout);
-    QCOMPARE(manager.calls[0].interface, QStringLiteral("org.freedesktop.FileManager1"));
-    QCOMPARE(manager.calls[0].method, QStringLiteral("ShowFolders"));
-    QCOMPARE(manager.calls[0].signature, QStringLiteral("ass"));
+    VerifyCall(manager.calls[0], QStringLiteral("ShowFolders"));
     QCOMPARE(manager.calls[0].uris, QStringList{QStringLiteral("file:///no/two%20words")});
-    QCOMPARE(manager.calls[0].startupId, QString());
     QVERIFY(CatchUp(manager));
     QCOMPARE(manager.calls.size(), 1);
     QCOMPARE(opener.urls, QByteArrayList());
@@ -470,9 +483,7 @@ void FileUtilsExploreTest::fileManagerIsLookedForEachTime()
 
 void FileUtilsExploreTest::folderIsOpenedWhenTheFileManagerRefuses()
 {
-    QFETCH(Asking, asking);
-    QFETCH(QByteArray, folder);
-    QFETCH(QByteArrayList, files);
+    QFETCH(Question, question);
     if (RanInAnotherProcess()) {
         return;
     }
@@ -482,10 +493,10 @@ void FileUtilsExploreTest::folderIsOpenedWhenTheFileManagerRefuses()
     QVERIFY(manager.isThere);
     Opener const opener;
 
-    QVERIFY(Explore(asking, folder, files));
+    QVERIFY(Explore(question));
     QCOMPARE(opener.urls, QByteArrayList());
 
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{folder}, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{question.folder}, Timeout);
     QVERIFY(CatchUp(manager));
     QCOMPARE(opener.urls.size(), 1);
     QCOMPARE(manager.calls.size(), 1);
@@ -493,19 +504,17 @@ void FileUtilsExploreTest::folderIsOpenedWhenTheFileManagerRefuses()
 
 void FileUtilsExploreTest::folderIsOpenedWithoutFileManager()
 {
-    QFETCH(Asking, asking);
-    QFETCH(QByteArray, folder);
-    QFETCH(QByteArrayList, files);
+    QFETCH(Question, question);
     if (RanInAnotherProcess()) {
         return;
     }
     SessionBus const bus;
     Opener const opener;
 
-    QVERIFY(Explore(asking, folder, files));
+    QVERIFY(Explore(question));
     QCOMPARE(opener.urls, QByteArrayList());
 
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{folder}, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{question.folder}, Timeout);
     QVERIFY(CatchUp(QDBusConnection::sessionBus()));
     QCOMPARE(opener.urls.size(), 1);
 }
@@ -573,9 +582,7 @@ void FileUtilsExploreTest::anyFolderIsOpened()
 
 void FileUtilsExploreTest::nobodyToAskIsOneWarning()
 {
-    QFETCH(Asking, asking);
-    QFETCH(QByteArray, folder);
-    QFETCH(QByteArrayList, files);
+    QFETCH(Question, question);
     if (RanInAnotherProcess()) {
         return;
     }
@@ -583,12 +590,10 @@ void FileUtilsExploreTest::nobodyToAskIsOneWarning()
     LogCapture const log;
     ExpectQtWarning(NothingOpens());
 
-    QVERIFY(!Explore(asking, folder, files));
+    QVERIFY(!Explore(question));
 
     QCOMPARE(log.Lines().size(), 1);
-    QCOMPARE(log.Lines()[0].severity, static_cast<google::LogSeverity>(google::GLOG_WARNING));
-    QCOMPARE(log.Lines()[0].file, QStringLiteral("Util/Platforms/linux/FileUtils.cpp"));
-    QVERIFY2(log.Lines()[0].text.endsWith(QString::fromUtf8(folder)), qPrintable(log.Lines()[0].text));
+    VerifyWarning(log.Lines()[0], QString::fromUtf8(question.folder));
 }
 
 void FileUtilsExploreTest::nobodyAfterTheBusIsOneWarning()
@@ -604,9 +609,7 @@ void FileUtilsExploreTest::nobodyAfterTheBusIsOneWarning()
     QCOMPARE(log.Lines().size(), 0);
 
     QTRY_COMPARE_WITH_TIMEOUT(log.Lines().size(), 1, Timeout);
-    QCOMPARE(log.Lines()[0].severity, static_cast<google::LogSeverity>(google::GLOG_WARNING));
-    QCOMPARE(log.Lines()[0].file, QStringLiteral("Util/Platforms/linux/FileUtils.cpp"));
-    QVERIFY2(log.Lines()[0].text.endsWith(QStringLiteral("/no/folder")), qPrintable(log.Lines()[0].text));
+    VerifyWarning(log.Lines()[0], QStringLiteral("/no/folder"));
     QVERIFY(CatchUp(QDBusConnection::sessionBus()));
     QCOMPARE(log.Lines().size(), 1);
 }
