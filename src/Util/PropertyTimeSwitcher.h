@@ -42,7 +42,7 @@ public:
     void updateValue();
 
 public Q_SLOTS:
-    /// Tells the current \a time, and writes the property when its value changes with that.
+    /// Sets the current \a time, and updates the value, see updateValue().
     void setCurrentTime(int time);
 
 private:
