@@ -2,6 +2,7 @@
 
 #include <Base/Throw.h>
 #include <Util/FunctorExecutionForwarder.h>
+#include <Util/RunningForwarder.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMap>
@@ -31,6 +32,15 @@ struct AsyncService::Impl
 {
     class Delivery;
 
+    /// What it calls finds back to its service.
+    struct OwnerForwarder : FunctorExecutionForwarder
+    {
+        explicit OwnerForwarder(Impl* service)
+            : impl(service)
+        {}
+        Impl* const impl;
+    };
+
     Impl();
     ~Impl();
 
@@ -46,7 +56,7 @@ struct AsyncService::Impl
     QMap<Task*, Reporter*> tasks;
     QScopedPointer<QThread> thread;
     FunctorExecutionForwarder workerForwarder;
-    FunctorExecutionForwarder ownerForwarder;
+    OwnerForwarder ownerForwarder;
 
     // Reporters that a second post() replaced: a queued job may still hold them.
     std::vector<std::unique_ptr<Reporter>> replaced;
@@ -107,6 +117,7 @@ private:
 
 AsyncService::Impl::Impl()
     : thread(new QThread)
+    , ownerForwarder(this)
 {
     thread->setObjectName(QStringLiteral("AsyncService"));
     workerForwarder.moveToThread(thread.data());
@@ -252,8 +263,9 @@ void AsyncService::attach(QObject* object)
 
 void AsyncService::report(Task* task, int value)
 {
-    Impl* const service = impl.get();
-    service->ownerForwarder.Forward([service, task, value] { service->Deliver(task, value); });
+    // With the service in it, a functor would need memory of its own, which one thread takes and the other gives back.
+    impl->ownerForwarder.Forward(
+        [task, value] { static_cast<Impl::OwnerForwarder*>(RunningForwarder())->impl->Deliver(task, value); });
 }
 
 } // namespace Zelkor::Util
