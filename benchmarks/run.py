@@ -313,7 +313,7 @@ class Runner:
 
     # A core has slow moments of a second or so, which are not ours. Many short samples meet them in equal shares; few
     # long ones make a median jump between the two paces.
-    def benchmark(self, results, name, *arguments, repetitions, min_time=0.02):
+    def benchmark(self, results, name, *arguments, repetitions=201, min_time=0.005):
         print(f"{name} ...", file=sys.stderr, flush=True)
         self.command(
             [
@@ -331,17 +331,17 @@ class Runner:
 
     def run(self):
         results = Results()
-        self.benchmark(results, "ForwardingBenchmark", repetitions=61)
-        self.benchmark(results, "TaskBenchmark", repetitions=45, min_time=0.05)
-        self.benchmark(results, "FormatBenchmark", repetitions=201, min_time=0.005)
+        self.benchmark(results, "ForwardingBenchmark")
+        self.benchmark(results, "TaskBenchmark")
+        self.benchmark(results, "FormatBenchmark")
         self.benchmark(results, "LoadBenchmark", f"--library={self.shared_object}", repetitions=101, min_time=0.001)
         self.benchmark(results, "PathSizeBenchmark", f"--trees={self.trees}", f"--scale={self.scale}", repetitions=5)
-        self.benchmark(results, "LogBenchmark", repetitions=201, min_time=0.005)
+        self.benchmark(results, "LogBenchmark")
         self.benchmark(results, "RemovalBenchmark", repetitions=21)
-        self.benchmark(results, "ObserverBenchmark", repetitions=201, min_time=0.005)
-        self.benchmark(results, "ModelBenchmark", repetitions=201, min_time=0.005)
+        self.benchmark(results, "ObserverBenchmark")
+        self.benchmark(results, "ModelBenchmark")
         self.benchmark(results, "ConnectorBenchmark", repetitions=3)
-        self.benchmark(results, "WidgetBenchmark", repetitions=201)
+        self.benchmark(results, "WidgetBenchmark", min_time=0.02)
         for tree in TREES:
             self.subtract_start(results, tree, "Du", "ProcessStart")
         self.subtract_start(results, "Removal", "Rm", "RemovalStart")

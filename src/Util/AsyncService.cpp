@@ -2,10 +2,10 @@
 
 #include <Base/Throw.h>
 #include <Util/FunctorExecutionForwarder.h>
-#include <Util/RunningForwarder.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMap>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QScopedPointer>
 #include <QtCore/QThread>
 
@@ -32,13 +32,28 @@ struct AsyncService::Impl
 {
     class Delivery;
 
-    /// What it calls finds back to its service.
-    struct OwnerForwarder : FunctorExecutionForwarder
+    /// Tells the functors that it calls whose they are.
+    class OwnerForwarder : public FunctorExecutionForwarder
     {
+    public:
         explicit OwnerForwarder(Impl* service)
-            : impl(service)
+            : service_(service)
         {}
-        Impl* const impl;
+
+        /// The service whose functor the calling thread is in.
+        static Impl* Calling() { return g_calling; }
+
+    protected:
+        bool event(QEvent* event) override
+        {
+            auto const restore = qScopeGuard([outer = std::exchange(g_calling, service_)] { g_calling = outer; });
+            return FunctorExecutionForwarder::event(event);
+        }
+
+    private:
+        static thread_local Impl* g_calling;
+
+        Impl* const service_;
     };
 
     Impl();
@@ -114,6 +129,8 @@ private:
     Delivery* outer_;
     std::unique_ptr<Task> completed_;
 };
+
+thread_local AsyncService::Impl* AsyncService::Impl::OwnerForwarder::g_calling = nullptr;
 
 AsyncService::Impl::Impl()
     : thread(new QThread)
@@ -264,8 +281,7 @@ void AsyncService::attach(QObject* object)
 void AsyncService::report(Task* task, int value)
 {
     // With the service in it, a functor would need memory of its own, which one thread takes and the other gives back.
-    impl->ownerForwarder.Forward(
-        [task, value] { static_cast<Impl::OwnerForwarder*>(RunningForwarder())->impl->Deliver(task, value); });
+    impl->ownerForwarder.Forward([task, value] { Impl::OwnerForwarder::Calling()->Deliver(task, value); });
 }
 
 } // namespace Zelkor::Util

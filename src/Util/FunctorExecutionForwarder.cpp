@@ -1,25 +1,11 @@
 #include <Util/FunctorExecutionForwarder.h>
 
 #include <Base/Throw.h>
-#include <Util/RunningForwarder.h>
-
-#include <QtCore/QScopeGuard>
 
 #include <utility>
 
 namespace Zelkor::Util
 {
-namespace
-{
-
-thread_local FunctorExecutionForwarder* g_running = nullptr;
-
-} // namespace
-
-FunctorExecutionForwarder* RunningForwarder()
-{
-    return g_running;
-}
 
 FunctorExecutionForwarder::FunctorExecutionForwarder()
 {
@@ -38,7 +24,6 @@ void FunctorExecutionForwarder::Forward(std::function<void()> functor) const
 // By reference: the queue's own copy is the one that runs.
 void FunctorExecutionForwarder::OnExecuteFunctor(FunctorType const& f)
 {
-    auto const restore = qScopeGuard([outer = std::exchange(g_running, this)] { g_running = outer; });
     f();
 }
 
