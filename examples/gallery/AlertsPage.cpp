@@ -106,8 +106,7 @@ AlertsPage::AlertsPage(QWidget* parent)
     spacingBox_->setSuffix(tr(" px"));
 
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(NewForm());
     column->addWidget(showButton_, 0, Qt::AlignLeft);
     column->addStretch();
@@ -174,7 +173,7 @@ void AlertsPage::ShowSample()
     linkBox_->setChecked(true);
     openerBox_->setChecked(true);
     answerLabel_->Show(QStringLiteral("buttonOk"));
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 std::vector<SampleDialog> AlertsPage::SampleDialogs()

@@ -120,8 +120,7 @@ void ConnectionsPage::LayOut()
     lists->addWidget(timeline_, 1);
 
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(NewControls());
     column->addLayout(NewForm());
     column->addWidget(
@@ -193,7 +192,7 @@ void ConnectionsPage::ShowSample()
     Register({1, false, balance, false});
     Register({3, true, balance, false});
     controls_.front()->setValue(SampleValue);
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 } // namespace Zelkor::Gallery

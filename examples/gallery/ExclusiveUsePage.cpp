@@ -30,8 +30,7 @@ ExclusiveUsePage::ExclusiveUsePage(QWidget* parent)
     holderLabel_ = AddValueRow(form, tr("The device is held by"));
 
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(players);
     column->addLayout(form);
     column->addWidget(timeline_, 1);
@@ -111,7 +110,7 @@ void ExclusiveUsePage::ShowSample()
     players_[1].client->use();
     players_[1].client->finalize();
     players_[2].client->use();
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 } // namespace Zelkor::Gallery

@@ -34,9 +34,9 @@ struct FolderTotals
 
 /// Measures the entries of a folder one after another on a worker thread, each as one task of an AsyncService.
 ///
-/// Needs an event loop on its thread, where all signals are emitted. To be destroyed when BecameIdle() has been emitted,
-/// as a window that is closed waits for it. Destroyed while it IsBusy(), it waits for the entry that is being measured,
-/// and the tasks of the others are never freed; it must not be destroyed in a slot of its own signals.
+/// Needs an event loop on its thread, where all signals are emitted. To be destroyed when BecameIdle() has been
+/// emitted, as a window that is closed waits for it. Destroyed while it IsBusy(), it waits for the entry that is being
+/// measured, and the tasks of the others are never freed; it must not be destroyed in a slot of its own signals.
 class FolderMeasurer : public QObject
 {
     Q_OBJECT

@@ -146,8 +146,7 @@ void FolderSizesPage::LayOut()
     progressRow->addWidget(cancelButton_);
 
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(folderRow);
     column->addWidget(messageBar_);
     column->addWidget(table_, 1);

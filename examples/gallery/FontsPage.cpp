@@ -98,8 +98,7 @@ void FontsPage::LayOut()
     sample_->setAlignment(Qt::AlignCenter);
 
     auto* const grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(Spacing);
+    SetUpPageLayout(grid);
     grid->addLayout(buttons, 0, 0);
     grid->addWidget(added_, 1, 0);
     grid->addLayout(choice, 0, 1);
@@ -176,7 +175,7 @@ void FontsPage::ShowFamily()
 void FontsPage::ShowSample()
 {
     AddFont(AnyFontFile());
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 } // namespace Zelkor::Gallery

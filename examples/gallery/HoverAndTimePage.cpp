@@ -34,8 +34,7 @@ HoverAndTimePage::HoverAndTimePage(QWidget* parent)
     : Page(parent)
 {
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addWidget(NewTiles());
     column->addWidget(NewPlayBar());
     column->addStretch();
@@ -138,7 +137,7 @@ void HoverAndTimePage::ShowSample()
     slider_->setValue(SampleTime);
     QEvent enter(QEvent::Enter);
     QApplication::sendEvent(tiles_.front(), &enter);
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 } // namespace Zelkor::Gallery

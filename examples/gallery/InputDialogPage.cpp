@@ -41,8 +41,7 @@ InputDialogPage::InputDialogPage(QWidget* parent)
     row->addWidget(addButton_);
     row->addWidget(outcomeLabel_, 1);
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addWidget(NewHint(tr("The dialog refuses what is no name of a file, and warns of a name that is taken.")));
     column->addLayout(row);
     column->addWidget(films_, 1);
@@ -100,7 +99,7 @@ void InputDialogPage::ShowSample()
 {
     films_->addItem(tr("The garden"));
     outcomeLabel_->Show(tr("Added “%1”").arg(tr("The garden")), Tone::Good);
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 std::vector<SampleDialog> InputDialogPage::SampleDialogs()

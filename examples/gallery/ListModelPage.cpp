@@ -56,8 +56,7 @@ ListModelPage::ListModelPage(QWidget* parent)
           Titles().keys(), [](QString const& uid) { return Titles().value(uid); }, this))
 {
     auto* const grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(Spacing);
+    SetUpPageLayout(grid);
     grid->addWidget(NewHint(tr("Both lists show one model. A click is written to it, and it tells the counters that "
                                "are checked.")),
                     0, 0, 1, 2);
@@ -117,7 +116,7 @@ void ListModelPage::ShowSample()
         model_->setData(model_->index(row), true, SimpleModel::Click);
     }
     view_->setCurrentIndex(model_->index(0));
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 } // namespace Zelkor::Gallery

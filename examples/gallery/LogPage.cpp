@@ -113,8 +113,7 @@ void LogPage::SetUpTable()
 void LogPage::LayOut()
 {
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(NewMessageRow());
     column->addLayout(NewTextFilterRow());
     column->addLayout(NewTypeFilterRow());
@@ -212,7 +211,7 @@ void LogPage::ShowSample()
     positionBox_->setChecked(false);
     RaiseSample(Warning, Window, tr("The theme has no icon for “go-up”"));
     RaiseSample(Info, Window, tr("The window was restored"));
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 void LogPage::RaiseSample(int type, int category, QString const& text)

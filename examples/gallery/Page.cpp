@@ -17,4 +17,9 @@ bool Page::IsBusy() const
     return false;
 }
 
+void Page::SampleIsComplete()
+{
+    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+}
+
 } // namespace Zelkor::Gallery

@@ -51,6 +51,10 @@ Q_SIGNALS:
 
     /// IsBusy() has turned false.
     void BecameIdle();
+
+protected:
+    /// Emits SampleShown() when the event loop turns next.
+    void SampleIsComplete();
 };
 
 } // namespace Gallery

@@ -96,8 +96,7 @@ void PathsPage::LayOut()
     pathRow->addWidget(exploreButton_);
 
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(pathRow);
     column->addWidget(NewHint(tr("Each check creates the folder and removes it again, and with it parents that are "
                                  "empty then.")));
@@ -148,7 +147,7 @@ void PathsPage::SetFolder(ioPath const& folder)
 void PathsPage::ShowSample()
 {
     Check();
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 void PathsPage::showEvent(QShowEvent* event)

@@ -68,8 +68,7 @@ void PlacementPage::LayOut()
     centreLabel_ = AddValueRow(form, tr("Where it would be centred"));
     parentLabel_ = AddValueRow(form, tr("Parent of a dialog without one"));
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(buttons);
     column->addLayout(form);
     column->addWidget(screens_, 1);
@@ -133,7 +132,7 @@ bool PlacementPage::eventFilter(QObject* watched, QEvent* event)
 void PlacementPage::ShowSample()
 {
     Update();
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 std::vector<SampleDialog> PlacementPage::SampleDialogs()

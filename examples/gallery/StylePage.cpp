@@ -58,8 +58,7 @@ StylePage::StylePage(QWidget* parent)
     row->addWidget(NewPopUps(), 1);
     row->addWidget(NewColours(), 1);
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addWidget(NewMessages());
     column->addLayout(row);
     column->addStretch();
@@ -147,7 +146,7 @@ QGroupBox* StylePage::NewColours()
 void StylePage::ShowSample()
 {
     levelBox_->setCurrentIndex(levelBox_->findData(static_cast<int>(MessageLevel::Warning)));
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 std::vector<SampleDialog> StylePage::SampleDialogs()

@@ -65,8 +65,7 @@ void TemporaryFolderPage::LayOut()
     buttons->addWidget(outcomeLabel_, 1);
 
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(form);
     column->addLayout(buttons);
     column->addWidget(dirs_, 1);
@@ -88,7 +87,7 @@ void TemporaryFolderPage::ShowSample()
     AddFile();
     cleanUp_->MakeFiles();
     cleanUp_->CleanUp();
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 void TemporaryFolderPage::AddDir()

@@ -46,8 +46,7 @@ UndoPage::UndoPage(QWidget* parent)
     lists->addWidget(view_, 1);
     lists->addWidget(timeline_, 1);
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addLayout(NewTools());
     column->addLayout(form);
     column->addLayout(lists, 1);
@@ -148,7 +147,7 @@ void UndoPage::ShowSample()
     handlers_.undo();
     handlers_.redo();
     handlers_.undo();
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 std::vector<SampleDialog> UndoPage::SampleDialogs()

@@ -47,8 +47,7 @@ VersionsAndValidatorsPage::VersionsAndValidatorsPage(QWidget* parent)
     validators->addWidget(fileName_);
 
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Spacing);
+    SetUpPageLayout(column);
     column->addWidget(versions_);
     column->addLayout(validators, 1);
     setFocusProxy(versions_);
@@ -59,7 +58,7 @@ void VersionsAndValidatorsPage::ShowSample()
     versions_->ShowVersions(QStringLiteral("3.1.2.405"), QStringLiteral("3.10"));
     email_->Choose(0);
     fileName_->Choose(FileNameSamples().size() - 1);
-    QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
+    SampleIsComplete();
 }
 
 } // namespace Zelkor::Gallery

@@ -20,6 +20,12 @@ struct Text
 
 } // namespace
 
+void SetUpPageLayout(QLayout* layout)
+{
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(Spacing);
+}
+
 void SetUpTable(QTableView* table)
 {
     table->setAlternatingRowColors(true);

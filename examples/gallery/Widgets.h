@@ -10,6 +10,7 @@ QT_BEGIN_NAMESPACE
 class QAction;
 class QFormLayout;
 class QLabel;
+class QLayout;
 class QTableView;
 class QTableWidget;
 class QTableWidgetItem;
@@ -26,6 +27,9 @@ class StatusLabel;
 
 /// Pixels between widgets.
 constexpr int Spacing = 8;
+
+/// The layout of a page: the window has the margins.
+void SetUpPageLayout(QLayout* layout);
 
 /// A table of rows that are selected as a whole, without a grid.
 void SetUpTable(QTableView* table);
