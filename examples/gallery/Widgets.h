@@ -43,7 +43,7 @@ QTableWidgetItem* NewCell(QString const& text);
 /// A button for \a action that shows its text.
 QToolButton* NewActionButton(QAction* action);
 
-/// A short explanation that steps back behind the rest.
+/// A short explanation, in lines as wide as the page.
 QLabel* NewHint(QString const& text);
 
 /// Appends a row with \a title to \a form and returns the label of its value.
