@@ -1,26 +1,21 @@
+#include <ConnectorTestCase.h>
 #include <LogCapture.h>
-#include <TestCase.h>
 
 #include <Util/ObjectsConnector.h>
 
 #include <QtCore/QMetaMethod>
-#include <QtCore/QProcess>
 #include <QtTest/QtTest>
 
 #include <chrono>
-#include <cstdlib>
 #include <future>
 #include <memory>
-#include <optional>
 #include <string>
-#include <thread>
 #include <type_traits>
 #include <utility>
 
-#include <unistd.h>
-
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::LogLine;
+using Zelkor::Testing::Party;
 using Zelkor::Util::ObjectsConnector;
 
 using Register = void (*)(QString const&, QObject*, QString const&, bool);
@@ -41,47 +36,6 @@ static_assert(std::is_same_v<decltype(&ObjectsConnector::unregisterReceiver), Un
 static_assert(std::is_same_v<decltype(Zelkor::Util::TYPE_SIGNAL), std::string const>);
 static_assert(std::is_same_v<decltype(Zelkor::Util::TYPE_SLOT), std::string const>);
 
-/// Sends and receives, and notes what it receives and which of its signals become connected and disconnected.
-class Party : public QObject
-{
-    Q_OBJECT
-
-public:
-    static inline QStringList log; // of what all of them receive
-
-    Party(char const* name)
-        : name_(QString::fromLatin1(name))
-    {}
-
-    QStringList const& Connected() const { return connected_; }
-    QStringList const& Disconnected() const { return disconnected_; }
-    int DestructionHandlers() const { return receivers(SIGNAL(destroyed(QObject*))); }
-
-Q_SIGNALS:
-    void Changed();
-    void ValueChanged(int value);
-
-public Q_SLOTS:
-    void Note() { log += name_; }
-    void Set(int value) { log += name_ + QLatin1Char('=') + QString::number(value); }
-
-protected:
-    void connectNotify(QMetaMethod const& signal) override { Add(connected_, signal); }
-    void disconnectNotify(QMetaMethod const& signal) override { Add(disconnected_, signal); }
-
-private:
-    static void Add(QStringList& list, QMetaMethod const& signal)
-    {
-        if (signal.enclosingMetaObject() == &staticMetaObject) {
-            list += QString::fromUtf8(signal.methodSignature());
-        }
-    }
-
-    QString name_;
-    QStringList connected_;
-    QStringList disconnected_;
-};
-
 /// Tells which thread its slot ran on.
 class ThreadTeller : public QObject
 {
@@ -101,46 +55,6 @@ namespace
 {
 
 constexpr auto Patience = std::chrono::seconds(10);
-constexpr auto LastObjectVariable = "ZQTUTIL_TEST_LAST_OBJECT";
-
-QString const Id = QStringLiteral("volume");
-QString const Changed = QStringLiteral("Changed()");
-QString const ValueChanged = QStringLiteral("ValueChanged(int)");
-QString const Note = QStringLiteral("Note()");
-QString const Set = QStringLiteral("Set(int)");
-
-void RegisterEmitter(Party& party, QString const& signal = Changed)
-{
-    ObjectsConnector::registerEmitter(Id, &party, signal);
-}
-
-void RegisterReceiver(Party& party, QString const& slot = Note)
-{
-    ObjectsConnector::registerReceiver(Id, &party, slot);
-}
-
-void UnregisterEmitter(Party& party, QString const& signal = Changed)
-{
-    ObjectsConnector::unregisterEmitter(Id, &party, signal);
-}
-
-void UnregisterReceiver(Party& party, QString const& slot = Note)
-{
-    ObjectsConnector::unregisterReceiver(Id, &party, slot);
-}
-
-/// What arrives at the slots, in order, when \a party sends.
-QStringList Heard(Party& party)
-{
-    Party::log.clear();
-    Q_EMIT party.Changed();
-    return std::exchange(Party::log, {});
-}
-
-QStringList Words(char const* words)
-{
-    return QString::fromLatin1(words).split(QLatin1Char(' '));
-}
 
 QRegularExpression Literally(QString const& text)
 {
@@ -166,7 +80,7 @@ constexpr Operation operations[] = {
      QMetaMethod::Private, false},
 };
 
-/// Signatures that Qt does not connect, and what it says, in UTF-8.
+/// Signatures that Qt does not connect, and what it says of class Party, in UTF-8.
 struct Misfit
 {
     char const* name;
@@ -194,16 +108,13 @@ constexpr Misfit misfits[] = {
      "Incompatible sender/receiver arguments\n        Party::Changed() --> Party::Set(int)"},
 };
 
-using Call = void (*)();
-
-void AddSides(char const* emitter, char const* receiver)
+QString Warning(Misfit const& misfit)
 {
-    QTest::addColumn<bool>("isEmitter");
-    QTest::newRow(emitter) << true;
-    QTest::newRow(receiver) << false;
+    return QString::fromUtf8(misfit.warning)
+        .replace(QLatin1String("Party"), QLatin1String(Party::staticMetaObject.className()));
 }
 
-int RegisterAnObjectThatEndsLast();
+using Call = void (*)();
 
 } // namespace
 
@@ -211,7 +122,7 @@ Q_DECLARE_METATYPE(Operation)
 Q_DECLARE_METATYPE(Misfit)
 Q_DECLARE_METATYPE(Call)
 
-class ObjectsConnectorTest : public Zelkor::Testing::TestCase
+class ObjectsConnectorTest : public Zelkor::Testing::ConnectorTestCase
 {
     Q_OBJECT
 
@@ -499,19 +410,6 @@ private Q_SLOTS:
         QCOMPARE(Heard(*emitter_), Words("receiver both"));
     }
 
-    void neverDisconnectsAnObjectFromItself()
-    {
-        Party both("both");
-        RegisterEmitter(both);
-        RegisterReceiver(both);
-        QVERIFY(QObject::connect(&both, SIGNAL(Changed()), &both, SLOT(Note())));
-        UnregisterReceiver(both);
-        RegisterReceiver(both);
-        UnregisterEmitter(both);
-        QCOMPARE(both.Disconnected(), QStringList());
-        QCOMPARE(Heard(both), Words("both"));
-    }
-
     void takesSignaturesWithAndWithoutTheirCode_data()
     {
         QTest::addColumn<QString>("signal");
@@ -573,8 +471,7 @@ private Q_SLOTS:
         Party second("second");
         Party third("third");
         Party fourth("fourth");
-        QRegularExpression const once =
-            Literally(QStringLiteral("QObject::connect: ") + QString::fromUtf8(misfit.warning));
+        QRegularExpression const once = Literally(QStringLiteral("QObject::connect: ") + Warning(misfit));
         RegisterReceiver(first, slot);
         ExpectQtWarning(once); // for the first receiver
         RegisterEmitter(second, signal);
@@ -586,110 +483,18 @@ private Q_SLOTS:
         QCOMPARE(second.Connected() + fourth.Connected(), QStringList());
     }
 
-    void unregisteringDisconnectsAndForgets_data() { AddSides("emitter", "receiver"); }
-
-    void unregisteringDisconnectsAndForgets()
-    {
-        QFETCH(bool, isEmitter);
-        Party receivers[] = {{"receiver1"}, {"receiver2"}};
-        Party emitters[] = {{"emitter1"}, {"emitter2"}};
-        for (int i : {0, 1}) {
-            RegisterReceiver(receivers[i]);
-            RegisterEmitter(emitters[i]);
-        }
-        isEmitter ? UnregisterEmitter(emitters[0]) : UnregisterReceiver(receivers[0]);
-        QStringList const all = Words("receiver1 receiver2");
-        QStringList const second = Words("receiver2");
-        QCOMPARE(Heard(emitters[0]), isEmitter ? QStringList() : second);
-        QCOMPARE(Heard(emitters[1]), isEmitter ? all : second);
-
-        Party newEmitter("newemitter");
-        Party newReceiver("newreceiver");
-        RegisterEmitter(newEmitter);
-        QCOMPARE(Heard(newEmitter), isEmitter ? all : second);
-        RegisterReceiver(newReceiver);
-        QCOMPARE(emitters[0].Connected().size(), isEmitter ? 2 : 3);
-        QCOMPARE(emitters[1].Connected().size(), 3);
-    }
-
-    void unregisteringLeavesOtherSignaturesAlone()
-    {
-        RegisterEmitter(*emitter_, Changed);
-        RegisterEmitter(*emitter_, ValueChanged);
-        RegisterReceiver(*receiver_, Note);
-        UnregisterEmitter(*emitter_, ValueChanged);
-        QCOMPARE(emitter_->Disconnected(), QStringList{ValueChanged});
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-        ExpectQtWarning(QRegularExpression(QStringLiteral("Changed\\(\\) --> Party::Set\\(int\\)$")));
-        RegisterReceiver(*receiver_, Set);
-        UnregisterReceiver(*receiver_, Set);
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-        Party late("late");
-        RegisterEmitter(late);
-        QCOMPARE(Heard(late), Words("receiver"));
-    }
-
-    void unregisteringAStrangerChangesNothing()
-    {
-        Party stranger("stranger");
-        RegisterReceiver(*receiver_);
-        RegisterEmitter(*emitter_);
-        UnregisterReceiver(stranger);
-        UnregisterEmitter(stranger);
-        UnregisterReceiver(*emitter_);
-        UnregisterEmitter(*receiver_);
-        QCOMPARE(emitter_->Disconnected(), QStringList());
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-        Party late("late");
-        RegisterEmitter(late);
-        RegisterReceiver(late);
-        QCOMPARE(Heard(late), Words("receiver"));
-        QCOMPARE(Heard(*emitter_), Words("receiver late"));
-    }
-
-    void unregisteringAStrangerDisconnectsIt_data() { AddSides("emitter", "receiver"); }
-
-    void unregisteringAStrangerDisconnectsIt()
-    {
-        QFETCH(bool, isEmitter);
-        Party stranger("stranger");
-        if (isEmitter) {
-            RegisterReceiver(*receiver_);
-            QVERIFY(connect(&stranger, SIGNAL(Changed()), &*receiver_, SLOT(Note())));
-            UnregisterEmitter(stranger);
-            QCOMPARE(Heard(stranger), QStringList());
-        } else {
-            RegisterEmitter(*emitter_);
-            QVERIFY(connect(&*emitter_, SIGNAL(Changed()), &stranger, SLOT(Note())));
-            UnregisterReceiver(stranger);
-            QCOMPARE(Heard(*emitter_), QStringList());
-        }
-    }
-
-    void registersAgainAfterUnregistering()
-    {
-        RegisterReceiver(*receiver_);
-        RegisterEmitter(*emitter_);
-        UnregisterEmitter(*emitter_);
-        RegisterEmitter(*emitter_);
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-        UnregisterReceiver(*receiver_);
-        RegisterReceiver(*receiver_);
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-    }
-
     // Every entry is a connection attempt, and one that fails is a warning.
     void keepsAnEntryForEachRegistration()
     {
-        QRegularExpression const warning(QStringLiteral("No such slot Party::Unknown\\(\\)$"));
+        QRegularExpression const warning(QStringLiteral("No such slot Zelkor::Testing::Party::Unknown\\(\\)$"));
         RegisterReceiver(*receiver_, QStringLiteral("Unknown()"));
         RegisterReceiver(*receiver_, QStringLiteral("1Unknown()"));
         ExpectQtWarning(warning);
         ExpectQtWarning(warning);
         RegisterEmitter(*emitter_);
         RegisterEmitter(*receiver_); // itself: no attempt
-        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
-        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Zelkor::Testing::Party::Gone\\(\\)$")));
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Zelkor::Testing::Party::Gone\\(\\)$")));
         RegisterEmitter(*emitter_, QStringLiteral("Gone()"));
     }
 
@@ -697,114 +502,9 @@ private Q_SLOTS:
     {
         RegisterEmitter(*emitter_, QStringLiteral("Gone()"));
         RegisterEmitter(*emitter_, QStringLiteral("2Gone()"));
-        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
-        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Party::Gone\\(\\)$")));
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Zelkor::Testing::Party::Gone\\(\\)$")));
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such signal Zelkor::Testing::Party::Gone\\(\\)$")));
         RegisterReceiver(*receiver_);
-    }
-
-    void unregisteringOnceForgetsDuplicates_data() { AddSides("emitter", "receiver"); }
-
-    void unregisteringOnceForgetsDuplicates()
-    {
-        QFETCH(bool, isEmitter);
-        for (int times = 0; times < 2; ++times) {
-            RegisterReceiver(*receiver_);
-            RegisterEmitter(*emitter_);
-        }
-        isEmitter ? UnregisterEmitter(*emitter_) : UnregisterReceiver(*receiver_);
-        QCOMPARE(Heard(*emitter_), QStringList());
-        isEmitter ? RegisterReceiver(*receiver_) : RegisterEmitter(*emitter_);
-        QCOMPARE(Heard(*emitter_), QStringList());
-        QCOMPARE(emitter_->Connected().size(), 1);
-    }
-
-    void watchesForTheEndOncePerRegistration()
-    {
-        Party party("party");
-        int const none = party.DestructionHandlers();
-        RegisterReceiver(party);
-        QCOMPARE(party.DestructionHandlers(), none + 1);
-        RegisterReceiver(party);
-        QCOMPARE(party.DestructionHandlers(), none + 2);
-        UnregisterReceiver(party);
-        QCOMPARE(party.DestructionHandlers(), none + 2);
-        RegisterEmitter(party);
-        UnregisterEmitter(party);
-        QCOMPARE(party.DestructionHandlers(), none + 3);
-    }
-
-    // A successor at the same address would be taken for the object that was destroyed.
-    void forgetsADestroyedReceiver()
-    {
-        Party survivor("survivor");
-        RegisterReceiver(*receiver_);
-        RegisterReceiver(*receiver_, Set);
-        RegisterReceiver(*receiver_);
-        RegisterReceiver(survivor);
-        receiver_.reset();
-        receiver_.emplace("successor");
-        RegisterEmitter(*emitter_);
-        QCOMPARE(emitter_->Connected(), QStringList{Changed});
-        QCOMPARE(Heard(*emitter_), Words("survivor"));
-    }
-
-    void forgetsADestroyedEmitter()
-    {
-        Party survivor("survivor");
-        RegisterEmitter(*emitter_);
-        RegisterEmitter(*emitter_, ValueChanged);
-        RegisterEmitter(survivor);
-        ObjectsConnector::registerEmitter(QStringLiteral("balance"), &*emitter_, Changed);
-        emitter_.reset();
-        emitter_.emplace("successor");
-        RegisterReceiver(*receiver_);
-        ObjectsConnector::registerReceiver(QStringLiteral("balance"), &*receiver_, Note);
-        QCOMPARE(emitter_->Connected(), QStringList());
-        QCOMPARE(survivor.Connected(), QStringList{Changed});
-    }
-
-    void forgetsADestroyedObjectThatWasUnregistered()
-    {
-        Party survivor("survivor");
-        RegisterReceiver(survivor);
-        RegisterReceiver(*receiver_);
-        UnregisterReceiver(*receiver_);
-        receiver_.reset();
-        RegisterEmitter(*emitter_);
-        QCOMPARE(Heard(*emitter_), Words("survivor"));
-    }
-
-    void forgetsAnObjectBeforeLaterHandlersOfItsEnd()
-    {
-        RegisterReceiver(*receiver_);
-        QObject::connect(&*receiver_, &QObject::destroyed, this, [this] { RegisterEmitter(*emitter_); });
-        receiver_.reset(); // an attempt to connect would be warned of: what is left has no slots
-        QCOMPARE(emitter_->Connected(), QStringList());
-    }
-
-    // It stays with its own thread, to which a queued call would go.
-    void forgetsAnObjectThatAnotherThreadDestroys()
-    {
-        RegisterReceiver(*receiver_);
-        std::thread([this] { receiver_.reset(); }).join();
-        receiver_.emplace("successor");
-        RegisterEmitter(*emitter_);
-        QCOMPARE(emitter_->Connected(), QStringList());
-    }
-
-    void outlivesTheRegistryQuietly()
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(LastObjectVariable), QStringLiteral("1"));
-        environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165")); // nothing freed looks alive
-        process.setProcessEnvironment(environment);
-        process.start(QCoreApplication::applicationFilePath(), QStringList());
-        QVERIFY(process.waitForFinished(static_cast<int>(std::chrono::milliseconds(Patience).count())));
-        QVERIFY2(process.exitStatus() == QProcess::NormalExit, process.readAllStandardError().constData());
-        QCOMPARE(process.exitCode(), 0);
-        QCOMPARE(process.readAllStandardError(), QByteArray());
-        QCOMPARE(process.readAllStandardOutput(), QByteArray("gone"));
     }
 
     void complainsAboutNullInTheLogAndRecordsNothing_data()
@@ -846,20 +546,6 @@ private Q_SLOTS:
         QCOMPARE(Heard(early), Words("late"));
     }
 
-protected:
-    void SetUp() override
-    {
-        Party::log.clear();
-        emitter_.emplace("emitter");
-        receiver_.emplace("receiver");
-    }
-
-    void TearDown() override
-    {
-        emitter_.reset();
-        receiver_.reset();
-    }
-
 private:
     template <class... Arguments>
     static bool CallByName(char const* operation, Party& party, QString const& signature, Arguments... arguments)
@@ -868,46 +554,8 @@ private:
         return QMetaObject::invokeMethod(&connector, operation, Q_ARG(QString, Id), Q_ARG(QObject*, &party),
                                          Q_ARG(QString, signature), arguments...);
     }
-
-    std::optional<Party> emitter_;
-    std::optional<Party> receiver_;
 };
 
-namespace
-{
-
-QObject* lastObject = nullptr;
-
-/// The program that ends with an object that is destroyed when the libraries have ended.
-int RegisterAnObjectThatEndsLast()
-{
-    lastObject = new QObject;
-    ObjectsConnector::registerReceiver(Id, lastObject, QStringLiteral("deleteLater()"));
-    ObjectsConnector::registerEmitter(Id, lastObject, QStringLiteral("objectNameChanged(QString)"));
-    QObject::connect(lastObject, &QObject::destroyed, lastObject, [] {
-        constexpr char text[] = {'g', 'o', 'n', 'e'};
-        if (write(STDOUT_FILENO, text, sizeof text) != sizeof text) {
-            std::_Exit(EXIT_FAILURE);
-        }
-    });
-    return EXIT_SUCCESS;
-}
-
-// Runs before the libraries end; what it registers runs after them.
-[[gnu::destructor]] void DestroyTheLastObjectAtTheVeryEnd()
-{
-    if (lastObject) {
-        on_exit([](int, void* object) { delete static_cast<QObject*>(object); }, lastObject);
-    }
-}
-
-} // namespace
-
-int main(int argc, char** argv)
-{
-    return qEnvironmentVariableIsSet(LastObjectVariable)
-               ? RegisterAnObjectThatEndsLast()
-               : Zelkor::Testing::RunTests<ObjectsConnectorTest>(argc, argv, false);
-}
+ZQTUTIL_TEST_MAIN(ObjectsConnectorTest)
 
 #include "ObjectsConnectorTest.moc"
