@@ -30,7 +30,7 @@ QString const& SystemFolder()
 
 QString ApplicationFolder(QString const& name, QString const& version)
 {
-    // One call for all four: the name may hold something that looks like a placeholder.
+    // One call for all four: the name may hold something that looks like a place marker.
     return QStringLiteral("%1/%2/%3/%4")
         .arg(SystemFolder(), name, QString::number(VersionFromString(version, QStringLiteral(".")).GetMajor()),
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());

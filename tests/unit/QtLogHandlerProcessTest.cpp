@@ -12,6 +12,7 @@
 #include <csignal>
 #include <functional>
 #include <future>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -279,22 +280,40 @@ class QtLogHandlerProcessTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void installsItselfAtTheFirstUse()
+    void worksFromTheFirstUseToTheEnd_data()
     {
-        Outcome const outcome = Run("first use");
-        QCOMPARE(outcome.told,
-                 QStringList({QStringLiteral("previous before"), QStringLiteral("log WARNING undefined:0 after"),
-                              QStringLiteral("previous after"), QStringLiteral("previous at the end")}));
-        QCOMPARE(outcome.errors, QString());
-        QCOMPARE(outcome.code, 0);
+        QTest::addColumn<QByteArray>("play");
+        QTest::addColumn<QStringList>("told");
+        auto const row = [](char const* name, char const* play, std::initializer_list<char const*> told) {
+            QStringList lines;
+            for (char const* const line : told) {
+                lines += QString::fromLatin1(line);
+            }
+            QTest::newRow(name) << QByteArray(play) << lines;
+        };
+        row("installs itself at the first use", "first use",
+            {"previous before", "log WARNING undefined:0 after", "previous after", "previous at the end"});
+        row("is made once by many threads", "first use on many threads",
+            {"same", "log WARNING undefined:0 after", "previous after", "previous at the end"});
+        row("lets the previous handler log", "logging handler",
+            {"log WARNING undefined:0 text", "log WARNING from the handler", "previous text"});
+        row("works until it is destroyed", "exit",
+            {"log WARNING undefined:0 while it runs", "previous while it runs",
+             "log WARNING undefined:0 before the handler", "previous before the handler", "no application",
+             "previous after the handler"});
+        row("leaves messages after it to the previous handler", "exit with another on top",
+            {"previous through Qt", "previous through the other"});
+        row("leaves another handler when uninstalled", "exit uninstalled", {"other after the handler"});
     }
 
-    void isMadeOnceByManyThreads()
+    void worksFromTheFirstUseToTheEnd()
     {
-        Outcome const outcome = Run("first use on many threads");
-        QCOMPARE(outcome.told, QStringList({QStringLiteral("same"), QStringLiteral("log WARNING undefined:0 after"),
-                                            QStringLiteral("previous after"), QStringLiteral("previous at the end")}));
+        QFETCH(QByteArray, play);
+        QFETCH(QStringList, told);
+        Outcome const outcome = Run(play.constData());
+        QCOMPARE(outcome.told, told);
         QCOMPARE(outcome.errors, QString());
+        QVERIFY(!outcome.crashed);
         QCOMPARE(outcome.code, 0);
     }
 
@@ -306,89 +325,43 @@ private Q_SLOTS:
         QCOMPARE(outcome.code, 0);
     }
 
-    void leavesMessagesOfItsFiltersToQt_data()
+    void leavesMessagesOfWhatItCallsToQt_data()
     {
         QTest::addColumn<QByteArray>("play");
-        QTest::newRow("text filter") << QByteArray("warning text filter");
-        QTest::newRow("full filter") << QByteArray("warning full filter");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("text filter") << QByteArray("warning text filter") << QStringLiteral("from the filter");
+        QTest::newRow("full filter") << QByteArray("warning full filter") << QStringLiteral("from the filter");
+        QTest::newRow("previous handler") << QByteArray("warning handler") << QStringLiteral("from the handler");
     }
 
-    void leavesMessagesOfItsFiltersToQt()
+    void leavesMessagesOfWhatItCallsToQt()
     {
         QFETCH(QByteArray, play);
+        QFETCH(QString, message);
         Outcome const outcome = Run(play.constData());
         QString const logged = QStringLiteral("log WARNING undefined:0 text");
         QString const forwarded = QStringLiteral("previous text");
         QCOMPARE(outcome.told, QStringList({logged, forwarded, logged, forwarded}));
-        QCOMPARE(outcome.errors.count(QStringLiteral("from the filter")), 2);
+        QCOMPARE(outcome.errors.count(message), 2);
         QCOMPARE(outcome.code, 0);
     }
 
-    void leavesMessagesOfThePreviousHandlerToQt()
+    void leavesItToQtToAbort_data()
     {
-        Outcome const outcome = Run("warning handler");
-        QString const logged = QStringLiteral("log WARNING undefined:0 text");
-        QString const forwarded = QStringLiteral("previous text");
-        QCOMPARE(outcome.told, QStringList({logged, forwarded, logged, forwarded}));
-        QCOMPARE(outcome.errors.count(QStringLiteral("from the handler")), 2);
-        QCOMPARE(outcome.code, 0);
+        QTest::addColumn<QByteArray>("play");
+        QTest::addColumn<QStringList>("told");
+        QTest::newRow("logs and forwards before")
+            << QByteArray("fatal")
+            << QStringList({QStringLiteral("log ERROR undefined:0 the end"), QStringLiteral("previous the end")});
+        QTest::newRow("no filter keeps Qt from it") << QByteArray("fatal dropped") << QStringList();
     }
 
-    void letsThePreviousHandlerLog()
+    void leavesItToQtToAbort()
     {
-        Outcome const outcome = Run("logging handler");
-        QCOMPARE(outcome.told,
-                 QStringList({QStringLiteral("log WARNING undefined:0 text"),
-                              QStringLiteral("log WARNING from the handler"), QStringLiteral("previous text")}));
-        QCOMPARE(outcome.code, 0);
-    }
-
-    void worksUntilItIsDestroyedAtExit()
-    {
-        Outcome const outcome = Run("exit");
-        QCOMPARE(outcome.told,
-                 QStringList({QStringLiteral("log WARNING undefined:0 while it runs"),
-                              QStringLiteral("previous while it runs"),
-                              QStringLiteral("log WARNING undefined:0 before the handler"),
-                              QStringLiteral("previous before the handler"), QStringLiteral("no application"),
-                              QStringLiteral("previous after the handler")}));
-        QCOMPARE(outcome.errors, QString());
-        QVERIFY(!outcome.crashed);
-        QCOMPARE(outcome.code, 0);
-    }
-
-    void leavesMessagesAfterItToThePreviousHandler()
-    {
-        Outcome const outcome = Run("exit with another on top");
-        QCOMPARE(outcome.told,
-                 QStringList({QStringLiteral("previous through Qt"), QStringLiteral("previous through the other")}));
-        QCOMPARE(outcome.errors, QString());
-        QVERIFY(!outcome.crashed);
-        QCOMPARE(outcome.code, 0);
-    }
-
-    void leavesAnotherHandlerAtExitWhenUninstalled()
-    {
-        Outcome const outcome = Run("exit uninstalled");
-        QCOMPARE(outcome.told, QStringList(QStringLiteral("other after the handler")));
-        QCOMPARE(outcome.errors, QString());
-        QVERIFY(!outcome.crashed);
-        QCOMPARE(outcome.code, 0);
-    }
-
-    void logsAndForwardsBeforeQtAborts()
-    {
-        Outcome const outcome = Run("fatal");
-        QCOMPARE(outcome.told,
-                 QStringList({QStringLiteral("log ERROR undefined:0 the end"), QStringLiteral("previous the end")}));
-        QVERIFY(outcome.crashed);
-        QCOMPARE(outcome.code, SIGABRT);
-    }
-
-    void keepsQtFromAbortingByNoFilter()
-    {
-        Outcome const outcome = Run("fatal dropped");
-        QCOMPARE(outcome.told, QStringList());
+        QFETCH(QByteArray, play);
+        QFETCH(QStringList, told);
+        Outcome const outcome = Run(play.constData());
+        QCOMPARE(outcome.told, told);
         QVERIFY(outcome.crashed);
         QCOMPARE(outcome.code, SIGABRT);
     }
