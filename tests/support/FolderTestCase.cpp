@@ -37,7 +37,7 @@ void FolderTestCase::NameRows()
     QTest::newRow("no UTF-8") << QByteArray("\xff\xfe\x80 \xc3\x28 \xed\xa0\x80");
     QTest::newRow("letters beyond ASCII") << QByteArray("\xd0\xb8\xd0\xbc\xd1\x8f \xf0\x9f\x93\x81");
     QTest::newRow("decomposed letter") << QByteArray("e\xcc\x81");
-    QTest::newRow("format placeholders") << QByteArray("%1% %s %n %1 %20 %");
+    QTest::newRow("format place markers") << QByteArray("%1% %s %n %1 %20 %");
     QTest::newRow("what URIs are parted by") << QByteArray("a#b?c&d=e;f:g@h+i");
     QTest::newRow("what URIs cannot hold") << QByteArray("[a]{b}|c^d<e>f");
     QTest::newRow("patterns") << QByteArray("*?[a-z]$HOME~");

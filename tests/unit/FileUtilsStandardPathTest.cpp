@@ -211,7 +211,7 @@ void FileUtilsStandardPathTest::libraryIsBelowTheFilms_data()
     QTest::newRow("name") << QByteArray("Library") << QByteArray("/Library");
     QTest::newRow("names") << QByteArray("Library/2021") << QByteArray("/Library/2021");
     QTest::newRow("empty") << QByteArray() << QByteArray("/");
-    QTest::newRow("placeholder") << QByteArray("%1 ") << QByteArray("/%1 ");
+    QTest::newRow("place marker") << QByteArray("%1 ") << QByteArray("/%1 ");
     QTest::newRow("as it is given") << QByteArray("/../a//b/") << QByteArray("//../a//b/");
 }
 

@@ -268,7 +268,7 @@ private Q_SLOTS:
         row("large line", "main.cpp", 2147483647, "text", "main.cpp:2147483647 text");
         row("negative line", "main.cpp", -1, "text", "main.cpp:-1 text");
         row("no text", "main.cpp", 42, "", "main.cpp:42 ");
-        row("placeholders", "%1/%2.cpp", 42, "%1 %2 %3 %n %s", "%1/%2.cpp:42 %1 %2 %3 %n %s");
+        row("place markers", "%1/%2.cpp", 42, "%1 %2 %3 %n %s", "%1/%2.cpp:42 %1 %2 %3 %n %s");
         row("beyond ASCII", "\xC3\xA4.cpp", 42, "\xE2\x82\xAC \xF0\x9D\x84\x9E",
             "\xC3\xA4.cpp:42 \xE2\x82\xAC \xF0\x9D\x84\x9E");
         row("several lines", "main.cpp", 42, "a\nb\n\nc", "main.cpp:42 a\nb\n\nc");

@@ -98,7 +98,7 @@ void TemporaryDirCleanUpTest::removesWhatIsLeftBehind_data()
     row("hard link", MakeHardLinkToFile);
     row("name with wildcards", MakeFile, QStringLiteral("*?[a]"));
     row("name with a line feed", MakeFile, QStringLiteral("a\nb"));
-    row("name with a placeholder", MakeTree, QStringLiteral("%1"));
+    row("name with a place marker", MakeTree, QStringLiteral("%1"));
     row("name beyond ASCII", MakeTree, QStringLiteral("\u00E4\u20AC"));
     row("name with blanks", MakeTree, QStringLiteral(" a b "));
     row("directory of an earlier object", MakeTree, QStringLiteral("aBcDeF"));

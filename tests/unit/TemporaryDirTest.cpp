@@ -86,7 +86,7 @@ void TemporaryDirTest::liesBelowNameAndMajorVersionAndExecutable_data()
     row("name and executable differ", "The Studio", "2.5.1", "studio-bin", "The Studio/2/studio-bin");
     row("executable with a suffix", "Studio", "2.5.1", "studio.exe", "Studio/2/studio");
     row("executable with two suffixes", "Studio", "2.5.1", "studio.x86.exe", "Studio/2/studio.x86");
-    row("executable like placeholders", "Studio", "2.5.1", "%1 %2.exe", "Studio/2/%1 %2");
+    row("executable like place markers", "Studio", "2.5.1", "%1 %2.exe", "Studio/2/%1 %2");
     row("major version only", "Studio", "7", "studio", "Studio/7/studio");
     row("two digits", "Studio", "12.0", "studio", "Studio/12/studio");
     row("no digit groups", "Studio", "1234567.1", "studio", "Studio/1234567/studio");
@@ -155,9 +155,9 @@ void TemporaryDirTest::takesNamesAndPathsAsTheyAre_data()
     Row const rows[] = {
         {"blanks", QStringLiteral("two words ")},
         {"quotes", QStringLiteral("'a' \"b\" `c`")},
-        {"first placeholder", QStringLiteral("100%1")},
-        {"third placeholder", QStringLiteral("%3")},
-        {"all placeholders", QStringLiteral("%4 %3 %2 %1 %L1 %99 %%1")},
+        {"first place marker", QStringLiteral("100%1")},
+        {"third place marker", QStringLiteral("%3")},
+        {"all place markers", QStringLiteral("%4 %3 %2 %1 %L1 %99 %%1")},
         {"line feed", QStringLiteral("a\nb")},
         {"backslash", QStringLiteral("a\\b")},
         {"wildcards", QStringLiteral("*?[a-z]")},

@@ -373,17 +373,17 @@ private Q_SLOTS:
         }
     }
 
-    void returnsALabelWithoutPlaceholderAsItIs_data()
+    void returnsALabelWithoutPlaceMarkerAsItIs_data()
     {
         QTest::addColumn<unsigned long long>("size");
         QTest::addColumn<QString>("label");
-        for (char const* const label : {"no placeholder", "%", "100%", "%L", "% 1", "%x", ""}) {
+        for (char const* const label : {"no place marker", "%", "100%", "%L", "% 1", "%x", ""}) {
             QTest::addRow("TB as \"%s\"", label) << 1500000000000ULL << QString::fromLatin1(label);
             QTest::addRow("B as \"%s\"", label) << 15ULL << QString::fromLatin1(label);
         }
     }
 
-    void returnsALabelWithoutPlaceholderAsItIs()
+    void returnsALabelWithoutPlaceMarkerAsItIs()
     {
         QFETCH(unsigned long long, size);
         QFETCH(QString, label);

@@ -96,7 +96,7 @@ private Q_SLOTS:
         row("other separator", version, 3, QStringLiteral("_"), QStringLiteral("3_1_2"));
         row("separator beyond ASCII", version, 3, QStringLiteral("\u20AC"), QStringLiteral("3\u20AC1\u20AC2"));
         row("separator beyond the BMP", version, 2, QStringLiteral("\U0001D11E"), QStringLiteral("3\U0001D11E1"));
-        row("separator like a placeholder", version, 3, QStringLiteral("%1"), QStringLiteral("3%11%12"));
+        row("separator like a place marker", version, 3, QStringLiteral("%1"), QStringLiteral("3%11%12"));
         row("empty separator", version, 3, QLatin1String(""), QStringLiteral("312"));
         row("null separator", version, 3, QString(), QStringLiteral("312"));
         row("NUL ends the separator", version, 3, dot + QChar(0) + QLatin1Char('x'), QStringLiteral("3.1.2"));
