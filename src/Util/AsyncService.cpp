@@ -5,7 +5,6 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMap>
-#include <QtCore/QScopeGuard>
 #include <QtCore/QScopedPointer>
 #include <QtCore/QThread>
 
@@ -40,13 +39,13 @@ struct AsyncService::Impl
             : service_(service)
         {}
 
-        /// The service whose functor the calling thread is in.
+        /// The service whose functor the calling thread has just begun; later the functor may have called others.
         static Impl* Calling() { return g_calling; }
 
     protected:
         bool event(QEvent* event) override
         {
-            auto const restore = qScopeGuard([outer = std::exchange(g_calling, service_)] { g_calling = outer; });
+            g_calling = service_;
             return FunctorExecutionForwarder::event(event);
         }
 

@@ -30,6 +30,8 @@ private Q_SLOTS:
     void progressBehindTheCompletionIsDropped();
     void progressAfterTheCompletionIsDropped();
     void progressOfUnknownTasksIsDropped();
+    void progressGoesToTheServiceOfItsTask_data();
+    void progressGoesToTheServiceOfItsTask();
     void progressComesFromAnyThread();
     void progressCallBackMayPostAndRun();
     void progressCallBackThatThrowsLeavesTheTaskRegistered();
@@ -224,6 +226,43 @@ void AsyncServiceProgressTest::progressOfUnknownTasksIsDropped()
 
     QCOMPARE(values, QVector<int>());
     QVERIFY(service.empty());
+}
+
+void AsyncServiceProgressTest::progressGoesToTheServiceOfItsTask_data()
+{
+    QTest::addColumn<bool>("isNested");
+    QTest::newRow("one after the other") << false;
+    QTest::newRow("inside a call-back of the other") << true;
+}
+
+void AsyncServiceProgressTest::progressGoesToTheServiceOfItsTask()
+{
+    QFETCH(bool, isNested);
+    AsyncService first;
+    AsyncService second;
+    QStringList values;
+    auto const note = [&](char const* service) {
+        return [&values, isNested, service](int value) {
+            values += QStringLiteral("%1 %2").arg(QLatin1String(service)).arg(value);
+            if (isNested) {
+                DeliverQueued();
+            }
+        };
+    };
+    Task* const one = first.post([](Reporter*) {});
+    Task* const two = second.post([](Reporter*) {});
+    one->onProgress = note("first");
+    two->onProgress = note("second");
+
+    first.report(one, 1);
+    second.report(two, 2);
+    first.report(one, 3);
+    DeliverQueued();
+
+    QCOMPARE(values, (QStringList{QStringLiteral("first 1"), QStringLiteral("second 2"), QStringLiteral("first 3")}));
+    first.run(one);
+    second.run(two);
+    QVERIFY(TurnUntilEmpty(first) && TurnUntilEmpty(second));
 }
 
 void AsyncServiceProgressTest::progressComesFromAnyThread()

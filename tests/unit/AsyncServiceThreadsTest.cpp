@@ -103,6 +103,7 @@ private Q_SLOTS:
     void attachedObjectWorksOnTheWorkerThread();
     void severalServicesWorkSideBySide();
     void ownerIsTheThreadThatMadeTheService();
+    void ownersOnSeveralThreadsHearOfTheirOwnTasks();
     void destructionWaitsForTheRunningJob();
     void destructionNeitherCancelsNorInterruptsTheRunningJob();
     void runningJobMayReportDuringDestruction();
@@ -211,6 +212,33 @@ void AsyncServiceThreadsTest::ownerIsTheThreadThatMadeTheService()
 
     QVERIFY(completed);
     QCOMPARE(calls, (QStringList{QStringLiteral("progress"), QStringLiteral("cancelled")}));
+}
+
+void AsyncServiceThreadsTest::ownersOnSeveralThreadsHearOfTheirOwnTasks()
+{
+    constexpr int Owners = 4;
+    constexpr int Reports = 1000;
+    std::vector<int> heard(Owners);
+    std::vector<std::thread> owners;
+    for (int& count : heard) {
+        owners.emplace_back([&count] {
+            OwnerLoop loop;
+            AsyncService service;
+            Task* const task = service.post([](Reporter* reporter) {
+                for (int i = 0; i < Reports; ++i) {
+                    reporter->report(i);
+                }
+            });
+            task->onProgress = [&count](int value) { count += value == count; };
+            task->onFinished = [&loop] { loop.Quit(); };
+            service.run(task);
+            loop.Exec();
+        });
+    }
+    for (std::thread& owner : owners) {
+        owner.join();
+    }
+    QCOMPARE(heard, std::vector<int>(Owners, Reports));
 }
 
 void AsyncServiceThreadsTest::destructionWaitsForTheRunningJob()
