@@ -220,6 +220,7 @@ void AsyncServiceThreadsTest::ownersOnSeveralThreadsHearOfTheirOwnTasks()
     constexpr int Reports = 1000;
     std::vector<int> heard(Owners);
     std::vector<std::thread> owners;
+    owners.reserve(Owners);
     for (int& count : heard) {
         owners.emplace_back([&count] {
             OwnerLoop loop;
