@@ -6,11 +6,13 @@ set(ZQTUTIL_PUBLIC_HEADERS
     Base/EventHandlerList.h
     Base/ILinksOpener.h
     Base/IoPath.h
+    Base/SystemVersion.h
     Base/Version.h
     WidgetKit/Layouts.h
     WidgetKit/WidgetUtils.h
     Util/AlertBox.h
     Util/AsyncService.h
+    Util/AutoLauncher.h
     Util/ByteArrayUtils.h
     Util/ExclusiveClient.h
     Util/ExclusiveService.h
@@ -24,6 +26,7 @@ set(ZQTUTIL_PUBLIC_HEADERS
     Util/LambdaQt4.h
     Util/LambdaQt4WithIntParameter.h
     Util/LinksUtils.h
+    Util/MediaUtils.h
     Util/Model/SimpleModel/ISimpleModelObserver.h
     Util/Model/SimpleModel/SimpleModel.h
     Util/ObjectsConnector.h
@@ -45,13 +48,6 @@ set(ZQTUTIL_PUBLIC_HEADERS
     Util/ValidatorFactory.h
     Util/VersionUtils.h
     Util/WindowUtils.h)
-
-if(ZQTUTIL_PLATFORM STREQUAL mac)
-    list(APPEND ZQTUTIL_PUBLIC_HEADERS
-        Base/SystemVersion.h
-        Util/AutoLauncher.h
-        Util/MediaUtils.h)
-endif()
 
 # Made by the build.
 set(ZQTUTIL_GENERATED_HEADERS

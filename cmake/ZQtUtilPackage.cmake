@@ -37,7 +37,7 @@ foreach(header IN LISTS ZQTUTIL_PUBLIC_HEADERS)
 endforeach()
 foreach(header IN LISTS ZQTUTIL_GENERATED_HEADERS)
     get_filename_component(folder "${header}" DIRECTORY)
-    install(FILES "${PROJECT_BINARY_DIR}/src/include/${header}" DESTINATION "${ZQTUTIL_HEADER_DIR}/${folder}")
+    install(FILES "${PROJECT_BINARY_DIR}/include/${header}" DESTINATION "${ZQTUTIL_HEADER_DIR}/${folder}")
 endforeach()
 
 # The plugin finds the library wherever an installed tree is moved to.

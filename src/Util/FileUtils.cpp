@@ -1,8 +1,9 @@
 #include <Util/FileUtils.h>
 
-#include <Util/AgedFiles.h>
+#include <Util/Platforms/AgedFiles.h>
+#include <Util/Platforms/FolderAccess.h>
+#include <Util/Platforms/TreeSize.h>
 #include <Util/StringUtils.h>
-#include <Util/TreeSize.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
@@ -106,6 +107,11 @@ bool IsThisPathValid(QString const& path, QString* errorText)
         }
     }
     return false;
+}
+
+bool CanCreateFileIn(QString const& folder)
+{
+    return MayCreateFileIn(folder) && TryCreateTmpFile(folder);
 }
 
 bool TryCreateTmpFile(QString const& folder)

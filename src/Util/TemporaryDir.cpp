@@ -1,7 +1,7 @@
 #include <Util/TemporaryDir.h>
 
 #include <Base/Throw.h>
-#include <Util/OwnFolder.h>
+#include <Util/Platforms/FolderAccess.h>
 #include <Util/VersionUtils.h>
 
 #include <QtCore/QCoreApplication>

@@ -1,7 +1,5 @@
 #include <Util/FileUtils.h>
 
-#include <Util/StringUtils.h>
-
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>

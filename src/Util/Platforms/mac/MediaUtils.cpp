@@ -1,6 +1,6 @@
 #include <Util/MediaUtils.h>
 
-#include <Util/Platforms/posix/VideoDisc.h>
+#include <Util/Platforms/VideoDisc.h>
 
 namespace Zelkor::Util
 {

@@ -1,4 +1,4 @@
-#include <Util/AgedFiles.h>
+#include <Util/Platforms/AgedFiles.h>
 
 #include <Util/Platforms/posix/FolderWalk.h>
 

@@ -1,5 +1,4 @@
-#include <Util/FileUtils.h>
-#include <Util/OwnFolder.h>
+#include <Util/Platforms/FolderAccess.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -30,20 +29,13 @@ bool IsInGroup(gid_t group)
 
 } // namespace
 
-bool CanCreateFileIn(QString const& folder)
+bool MayCreateFileIn(QString const& folder)
 {
     QFileInfo const info(folder);
     QFileDevice::Permissions const permissions = info.permissions();
-    if (permissions.testFlag(QFileDevice::WriteOther)) {
-        return TryCreateTmpFile(folder);
-    }
-    if (permissions.testFlag(QFileDevice::WriteGroup) && IsInGroup(info.groupId())) {
-        return TryCreateTmpFile(folder);
-    }
-    if (!permissions.testFlag(QFileDevice::WriteUser) || info.ownerId() != geteuid()) {
-        return false;
-    }
-    return TryCreateTmpFile(folder);
+    return permissions.testFlag(QFileDevice::WriteOther) ||
+           (permissions.testFlag(QFileDevice::WriteGroup) && IsInGroup(info.groupId())) ||
+           (permissions.testFlag(QFileDevice::WriteUser) && info.ownerId() == geteuid());
 }
 
 bool IsOwnFolder(QString const& path)

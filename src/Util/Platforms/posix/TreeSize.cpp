@@ -1,4 +1,4 @@
-#include <Util/TreeSize.h>
+#include <Util/Platforms/TreeSize.h>
 
 #include <Util/Platforms/posix/FolderWalk.h>
 

@@ -1,7 +1,4 @@
-#include <Util/Platforms/posix/VideoDisc.h>
-
-#include <Util/MediaUtils.h>
-#include <Util/StringUtils.h>
+#include <Util/Platforms/VideoDisc.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -36,7 +33,7 @@ std::vector<ioPath> VideoDiscsIn(QString const& volumes)
     for (QFileInfo const& entry : entries) {
         QString const root = entry.absoluteFilePath();
         if (QFileInfo(root + QLatin1Char('/') + VideoFolder()).isDir()) {
-            discs.emplace_back(QStringToUtf8(root));
+            discs.emplace_back(root.toStdString());
         }
     }
     return discs;
@@ -55,11 +52,6 @@ QString VideoDiscLabel(QString const& path)
     QDir const folder(path);
     QDir const parent(QDir::cleanPath(folder.absoluteFilePath(QStringLiteral(".."))));
     return VideoDiscLabel(folder.dirName(), parent.entryList(Entries, QDir::Unsorted), parent.dirName());
-}
-
-std::string DVDLabel(ioPath const& path)
-{
-    return QStringToUtf8(VideoDiscLabel(Utf8ToQString(path.utf8string())));
 }
 
 } // namespace Zelkor::Util

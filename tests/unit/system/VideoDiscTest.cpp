@@ -3,7 +3,7 @@
 #include <OrdinaryUser.h>
 
 #include <Util/MediaUtils.h>
-#include <Util/Platforms/posix/VideoDisc.h>
+#include <Util/Platforms/VideoDisc.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
