@@ -74,9 +74,9 @@ public:
         if (!handler) {
             return;
         }
-        std::lock_guard<std::recursive_mutex> const lock(handlersMutex);
-        if (std::find(handlers.begin(), handlers.end(), handler) == handlers.end()) {
-            handlers.push_back(handler);
+        std::lock_guard<std::recursive_mutex> const lock(handlersMutex_);
+        if (std::find(handlers_.begin(), handlers_.end(), handler) == handlers_.end()) {
+            handlers_.push_back(handler);
         }
     }
 
@@ -86,10 +86,10 @@ public:
         if (!handler) {
             return;
         }
-        std::lock_guard<std::recursive_mutex> const lock(handlersMutex);
-        auto const found = std::find(handlers.begin(), handlers.end(), handler);
-        if (found != handlers.end()) {
-            handlers.erase(found);
+        std::lock_guard<std::recursive_mutex> const lock(handlersMutex_);
+        auto const found = std::find(handlers_.begin(), handlers_.end(), handler);
+        if (found != handlers_.end()) {
+            handlers_.erase(found);
         }
     }
 
@@ -99,8 +99,8 @@ public:
     void PerformForEachEventHandler(F f)
     {
         Snapshot registered;
-        registered.Take(handlersMutex, handlers);
-        std::lock_guard<std::recursive_mutex> const lock(executionMutex);
+        registered.Take(handlersMutex_, handlers_);
+        std::lock_guard<std::recursive_mutex> const lock(executionMutex_);
         for (T* const handler : registered) {
             Policy::Execute(std::bind(f, handler));
         }
@@ -118,32 +118,32 @@ private:
         void Take(std::recursive_mutex& mutex, std::vector<T*> const& all)
         {
             std::lock_guard<std::recursive_mutex> const lock(mutex);
-            count = all.size();
-            if (count > few.size()) {
-                many = all;
-                first = many.data();
+            count_ = all.size();
+            if (count_ > few_.size()) {
+                many_ = all;
+                first_ = many_.data();
                 return;
             }
-            for (std::size_t i = 0; i < count; ++i) {
-                few[i] = all[i];
+            for (std::size_t i = 0; i < count_; ++i) {
+                few_[i] = all[i];
                 // One by one: for so few, the set-up of a block copy takes longer than the copy.
                 std::atomic_signal_fence(std::memory_order_acq_rel);
             }
         }
 
-        T* const* begin() const { return first; }
-        T* const* end() const { return first + count; }
+        T* const* begin() const { return first_; }
+        T* const* end() const { return first_ + count_; }
 
     private:
-        std::array<T*, 32> few; // set up to the count only: a publication need not clear the rest
-        std::vector<T*> many;
-        T* const* first = few.data();
-        std::size_t count = 0;
+        std::array<T*, 32> few_; // set up to the count only: a publication need not clear the rest
+        std::vector<T*> many_;
+        T* const* first_ = few_.data();
+        std::size_t count_ = 0;
     };
 
-    std::vector<T*> handlers;
-    std::recursive_mutex handlersMutex;
-    std::recursive_mutex executionMutex;
+    std::vector<T*> handlers_;
+    std::recursive_mutex handlersMutex_;
+    std::recursive_mutex executionMutex_;
 };
 
 } // namespace Core

@@ -95,19 +95,19 @@ void PolishAgain(QStyle* style, QWidget* widget)
 
 AlertBox::AlertBox() = default;
 
-AlertBox::AlertBox(Level boxLevel, QString const& title, QString const& text, QMessageBox::StandardButtons buttons,
+AlertBox::AlertBox(Level level, QString const& title, QString const& text, QMessageBox::StandardButtons buttons,
                    QWidget* parent, Qt::WindowFlags flags)
     : QMessageBox(NoIcon, title, text, buttons, parent, flags)
-    , level(boxLevel)
+    , level_(level)
 {
     SetDefaultButtonNames();
 
     QString shownTitle = title;
     if (shownTitle.isEmpty()) {
-        LevelLook const* const look = LookOf(level);
+        LevelLook const* const look = LookOf(level_);
         if (look && look->title) {
             shownTitle = tr(look->title);
-        } else if (level == Question) {
+        } else if (level_ == Question) {
             SetWidth(QuestionWidth);
         }
         QMessageBox::setWindowTitle(shownTitle);
@@ -115,7 +115,7 @@ AlertBox::AlertBox(Level boxLevel, QString const& title, QString const& text, QM
     QWidget::setWindowTitle(shownTitle); // macOS message boxes keep their own from being set
 
     setStyleSheet(QStringLiteral("QLabel#qt_msgbox_label { font : normal }"));
-    SetDialogSubStyle(level);
+    SetDialogSubStyle(level_);
 
     Widget::Util::installLayoutController(this);
     if (auto* const buttonBox = findChild<QDialogButtonBox*>()) {
@@ -157,12 +157,12 @@ void AlertBox::PrepareToShow()
 
 void AlertBox::SetWidth(int width)
 {
-    disconnect(widthConnection);
+    disconnect(widthConnection_);
     if (width < 0) {
-        if (widthSpacer) {
-            widthSpacer->setFixedSize(0, 0);
-            widthSpacer->deleteLater();
-            widthSpacerEnds = true;
+        if (widthSpacer_) {
+            widthSpacer_->setFixedSize(0, 0);
+            widthSpacer_->deleteLater();
+            widthSpacerEnds_ = true;
         }
         return;
     }
@@ -170,20 +170,20 @@ void AlertBox::SetWidth(int width)
     if (!grid) {
         return;
     }
-    if (widthSpacerEnds) {
-        delete widthSpacer;
-        widthSpacerEnds = false;
+    if (widthSpacerEnds_) {
+        delete widthSpacer_;
+        widthSpacerEnds_ = false;
     }
-    if (!widthSpacer) {
-        widthSpacer = Widget::Util::createSpacer(this, QStringLiteral("widthSpacer"));
+    if (!widthSpacer_) {
+        widthSpacer_ = Widget::Util::createSpacer(this, QStringLiteral("widthSpacer"));
     }
-    widthSpacer->setFixedSize(width, 0);
-    grid->addWidget(widthSpacer, grid->rowCount() - 1, 0, 1, grid->columnCount());
+    widthSpacer_->setFixedSize(width, 0);
+    grid->addWidget(widthSpacer_, grid->rowCount() - 1, 0, 1, grid->columnCount());
     // QMessageBox makes a new grid when its contents change. What is queued is not taken back by disconnecting.
-    widthConnection = connect(
+    widthConnection_ = connect(
         grid, &QObject::destroyed, this,
         [this] {
-            if (!widthSpacerEnds) {
+            if (!widthSpacerEnds_) {
                 SetWidth(GetWidth());
             }
         },
@@ -192,7 +192,7 @@ void AlertBox::SetWidth(int width)
 
 int AlertBox::GetWidth() const
 {
-    return widthSpacer ? widthSpacer->width() : -1;
+    return widthSpacer_ ? widthSpacer_->width() : -1;
 }
 
 void AlertBox::SetSpacing(int spacing)
@@ -203,23 +203,23 @@ void AlertBox::SetSpacing(int spacing)
     }
     if (auto* const row = qobject_cast<QHBoxLayout*>(all.first()->parentWidget()->layout())) {
         row->setSpacing(spacing);
-        buttonSpacing = spacing;
+        buttonSpacing_ = spacing;
     }
 }
 
 int AlertBox::GetSpacing() const
 {
-    return buttonSpacing;
+    return buttonSpacing_;
 }
 
 void AlertBox::SetUseDefaultLevelIcon(bool use)
 {
-    useDefaultLevelIcon = use;
+    useDefaultLevelIcon_ = use;
 }
 
 bool AlertBox::GetUseDefaultLevelIcon() const
 {
-    return useDefaultLevelIcon;
+    return useDefaultLevelIcon_;
 }
 
 void AlertBox::SetLearnMoreLink(QString const& link)
@@ -276,9 +276,9 @@ void AlertBox::SetButtonsSubStyle()
     }
 }
 
-void AlertBox::SetDialogSubStyle(Level boxLevel)
+void AlertBox::SetDialogSubStyle(Level level)
 {
-    if (LevelLook const* const look = LookOf(boxLevel)) {
+    if (LevelLook const* const look = LookOf(level)) {
         ApplyMessageLevel(this, look->messageLevel);
     }
 }
@@ -286,8 +286,8 @@ void AlertBox::SetDialogSubStyle(Level boxLevel)
 void AlertBox::UpdateDefaultIcon()
 {
     bool const hasIcon = !iconPixmap().isNull() || icon() != NoIcon;
-    if (useDefaultLevelIcon && !hasIcon) {
-        setIconPixmap(GetPixmapForLevel(level));
+    if (useDefaultLevelIcon_ && !hasIcon) {
+        setIconPixmap(GetPixmapForLevel(level_));
     }
 }
 

@@ -123,12 +123,12 @@ public:
     static QPixmap GetPixmapForLevel(Level level);
 
 private:
-    QPointer<QWidget> widthSpacer;
-    QMetaObject::Connection widthConnection;
-    int buttonSpacing = 0;
-    Level const level = Information;
-    bool useDefaultLevelIcon = true;
-    bool widthSpacerEnds = false; // it is scheduled for deletion
+    QPointer<QWidget> widthSpacer_;
+    QMetaObject::Connection widthConnection_;
+    int buttonSpacing_ = 0;
+    Level const level_ = Information;
+    bool useDefaultLevelIcon_ = true;
+    bool widthSpacerEnds_ = false; // it is scheduled for deletion
 };
 
 } // namespace Util

@@ -40,17 +40,17 @@ struct AsyncService::Impl
         {}
 
         /// The service whose functor the calling thread has just begun; later the functor may have called others.
-        static Impl* Calling() { return g_calling; }
+        static Impl* Calling() { return g_calling_; }
 
     protected:
         bool event(QEvent* event) override
         {
-            g_calling = service_;
+            g_calling_ = service_;
             return FunctorExecutionForwarder::event(event);
         }
 
     private:
-        static thread_local Impl* g_calling;
+        static thread_local Impl* g_calling_;
 
         Impl* const service_;
     };
@@ -129,7 +129,7 @@ private:
     std::unique_ptr<Task> completed_;
 };
 
-thread_local AsyncService::Impl* AsyncService::Impl::OwnerForwarder::g_calling = nullptr;
+thread_local AsyncService::Impl* AsyncService::Impl::OwnerForwarder::g_calling_ = nullptr;
 
 AsyncService::Impl::Impl()
     : thread(new QThread)
@@ -225,12 +225,12 @@ void AsyncService::Impl::Deliver(Task* task, int value)
 }
 
 AsyncService::AsyncService()
-    : impl(std::make_unique<Impl>())
+    : impl_(std::make_unique<Impl>())
 {}
 
 AsyncService::~AsyncService()
 {
-    impl->Stop(); // not when impl goes: until its job returns, the worker thread reports through impl
+    impl_->Stop(); // not when impl goes: until its job returns, the worker thread reports through impl
 }
 
 AsyncService::Task* AsyncService::post(std::function<void(Reporter*)> work)
@@ -243,30 +243,30 @@ AsyncService::Task* AsyncService::post(std::function<void(Reporter*)> work)
 
 AsyncService::Task* AsyncService::post(Task* task)
 {
-    impl->Register(Given(task), this);
+    impl_->Register(Given(task), this);
     return task;
 }
 
 void AsyncService::run(Task* task)
 {
-    impl->Run(Given(task));
+    impl_->Run(Given(task));
 }
 
 void AsyncService::cancel(Task* task)
 {
-    if (Reporter* const reporter = impl->tasks.value(task)) {
+    if (Reporter* const reporter = impl_->tasks.value(task)) {
         reporter->cancelled.store(true);
     }
 }
 
 bool AsyncService::contains(Task* task) const
 {
-    return impl->tasks.contains(task);
+    return impl_->tasks.contains(task);
 }
 
 bool AsyncService::empty() const
 {
-    return impl->tasks.isEmpty();
+    return impl_->tasks.isEmpty();
 }
 
 void AsyncService::attach(QObject* object)
@@ -274,13 +274,13 @@ void AsyncService::attach(QObject* object)
     if (!object) {
         ZELKOR_THROW(std::invalid_argument("AsyncService use without object!"));
     }
-    object->moveToThread(impl->thread.data());
+    object->moveToThread(impl_->thread.data());
 }
 
 void AsyncService::report(Task* task, int value)
 {
     // With the service in it, a functor would need memory of its own, which one thread takes and the other gives back.
-    impl->ownerForwarder.Forward([task, value] { Impl::OwnerForwarder::Calling()->Deliver(task, value); });
+    impl_->ownerForwarder.Forward([task, value] { Impl::OwnerForwarder::Calling()->Deliver(task, value); });
 }
 
 } // namespace Zelkor::Util

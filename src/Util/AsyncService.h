@@ -129,7 +129,7 @@ public:
 
 private:
     struct ZQTUTIL_NO_EXPORT Impl;
-    std::unique_ptr<Impl> impl;
+    std::unique_ptr<Impl> impl_;
 };
 
 /// What a job knows of the service: a plain record, which the service frees when the job's task completes, or with

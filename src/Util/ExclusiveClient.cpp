@@ -9,15 +9,15 @@ class ExclusiveClient::Changing
 {
 public:
     explicit Changing(ExclusiveClient* changingClient)
-        : client(changingClient)
+        : client_(changingClient)
     {
-        client->changing = true;
+        client_->changing_ = true;
     }
 
     ~Changing()
     {
-        if (client) {
-            client->changing = false;
+        if (client_) {
+            client_->changing_ = false;
         }
     }
 
@@ -25,7 +25,7 @@ public:
     Changing& operator=(Changing const&) = delete;
 
 private:
-    QPointer<ExclusiveClient> const client;
+    QPointer<ExclusiveClient> const client_;
 };
 
 ExclusiveClient::ExclusiveClient(ExclusiveService* boundService, QObject* parent)
@@ -46,8 +46,8 @@ void ExclusiveClient::setService(ExclusiveService* newService)
 {
     QPointer<ExclusiveClient> const self(this);
     QPointer<ExclusiveService> const next(newService);
-    if (service) {
-        disconnect(service, nullptr, this, nullptr);
+    if (service_) {
+        disconnect(service_, nullptr, this, nullptr);
         if (isInUse()) {
             letGo();
         }
@@ -55,23 +55,23 @@ void ExclusiveClient::setService(ExclusiveService* newService)
     if (!self) {
         return;
     }
-    if (service) {
+    if (service_) {
         // A slot may have bound another one meanwhile, and be using it. It hears nothing more of that: it might go on
         // so.
-        disconnect(service, nullptr, this, nullptr);
+        disconnect(service_, nullptr, this, nullptr);
         if (isInUse()) {
-            service->setClient(nullptr);
+            service_->setClient(nullptr);
         }
         if (!self) {
             return;
         }
     }
-    service = next;
-    if (!service) {
+    service_ = next;
+    if (!service_) {
         return;
     }
-    connect(service, &ExclusiveService::clientAboutToBeChanged, this, &ExclusiveClient::onClientAboutToBeChanged);
-    connect(service, &ExclusiveService::clientChanged, this, [this](QObject* client) {
+    connect(service_, &ExclusiveService::clientAboutToBeChanged, this, &ExclusiveClient::onClientAboutToBeChanged);
+    connect(service_, &ExclusiveService::clientChanged, this, [this](QObject* client) {
         if (client == this) {
             Q_EMIT acquired();
         }
@@ -80,7 +80,7 @@ void ExclusiveClient::setService(ExclusiveService* newService)
 
 bool ExclusiveClient::isInUse() const
 {
-    return service && service->currentClient() == this;
+    return service_ && service_->currentClient() == this;
 }
 
 void ExclusiveClient::use()
@@ -102,7 +102,7 @@ void ExclusiveClient::breakAll()
 
 void ExclusiveClient::onClientAboutToBeChanged(QObject* from, QObject* to)
 {
-    if (to == this || changing) {
+    if (to == this || changing_) {
         return;
     }
     Changing const changingNow(this);
@@ -115,17 +115,17 @@ void ExclusiveClient::onClientAboutToBeChanged(QObject* from, QObject* to)
 
 ExclusiveService& ExclusiveClient::liveService() const
 {
-    if (!service) {
+    if (!service_) {
         ZELKOR_THROW(std::logic_error("ExclusiveClient use without service!"));
     }
-    return *service;
+    return *service_;
 }
 
 void ExclusiveClient::letGo()
 {
     QPointer<ExclusiveClient> const self(this);
     Changing const changingNow(this);
-    service->setClient(nullptr);
+    service_->setClient(nullptr);
     if (self) {
         Q_EMIT finished();
     }

@@ -76,6 +76,6 @@ private:
     ExclusiveService& liveService() const;
     void letGo();
 
-    QPointer<ExclusiveService> service;
-    bool changing = false;
+    QPointer<ExclusiveService> service_;
+    bool changing_ = false;
 };

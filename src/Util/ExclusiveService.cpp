@@ -6,16 +6,16 @@ ExclusiveService::ExclusiveService(QObject* parent)
 
 QObject* ExclusiveService::currentClient() const
 {
-    return current;
+    return current_;
 }
 
 void ExclusiveService::setClient(QObject* client)
 {
-    if (client == current) {
+    if (client == current_) {
         return;
     }
-    QObject* const previous = current;
-    current = nullptr;
+    QObject* const previous = current_;
+    current_ = nullptr;
 
     QPointer<ExclusiveService> const self(this);
     QPointer<QObject> const next(client);
@@ -23,6 +23,6 @@ void ExclusiveService::setClient(QObject* client)
     if (!self) {
         return;
     }
-    current = next;
+    current_ = next;
     Q_EMIT clientChanged(next);
 }

@@ -47,5 +47,5 @@ Q_SIGNALS:
     void clientChanged(QObject* client);
 
 private:
-    QPointer<QObject> current;
+    QPointer<QObject> current_;
 };

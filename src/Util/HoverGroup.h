@@ -53,11 +53,11 @@ private:
         QEvent::Type last = QEvent::None; // that it received or was sent
     };
 
-    void ReplayToOthers(QWidget* hovered, QEvent* event);
+    void replayToOthers(QWidget* hovered, QEvent* event);
 
     // By address, which outlives the widget.
-    std::map<QWidget*, Member> members;
-    QEvent const* replayed = nullptr; // what is being sent to the others right now
+    std::map<QWidget*, Member> members_;
+    QEvent const* replayed_ = nullptr; // what is being sent to the others right now
 };
 
 } // namespace Util

@@ -19,14 +19,14 @@ class RunningExecutor
 public:
     explicit RunningExecutor(OneTimeExecutor* executor)
         : executor_(executor)
-        , outer_(std::exchange(innermost, this))
+        , outer_(std::exchange(innermost_, this))
     {}
-    ~RunningExecutor() { innermost = outer_; }
+    ~RunningExecutor() { innermost_ = outer_; }
     Q_DISABLE_COPY_MOVE(RunningExecutor)
 
     static bool Is(OneTimeExecutor const* executor)
     {
-        for (RunningExecutor const* running = innermost; running; running = running->outer_) {
+        for (RunningExecutor const* running = innermost_; running; running = running->outer_) {
             if (running->executor_ == executor) {
                 return true;
             }
@@ -40,19 +40,19 @@ public:
 private:
     QPointer<OneTimeExecutor> const executor_;
     RunningExecutor const* const outer_;
-    static thread_local RunningExecutor const* innermost;
+    static thread_local RunningExecutor const* innermost_;
 };
 
-thread_local RunningExecutor const* RunningExecutor::innermost = nullptr;
+thread_local RunningExecutor const* RunningExecutor::innermost_ = nullptr;
 
 } // namespace
 
 void LambdaQt4::execute()
 {
-    if (!functor) {
+    if (!functor_) {
         ZELKOR_THROW(std::logic_error("LambdaQt4 use without functor!"));
     }
-    functor(sender());
+    functor_(sender());
 }
 
 void OneTimeExecutor::executeOnce()

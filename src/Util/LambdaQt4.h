@@ -29,7 +29,7 @@ public:
     /// A slot that calls \a function; owned by \a parent, if any.
     explicit LambdaQt4(std::function<void(QObject* sender)> function, QObject* parent = nullptr)
         : QObject(parent)
-        , functor(std::move(function))
+        , functor_(std::move(function))
     {}
 
 public Q_SLOTS:
@@ -40,7 +40,7 @@ public Q_SLOTS:
     void execute();
 
 private:
-    std::function<void(QObject* sender)> functor;
+    std::function<void(QObject* sender)> functor_;
 };
 
 /// A LambdaQt4 that destroys itself after its first run; connect it to its slot `executeOnce()` by name.

@@ -7,10 +7,10 @@ namespace Zelkor::Util
 
 void LambdaQt4WithIntParameter::execute(int inputParam)
 {
-    if (!functor) {
+    if (!functor_) {
         ZELKOR_THROW(std::logic_error("LambdaQt4WithIntParameter use without functor!"));
     }
-    functor(sender(), inputParam);
+    functor_(sender(), inputParam);
 }
 
 } // namespace Zelkor::Util

@@ -30,7 +30,7 @@ public:
     explicit LambdaQt4WithIntParameter(std::function<void(QObject* sender, int value)> function,
                                        QObject* parent = nullptr)
         : QObject(parent)
-        , functor(std::move(function))
+        , functor_(std::move(function))
     {}
 
 public Q_SLOTS:
@@ -41,7 +41,7 @@ public Q_SLOTS:
     void execute(int inputParam);
 
 private:
-    std::function<void(QObject* sender, int value)> functor;
+    std::function<void(QObject* sender, int value)> functor_;
 };
 
 } // namespace Util

@@ -56,9 +56,9 @@ public:
     Walk(Entries const& entries, QObject const* self)
         : entries_(entries.begin(), entries.end())
         , self_(self)
-        , outer_(std::exchange(innermost, this))
+        , outer_(std::exchange(innermost_, this))
     {}
-    ~Walk() { innermost = outer_; }
+    ~Walk() { innermost_ = outer_; }
     Q_DISABLE_COPY_MOVE(Walk)
 
     /// Calls \a visit with the object and the signature of each entry but those of the object that the walk is for, as
@@ -80,7 +80,7 @@ public:
     /// Takes \a object, which ends, out of all walks that are under way.
     static void TakeOut(QObject const* object)
     {
-        for (Walk* walk = innermost; walk; walk = walk->outer_) {
+        for (Walk* walk = innermost_; walk; walk = walk->outer_) {
             if (walk->self_ == object) {
                 walk->self_ = nullptr;
             }
@@ -96,10 +96,10 @@ private:
     std::vector<std::pair<QObject const*, std::string>> entries_;
     QObject const* self_;
     Walk* const outer_;
-    static Walk* innermost;
+    static Walk* innermost_;
 };
 
-Walk* Walk::innermost = nullptr;
+Walk* Walk::innermost_ = nullptr;
 
 Qt::ConnectionType UniqueConnection(bool queued)
 {

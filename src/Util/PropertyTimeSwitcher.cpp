@@ -15,38 +15,39 @@ bool HasProperty(QObject const& object, QByteArray const& name)
 
 } // namespace
 
-PropertyTimeSwitcher::PropertyTimeSwitcher(QByteArray const& name, QVariant const& outside, QObject* parent)
+PropertyTimeSwitcher::PropertyTimeSwitcher(QByteArray const& propertyName, QVariant const& defaultValue,
+                                           QObject* parent)
     : QObject(parent)
-    , propertyName(name)
-    , defaultValue(outside)
+    , propertyName_(propertyName)
+    , defaultValue_(defaultValue)
 {
-    if (parent && !HasProperty(*parent, propertyName)) {
+    if (parent && !HasProperty(*parent, propertyName_)) {
         qWarning("PropertyTimeSwitcher: you're trying to control a non-existing property %s of your QObject",
-                 propertyName.constData());
+                 propertyName_.constData());
     }
 }
 
 void PropertyTimeSwitcher::setRange(int from, int to, QVariant const& value)
 {
-    rangeStart = from;
-    rangeEnd = to;
-    rangeValue = value;
+    rangeStart_ = from;
+    rangeEnd_ = to;
+    rangeValue_ = value;
     updateValue();
 }
 
 void PropertyTimeSwitcher::setCurrentTime(int time)
 {
-    currentTime = time;
+    currentTime_ = time;
     updateValue();
 }
 
 void PropertyTimeSwitcher::updateValue()
 {
-    bool const inRange = rangeStart <= currentTime && currentTime < rangeEnd;
-    QVariant const& wanted = inRange ? rangeValue : defaultValue;
+    bool const inRange = rangeStart_ <= currentTime_ && currentTime_ < rangeEnd_;
+    QVariant const& wanted = inRange ? rangeValue_ : defaultValue_;
     QObject* const controlled = parent();
-    if (controlled && controlled->property(propertyName.constData()) != wanted) {
-        controlled->setProperty(propertyName.constData(), wanted);
+    if (controlled && controlled->property(propertyName_.constData()) != wanted) {
+        controlled->setProperty(propertyName_.constData(), wanted);
     }
 }
 

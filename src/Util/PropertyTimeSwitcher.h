@@ -46,12 +46,12 @@ public Q_SLOTS:
     void setCurrentTime(int time);
 
 private:
-    QByteArray propertyName;
-    QVariant defaultValue;
-    QVariant rangeValue;
-    int rangeStart = 0;
-    int rangeEnd = 0;
-    int currentTime = 0;
+    QByteArray propertyName_;
+    QVariant defaultValue_;
+    QVariant rangeValue_;
+    int rangeStart_ = 0;
+    int rangeEnd_ = 0;
+    int currentTime_ = 0;
 };
 
 } // namespace Util

@@ -30,26 +30,26 @@ void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widget)
     }
 }
 
-QmlWindowFocusWorkaround::QmlWindowFocusWorkaround(QWidget* watchedWindow, QWidget* targetWidget)
-    : QObject(watchedWindow)
-    , window(watchedWindow)
-    , target(targetWidget)
+QmlWindowFocusWorkaround::QmlWindowFocusWorkaround(QWidget* window, QWidget* target)
+    : QObject(window)
+    , window_(window)
+    , target_(target)
 {
-    window->installEventFilter(this);
+    window_->installEventFilter(this);
 }
 
 QmlWindowFocusWorkaround::~QmlWindowFocusWorkaround() = default;
 
 bool QmlWindowFocusWorkaround::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::ActivationChange && target && window->isVisible() && window->isActiveWindow()) {
+    if (event->type() == QEvent::ActivationChange && target_ && window_->isVisible() && window_->isActiveWindow()) {
         // Each of them lets others react, and these may destroy the target.
-        target->activateWindow();
-        if (target) {
-            target->raise();
+        target_->activateWindow();
+        if (target_) {
+            target_->raise();
         }
-        if (target) {
-            target->setFocus(Qt::ActiveWindowFocusReason);
+        if (target_) {
+            target_->setFocus(Qt::ActiveWindowFocusReason);
         }
         event->ignore();
     }

@@ -36,8 +36,8 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    QWidget* window;
-    QPointer<QWidget> target;
+    QWidget* window_;
+    QPointer<QWidget> target_;
 };
 
 } // namespace Util

@@ -75,7 +75,7 @@ struct QtLogHandler::Impl
 void QtLogHandler::Impl::StaticHandler(QtMsgType type, QMessageLogContext const& context, QString const& message)
 {
     if (!g_isGone) {
-        GetInstance().impl->Handler(type, context, message);
+        GetInstance().impl_->Handler(type, context, message);
     } else if (QtMessageHandler const heir = g_heir) {
         heir(type, context, message);
     }
@@ -104,54 +104,54 @@ QtLogHandler& QtLogHandler::GetInstance()
 }
 
 QtLogHandler::QtLogHandler()
-    : impl(std::make_unique<Impl>())
+    : impl_(std::make_unique<Impl>())
 {
     Install();
 }
 
 QtLogHandler::~QtLogHandler()
 {
-    g_heir = impl->previousHandler != Impl::StaticHandler ? impl->previousHandler : nullptr;
+    g_heir = impl_->previousHandler != Impl::StaticHandler ? impl_->previousHandler : nullptr;
     g_isGone = true;
     Uninstall();
 }
 
 void QtLogHandler::Install()
 {
-    if (impl->installed) {
+    if (impl_->installed) {
         return;
     }
-    impl->previousHandler = qInstallMessageHandler(Impl::StaticHandler);
-    impl->installed = true;
+    impl_->previousHandler = qInstallMessageHandler(Impl::StaticHandler);
+    impl_->installed = true;
 }
 
 void QtLogHandler::Uninstall()
 {
-    if (!impl->installed) {
+    if (!impl_->installed) {
         return;
     }
-    qInstallMessageHandler(impl->previousHandler);
-    impl->installed = false;
+    qInstallMessageHandler(impl_->previousHandler);
+    impl_->installed = false;
 }
 
 void QtLogHandler::AddFilter(TextFilter filter)
 {
-    impl->textFilters.append(filter);
+    impl_->textFilters.append(filter);
 }
 
 void QtLogHandler::AddFilter(FullFilter filter)
 {
-    impl->fullFilters.append(filter);
+    impl_->fullFilters.append(filter);
 }
 
 void QtLogHandler::SetEnabledLogFileNameAndLineNumber(bool enabled)
 {
-    impl->logFileNameAndLineNumber = enabled;
+    impl_->logFileNameAndLineNumber = enabled;
 }
 
 void QtLogHandler::SetEnabledForwardIntoPreviousHandler(bool enabled)
 {
-    impl->forwardIntoPreviousHandler = enabled;
+    impl_->forwardIntoPreviousHandler = enabled;
 }
 
 } // namespace Zelkor::Util

@@ -77,7 +77,7 @@ private:
     QtLogHandler();
 
     struct ZQTUTIL_NO_EXPORT Impl;
-    std::unique_ptr<Impl> impl;
+    std::unique_ptr<Impl> impl_;
 };
 
 } // namespace Util

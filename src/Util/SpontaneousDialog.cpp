@@ -5,7 +5,7 @@
 namespace Zelkor::Util
 {
 
-QPointer<QWidget> SpontaneousDialog::mainWindow;
+QPointer<QWidget> SpontaneousDialog::mainWindow_;
 
 QWidget* SpontaneousDialog::findParent()
 {
@@ -19,12 +19,12 @@ QWidget* SpontaneousDialog::findParent()
 
 QWidget* SpontaneousDialog::GetMainWindow()
 {
-    return mainWindow ? mainWindow.data() : QApplication::activeWindow();
+    return mainWindow_ ? mainWindow_.data() : QApplication::activeWindow();
 }
 
 void SpontaneousDialog::SetMainWindow(QWidget* window)
 {
-    mainWindow = window;
+    mainWindow_ = window;
 }
 
 } // namespace Zelkor::Util

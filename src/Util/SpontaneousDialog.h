@@ -31,7 +31,7 @@ public:
     static void SetMainWindow(QWidget* window);
 
 private:
-    static QPointer<QWidget> mainWindow;
+    static QPointer<QWidget> mainWindow_;
 };
 
 } // namespace Util

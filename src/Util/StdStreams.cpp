@@ -17,13 +17,13 @@ ConsoleOutputStream& ConsoleOutputStream::operator<<(QString const& text)
 }
 
 QtStdStreamsInitializer::QtStdStreamsInitializer()
-    : input(stdin)
-    , output(stdout)
-    , error(stderr)
+    : input_(stdin)
+    , output_(stdout)
+    , error_(stderr)
 {
-    qinPtr = &input;
-    qoutPtr = &output;
-    qerrPtr = &error;
+    qinPtr = &input_;
+    qoutPtr = &output_;
+    qerrPtr = &error_;
 }
 
 QtStdStreamsInitializer::~QtStdStreamsInitializer()

@@ -39,9 +39,9 @@ public:
     QtStdStreamsInitializer& operator=(QtStdStreamsInitializer const&) = delete;
 
 private:
-    QTextStream input;
-    ConsoleOutputStream output;
-    ConsoleOutputStream error;
+    QTextStream input_;
+    ConsoleOutputStream output_;
+    ConsoleOutputStream error_;
 };
 
 /// The stream on standard input; null while there is no QtStdStreamsInitializer.

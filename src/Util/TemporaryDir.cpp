@@ -125,7 +125,7 @@ TemporaryDir::TemporaryDir()
     {
         std::lock_guard<std::mutex> const lock(mutexDefTempDir);
         if (name.isEmpty() || version.isEmpty()) {
-            dir = MakeDefaultDirectory();
+            dir_ = MakeDefaultDirectory();
             defTempDir = true;
             return;
         }
@@ -135,44 +135,44 @@ TemporaryDir::TemporaryDir()
         }
     }
     static QString const tempPath = ApplicationFolder(name, version);
-    dir = MakeDirectoryIn(tempPath);
+    dir_ = MakeDirectoryIn(tempPath);
 }
 
 TemporaryDir::~TemporaryDir() = default;
 
 bool TemporaryDir::isValid() const
 {
-    return dir->isValid();
+    return dir_->isValid();
 }
 
 QString TemporaryDir::errorString() const
 {
-    return dir->errorString();
+    return dir_->errorString();
 }
 
 bool TemporaryDir::autoRemove() const
 {
-    return dir->autoRemove();
+    return dir_->autoRemove();
 }
 
 void TemporaryDir::setAutoRemove(bool autoRemove)
 {
-    dir->setAutoRemove(autoRemove);
+    dir_->setAutoRemove(autoRemove);
 }
 
 bool TemporaryDir::remove()
 {
-    return dir->remove();
+    return dir_->remove();
 }
 
 QString TemporaryDir::path() const
 {
-    return dir->path();
+    return dir_->path();
 }
 
 QString TemporaryDir::filePath(QString const& fileName) const
 {
-    return dir->filePath(fileName);
+    return dir_->filePath(fileName);
 }
 
 } // namespace Zelkor::Util

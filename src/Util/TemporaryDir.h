@@ -67,7 +67,7 @@ public:
     QString filePath(QString const& fileName) const;
 
 private:
-    std::unique_ptr<QTemporaryDir> dir;
+    std::unique_ptr<QTemporaryDir> dir_;
 };
 
 } // namespace Util

@@ -10,46 +10,46 @@
 namespace Zelkor::Util
 {
 
-TimeUpdater::TimeUpdater(int outputStartTime, int inputStartTime, int inputEndTime, QString const& outputFormat,
-                         QTextDocument* outputDocument, bool countDown)
-    : QObject(outputDocument)
-    , current(inputStartTime)
-    , outputStart(outputStartTime)
-    , inputStart(inputStartTime)
-    , inputEnd(inputEndTime)
-    , format(outputFormat)
-    , reverse(countDown)
-    , document(outputDocument)
+TimeUpdater::TimeUpdater(int outputStart, int inputStart, int inputEnd, QString const& format, QTextDocument* document,
+                         bool reverse)
+    : QObject(document)
+    , current_(inputStart)
+    , outputStart_(outputStart)
+    , inputStart_(inputStart)
+    , inputEnd_(inputEnd)
+    , format_(format)
+    , reverse_(reverse)
+    , document_(document)
 {}
 
 int TimeUpdater::calculateOutputTime(int time) const
 {
     // Wider than the times, whose sums need not fit.
-    qint64 const start = outputStart;
-    qint64 const end = start + inputEnd - inputStart;
-    qint64 const raw = reverse ? start + inputEnd - time : start + time - inputStart;
+    qint64 const start = outputStart_;
+    qint64 const end = start + inputEnd_ - inputStart_;
+    qint64 const raw = reverse_ ? start + inputEnd_ - time : start + time - inputStart_;
     qint64 const output = std::max(start, std::min(end, raw));
     return static_cast<int>(qBound<qint64>(0, output, std::numeric_limits<int>::max()));
 }
 
 void TimeUpdater::setCurrentTime(int time)
 {
-    current = time;
-    if (!document) {
+    current_ = time;
+    if (!document_) {
         return;
     }
-    QString const text = QTime(0, 0, 0, 0).addMSecs(calculateOutputTime(time)).toString(format);
-    if (text == document->toPlainText()) {
+    QString const text = QTime(0, 0, 0, 0).addMSecs(calculateOutputTime(time)).toString(format_);
+    if (text == document_->toPlainText()) {
         return;
     }
-    QTextCursor cursor(document);
+    QTextCursor cursor(document_);
     cursor.select(QTextCursor::Document);
     cursor.insertText(text);
 }
 
 int TimeUpdater::currentTime() const
 {
-    return current;
+    return current_;
 }
 
 } // namespace Zelkor::Util

@@ -49,13 +49,13 @@ public:
     int currentTime() const;
 
 private:
-    int current;
-    int outputStart;
-    int inputStart;
-    int inputEnd;
-    QString format;
-    bool reverse;
-    QTextDocument* document;
+    int current_;
+    int outputStart_;
+    int inputStart_;
+    int inputEnd_;
+    QString format_;
+    bool reverse_;
+    QTextDocument* document_;
 };
 
 } // namespace Util

@@ -12,12 +12,12 @@ namespace Zelkor::Util
 
 UndoHandlerStack::UndoHandlerStack(QObject* parent)
     : QObject(parent)
-    , group(new QUndoGroup(this))
+    , group_(new QUndoGroup(this))
 {
-    connect(group, SIGNAL(canRedoChanged(bool)), this, SIGNAL(canRedoChanged(bool)));
-    connect(group, SIGNAL(canUndoChanged(bool)), this, SIGNAL(canUndoChanged(bool)));
-    connect(group, SIGNAL(cleanChanged(bool)), this, SIGNAL(cleanChanged(bool)));
-    connect(group, SIGNAL(indexChanged(int)), this, SIGNAL(indexChanged(int)));
+    connect(group_, SIGNAL(canRedoChanged(bool)), this, SIGNAL(canRedoChanged(bool)));
+    connect(group_, SIGNAL(canUndoChanged(bool)), this, SIGNAL(canUndoChanged(bool)));
+    connect(group_, SIGNAL(cleanChanged(bool)), this, SIGNAL(cleanChanged(bool)));
+    connect(group_, SIGNAL(indexChanged(int)), this, SIGNAL(indexChanged(int)));
 }
 
 void UndoHandlerStack::push(QUndoStack* stack)
@@ -25,51 +25,51 @@ void UndoHandlerStack::push(QUndoStack* stack)
     if (!stack) {
         ZELKOR_THROW(std::invalid_argument("UndoHandlerStack use without stack!"));
     }
-    stacks.push(stack);
-    group->addStack(stack);
-    group->setActiveStack(stack);
+    stacks_.push(stack);
+    group_->addStack(stack);
+    group_->setActiveStack(stack);
 }
 
 QUndoStack* UndoHandlerStack::pop()
 {
-    if (stacks.isEmpty()) {
+    if (stacks_.isEmpty()) {
         return nullptr;
     }
-    QUndoStack* const popped = stacks.pop();
+    QUndoStack* const popped = stacks_.pop();
     // Before the removal, which would announce that there is no active stack at all.
-    group->setActiveStack(stacks.isEmpty() ? nullptr : stacks.top());
-    group->removeStack(popped);
+    group_->setActiveStack(stacks_.isEmpty() ? nullptr : stacks_.top());
+    group_->removeStack(popped);
     return popped;
 }
 
 QUndoStack* UndoHandlerStack::activeStack() const
 {
-    return group->activeStack();
+    return group_->activeStack();
 }
 
 void UndoHandlerStack::undo()
 {
-    group->undo();
+    group_->undo();
 }
 
 void UndoHandlerStack::redo()
 {
-    group->redo();
+    group_->redo();
 }
 
 bool UndoHandlerStack::canUndo() const
 {
-    return group->canUndo();
+    return group_->canUndo();
 }
 
 bool UndoHandlerStack::canRedo() const
 {
-    return group->canRedo();
+    return group_->canRedo();
 }
 
 bool UndoHandlerStack::empty() const
 {
-    return stacks.isEmpty();
+    return stacks_.isEmpty();
 }
 
 } // namespace Zelkor::Util

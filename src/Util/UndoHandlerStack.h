@@ -78,8 +78,8 @@ Q_SIGNALS:
     void indexChanged(int idx);
 
 private:
-    QUndoGroup* group;
-    QStack<QUndoStack*> stacks;
+    QUndoGroup* group_;
+    QStack<QUndoStack*> stacks_;
 };
 
 } // namespace Util

@@ -67,46 +67,46 @@ public:
 };
 
 ValidationInputDialog::ValidationInputDialog(QString const& title, QString const& labelText, QString const& text,
-                                             Check const& mustPass, Check const& shouldPass)
+                                             Check const& firstCheck, Check const& secondCheck)
     : QDialog(SpontaneousDialog::findParent())
-    , ui(std::make_unique<UI>(this))
-    , firstCheck(mustPass)
-    , secondCheck(shouldPass)
+    , ui_(std::make_unique<UI>(this))
+    , firstCheck_(firstCheck)
+    , secondCheck_(secondCheck)
 {
     FixWidgetStyle::Apply(this);
     setWindowTitle(title);
-    ui->label->setText(labelText);
-    ui->errorLabel->hide();
-    connect(ui->buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(ui->lineEdit, &QLineEdit::textChanged, this, &ValidationInputDialog::CheckInput);
-    ui->lineEdit->setText(text);
+    ui_->label->setText(labelText);
+    ui_->errorLabel->hide();
+    connect(ui_->buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(ui_->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(ui_->lineEdit, &QLineEdit::textChanged, this, &ValidationInputDialog::checkInput);
+    ui_->lineEdit->setText(text);
     Widget::Util::installLayoutController(this);
 }
 
 ValidationInputDialog::~ValidationInputDialog()
 {
     // Hiding may still change the text, by what an input method commits, and comes when the checks have gone.
-    disconnect(ui->lineEdit, nullptr, this, nullptr);
+    disconnect(ui_->lineEdit, nullptr, this, nullptr);
 }
 
 QString ValidationInputDialog::inputText()
 {
-    QString const input = ui->lineEdit->text().simplified();
+    QString const input = ui_->lineEdit->text().simplified();
     QString message;
-    return firstCheck(input, message) ? input : QString();
+    return firstCheck_(input, message) ? input : QString();
 }
 
-void ValidationInputDialog::CheckInput(QString const& text)
+void ValidationInputDialog::checkInput(QString const& text)
 {
     QString const input = text.simplified();
     QString message;
-    bool const valid = firstCheck(input, message);
-    bool const clean = valid && secondCheck(input, message);
-    ui->errorLabel->setText(message);
-    ui->errorLabel->setVisible(!clean);
-    ui->buttonBox->button(QDialogButtonBox::Ok)->setEnabled(valid);
-    Widget::Util::applyStyleHint(ui->lineEdit, clean ? QStringLiteral("normal") : QStringLiteral("error"));
+    bool const valid = firstCheck_(input, message);
+    bool const clean = valid && secondCheck_(input, message);
+    ui_->errorLabel->setText(message);
+    ui_->errorLabel->setVisible(!clean);
+    ui_->buttonBox->button(QDialogButtonBox::Ok)->setEnabled(valid);
+    Widget::Util::applyStyleHint(ui_->lineEdit, clean ? QStringLiteral("normal") : QStringLiteral("error"));
 }
 
 } // namespace Zelkor::Util

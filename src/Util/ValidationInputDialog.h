@@ -53,11 +53,11 @@ public:
 private:
     class UI;
 
-    void CheckInput(QString const& text);
+    void checkInput(QString const& text);
 
-    std::unique_ptr<UI> ui;
-    Check firstCheck;
-    Check secondCheck;
+    std::unique_ptr<UI> ui_;
+    Check firstCheck_;
+    Check secondCheck_;
 };
 
 } // namespace Util

@@ -1,9 +1,9 @@
 #include "Bundles.h"
 #include "Programs.h"
 
-#include <LogCapture.h>
 #include <TestBed.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/logs/LogCapture.h>
 
 #include <Util/AutoLauncher.h>
 

@@ -3,7 +3,7 @@
 #include "NativeAvailability.h"
 
 #include <TestBed.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
 
 #include <Base/SystemVersion.h>
 

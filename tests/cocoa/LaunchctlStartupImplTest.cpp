@@ -1,10 +1,10 @@
 #include "Programs.h"
 
-#include <Folders.h>
-#include <LogCapture.h>
-#include <NextFunction.h>
-#include <OrdinaryUser.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/logs/LogCapture.h>
+#include <support/overrides/NextFunction.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <Util/Platforms/mac/LaunchctlStartupImpl.h>
 

@@ -1,8 +1,8 @@
 #include "Bundles.h"
 
-#include <Folders.h>
 #include <TestBed.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/sandbox/Folders.h>
 
 #include <Util/Platforms/mac/LoginItemStartupImpl.h>
 

@@ -2,7 +2,7 @@
 
 #include "NativeRuntime.h"
 
-#include <TestCase.h>
+#include <support/TestCase.h>
 
 #include <QtTest/QtTest>
 

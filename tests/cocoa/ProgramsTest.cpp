@@ -3,7 +3,7 @@
 #include "Programs.h"
 
 #include <TestBed.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
 
 #include <QtCore/QProcess>
 #include <QtTest/QtTest>

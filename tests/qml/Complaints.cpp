@@ -1,6 +1,6 @@
 #include "Complaints.h"
 
-#include <LogCapture.h>
+#include <support/logs/LogCapture.h>
 
 #include <QtCore/QStringList>
 

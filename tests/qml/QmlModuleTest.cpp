@@ -3,7 +3,7 @@
 #include "Dial.h"
 #include "Models.h"
 
-#include <LogCapture.h>
+#include <support/logs/LogCapture.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>

@@ -1,7 +1,7 @@
-#include "TestCase.h"
+#include <support/TestCase.h>
 
-#include "LogCapture.h"
-#include "QueueOrder.h"
+#include <support/logs/LogCapture.h>
+#include <support/overrides/QueueOrder.h>
 
 #include <QtCore/QLocale>
 #include <QtCore/QTemporaryDir>

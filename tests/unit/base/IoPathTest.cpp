@@ -1,6 +1,6 @@
-#include <OrdinaryUser.h>
-#include <ProgrammingError.h>
-#include <TestCase.h>
+#include <support/ProgrammingError.h>
+#include <support/TestCase.h>
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <Base/IoPath.h>
 

@@ -1,5 +1,5 @@
-#include <TestCase.h>
-#include <Versions.h>
+#include <support/TestCase.h>
+#include <support/Versions.h>
 
 #include <Base/Version.h>
 

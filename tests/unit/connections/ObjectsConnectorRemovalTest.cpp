@@ -1,6 +1,6 @@
 // What the registry forgets: what is unregistered, and what ends.
 
-#include <ConnectorTestCase.h>
+#include <unit/connections/ConnectorTestCase.h>
 
 #include <Util/ObjectsConnector.h>
 

@@ -1,5 +1,5 @@
-#include <ConnectorTestCase.h>
-#include <LogCapture.h>
+#include <support/logs/LogCapture.h>
+#include <unit/connections/ConnectorTestCase.h>
 
 #include <Util/ObjectsConnector.h>
 

@@ -1,7 +1,7 @@
 // What QtLogHandler does to a whole process: at its first use, at its end, and with what Qt aborts for.
 
-#include <Plays.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/processes/Plays.h>
 
 #include <Util/QtLogHandler.h>
 

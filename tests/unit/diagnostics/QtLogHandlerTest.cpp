@@ -1,5 +1,5 @@
-#include <LogCapture.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/logs/LogCapture.h>
 
 #include <Util/QtLogHandler.h>
 

@@ -1,5 +1,5 @@
-#include <Plays.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/processes/Plays.h>
 
 #include <Util/StdStreams.h>
 

@@ -1,5 +1,5 @@
-#include <RecordingStyle.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/displays/RecordingStyle.h>
 
 #include <Util/AlertBox.h>
 

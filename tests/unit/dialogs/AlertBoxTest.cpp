@@ -1,5 +1,5 @@
-#include <LayoutRequests.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/displays/LayoutRequests.h>
 
 #include <Util/AlertBox.h>
 

@@ -1,7 +1,7 @@
-#include <LayoutRequests.h>
-#include <RecordingStyle.h>
-#include <Screens.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/displays/LayoutRequests.h>
+#include <support/displays/RecordingStyle.h>
+#include <support/displays/Screens.h>
 
 #include <Util/FixWidgetStyle.h>
 

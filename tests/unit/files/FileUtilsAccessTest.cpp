@@ -1,6 +1,6 @@
-#include <ChildProcess.h>
-#include <FolderTestCase.h>
-#include <Folders.h>
+#include <support/processes/ChildProcess.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
 
 #include <Util/FileUtils.h>
 

@@ -1,7 +1,7 @@
-#include <Environment.h>
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <LogCapture.h>
+#include <support/logs/LogCapture.h>
+#include <support/sandbox/Environment.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
 
 #include <Util/FileUtils.h>
 

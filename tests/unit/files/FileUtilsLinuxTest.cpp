@@ -1,10 +1,10 @@
 // What Linux answers: readable folders and free space.
 
-#include <ChildProcess.h>
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <NextFunction.h>
-#include <OrdinaryUser.h>
+#include <support/overrides/NextFunction.h>
+#include <support/processes/ChildProcess.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <Util/FileUtils.h>
 

@@ -1,7 +1,7 @@
-#include <ChildProcess.h>
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <NextFunction.h>
+#include <support/overrides/NextFunction.h>
+#include <support/processes/ChildProcess.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
 
 #include <Util/FileUtils.h>
 

@@ -1,8 +1,8 @@
-#include <ChildProcess.h>
-#include <Environment.h>
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <OrdinaryUser.h>
+#include <support/processes/ChildProcess.h>
+#include <support/sandbox/Environment.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <Util/FileUtils.h>
 

@@ -1,7 +1,7 @@
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <LogCapture.h>
-#include <OrdinaryUser.h>
+#include <support/logs/LogCapture.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <Util/FileUtils.h>
 

@@ -1,9 +1,9 @@
 // GetPathSize() on trees that change meanwhile, and what does not change by it.
 
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <MeasuredSize.h>
-#include <OrdinaryUser.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/OrdinaryUser.h>
+#include <unit/files/MeasuredSize.h>
 
 #include <Util/FileUtils.h>
 

@@ -1,9 +1,9 @@
 // GetPathSize() on trees that are closed, broken, deep or anyhow, and with next to nothing left to open them with.
 
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <MeasuredSize.h>
-#include <NextFunction.h>
+#include <support/overrides/NextFunction.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
+#include <unit/files/MeasuredSize.h>
 
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayList>

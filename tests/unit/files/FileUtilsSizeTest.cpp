@@ -1,9 +1,9 @@
 // What GetPathSize() counts and what it logs, whatever the names are.
 
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <LogCapture.h>
-#include <MeasuredSize.h>
+#include <support/logs/LogCapture.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
+#include <unit/files/MeasuredSize.h>
 
 #include <Util/FileUtils.h>
 

@@ -1,9 +1,9 @@
 // What temporary directories clear away of what runs leave behind, also of processes and threads that run at once.
 
-#include <Plays.h>
-#include <TemporaryDirPlay.h>
-#include <TemporaryDirTestCase.h>
-#include <TemporaryFolders.h>
+#include <support/processes/Plays.h>
+#include <support/sandbox/TemporaryFolders.h>
+#include <unit/files/TemporaryDirPlay.h>
+#include <unit/files/TemporaryDirTestCase.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>

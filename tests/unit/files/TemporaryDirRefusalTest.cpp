@@ -1,10 +1,10 @@
 // Where no temporary directory is made.
 
-#include <OrdinaryUser.h>
-#include <Plays.h>
-#include <TemporaryDirPlay.h>
-#include <TemporaryDirTestCase.h>
-#include <TemporaryFolders.h>
+#include <support/processes/Plays.h>
+#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/TemporaryFolders.h>
+#include <unit/files/TemporaryDirPlay.h>
+#include <unit/files/TemporaryDirTestCase.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>

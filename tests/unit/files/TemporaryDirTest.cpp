@@ -1,9 +1,9 @@
 // Where temporary directories lie, and how they go.
 
-#include <Plays.h>
-#include <TemporaryDirPlay.h>
-#include <TemporaryDirTestCase.h>
-#include <TemporaryFolders.h>
+#include <support/processes/Plays.h>
+#include <support/sandbox/TemporaryFolders.h>
+#include <unit/files/TemporaryDirPlay.h>
+#include <unit/files/TemporaryDirTestCase.h>
 
 #include <Util/TemporaryDir.h>
 

@@ -1,6 +1,6 @@
-#include <FolderTestCase.h>
-#include <Folders.h>
-#include <OrdinaryUser.h>
+#include <support/sandbox/FolderTestCase.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <Util/MediaUtils.h>
 #include <Util/Platforms/VideoDisc.h>

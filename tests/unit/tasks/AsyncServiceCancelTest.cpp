@@ -1,5 +1,5 @@
-#include <Tasks.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <unit/tasks/Tasks.h>
 
 #include <Util/AsyncService.h>
 

@@ -1,6 +1,6 @@
-#include <LogCapture.h>
-#include <Tasks.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/logs/LogCapture.h>
+#include <unit/tasks/Tasks.h>
 
 #include <Util/AsyncService.h>
 

@@ -1,7 +1,7 @@
-#include <ConnectionRefusal.h>
-#include <ProgrammingError.h>
-#include <Tasks.h>
-#include <TestCase.h>
+#include <support/ProgrammingError.h>
+#include <support/TestCase.h>
+#include <support/overrides/ConnectionRefusal.h>
+#include <unit/tasks/Tasks.h>
 
 #include <Util/AsyncService.h>
 

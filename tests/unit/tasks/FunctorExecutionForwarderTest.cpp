@@ -1,6 +1,6 @@
-#include <ConnectionRefusal.h>
-#include <ProgrammingError.h>
-#include <TestCase.h>
+#include <support/ProgrammingError.h>
+#include <support/TestCase.h>
+#include <support/overrides/ConnectionRefusal.h>
 
 #include <Util/FunctorExecutionForwarder.h>
 

@@ -1,5 +1,5 @@
-#include <ProgrammingError.h>
-#include <TestCase.h>
+#include <support/ProgrammingError.h>
+#include <support/TestCase.h>
 
 #include <Util/ByteArrayUtils.h>
 

@@ -1,6 +1,6 @@
-#include <LogCapture.h>
-#include <TestCase.h>
-#include <Versions.h>
+#include <support/TestCase.h>
+#include <support/Versions.h>
+#include <support/logs/LogCapture.h>
 
 #include <Util/VersionUtils.h>
 

@@ -1,4 +1,4 @@
-#include <TestCase.h>
+#include <support/TestCase.h>
 
 #include <Util/PropertyTimeSwitcher.h>
 

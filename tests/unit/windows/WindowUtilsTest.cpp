@@ -1,5 +1,5 @@
-#include <Screens.h>
-#include <TestCase.h>
+#include <support/TestCase.h>
+#include <support/displays/Screens.h>
 
 #include <Util/WindowUtils.h>
 

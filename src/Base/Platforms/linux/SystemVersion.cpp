@@ -1,5 +1,6 @@
 #include <Base/SystemVersion.h>
 
+#include <QtCore/QString>
 #include <QtCore/QSysInfo>
 
 namespace Zelkor::Core

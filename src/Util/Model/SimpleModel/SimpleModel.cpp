@@ -50,26 +50,26 @@ SimpleModel* SimpleModel::Create(QStringList&& uids, std::function<QString(QStri
 
 SimpleModel::SimpleModel(QStringList&& uids, std::function<QString(QString const&)>&& titleGetter, QObject* parent)
     : QAbstractListModel(parent)
-    , impl(std::make_unique<Impl>(std::move(uids), std::move(titleGetter)))
+    , impl_(std::make_unique<Impl>(std::move(uids), std::move(titleGetter)))
 {}
 
 SimpleModel::~SimpleModel() = default;
 
 int SimpleModel::rowCount(QModelIndex const& parent) const
 {
-    return parent.isValid() ? 0 : impl->uids.size();
+    return parent.isValid() ? 0 : impl_->uids.size();
 }
 
 QVariant SimpleModel::data(QModelIndex const& index, int role) const
 {
     if (role == Uid) {
-        return impl->uids.at(index.row());
+        return impl_->uids.at(index.row());
     }
     if (role == Title) {
-        return impl->titleGetter(impl->uids.at(index.row()));
+        return impl_->titleGetter(impl_->uids.at(index.row()));
     }
     if (role == IconPath) {
-        return IconPathOf(impl->uids.at(index.row()));
+        return IconPathOf(impl_->uids.at(index.row()));
     }
     return {};
 }
@@ -81,15 +81,15 @@ bool SimpleModel::setData(QModelIndex const& index, QVariant const& value, int r
             return false;
         }
         QString const uid = index.data(Uid).toString(); // of the index's own model, which may stand before this one
-        impl->PerformForEachEventHandler([&uid](ISimpleModelObserver* observer) { observer->OnItemClicked(uid); });
+        impl_->PerformForEachEventHandler([&uid](ISimpleModelObserver* observer) { observer->OnItemClicked(uid); });
         return true;
     }
     switch (role) {
     case RegisterObserver:
-        impl->RegisterEventHandler(value.value<ISimpleModelObserver*>());
+        impl_->RegisterEventHandler(value.value<ISimpleModelObserver*>());
         return true;
     case UnregisterObserver:
-        impl->UnregisterEventHandler(value.value<ISimpleModelObserver*>());
+        impl_->UnregisterEventHandler(value.value<ISimpleModelObserver*>());
         return true;
     default:
         return false;

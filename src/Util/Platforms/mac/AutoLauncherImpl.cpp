@@ -20,24 +20,24 @@ public:
 };
 
 AutoLauncherImpl::AutoLauncherImpl()
-    : impl(std::make_unique<Impl>())
+    : impl_(std::make_unique<Impl>())
 {}
 
 AutoLauncherImpl::~AutoLauncherImpl() = default;
 
 bool AutoLauncherImpl::IsInStartup(QString const& identifier)
 {
-    impl->UpdateStartupAppList();
-    return impl->loginItems.IsInStartup(identifier) || impl->launchAgents.IsInStartup(identifier);
+    impl_->UpdateStartupAppList();
+    return impl_->loginItems.IsInStartup(identifier) || impl_->launchAgents.IsInStartup(identifier);
 }
 
 bool AutoLauncherImpl::AddToStartup(QString const& identifier, QString const& executablePath,
                                     QStringList const& arguments)
 {
-    bool const added = impl->loginItems.AddToLoginItems(identifier) ||
-                       impl->launchAgents.AddToStartup(identifier, executablePath, arguments);
+    bool const added = impl_->loginItems.AddToLoginItems(identifier) ||
+                       impl_->launchAgents.AddToStartup(identifier, executablePath, arguments);
     if (added) {
-        impl->UpdateStartupAppList();
+        impl_->UpdateStartupAppList();
     }
     return added;
 }
@@ -45,17 +45,17 @@ bool AutoLauncherImpl::AddToStartup(QString const& identifier, QString const& ex
 bool AutoLauncherImpl::RemoveFromStartup(QString const& identifier)
 {
     bool const removed =
-        impl->loginItems.RemoveFromLoginItems(identifier) || impl->launchAgents.RemoveFromStartup(identifier);
+        impl_->loginItems.RemoveFromLoginItems(identifier) || impl_->launchAgents.RemoveFromStartup(identifier);
     if (removed) {
-        impl->UpdateStartupAppList();
+        impl_->UpdateStartupAppList();
     }
     return removed;
 }
 
 QStringList AutoLauncherImpl::GetStartupApplications()
 {
-    impl->UpdateStartupAppList();
-    return impl->loginItems.GetItemsAtStartup() + impl->launchAgents.GetAppsInStartup();
+    impl_->UpdateStartupAppList();
+    return impl_->loginItems.GetItemsAtStartup() + impl_->launchAgents.GetAppsInStartup();
 }
 
 std::shared_ptr<IAutoLauncher> GetAutoLauncherImpl(AutoLauncherImplType)

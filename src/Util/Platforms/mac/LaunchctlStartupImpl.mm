@@ -78,20 +78,20 @@ public:
 };
 
 LaunchctlStartupImpl::LaunchctlStartupImpl()
-    : impl(std::make_unique<Impl>())
+    : impl_(std::make_unique<Impl>())
 {}
 
 LaunchctlStartupImpl::~LaunchctlStartupImpl() = default;
 
 void LaunchctlStartupImpl::UpdatePlistList()
 {
-    impl->paths.clear();
+    impl_->paths.clear();
     QDir const folder = AgentsFolder();
     auto const names = folder.entryList({QStringLiteral("*.plist")}, QDir::NoFilter, QDir::Unsorted);
     for (QString const& name : names) {
         QString const path = folder.absoluteFilePath(name);
         QSettings const plist(path, PropertyListFormat());
-        impl->paths.insert(plist.value(QStringLiteral("Label")).toString(), path);
+        impl_->paths.insert(plist.value(QStringLiteral("Label")).toString(), path);
     }
 }
 
@@ -104,7 +104,7 @@ QStringList LaunchctlStartupImpl::GetAppsInStartup() const
 {
     QString const jobs = GetAppsFromLaunchctl();
     QStringList loaded;
-    for (auto agent = impl->paths.keyBegin(); agent != impl->paths.keyEnd(); ++agent) {
+    for (auto agent = impl_->paths.keyBegin(); agent != impl_->paths.keyEnd(); ++agent) {
         if (jobs.contains(LoadedJobPattern(*agent))) {
             loaded.append(*agent);
         }
@@ -115,8 +115,8 @@ QStringList LaunchctlStartupImpl::GetAppsInStartup() const
 bool LaunchctlStartupImpl::AddToStartup(QString const& appId, QString const& executablePath,
                                         QStringList const& arguments)
 {
-    auto const known = impl->paths.constFind(appId);
-    if (known == impl->paths.constEnd() || !QFile::exists(*known)) {
+    auto const known = impl_->paths.constFind(appId);
+    if (known == impl_->paths.constEnd() || !QFile::exists(*known)) {
         QString const name = LaunchAgentFileName(appId);
         if (name.isNull()) {
             google::LogMessage(__FILE__, InvalidIdentifierLine, google::GLOG_WARNING).stream()
@@ -126,15 +126,15 @@ bool LaunchctlStartupImpl::AddToStartup(QString const& appId, QString const& exe
         QString const path = AgentsFolder().absoluteFilePath(name);
         QStringList const command = {QStringLiteral("open"), BundlePathOf(executablePath), QStringLiteral("--args")};
         WriteAgent(path, appId, command + arguments);
-        impl->paths.insert(appId, path);
+        impl_->paths.insert(appId, path);
     }
-    return StartLaunchctl(QStringLiteral("load"), impl->paths.value(appId));
+    return StartLaunchctl(QStringLiteral("load"), impl_->paths.value(appId));
 }
 
 bool LaunchctlStartupImpl::RemoveFromStartup(QString const& appId) const
 {
-    auto const known = impl->paths.constFind(appId);
-    return known != impl->paths.constEnd() && StartLaunchctl(QStringLiteral("unload"), *known);
+    auto const known = impl_->paths.constFind(appId);
+    return known != impl_->paths.constEnd() && StartLaunchctl(QStringLiteral("unload"), *known);
 }
 
 } // namespace Zelkor::Util

@@ -146,14 +146,14 @@ public:
 };
 
 LoginItemStartupImpl::LoginItemStartupImpl()
-    : impl(std::make_unique<Impl>())
+    : impl_(std::make_unique<Impl>())
 {}
 
 LoginItemStartupImpl::~LoginItemStartupImpl() = default;
 
 void LoginItemStartupImpl::UpdateStartupItems(QString const& filter)
 {
-    impl->paths.clear();
+    impl_->paths.clear();
     LoginItems const items = CreateLoginItems();
     if (!items) {
         return;
@@ -161,7 +161,7 @@ void LoginItemStartupImpl::UpdateStartupItems(QString const& filter)
     VisitItems(items, [this, &filter](LSSharedFileListItemRef, Url const& url) {
         QString const identifier = IdentifierOf(url, filter);
         if (!identifier.isNull()) {
-            impl->paths.insert(identifier, GetQStringFromCFURL(url.Get()));
+            impl_->paths.insert(identifier, GetQStringFromCFURL(url.Get()));
         }
         return false;
     });
@@ -169,17 +169,17 @@ void LoginItemStartupImpl::UpdateStartupItems(QString const& filter)
 
 bool LoginItemStartupImpl::IsInStartup(QString const& appId) const
 {
-    return impl->paths.contains(appId);
+    return impl_->paths.contains(appId);
 }
 
 QStringList LoginItemStartupImpl::GetItemsAtStartup() const
 {
-    return impl->paths.keys();
+    return impl_->paths.keys();
 }
 
 bool LoginItemStartupImpl::AddToLoginItems(QString const& appId) const
 {
-    if (impl->paths.contains(appId)) {
+    if (impl_->paths.contains(appId)) {
         return true;
     }
     QString const helper = HelperPath(HelperProductOf(appId));
@@ -201,7 +201,7 @@ bool LoginItemStartupImpl::AddToLoginItems(QString const& appId) const
 
 bool LoginItemStartupImpl::RemoveFromLoginItems(QString const& appId) const
 {
-    QString const path = impl->paths.value(appId);
+    QString const path = impl_->paths.value(appId);
     if (path.isEmpty()) {
         return false;
     }

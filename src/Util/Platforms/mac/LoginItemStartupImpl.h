@@ -39,7 +39,7 @@ public:
 
 private:
     class Impl;
-    std::unique_ptr<Impl> const impl;
+    std::unique_ptr<Impl> const impl_;
 };
 
 } // namespace Zelkor::Util

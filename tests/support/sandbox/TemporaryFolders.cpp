@@ -1,6 +1,6 @@
-#include "TemporaryFolders.h"
+#include <support/sandbox/TemporaryFolders.h>
 
-#include "Folders.h"
+#include <support/sandbox/Folders.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>

@@ -1,4 +1,4 @@
-#include <RecordingStyle.h>
+#include <support/displays/RecordingStyle.h>
 
 #include <QtWidgets/QStyleFactory>
 

@@ -1,4 +1,4 @@
-#include <Tasks.h>
+#include <unit/tasks/Tasks.h>
 
 #include <QtCore/QThread>
 #include <QtTest/QTest>

@@ -1,9 +1,9 @@
-#include "TemporaryDirPlay.h"
+#include <unit/files/TemporaryDirPlay.h>
 
-#include "LogCapture.h"
-#include "OrdinaryUser.h"
-#include "Plays.h"
-#include "TemporaryFolders.h"
+#include <support/logs/LogCapture.h>
+#include <support/processes/Plays.h>
+#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/TemporaryFolders.h>
 
 #include <Util/TemporaryDir.h>
 

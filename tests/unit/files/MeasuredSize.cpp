@@ -1,7 +1,7 @@
-#include "MeasuredSize.h"
+#include <unit/files/MeasuredSize.h>
 
-#include "LogCapture.h"
-#include "OrdinaryUser.h"
+#include <support/logs/LogCapture.h>
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <Util/FileUtils.h>
 

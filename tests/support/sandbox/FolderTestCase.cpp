@@ -1,6 +1,6 @@
-#include "FolderTestCase.h"
+#include <support/sandbox/FolderTestCase.h>
 
-#include "Folders.h"
+#include <support/sandbox/Folders.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>

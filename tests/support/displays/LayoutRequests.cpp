@@ -1,4 +1,4 @@
-#include "LayoutRequests.h"
+#include <support/displays/LayoutRequests.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>

@@ -1,6 +1,6 @@
-#include "ConnectionRefusal.h"
+#include <support/overrides/ConnectionRefusal.h>
 
-#include "NextFunction.h"
+#include <support/overrides/NextFunction.h>
 
 namespace Zelkor::Testing
 {

@@ -1,4 +1,4 @@
-#include "OrdinaryUser.h"
+#include <support/sandbox/OrdinaryUser.h>
 
 #include <QtCore/QFile>
 

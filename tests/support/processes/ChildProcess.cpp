@@ -1,6 +1,6 @@
-#include "ChildProcess.h"
+#include <support/processes/ChildProcess.h>
 
-#include "Folders.h"
+#include <support/sandbox/Folders.h>
 
 #include <QtCore/QFile>
 

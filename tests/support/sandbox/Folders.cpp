@@ -1,4 +1,4 @@
-#include "Folders.h"
+#include <support/sandbox/Folders.h>
 
 #include <QtCore/QFile>
 

@@ -1,6 +1,6 @@
-#include "TemporaryDirTestCase.h"
+#include <unit/files/TemporaryDirTestCase.h>
 
-#include "TemporaryFolders.h"
+#include <support/sandbox/TemporaryFolders.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>

@@ -1,4 +1,4 @@
-#include "ConnectorTestCase.h"
+#include <unit/connections/ConnectorTestCase.h>
 
 #include <QtTest/QtTest>
 

@@ -1,4 +1,4 @@
-#include "LogCapture.h"
+#include <support/logs/LogCapture.h>
 
 #include <QtCore/QStringList>
 

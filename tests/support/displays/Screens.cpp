@@ -1,4 +1,4 @@
-#include "Screens.h"
+#include <support/displays/Screens.h>
 
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>

@@ -1,4 +1,4 @@
-#include "QueueOrder.h"
+#include <support/overrides/QueueOrder.h>
 
 #include <QtCore/qglobal.h>
 

@@ -1,4 +1,4 @@
-#include "Plays.h"
+#include <support/processes/Plays.h>
 
 #include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FolderTestCase.h"
-#include "TemporaryDirPlay.h"
+#include <support/sandbox/FolderTestCase.h>
+#include <unit/files/TemporaryDirPlay.h>
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TestCase.h"
+#include <support/TestCase.h>
 
 #include <QtCore/QTemporaryDir>
 
