@@ -1,5 +1,6 @@
 #include <Util/AsyncService.h>
 
+#include <Base/StackLink.h>
 #include <Base/Throw.h>
 #include <Util/FunctorExecutionForwarder.h>
 
@@ -8,15 +9,20 @@
 #include <QtCore/QScopedPointer>
 #include <QtCore/QThread>
 
+#include <memory>
 #include <utility>
 #include <vector>
+
+// Jobs run on the worker thread, everything else on the owner thread. Two forwarders carry functors between the
+// threads, so the registry needs no lock. The only datum that both threads share while a job runs is
+// Reporter::cancelled.
 
 namespace Zelkor::Util
 {
 namespace
 {
 
-AsyncService::Task* Given(AsyncService::Task* task)
+AsyncService::Task* CheckedTask(AsyncService::Task* task)
 {
     if (!task) {
         ZELKOR_THROW(std::invalid_argument("AsyncService use without task!"));
@@ -26,167 +32,103 @@ AsyncService::Task* Given(AsyncService::Task* task)
 
 } // namespace
 
-// All of it belongs to the owner thread, but for Work(), which runs on the worker thread.
 struct AsyncService::Impl
 {
-    class Delivery;
-
-    /// Tells the functors that it calls whose they are.
-    class OwnerForwarder : public FunctorExecutionForwarder
+    /// A running progress callback. It may run an event loop in which its task completes or the service is destroyed.
+    struct Delivery : StackLink<Delivery>
     {
-    public:
-        explicit OwnerForwarder(Impl* service)
-            : service_(service)
+        Delivery(Impl* impl, Task* deliveredTask)
+            : StackLink(impl->innermostDelivery)
+            , task(deliveredTask)
         {}
 
-        /// The service whose functor the calling thread has just begun; later the functor may have called others.
-        static Impl* Calling() { return g_calling_; }
-
-    protected:
-        bool event(QEvent* event) override
-        {
-            g_calling_ = service_;
-            return FunctorExecutionForwarder::event(event);
-        }
-
-    private:
-        static thread_local Impl* g_calling_;
-
-        Impl* const service_;
+        Task* const task;
+        std::unique_ptr<Task> completedTask; ///< The same task once it has completed; deleted with this object.
     };
 
     Impl();
     ~Impl();
 
-    void Stop();
+    void stop();
 
-    void Register(Task* task, AsyncService* service);
-    void Start();
-    void Run(Task* task);
-    void Work(Task* task, Reporter* reporter);
-    void Complete(Task* task, bool cancelled);
-    void Deliver(Task* task, int value);
+    void registerTask(Task* task, AsyncService* service);
+    void startThread();
+    void run(Task* task);
+    void work(Task* task, Reporter* reporter); // worker thread
+    void complete(Task* task, bool cancelled);
+    void deliver(Task* task, int value);
+    void keepDuringDelivery(std::unique_ptr<Task>& task) const;
 
     QMap<Task*, Reporter*> tasks;
     QScopedPointer<QThread> thread;
     FunctorExecutionForwarder workerForwarder;
-    OwnerForwarder ownerForwarder;
+    FunctorExecutionForwarder ownerForwarder;
 
-    // Reporters that a second post() replaced: a queued job may still hold them.
-    std::vector<std::unique_ptr<Reporter>> replaced;
+    // A queued job may still use a reporter that a second post() has replaced.
+    std::vector<std::unique_ptr<Reporter>> replacedReporters;
     int queuedJobs = 0;
-    Delivery* deliveries = nullptr;
+    Delivery* innermostDelivery = nullptr;
 };
-
-// A progress call-back on the stack. It may turn an event loop in which its own task completes, or even the service
-// goes; the task, and with it the running call-back, is then kept until the call-back returns.
-class AsyncService::Impl::Delivery
-{
-public:
-    Delivery(Impl* impl, Task* task)
-        : impl_(impl)
-        , task_(task)
-        , outer_(impl->deliveries)
-    {
-        impl->deliveries = this;
-    }
-
-    ~Delivery()
-    {
-        if (impl_) {
-            impl_->deliveries = outer_;
-        }
-    }
-
-    Delivery(Delivery const&) = delete;
-    Delivery& operator=(Delivery const&) = delete;
-
-    /// Hands \a task to the outermost of the \a deliveries of it that are on the stack, if any.
-    static void KeepWhileRunning(std::unique_ptr<Task>& task, Delivery* deliveries)
-    {
-        Delivery* outermost = nullptr;
-        for (Delivery* delivery = deliveries; delivery; delivery = delivery->outer_) {
-            if (delivery->task_ == task.get()) {
-                outermost = delivery;
-            }
-        }
-        if (outermost) {
-            outermost->completed_ = std::move(task);
-        }
-    }
-
-    static void Orphan(Delivery* deliveries)
-    {
-        for (; deliveries; deliveries = deliveries->outer_) {
-            deliveries->impl_ = nullptr;
-        }
-    }
-
-private:
-    Impl* impl_;
-    Task* task_;
-    Delivery* outer_;
-    std::unique_ptr<Task> completed_;
-};
-
-thread_local AsyncService::Impl* AsyncService::Impl::OwnerForwarder::g_calling_ = nullptr;
 
 AsyncService::Impl::Impl()
     : thread(new QThread)
-    , ownerForwarder(this)
 {
     thread->setObjectName(QStringLiteral("AsyncService"));
     workerForwarder.moveToThread(thread.data());
-    // A job may quit its thread's loop, and the thread may then end with jobs queued that run() still saw it alive for.
+    // A job may quit its thread's event loop. A run() that still sees the thread running would then queue a job that
+    // nobody calls, so the thread is restarted while jobs are queued.
     QObject::connect(thread.data(), &QThread::finished, &ownerForwarder, [this] {
         if (queuedJobs > 0) {
-            Start();
+            startThread();
         }
     });
 }
 
 AsyncService::Impl::~Impl()
 {
-    Delivery::Orphan(deliveries);
+    for (Delivery* delivery = innermostDelivery; delivery; delivery = delivery->Outer()) {
+        delivery->Detach();
+    }
     qDeleteAll(tasks);
 }
 
-void AsyncService::Impl::Stop()
+void AsyncService::Impl::stop()
 {
-    // Quitting alone would let the loop call everything that is queued already.
+    // quit() alone would let the event loop call every job that is already queued.
     QCoreApplication::removePostedEvents(&workerForwarder);
     thread->quit();
     thread->wait();
 }
 
-void AsyncService::Impl::Register(Task* task, AsyncService* service)
+void AsyncService::Impl::registerTask(Task* task, AsyncService* service)
 {
     task->service = service;
     task->error = nullptr;
     std::unique_ptr<Reporter> reporter(new Reporter{service, task});
     Reporter*& current = tasks[task];
     if (current) {
-        replaced.emplace_back(current);
+        replacedReporters.emplace_back(current);
     }
     current = reporter.release();
 }
 
-void AsyncService::Impl::Start()
+void AsyncService::Impl::startThread()
 {
     if (!thread->isRunning()) {
         thread->start(QThread::InheritPriority);
     }
 }
 
-void AsyncService::Impl::Run(Task* task)
+void AsyncService::Impl::run(Task* task)
 {
-    Start();
+    startThread();
+    // An unregistered task is registered with a null reporter, so that its completion is delivered as well.
     Reporter* const reporter = tasks[task];
     ++queuedJobs;
-    workerForwarder.Forward([this, task, reporter] { Work(task, reporter); });
+    workerForwarder.Forward([this, task, reporter] { work(task, reporter); });
 }
 
-void AsyncService::Impl::Work(Task* task, Reporter* reporter)
+void AsyncService::Impl::work(Task* task, Reporter* reporter)
 {
     bool cancelled = false;
     try {
@@ -196,17 +138,17 @@ void AsyncService::Impl::Work(Task* task, Reporter* reporter)
     } catch (...) {
         task->error = std::current_exception();
     }
-    ownerForwarder.Forward([this, task, cancelled] { Complete(task, cancelled); });
+    ownerForwarder.Forward([this, task, cancelled] { complete(task, cancelled); });
 }
 
-void AsyncService::Impl::Complete(Task* task, bool cancelled)
+void AsyncService::Impl::complete(Task* task, bool cancelled)
 {
     std::unique_ptr<Task> completed(task);
     --queuedJobs;
     delete tasks.take(task);
-    Delivery::KeepWhileRunning(completed, deliveries);
+    keepDuringDelivery(completed);
 
-    // The call-back may destroy the service: from here on only the task is touched.
+    // The callback may destroy the service, so only the task is used from here on.
     if (task->error && task->onError) {
         task->onError(task->error);
     } else if (cancelled && task->onCancelled) {
@@ -216,11 +158,26 @@ void AsyncService::Impl::Complete(Task* task, bool cancelled)
     }
 }
 
-void AsyncService::Impl::Deliver(Task* task, int value)
+void AsyncService::Impl::deliver(Task* task, int value)
 {
     if (tasks.contains(task) && task->onProgress) {
         Delivery const delivery(this, task);
         task->onProgress(value);
+    }
+}
+
+/// Moves \a task into the outermost delivery of its progress, if any. That delivery returns last, so the callbacks of
+/// all deliveries stay alive until they have returned.
+void AsyncService::Impl::keepDuringDelivery(std::unique_ptr<Task>& task) const
+{
+    Delivery* outermost = nullptr;
+    for (Delivery* delivery = innermostDelivery; delivery; delivery = delivery->Outer()) {
+        if (delivery->task == task.get()) {
+            outermost = delivery;
+        }
+    }
+    if (outermost) {
+        outermost->completedTask = std::move(task);
     }
 }
 
@@ -230,7 +187,9 @@ AsyncService::AsyncService()
 
 AsyncService::~AsyncService()
 {
-    impl_->Stop(); // not when impl goes: until its job returns, the worker thread reports through impl
+    // Not in ~Impl(): the running job reports through impl_, which some standard libraries clear before they destroy
+    // Impl.
+    impl_->stop();
 }
 
 AsyncService::Task* AsyncService::post(std::function<void(Reporter*)> work)
@@ -243,13 +202,13 @@ AsyncService::Task* AsyncService::post(std::function<void(Reporter*)> work)
 
 AsyncService::Task* AsyncService::post(Task* task)
 {
-    impl_->Register(Given(task), this);
+    impl_->registerTask(CheckedTask(task), this);
     return task;
 }
 
 void AsyncService::run(Task* task)
 {
-    impl_->Run(Given(task));
+    impl_->run(CheckedTask(task));
 }
 
 void AsyncService::cancel(Task* task)
@@ -279,8 +238,7 @@ void AsyncService::attach(QObject* object)
 
 void AsyncService::report(Task* task, int value)
 {
-    // With the service in it, a functor would need memory of its own, which one thread takes and the other gives back.
-    impl_->ownerForwarder.Forward([task, value] { Impl::OwnerForwarder::Calling()->Deliver(task, value); });
+    impl_->ownerForwarder.Forward([impl = impl_.get(), task, value] { impl->deliver(task, value); });
 }
 
 } // namespace Zelkor::Util

@@ -1,10 +1,9 @@
 #include <Util/LambdaQt4.h>
 
+#include <Base/StackLink.h>
 #include <Base/Throw.h>
 
 #include <QtCore/QPointer>
-
-#include <utility>
 
 namespace Zelkor::Util
 {
@@ -12,38 +11,30 @@ namespace Zelkor::Util
 namespace
 {
 
-/// An executor whose function is on this thread's stack. The function may turn an event loop that brings the signal
-/// again, and may destroy the executor.
-class RunningExecutor
+/// A running call of OneTimeExecutor::executeOnce(). The function may run an event loop that delivers the signal again,
+/// and may destroy the executor.
+struct RunningExecutor : StackLink<RunningExecutor>
 {
-public:
-    explicit RunningExecutor(OneTimeExecutor* executor)
-        : executor_(executor)
-        , outer_(std::exchange(innermost_, this))
+    explicit RunningExecutor(OneTimeExecutor* runningExecutor)
+        : StackLink(innermost)
+        , executor(runningExecutor)
     {}
-    ~RunningExecutor() { innermost_ = outer_; }
-    Q_DISABLE_COPY_MOVE(RunningExecutor)
 
-    static bool Is(OneTimeExecutor const* executor)
+    static bool isRunning(OneTimeExecutor const* executor)
     {
-        for (RunningExecutor const* running = innermost_; running; running = running->outer_) {
-            if (running->executor_ == executor) {
+        for (RunningExecutor const* running = innermost; running; running = running->Outer()) {
+            if (running->executor == executor) {
                 return true;
             }
         }
         return false;
     }
 
-    /// The executor, null when it is gone.
-    OneTimeExecutor* Get() const { return executor_; }
-
-private:
-    QPointer<OneTimeExecutor> const executor_;
-    RunningExecutor const* const outer_;
-    static thread_local RunningExecutor const* innermost_;
+    static thread_local RunningExecutor* innermost;
+    QPointer<OneTimeExecutor> const executor;
 };
 
-thread_local RunningExecutor const* RunningExecutor::innermost_ = nullptr;
+thread_local RunningExecutor* RunningExecutor::innermost = nullptr;
 
 } // namespace
 
@@ -57,12 +48,12 @@ void LambdaQt4::execute()
 
 void OneTimeExecutor::executeOnce()
 {
-    if (RunningExecutor::Is(this)) {
+    if (RunningExecutor::isRunning(this)) {
         return;
     }
     RunningExecutor const running(this);
     execute();
-    delete running.Get();
+    delete running.executor;
 }
 
 } // namespace Zelkor::Util

@@ -1,5 +1,6 @@
 #include <Util/ObjectsConnector.h>
 
+#include <Base/StackLink.h>
 #include <Util/StringUtils.h>
 
 #include <QtCore/QPointer>
@@ -20,22 +21,23 @@ std::map<QString, std::map<std::string, ObjectsConnector::Entries>> ObjectsConne
 namespace
 {
 
-/// Static objects may be registered, and end after the registry.
-bool registryIsThere = true;
+/// False once the registry is destroyed at exit. Static objects that are registered can be destroyed later.
+bool registryExists = true;
 
 struct RegistryEnd
 {
-    ~RegistryEnd() { registryIsThere = false; }
+    ~RegistryEnd() { registryExists = false; }
 } const registryEnd;
 
-/// What Qt's macros put before a signature.
+/// The digits that SLOT() and SIGNAL() put before a signature.
 constexpr char SlotCode = '1';
 constexpr char SignalCode = '2';
 
-bool CanServe(QObject const* object, char const* side, QString const& ID)
+/// Returns true if \a object can be registered or unregistered; logs an ERROR if it is null.
+bool IsUsable(QObject const* object, char const* side, QString const& ID)
 {
     LOG_IF(ERROR, !object) << "The " << side << " under \"" << QStringToUtf8(ID) << "\" is null";
-    return object && registryIsThere;
+    return object && registryExists;
 }
 
 std::string Coded(char code, QString const& signature)
@@ -44,25 +46,25 @@ std::string Coded(char code, QString const& signature)
     return signature.startsWith(QLatin1Char(code)) ? text : code + text;
 }
 
-/// A walk over the entries of one side, on behalf of an object of the other.
+/// Iterates over a copy of the entries of one role, to connect or disconnect each with an object of the other role.
 ///
-/// Qt tells an object of its connections (QObject::connectNotify()), which may then change the registry and end
-/// objects: the walk goes over the entries as they were at first, without those whose object has ended. Guarded
-/// pointers would not do: Qt makes none of an object whose `destroyed()` is being delivered.
-class Walk
+/// QObject::connectNotify() is foreign code that can change the registry and destroy objects. The destruction handler
+/// of an object therefore removes it from every iteration that is running. QPointer cannot serve here: Qt 5 reads freed
+/// memory when one is created for an object whose destroyed() signal is being delivered.
+class Iteration : public StackLink<Iteration>
 {
 public:
+    /// \param entries  the entries, of which a copy is kept
+    /// \param self     the object of the other role
     template <class Entries>
-    Walk(Entries const& entries, QObject const* self)
-        : entries_(entries.begin(), entries.end())
+    Iteration(Entries const& entries, QObject const* self)
+        : StackLink(innermost_)
+        , entries_(entries.begin(), entries.end())
         , self_(self)
-        , outer_(std::exchange(innermost_, this))
     {}
-    ~Walk() { innermost_ = outer_; }
-    Q_DISABLE_COPY_MOVE(Walk)
 
-    /// Calls \a visit with the object and the signature of each entry but those of the object that the walk is for, as
-    /// long as that lives.
+    /// Calls \a visit with the object and the signature of each entry, except entries of the object itself. Stops when
+    /// the object is destroyed.
     template <class Visit>
     void VisitOthers(Visit const& visit) const
     {
@@ -77,14 +79,14 @@ public:
         }
     }
 
-    /// Takes \a object, which ends, out of all walks that are under way.
-    static void TakeOut(QObject const* object)
+    /// Removes \a object, which is being destroyed, from all running iterations.
+    static void Remove(QObject const* object)
     {
-        for (Walk* walk = innermost_; walk; walk = walk->outer_) {
-            if (walk->self_ == object) {
-                walk->self_ = nullptr;
+        for (Iteration* iteration = innermost_; iteration; iteration = iteration->Outer()) {
+            if (iteration->self_ == object) {
+                iteration->self_ = nullptr;
             }
-            for (auto& entry : walk->entries_) {
+            for (auto& entry : iteration->entries_) {
                 if (entry.first == object) {
                     entry.first = nullptr;
                 }
@@ -93,13 +95,13 @@ public:
     }
 
 private:
+    static Iteration* innermost_;
+
     std::vector<std::pair<QObject const*, std::string>> entries_;
     QObject const* self_;
-    Walk* const outer_;
-    static Walk* innermost_;
 };
 
-Walk* Walk::innermost_ = nullptr;
+Iteration* Iteration::innermost_ = nullptr;
 
 Qt::ConnectionType UniqueConnection(bool queued)
 {
@@ -114,14 +116,14 @@ ObjectsConnector::ObjectsConnector(QObject* parent)
 
 void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QString const& signal, bool queued)
 {
-    if (!CanServe(sender, "sender", ID)) {
+    if (!IsUsable(sender, "sender", ID)) {
         return;
     }
-    // The registry's own: the caller's may go with what ends during the walk.
+    // The key inside the registry: the caller's ID can be destroyed together with an object during the iteration.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSignal = Coded(SignalCode, signal);
-    QPointer<QObject> const alive(sender); // no walk hears of its end before it is recorded
-    Walk(roles[TYPE_SLOT], sender).VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
+    QPointer<QObject> const alive(sender); // no destruction handler is connected yet
+    Iteration(roles[TYPE_SLOT], sender).VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
         if (alive) {
             connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
         }
@@ -133,14 +135,14 @@ void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QStri
 
 void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QString const& slot, bool queued)
 {
-    if (!CanServe(receiver, "receiver", ID)) {
+    if (!IsUsable(receiver, "receiver", ID)) {
         return;
     }
-    // The registry's own: the caller's may go with what ends during the walk.
+    // The key inside the registry: the caller's ID can be destroyed together with an object during the iteration.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSlot = Coded(SlotCode, slot);
-    QPointer<QObject> const alive(receiver); // no walk hears of its end before it is recorded
-    Walk(roles[TYPE_SIGNAL], receiver).VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
+    QPointer<QObject> const alive(receiver); // no destruction handler is connected yet
+    Iteration(roles[TYPE_SIGNAL], receiver).VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
         if (alive) {
             connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
         }
@@ -152,12 +154,12 @@ void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QS
 
 void ObjectsConnector::unregisterReceiver(QString const& ID, QObject* receiver, QString const& slot)
 {
-    if (!CanServe(receiver, "receiver", ID)) {
+    if (!IsUsable(receiver, "receiver", ID)) {
         return;
     }
     std::string const codedSlot = Coded(SlotCode, slot);
     Entries& own = m_metaCollector[ID][TYPE_SLOT];
-    Walk(m_metaCollector[ID][TYPE_SIGNAL], receiver)
+    Iteration(m_metaCollector[ID][TYPE_SIGNAL], receiver)
         .VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
             disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
         });
@@ -166,12 +168,12 @@ void ObjectsConnector::unregisterReceiver(QString const& ID, QObject* receiver, 
 
 void ObjectsConnector::unregisterEmitter(QString const& ID, QObject* sender, QString const& signal)
 {
-    if (!CanServe(sender, "sender", ID)) {
+    if (!IsUsable(sender, "sender", ID)) {
         return;
     }
     std::string const codedSignal = Coded(SignalCode, signal);
     Entries& own = m_metaCollector[ID][TYPE_SIGNAL];
-    Walk(m_metaCollector[ID][TYPE_SLOT], sender)
+    Iteration(m_metaCollector[ID][TYPE_SLOT], sender)
         .VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
             disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
         });
@@ -185,8 +187,8 @@ void ObjectsConnector::registerMetaType(QString const& ID, std::string const& me
     connect(
         metaPair.first, &QObject::destroyed, metaPair.first,
         [ID, metaType, metaPair] {
-            Walk::TakeOut(metaPair.first);
-            if (registryIsThere) {
+            Iteration::Remove(metaPair.first);
+            if (registryExists) {
                 m_metaCollector[ID][metaType].remove(metaPair);
             }
         },
