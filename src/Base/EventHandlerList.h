@@ -1,11 +1,11 @@
 #pragma once
 
 /// \file
-/// A list of observers that are told of events, from any thread.
+/// A thread-safe list of observers.
+
+#include <boost/container/small_vector.hpp>
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <mutex>
@@ -17,25 +17,27 @@ namespace Zelkor
 namespace Core
 {
 
-/// Where handlers of events are registered and taken off again.
+/// The interface for registering event handlers of type \a T.
 template <class T>
 class EventPublisher
 {
 public:
-    /// Registers \a handler, which is borrowed: it stays alive until it is unregistered.
+    /// Registers \a handler. The caller keeps the ownership and unregisters the handler before destroying it.
     virtual void RegisterEventHandler(T* handler) = 0;
 
-    /// Forgets \a handler.
+    /// Unregisters \a handler.
     virtual void UnregisterEventHandler(T* handler) = 0;
 
     virtual ~EventPublisher() = default;
 };
 
-/// Calls a handler at once, on the thread that publishes. The policy of EventHandlerList: any type with such an
-/// `Execute`, which may also keep the call for later.
+/// Calls each handler immediately, on the publishing thread.
+///
+/// EventHandlerList accepts any type with such an `Execute` function as its policy. A policy may also store the calls
+/// and make them later.
 struct SyncExecutePolicy
 {
-    /// Calls \a call, which takes no argument.
+    /// Calls \a call without arguments.
     template <class Call>
     static void Execute(Call&& call)
     {
@@ -43,7 +45,7 @@ struct SyncExecutePolicy
     }
 };
 
-/// Handlers of type \a T, each at most once and in the order of registration, and the way to call them all.
+/// A list of handlers of type \a T that are called in the order of their registration.
 ///
 /// \code
 /// class Player : public EventHandlerList<IPlayerObserver, SyncExecutePolicy>
@@ -55,20 +57,20 @@ struct SyncExecutePolicy
 /// };
 /// \endcode
 ///
-/// **Threads.** Everything may be called from any thread. Publications never overlap: a second one waits for the end of
-/// the first, unless it comes from inside it, on the same thread. Handlers are called without the lock of the list, so
-/// that other threads may register and unregister meanwhile.
+/// **Threads.** All functions are thread-safe. Publications do not overlap: a second one waits until the first has
+/// finished, unless a handler starts it on the same thread. The list is not locked while handlers are called, so other
+/// threads can register and unregister handlers.
 ///
-/// **Changes during a publication** take effect from the next one. A handler that is unregistered meanwhile is
-/// therefore still called, once by the publication under way and by each that waits for its end: it has to outlive them
-/// all, and so has the list.
+/// **Changes during a publication** take effect from the next publication. A handler that is unregistered during a
+/// publication is still called by it, and by every publication that is already waiting. The handler and the list must
+/// therefore outlive those publications.
 ///
-/// \a Policy says how a handler is called; `SyncExecutePolicy` calls it at once.
+/// \a Policy determines how a handler is called. SyncExecutePolicy calls it immediately.
 template <class T, class Policy>
 class EventHandlerList : public virtual EventPublisher<T>
 {
 public:
-    /// Appends \a handler, unless it is null or registered already.
+    /// Appends \a handler. Ignores null and a handler that is already registered.
     void RegisterEventHandler(T* handler) override
     {
         if (!handler) {
@@ -80,7 +82,7 @@ public:
         }
     }
 
-    /// Takes \a handler off the list, if it is there; null is ignored.
+    /// Removes \a handler. Ignores null and a handler that is not registered.
     void UnregisterEventHandler(T* handler) override
     {
         if (!handler) {
@@ -93,13 +95,14 @@ public:
         }
     }
 
-    /// Calls \a f with a pointer to each handler that is registered now, in the order of registration; the policy gets
-    /// a copy of \a f for each of them. What a handler throws ends the walk and passes through.
+    /// Calls \a f with a pointer to each registered handler, in the order of registration.
+    ///
+    /// The policy receives a copy of \a f for each handler. An exception from a handler ends the publication and is
+    /// passed on to the caller; the remaining handlers are not called.
     template <class F>
     void PerformForEachEventHandler(F f)
     {
-        Snapshot registered;
-        registered.Take(handlersMutex_, handlers_);
+        Handlers const registered = CopyHandlers();
         std::lock_guard<std::recursive_mutex> const lock(executionMutex_);
         for (T* const handler : registered) {
             Policy::Execute(std::bind(f, handler));
@@ -107,39 +110,15 @@ public:
     }
 
 private:
-    /// The handlers as they were at one moment; on the stack, up to a number that few lists exceed.
-    class Snapshot
+    // Copied at each publication. Up to this number of handlers, the copy needs no heap allocation.
+    static constexpr std::size_t HandlersOnStack = 32;
+    using Handlers = boost::container::small_vector<T*, HandlersOnStack>;
+
+    Handlers CopyHandlers()
     {
-    public:
-        Snapshot() = default;
-        Snapshot(Snapshot const&) = delete;
-        Snapshot& operator=(Snapshot const&) = delete;
-
-        void Take(std::recursive_mutex& mutex, std::vector<T*> const& all)
-        {
-            std::lock_guard<std::recursive_mutex> const lock(mutex);
-            count_ = all.size();
-            if (count_ > few_.size()) {
-                many_ = all;
-                first_ = many_.data();
-                return;
-            }
-            for (std::size_t i = 0; i < count_; ++i) {
-                few_[i] = all[i];
-                // One by one: for so few, the set-up of a block copy takes longer than the copy.
-                std::atomic_signal_fence(std::memory_order_acq_rel);
-            }
-        }
-
-        T* const* begin() const { return first_; }
-        T* const* end() const { return first_ + count_; }
-
-    private:
-        std::array<T*, 32> few_; // set up to the count only: a publication need not clear the rest
-        std::vector<T*> many_;
-        T* const* first_ = few_.data();
-        std::size_t count_ = 0;
-    };
+        std::lock_guard<std::recursive_mutex> const lock(handlersMutex_);
+        return Handlers(handlers_.begin(), handlers_.end());
+    }
 
     std::vector<T*> handlers_;
     std::recursive_mutex handlersMutex_;

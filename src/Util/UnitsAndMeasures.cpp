@@ -5,10 +5,7 @@
 #include <QtCore/QObject>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstring>
-#include <limits>
+#include <string>
 
 namespace Zelkor::Util
 {
@@ -20,117 +17,12 @@ constexpr unsigned long long MicrosecondsInSecond = 1000000;
 constexpr unsigned long long SecondsInMinute = 60;
 constexpr unsigned long long SecondsInHour = 3600;
 
-// The longest text of a 64-bit count of microseconds, or of a 32-bit number with three decimals, is well below this.
-constexpr std::size_t NumberCapacity = 32;
-
-// "%1"
-constexpr int PlaceMarkerSize = 2;
-
-/// A short ASCII text on the stack.
-class NumberText
+/// Returns \a number in decimal, with leading zeros up to \a width digits.
+std::string Padded(unsigned long long number, std::size_t width)
 {
-public:
-    void Append(char character) { *end_++ = character; }
-
-    void Append(unsigned long long number) { end_ = std::to_chars(end_, text_ + NumberCapacity, number).ptr; }
-
-    void AppendPadded(unsigned long long number, int width)
-    {
-        end_ += width;
-        for (char* digit = end_; width > 0; --width, number /= 10) {
-            *--digit = static_cast<char>('0' + number % 10);
-        }
-    }
-
-    int Size() const { return static_cast<int>(end_ - text_); }
-    QLatin1String View() const { return QLatin1String(text_, Size()); }
-
-private:
-    char text_[NumberCapacity];
-    char* end_ = text_;
-};
-
-constexpr std::array<unsigned long long, 4> PowersOfTen{1, 10, 100, 1000};
-
-/// Writes \a value with \a precision decimals as QString::arg does: the double's exact value, half a digit rounded up.
-/// Returns false for a number that integers of 64 bits do not carry through the rounding.
-bool WriteFixed(NumberText& text, double value, int precision)
-{
-    if (precision < 0 || static_cast<std::size_t>(precision) >= PowersOfTen.size() || !(value >= 1) ||
-        !(value < 4294967296.0)) {
-        return false;
-    }
-    // What std::frexp() tells, without its call: the number is normal and positive here.
-    static_assert(std::numeric_limits<double>::is_iec559 && sizeof(double) == sizeof(unsigned long long));
-    constexpr int storedBits = std::numeric_limits<double>::digits - 1;
-    constexpr int exponentBias = std::numeric_limits<double>::max_exponent - 1;
-    constexpr unsigned long long leadingBit = 1ULL << storedBits;
-    unsigned long long bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    unsigned long long const mantissa = (bits & (leadingBit - 1)) | leadingBit;
-    int const fractionBits = storedBits + exponentBias - static_cast<int>(bits >> storedBits);
-
-    unsigned long long const one = 1ULL << fractionBits;
-    unsigned long long const scale = PowersOfTen[static_cast<std::size_t>(precision)];
-    unsigned long long const decimals = ((mantissa & (one - 1)) * scale + one / 2) >> fractionBits;
-    bool const carry = decimals == scale;
-    text.Append((mantissa >> fractionBits) + (carry ? 1 : 0));
-    if (precision > 0) {
-        text.Append('.');
-        text.AppendPadded(decimals, precision); // of a carry the zeros
-    }
-    return true;
-}
-
-/// Where the plain "%1" of \a label stands, or -1 when QString::arg would find more in it than that.
-int FindOnlyPlaceMarker(QString const& label)
-{
-    constexpr QLatin1Char percent('%');
-    QChar const* const begin = label.cbegin();
-    QChar const* const end = label.cend();
-    QChar const* const at = std::find(begin, end, percent);
-    bool const isOne = end - at >= PlaceMarkerSize && at[1] == QLatin1Char('1');
-    if (!isOne) {
-        return -1;
-    }
-    QChar const* const rest = at + PlaceMarkerSize;
-    bool const goesOn = (rest != end && rest->digitValue() != -1) || std::find(rest, end, percent) != end;
-    return goesOn ? -1 : static_cast<int>(at - begin);
-}
-
-/// Puts \a number in the place of the place marker \a at which FindOnlyPlaceMarker() has found in \a label.
-QString FillIn(QString const& label, int at, NumberText const& number)
-{
-    QString text(label.size() - PlaceMarkerSize + number.Size(), Qt::Uninitialized);
-    QChar* out = std::copy_n(label.cbegin(), at, text.data());
-    for (char const digit : number.View()) {
-        *out++ = QLatin1Char(digit);
-    }
-    std::copy(label.cbegin() + at + PlaceMarkerSize, label.cend(), out);
-    return text;
-}
-
-/// The same as label.arg(value, 0, 'f', precision, QLatin1Char(' ')), at a fraction of its time.
-QString FillIn(QString const& label, double value, int precision)
-{
-    NumberText number;
-    int const at = FindOnlyPlaceMarker(label);
-    if (at < 0 || !WriteFixed(number, value, precision)) {
-        return label.arg(value, 0, 'f', precision, QLatin1Char(' '));
-    }
-    return FillIn(label, at, number);
-}
-
-/// The same as label.arg(value), at a fraction of its time.
-QString FillIn(QString const& label, unsigned long long value)
-{
-    int const at = FindOnlyPlaceMarker(label);
-    if (at < 0) {
-        return label.arg(value);
-    }
-    NumberText number;
-    number.Append(value);
-    return FillIn(label, at, number);
+    std::string digits = std::to_string(number);
+    digits.insert(0, width - std::min(width, digits.size()), '0');
+    return digits;
 }
 
 unsigned long long Power(unsigned long long base, int exponent)
@@ -155,6 +47,7 @@ int PrecisionForFileSize(unsigned long long size)
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
+    // Translators receive the same four requests in the same order at every call, whichever unit is used.
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);
@@ -163,11 +56,12 @@ QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit,
     unsigned long long divisor = Power(base, TB);
     for (QString const& label : labels) {
         if (selection >= divisor) {
-            return FillIn(label, static_cast<double>(size) / static_cast<double>(divisor), effectivePrecision);
+            double const value = static_cast<double>(size) / static_cast<double>(divisor);
+            return label.arg(value, 0, 'f', effectivePrecision, QLatin1Char(' '));
         }
         divisor /= base;
     }
-    return FillIn(QObject::tr("%1 B"), size);
+    return QObject::tr("%1 B").arg(size);
 }
 
 unsigned long long SizeSuffixToMultipler(QString const& suffix)
@@ -224,36 +118,26 @@ QString DurationInSecondsToString(long seconds, QString const& format)
 
 QString FormatDuration(long long microseconds, bool alwaysShowHours)
 {
-    NumberText text;
-    auto value = static_cast<unsigned long long>(microseconds);
+    auto magnitude = static_cast<unsigned long long>(microseconds);
     if (microseconds < 0) {
-        text.Append('-');
-        value = 0 - value; // the smallest number has no positive counterpart, unsigned it has
+        magnitude = 0 - magnitude; // unsigned: the smallest long long has no positive counterpart
     }
-    unsigned long long const seconds = value / MicrosecondsInSecond;
-    unsigned long long const milliseconds = value % MicrosecondsInSecond / MicrosecondsInMillisecond;
+    unsigned long long const seconds = magnitude / MicrosecondsInSecond;
+    unsigned long long const milliseconds = magnitude % MicrosecondsInSecond / MicrosecondsInMillisecond;
+    unsigned long long const minutesInHour = seconds % SecondsInHour / SecondsInMinute;
     bool const showHours = alwaysShowHours || seconds >= SecondsInHour;
-    bool const showMinutes = showHours || seconds >= SecondsInMinute;
 
+    std::string text = microseconds < 0 ? "-" : "";
     if (showHours) {
-        text.Append(seconds / SecondsInHour);
-        text.Append(':');
-    }
-    if (showMinutes) {
-        unsigned long long const minutes = seconds % SecondsInHour / SecondsInMinute;
-        if (showHours) {
-            text.AppendPadded(minutes, 2);
-        } else {
-            text.Append(minutes);
-        }
-        text.Append(':');
-        text.AppendPadded(seconds % SecondsInMinute, 2);
+        text += std::to_string(seconds / SecondsInHour) + ':' + Padded(minutesInHour, 2) + ':' +
+                Padded(seconds % SecondsInMinute, 2);
+    } else if (seconds >= SecondsInMinute) {
+        text += std::to_string(minutesInHour) + ':' + Padded(seconds % SecondsInMinute, 2);
     } else {
-        text.Append(seconds);
+        text += std::to_string(seconds);
     }
-    text.Append('.');
-    text.AppendPadded(milliseconds, 3);
-    return text.View();
+    text += '.' + Padded(milliseconds, 3);
+    return QString::fromStdString(text);
 }
 
 } // namespace Zelkor::Util
