@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Jobs on a worker thread, with progress and outcome delivered to the thread that asked for them.
+/// Background jobs on a worker thread. Progress and results are delivered on the owner thread.
 
 #include <Util/Export.h>
 
@@ -21,8 +21,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Runs jobs one after another on a worker thread of its own, and reports on the thread that made the service, the
-/// owner thread, normally the GUI thread.
+/// Runs jobs one after another on a worker thread. Callbacks run on the thread that created the service (the owner
+/// thread, normally the GUI thread).
 ///
 /// \code
 /// AsyncService service;
@@ -38,93 +38,111 @@ namespace Util
 /// service.run(task);
 /// \endcode
 ///
-/// **When to use it:** for jobs of one window or document that should neither overlap nor block the GUI. **When not:**
-/// for jobs that should run side by side (`QThreadPool`), or for a job that cannot be waited for: the destructor waits
-/// for the one that is running.
+/// **When to use it:** for the jobs of one window or document that must neither overlap nor block the GUI. **When not
+/// to use it:** for jobs that should run in parallel (use `QThreadPool`), or for jobs that the GUI thread cannot wait
+/// for: the destructor waits for the running job.
 ///
-/// **Threads.** Everything but the job itself, report() and the reporter's operations is called on the owner thread,
-/// and every call-back runs there, from its event loop. Without an event loop on the owner thread nothing is delivered.
+/// **Threads.** Call all functions on the owner thread, except report() and the functions of Reporter. All callbacks
+/// run on the owner thread, from its event loop. Without an event loop there, nothing is delivered.
 ///
-/// **Promises.** Jobs never overlap and run in the order of the run() calls. A task completes exactly once, and calls
-/// at most one of Task::onError, Task::onCancelled and Task::onFinished. What a job reported is delivered in that order
-/// before its completion; nothing is delivered after it. At the completion call-back the task is no longer
-/// registered, so the call-back may post and run again, and may destroy the service when it is empty().
+/// **Guarantees**
+/// - Jobs do not overlap and run in the order of the run() calls.
+/// - Each task completes exactly once and calls at most one of Task::onError, Task::onCancelled and Task::onFinished.
+/// - Progress values are delivered in the order in which the job reported them, all before the completion.
+/// - The task is unregistered before its completion callback runs. The callback may therefore post and run other tasks,
+///   and may destroy the service if it is empty().
 ///
-/// **Ownership.** From post() on the task belongs to the service, which deletes it when it completes. A service is
-/// destroyed only when it is empty(): tasks that are registered then are not freed, and nothing more is called.
+/// **Ownership.** post() transfers the ownership of the task to the service, which deletes the task when it completes.
+/// Destroy a service only when it is empty(): tasks that are still registered are not freed, and their callbacks are
+/// not called.
 class ZQTUTIL_EXPORT AsyncService
 {
 public:
     struct Reporter;
 
-    /// What a job throws, by value, to end as cancelled. Deliberately no `std::exception`.
+    /// Thrown by value by a job to complete as cancelled. Not derived from `std::exception`, so a job that catches its
+    /// own errors does not catch a cancellation by mistake.
     class Cancelled
     {};
 
-    /// A job and its call-backs: a plain record, made by post() or with `new`. Empty call-backs are skipped. What a
-    /// call-back throws leaves through the owner thread's event loop; the task is freed all the same.
+    /// A job and its callbacks: a plain record, created by post() or with `new`.
+    ///
+    /// Empty callbacks are skipped. An exception from a callback leaves the event loop of the owner thread; the task is
+    /// freed nevertheless.
     struct Task
     {
-        /// The service that it was posted to.
+        /// The service that the task was posted to.
         AsyncService* service = nullptr;
-        /// What escaped the job, other than Cancelled.
+        /// The exception that left the job, except Cancelled.
         std::exception_ptr error;
-        /// The job, called once on the worker thread. An empty one ends with `std::bad_function_call`.
+        /// The job, called once on the worker thread. An empty job completes with `std::bad_function_call`.
         std::function<void(Reporter*)> work;
-        /// Called when the job has returned, and in place of #onCancelled and #onError when these are empty.
+        /// Called when the job has returned. Also called if the job was cancelled and #onCancelled is empty, or if the
+        /// job failed and #onError is empty.
         std::function<void()> onFinished;
         /// Called when the job has thrown Cancelled.
         std::function<void()> onCancelled;
-        /// Called for every value that the job reported. It may turn an event loop of its own (a message box): the
-        /// task stays alive until it returns.
+        /// Called with each reported value. The callback may run its own event loop, for example in a message box: the
+        /// task is not deleted before the callback returns.
         std::function<void(int)> onProgress;
-        /// Called with #error when the job has thrown anything but Cancelled.
+        /// Called with #error when the job has thrown anything except Cancelled.
         std::function<void(std::exception_ptr)> onError;
     };
 
-    /// A service whose worker thread starts with the first run(). Throws `std::logic_error` when Qt refuses the
-    /// connections that it works with.
+    /// Creates a service. Its worker thread starts with the first run().
+    ///
+    /// Throws `std::logic_error` if Qt refuses the internal connections.
     AsyncService();
 
-    /// Ends the worker thread, waiting without a limit for a job that is running. Jobs behind it do not run; progress
-    /// and completions still queued for the owner thread are dropped.
+    /// Stops the worker thread. Waits without a time limit for the running job.
+    ///
+    /// Queued jobs are not run. Queued progress and completions are dropped.
     virtual ~AsyncService();
 
     AsyncService(AsyncService const&) = delete;
     AsyncService& operator=(AsyncService const&) = delete;
 
-    /// Registers a new task for \a work, which is moved, and returns it. Does not start it.
+    /// Creates a task from \a work, registers and returns it. Does not start it.
     Task* post(std::function<void(Reporter*)> work);
 
-    /// Registers \a task, made with plain `new`, and returns it. Does not start it. Its error is reset.
+    /// Registers \a task and returns it. Does not start it. Resets Task::error.
     ///
-    /// Posted again, the task gets a new reporter, not cancelled; a job that is queued already keeps the earlier one.
-    /// Throws `std::invalid_argument` for a null pointer.
+    /// \a task must have been created with plain `new`. A task that is posted again gets a new reporter that is not
+    /// cancelled; a job that is already queued keeps the previous reporter.
+    ///
+    /// Throws `std::invalid_argument` if \a task is null.
     Task* post(Task* task);
 
-    /// Queues the job of \a task, and starts the worker thread if it does not run. To be called exactly once for a
-    /// posted task, which does not outlive its job. A task that is not registered is registered without a reporter:
-    /// its job is called with null.
+    /// Queues the job of \a task. Starts the worker thread if it is not running.
     ///
-    /// Throws `std::invalid_argument` for a null pointer.
+    /// Call it exactly once for each posted task; the task is deleted when it completes. A task that is not registered
+    /// is registered without a reporter, and its job is called with null.
+    ///
+    /// Throws `std::invalid_argument` if \a task is null.
     void run(Task* task);
 
-    /// Asks the job of \a task to end, if the task is registered. The job is called in any case, and decides alone
-    /// whether it obeys: one that returns has finished.
+    /// Requests the cancellation of \a task. Does nothing if the task is not registered.
+    ///
+    /// The job is called in any case. It completes as cancelled only if it throws Cancelled.
     void cancel(Task* task);
 
-    /// Whether \a task is registered: posted and not yet completed.
+    /// Returns true if \a task is registered: posted and not yet completed.
     bool contains(Task* task) const;
 
-    /// Whether no task is registered.
+    /// Returns true if no task is registered.
     bool empty() const;
 
-    /// Moves \a object, which must have no parent and live on the calling thread, to the worker thread, where its slots
-    /// and events then run; it stays the caller's. Throws `std::invalid_argument` for a null pointer.
+    /// Moves \a object to the worker thread, which then runs its slots and event handlers.
+    ///
+    /// \a object must have no parent and must belong to the calling thread. The caller keeps the ownership.
+    /// Throws `std::invalid_argument` if \a object is null.
     void attach(QObject* object);
 
-    /// Queues the delivery of \a value to the progress call-back of \a task; the value is dropped when the task has
-    /// completed by then. Any thread, as long as the service lives.
+    /// Queues \a value for the progress callback of \a task. The value is dropped if the task has completed before the
+    /// delivery. Thread-safe while the service exists.
+    ///
+    /// Do not call this for a task that may have completed: a new task can have the same address and would then receive
+    /// the value.
     void report(Task* task, int value);
 
 private:
@@ -132,24 +150,26 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-/// What a job knows of the service: a plain record, which the service frees when the job's task completes, or with
-/// itself when the task was posted again meanwhile.
+/// The job's access to the service: a plain record.
+///
+/// The service frees it when the task completes. If the task was posted again meanwhile, the service frees it in its
+/// own destructor.
 struct AsyncService::Reporter
 {
-    /// The service that the job runs on.
+    /// The service that runs the job.
     AsyncService* service = nullptr;
-    /// The task that the job belongs to.
+    /// The task of the job.
     Task* task = nullptr;
-    /// Whether somebody has asked the job to end.
+    /// True if the cancellation was requested.
     std::atomic<bool> cancelled{false};
 
-    /// Queues \a value for the task's progress call-back, unchanged. Any thread.
+    /// Queues \a value for the progress callback of the task, unchanged. Thread-safe until the job has returned.
     void report(int value) { service->report(task, value); }
 
-    /// Whether somebody has asked the job to end. Any thread.
+    /// Returns true if the cancellation was requested. Thread-safe.
     bool isCancelled() const { return cancelled; }
 
-    /// Throws Cancelled when somebody has asked the job to end.
+    /// Throws Cancelled if the cancellation was requested.
     void checkCancelled() const
     {
         if (isCancelled()) {
