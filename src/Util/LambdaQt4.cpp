@@ -11,30 +11,30 @@ namespace Zelkor::Util
 namespace
 {
 
+struct RunningExecutor;
+thread_local RunningExecutor* innermostExecutor = nullptr;
+
 /// A running call of OneTimeExecutor::executeOnce(). The function may run an event loop that delivers the signal again,
 /// and may destroy the executor.
 struct RunningExecutor : StackLink<RunningExecutor>
 {
     explicit RunningExecutor(OneTimeExecutor* runningExecutor)
-        : StackLink(innermost)
+        : StackLink(innermostExecutor)
         , executor(runningExecutor)
     {}
 
-    static bool isRunning(OneTimeExecutor const* executor)
-    {
-        for (RunningExecutor const* running = innermost; running; running = running->Outer()) {
-            if (running->executor == executor) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    static thread_local RunningExecutor* innermost;
     QPointer<OneTimeExecutor> const executor;
 };
 
-thread_local RunningExecutor* RunningExecutor::innermost = nullptr;
+bool IsRunning(OneTimeExecutor const* executor)
+{
+    for (RunningExecutor const* running = innermostExecutor; running; running = running->Outer()) {
+        if (running->executor == executor) {
+            return true;
+        }
+    }
+    return false;
+}
 
 } // namespace
 
@@ -48,7 +48,7 @@ void LambdaQt4::execute()
 
 void OneTimeExecutor::executeOnce()
 {
-    if (RunningExecutor::isRunning(this)) {
+    if (IsRunning(this)) {
         return;
     }
     RunningExecutor const running(this);
