@@ -14,6 +14,15 @@
 
 #include <iterator>
 
+// Design notes
+//
+// Style sheets select by object names and dynamic properties. Qt does not evaluate the selectors again when a property
+// changes, so every change is followed by unpolish() and polish().
+//
+// The minimum width is held by an invisible spacer in the last row of the grid layout. QMessageBox deletes its grid and
+// creates another one whenever its contents change. The spacer is therefore inserted again after each deletion. This
+// happens through the event loop, because the new grid does not exist yet when the old one emits destroyed().
+
 namespace Zelkor::Util
 {
 
@@ -24,7 +33,7 @@ constexpr int QuestionWidth = 300;
 
 struct LevelLook
 {
-    char const* title; // null: none
+    char const* title; // null if the level has no default title
     char const* icon;
     MessageLevel messageLevel;
 };
@@ -36,7 +45,7 @@ constexpr LevelLook LevelLooks[] = {
     {nullptr, ":/MessageBox/question_icon.png", MessageLevel::Question},
 };
 
-/// Null for a value that is no level.
+/// Returns null if \a level is outside the enumeration.
 LevelLook const* LookOf(AlertBox::Level level)
 {
     auto const index = static_cast<std::size_t>(level);
@@ -85,7 +94,7 @@ QString ButtonRoleName(QMessageBox::ButtonRole role)
     return names.value(role, QStringLiteral("Unknown"));
 }
 
-void PolishAgain(QStyle* style, QWidget* widget)
+void ApplyStyleAgain(QStyle* style, QWidget* widget)
 {
     style->unpolish(widget);
     style->polish(widget);
@@ -107,12 +116,13 @@ AlertBox::AlertBox(Level level, QString const& title, QString const& text, QMess
         LevelLook const* const look = LookOf(level_);
         if (look && look->title) {
             shownTitle = tr(look->title);
-        } else if (level_ == Question) {
+        } else if (level_ == Question) { // deliberate: a question with a title gets no minimum width
             SetWidth(QuestionWidth);
         }
+        // Deliberate: only a default title is set through both classes.
         QMessageBox::setWindowTitle(shownTitle);
     }
-    QWidget::setWindowTitle(shownTitle); // macOS message boxes keep their own from being set
+    QWidget::setWindowTitle(shownTitle); // on macOS, QMessageBox::setWindowTitle() does nothing
 
     setStyleSheet(QStringLiteral("QLabel#qt_msgbox_label { font : normal }"));
     SetDialogSubStyle(level_);
@@ -128,9 +138,9 @@ AlertBox::~AlertBox() = default;
 int AlertBox::Exec(Level level, QString const& title, QString const& text, QMessageBox::StandardButtons buttons,
                    QWidget* parent, Qt::WindowFlags flags)
 {
-    // Not on the stack: the parent may end, and the box with it, while it is shown.
+    // On the heap, because the parent can be destroyed while the box is shown, and then deletes the box.
     QPointer<AlertBox> const box(new AlertBox(level, title, text, buttons, parent, flags));
-    auto const boxEnds = qScopeGuard([&box] { delete box.data(); });
+    auto const boxGuard = qScopeGuard([&box] { delete box.data(); });
     box->PrepareToShow();
     return box->QDialog::exec();
 }
@@ -162,7 +172,7 @@ void AlertBox::SetWidth(int width)
         if (widthSpacer_) {
             widthSpacer_->setFixedSize(0, 0);
             widthSpacer_->deleteLater();
-            widthSpacerEnds_ = true;
+            isWidthSpacerDeletionPending_ = true;
         }
         return;
     }
@@ -170,20 +180,21 @@ void AlertBox::SetWidth(int width)
     if (!grid) {
         return;
     }
-    if (widthSpacerEnds_) {
+    if (isWidthSpacerDeletionPending_) {
         delete widthSpacer_;
-        widthSpacerEnds_ = false;
+        isWidthSpacerDeletionPending_ = false;
     }
     if (!widthSpacer_) {
         widthSpacer_ = Widget::Util::createSpacer(this, QStringLiteral("widthSpacer"));
     }
     widthSpacer_->setFixedSize(width, 0);
     grid->addWidget(widthSpacer_, grid->rowCount() - 1, 0, 1, grid->columnCount());
-    // QMessageBox makes a new grid when its contents change. What is queued is not taken back by disconnecting.
+    // Queued, because QMessageBox has not installed its new grid yet when it deletes the old one. Disconnecting does
+    // not cancel a call that is already queued, so the call checks if the width has been removed meanwhile.
     widthConnection_ = connect(
         grid, &QObject::destroyed, this,
         [this] {
-            if (!widthSpacerEnds_) {
+            if (!isWidthSpacerDeletionPending_) {
                 SetWidth(GetWidth());
             }
         },
@@ -258,6 +269,7 @@ void AlertBox::SetButtonsSubStyle()
         StandardButton const standard = standardButton(button);
         ButtonRole const role = buttonRole(button);
 
+        // Two independent tests: a Cancel button with AcceptRole gets the look of Cancel.
         if (standard == Ok || role == AcceptRole) {
             apply("Ok", "SubStyle");
             apply("activeButton", "styleHint");
@@ -293,11 +305,11 @@ void AlertBox::UpdateDefaultIcon()
 
 void AlertBox::Repolish()
 {
-    QStyle* const boxStyle = style();
-    PolishAgain(boxStyle, this);
+    QStyle* const boxStyle = style(); // deliberately for all descendants too, instead of the style of each widget
+    ApplyStyleAgain(boxStyle, this);
     auto const widgets = findChildren<QWidget*>();
     for (QWidget* const widget : widgets) {
-        PolishAgain(boxStyle, widget);
+        ApplyStyleAgain(boxStyle, widget);
     }
 }
 

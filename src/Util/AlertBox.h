@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The message box in the house style.
+/// A message box with default titles and icons, and with names and properties for style sheets.
 
 #include <Base/ILinksOpener.h>
 #include <Util/Export.h>
@@ -20,106 +20,148 @@ namespace Zelkor
 namespace Util
 {
 
-/// A message box of one of three levels, which gives itself a title and an icon, and names and tags its buttons for the
-/// application's style sheet.
+/// A message box with one of three levels. The level selects a default title and a default icon. The box sets object
+/// names and dynamic properties on itself and its buttons, so that the application's style sheet can select them.
 ///
 /// \code
+/// AlertBox::Exec(AlertBox::Information, QString(), tr("The film has been saved."), QMessageBox::Ok, this);
+///
 /// auto const buttons = QMessageBox::Yes | QMessageBox::No;
-/// if (AlertBox::Exec(AlertBox::Question, tr("Delete"), tr("Delete the film?"), buttons, this) == QMessageBox::Yes) ...
+/// if (AlertBox::Exec(AlertBox::Question, tr("Delete"), tr("Delete the film?"), buttons, this) == QMessageBox::Yes) {
+///     DeleteFilm();
+/// }
 /// \endcode
 ///
-/// **For style sheets.** The box has the property "Level" (ApplyMessageLevel()). Each button has an object name
-/// ("buttonOk", "buttonUnknown" for a custom one), and the properties "SubStyle" ("Ok", "Yes", "Cancel"), "styleHint"
-/// ("activeButton", "rejectButton") and "buttonRole" ("Accept", "Reject", ...).
+/// **Style sheets.** The property "Level" of the box contains the level, see ApplyMessageLevel().
+/// SetDefaultButtonNames() and SetButtonsSubStyle() document the object names and the properties of the buttons.
 ///
-/// **Icons** are the application's resources ":/MessageBox/info_icon.png", "error_icon.png" and "question_icon.png".
+/// **Icons.** The application provides three resources: ":/MessageBox/info_icon.png", ":/MessageBox/error_icon.png" and
+/// ":/MessageBox/question_icon.png".
 ///
-/// **Buttons that are added later** get what belongs to them by PrepareToShow(), which Exec() and Show() call, and
-/// their names by SetDefaultButtonNames(). Which button is the default one, and which Esc presses, is QMessageBox's
-/// rule.
+/// **Always pass the buttons.** QMessageBox adds an OK button to a box without buttons, but only when the box is shown.
+/// AlertBox has set its names and properties by then. That button therefore has no object name and no properties.
 ///
-/// GUI thread.
+/// **Buttons that are added after construction** get their object names from SetDefaultButtonNames(), which the caller
+/// calls. They get their properties from PrepareToShow(), which Exec() and Show() call.
+///
+/// The default button and the button for the Esc key follow the rules of QMessageBox.
+///
+/// **Thread.** GUI thread.
 class ZQTUTIL_EXPORT AlertBox : public QMessageBox
 {
     Q_OBJECT
-    /// The least width of the dialog in pixels; -1: none.
+    /// The minimum width of the dialog in pixels; -1 if there is none.
     Q_PROPERTY(int minimumDialogWidth READ GetWidth WRITE SetWidth)
-    /// The spacing between the buttons in pixels, as set last.
+    /// The spacing between the buttons in pixels, as last set; initially 0.
     Q_PROPERTY(int spacing READ GetSpacing WRITE SetSpacing)
-    /// Whether the box gets the icon of its level when it has none.
+    /// True if a box without an icon gets the icon of its level when it is shown; initially true.
     Q_PROPERTY(bool useDefaultLevelIcon READ GetUseDefaultLevelIcon WRITE SetUseDefaultLevelIcon)
 
 public:
-    /// What the box is about; decides on the default title and icon.
+    /// The kind of message; selects the default title, the default icon and the property "Level".
     enum Level { Information, Error, Question };
 
-    /// A bare message box of level Information, without parent, names, title and style.
+    /// Creates a message box of level Information without a parent, a title, buttons or a style sheet. The property
+    /// "Level" is not set.
     AlertBox();
 
-    /// A box of \a level with \a text and \a buttons, owned by \a parent, if any.
+    /// Creates a message box, and names its buttons with SetDefaultButtonNames().
     ///
-    /// When \a title is empty, Information and Error have their own ("Information", "Error"), and Question has none but
-    /// a least width of 300 pixels.
+    /// \param level    the level of the box; it cannot be changed later
+    /// \param title    the window title. If it is empty, the title is the translated text "Information" or "Error" for
+    ///                 these levels. For Question the title remains empty, and the minimum width is set to 300 pixels.
+    /// \param text     the text of the message
+    /// \param buttons  the standard buttons. If there are none, QMessageBox adds an OK button when the box is shown;
+    ///                 that button has no object name and no properties.
+    /// \param parent   the owner of the box; can be null
+    /// \param flags    the window flags
     AlertBox(Level level, QString const& title, QString const& text, QMessageBox::StandardButtons buttons = NoButton,
              QWidget* parent = nullptr, Qt::WindowFlags flags = Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint);
 
     ~AlertBox() override;
 
-    /// Shows a box made of these arguments modally, and returns the standard button that was clicked; 0 when the box
-    /// goes with its \a parent meanwhile. Turns the event loop.
+    /// Creates a box, prepares it with PrepareToShow(), shows it modally and destroys it. Runs a nested event loop. The
+    /// parameters are those of the constructor.
+    ///
+    /// \returns the standard button that was clicked; 0 if the box is destroyed together with its \a parent while it is
+    ///          shown
     static int Exec(Level level, QString const& title, QString const& text,
                     QMessageBox::StandardButtons buttons = NoButton, QWidget* parent = nullptr,
                     Qt::WindowFlags flags = Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint);
 
-    /// Prepares the box, shows it modally, and returns what `QDialog::exec()` does. Turns the event loop.
+    /// Prepares the box with PrepareToShow() and shows it modally. Runs a nested event loop.
+    ///
+    /// \returns the result of `QDialog::exec()`: the standard button that was clicked, or an opaque value if a custom
+    ///          button was clicked
     virtual int Exec();
 
-    /// Prepares the box, shows it, modal or not, and returns at once.
+    /// Prepares the box with PrepareToShow(), shows it and returns at once.
+    ///
+    /// \param modal  true if the box blocks input to the other windows
     virtual void Show(bool modal);
 
-    /// SetButtonsSubStyle(), UpdateDefaultIcon(), Repolish(): for callers that show the box in another way.
+    /// Calls SetButtonsSubStyle(), UpdateDefaultIcon() and Repolish(), in this order. Call it before showing the box by
+    /// other means than Exec() and Show(), such as `QDialog::open()`.
     void PrepareToShow();
 
-    /// Holds the dialog to at least \a width pixels; nothing when the layout is not the grid of a message box. When
-    /// negative, the dialog is held no more.
+    /// Sets the minimum width of the dialog to \a width pixels. A negative value removes the minimum. A value of 0 or
+    /// more is ignored if the layout of the box is not a QGridLayout.
     void SetWidth(int width);
-    /// The width that is held; -1 when none is. After a negative SetWidth() it is 0 until the event loop has run.
+    /// Returns the minimum width in pixels, or -1 if there is none. After a minimum was removed, returns 0 until
+    /// control returns to the event loop.
     int GetWidth() const;
 
-    /// Sets the \a spacing between the buttons in pixels. Nothing without buttons.
+    /// Sets the spacing between the buttons to \a spacing pixels. Does nothing if the box has no buttons, or if their
+    /// layout is not a QHBoxLayout.
     void SetSpacing(int spacing);
-    /// The spacing that was set last; 0 before.
+    /// Returns the spacing in pixels that was last set; initially 0.
     int GetSpacing() const;
 
-    /// Whether the box gets the icon of its level when it is shown without any.
+    /// Enables the default icon if \a use is true, otherwise disables it. See UpdateDefaultIcon().
     void SetUseDefaultLevelIcon(bool use);
-    /// Whether it does; true at first.
+    /// Returns true if the default icon is enabled; initially true.
     bool GetUseDefaultLevelIcon() const;
 
-    /// Shows \a link, rich text such as `<a href="...">Learn more</a>`, below the text.
+    /// Shows \a link below the text. \a link is rich text, for example `<a href="...">Learn more</a>`. Replaces the
+    /// informative text of the box.
     void SetLearnMoreLink(QString const& link);
 
-    /// Has \a opener, which is shared, open the links in the labels that the box has now; null: each label opens its
-    /// links itself. Every other connection to `linkActivated` of the labels goes. Call it again when the texts change.
+    /// Sets the object that opens the links in all current labels of the box. The labels keep \a opener alive. If it is
+    /// null, each label opens its links itself.
+    ///
+    /// Removes all other connections of the signal `QLabel::linkActivated()` of these labels. QMessageBox creates
+    /// labels on demand, so call this function again after adding texts.
     void SetLinksOpener(std::shared_ptr<App::ILinksOpener> const& opener);
 
-    /// Names every button after its standard button: "buttonOk", "buttonRestoreDefaults"; "buttonUnknown" for custom
-    /// ones.
+    /// Sets the object name of every button to "button" and the name of its standard button, for example "buttonOk" or
+    /// "buttonRestoreDefaults". The object name of a custom button is "buttonUnknown".
     void SetDefaultButtonNames();
 
-    /// Tags every button with "SubStyle", "styleHint" and "buttonRole".
+    /// Sets dynamic properties on every button and applies the style sheet to it. A later row of the table overwrites
+    /// an earlier one.
+    ///
+    /// | Button                               | "SubStyle" | "styleHint"    |
+    /// |--------------------------------------|------------|----------------|
+    /// | `Ok`, or any with `AcceptRole`       | "Ok"       | "activeButton" |
+    /// | otherwise `Yes`, or any with `YesRole` | "Yes"    | "activeButton" |
+    /// | `Cancel`, or any with `RejectRole`   | "Cancel"   | "rejectButton" |
+    /// | `No`                                 |            | "rejectButton" |
+    ///
+    /// The property "buttonRole" of every button is the name of its role without "Role", for example "Accept".
     void SetButtonsSubStyle();
 
-    /// Gives the box the look of another \a level; its icon and title stay.
+    /// Sets the property "Level" of the box to \a level. Does not change the icon and the title. Ignores a value
+    /// outside the enumeration.
     void SetDialogSubStyle(Level level);
 
-    /// Sets the icon of the level, unless the box has an icon, or is not to have the default one.
+    /// Sets the icon of the level if the box has no icon and the default icon is enabled.
     void UpdateDefaultIcon();
 
-    /// Applies the style sheet to the box and all in it again.
+    /// Applies the style sheet again to the box and to all widgets inside it.
     void Repolish();
 
-    /// The icon of \a level; null for a value that is no level, or when the application has no such resource.
+    /// Returns the icon of \a level. Returns a null pixmap if \a level is outside the enumeration, or if the
+    /// application does not provide the resource.
     static QPixmap GetPixmapForLevel(Level level);
 
 private:
@@ -128,7 +170,7 @@ private:
     int buttonSpacing_ = 0;
     Level const level_ = Information;
     bool useDefaultLevelIcon_ = true;
-    bool widthSpacerEnds_ = false; // it is scheduled for deletion
+    bool isWidthSpacerDeletionPending_ = false;
 };
 
 } // namespace Util

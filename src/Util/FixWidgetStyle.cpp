@@ -23,7 +23,7 @@ struct StandardButtonLook
 {
     QDialogButtonBox::StandardButton button;
     char const* objectName;
-    char const* styleHint; // null: none
+    char const* styleHint; // null if the button gets no hint
 };
 
 constexpr StandardButtonLook StandardButtonLooks[] = {
@@ -35,7 +35,7 @@ constexpr StandardButtonLook StandardButtonLooks[] = {
     {QDialogButtonBox::RestoreDefaults, "restoreButton", "highlightedButton"},
 };
 
-/// The widgets of type \a T below \a root, and then itself, if it is one.
+/// Returns all descendants of \a root that have type \a T, followed by \a root itself if it has that type.
 template <class T>
 QList<T*> FindWithRoot(QWidget* root)
 {
@@ -53,7 +53,7 @@ QWidgetList PopUpsOf(QWidget* root)
         popUps.append(menu);
     }
     for (QComboBox* const comboBox : FindWithRoot<QComboBox>(root)) {
-        popUps.append(comboBox->view()->window());
+        popUps.append(comboBox->view()->window()); // the container that Qt shows as the pop-up window
     }
     return popUps;
 }
@@ -116,6 +116,7 @@ void FixWidgetStyle::Apply(QWidget* root)
 
     root->setWindowFlags(root->windowFlags() & ~Qt::WindowContextHelpButtonHint);
 
+    // Deliberately without the root: if it is a menu itself, its action keeps its name.
     auto const menus = root->findChildren<QMenu*>();
     for (QMenu* const menu : menus) {
         NameAction(menu);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Names and hints for the standard parts of a window.
+/// Object names and style hints for the standard parts of a window.
 
 #include <Util/Export.h>
 
@@ -16,22 +16,36 @@ namespace Zelkor
 namespace Util
 {
 
-/// Prepares a freshly built window for the application's style sheet.
+/// Prepares a newly created window for the application's style sheet.
 class ZQTUTIL_EXPORT FixWidgetStyle
 {
 public:
     FixWidgetStyle() = delete;
 
-    /// Names and tags the standard parts of \a root, and makes its pop-ups rounded. To be called once, before the
-    /// window is shown: Qt hides a window whose flags change. Null is ignored. GUI thread.
+    /// Sets object names and dynamic properties on the standard parts of \a root. Does nothing if \a root is null.
     ///
-    /// - Menus and the pop-ups of combo boxes get the property "roundedEdges". They, and every widget below \a root (it
-    ///   included) on which the application has set it, become translucent, frameless and without a shadow.
-    /// - The help button of the title bar goes.
-    /// - The action of each menu below \a root is named "action_" and the name of the menu, unless it has a name.
-    /// - In button boxes, the standard buttons that have no name yet get "okButton", "cancelButton", "closeButton",
-    ///   "yesButton", "noButton" and "restoreButton"; the first has the style hint "activeButton", the last
-    ///   "highlightedButton". The boxes are kept laid out as the platform does.
+    /// Call it once, before the window is shown: Qt hides a window when its flags change. GUI thread.
+    ///
+    /// - Sets the property "roundedEdges" to true on all menus and on the pop-up windows of all combo boxes, including
+    ///   \a root itself.
+    /// - Makes every widget whose property "roundedEdges" is true translucent and frameless, without a drop shadow. The
+    ///   application can set the property on other widgets before the call.
+    /// - Removes the context help button from the title bar of \a root.
+    /// - Sets the object name of the action of each menu below \a root to "action_" and the object name of the menu.
+    /// Keeps
+    ///   a name that is already set.
+    /// - Sets object names and the property "styleHint" on the standard buttons of each QDialogButtonBox below \a root,
+    ///   see the table. Keeps a name that is already set.
+    /// - Keeps the layout of each QDialogButtonBox current, see Widget::Util::installLayoutController().
+    ///
+    /// | Button            | Object name     | "styleHint"         |
+    /// |-------------------|-----------------|---------------------|
+    /// | `Ok`              | "okButton"      | "activeButton"      |
+    /// | `Cancel`          | "cancelButton"  |                     |
+    /// | `Close`           | "closeButton"   |                     |
+    /// | `Yes`             | "yesButton"     |                     |
+    /// | `No`              | "noButton"      |                     |
+    /// | `RestoreDefaults` | "restoreButton" | "highlightedButton" |
     static void Apply(QWidget* root);
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Dynamic properties that style sheets match, and the severity of a widget.
+/// Dynamic properties for selectors of style sheets.
 
 #include <Util/Export.h>
 
@@ -19,29 +19,33 @@ namespace Util
 
 Q_NAMESPACE_EXPORT(ZQTUTIL_EXPORT)
 
-/// How serious what a widget says is; a style sheet matches it by `[Level="Error"]` and the like.
+/// The severity of the message that a widget shows. Style sheets match it with selectors such as `[Level="Error"]`.
 enum class MessageLevel {
     Question,
     Information,
     Warning,
     Error,
-    NoMessage ///< nothing is said
+    NoMessage ///< the widget shows no message
 };
 Q_ENUM_NS(MessageLevel)
 
-/// Sets the dynamic \a property of \a widget to \a value and applies the style sheet to the widget again. A null widget
-/// is ignored. GUI thread.
+/// Sets a dynamic property and applies the style sheet to the widget again. GUI thread.
+///
+/// \param widget    the widget to change; null is ignored
+/// \param value     the new value
+/// \param property  the name of the property
 ZQTUTIL_EXPORT void ApplyWidgetStyle(QWidget* widget, QString const& value, char const* property);
 
-/// The \a property of \a widget as text; empty for a null widget and for a property that it does not have. GUI thread.
+/// Returns the property named \a property of \a widget as text. Returns an empty text if \a widget is null, or if it
+/// does not have the property. GUI thread.
 ZQTUTIL_EXPORT QString GetWidgetStyle(QWidget const* widget, char const* property);
 
-/// Sets the property "Level" of \a widget to the name of \a level, as ApplyWidgetStyle(); to an empty text when it has
-/// no name.
+/// Sets the property "Level" of \a widget to the name of \a level and applies the style sheet to the widget again. Sets
+/// an empty text if \a level is outside the enumeration. A null \a widget is ignored. GUI thread.
 ZQTUTIL_EXPORT void ApplyMessageLevel(QWidget* widget, MessageLevel level);
 
-/// The level that ApplyMessageLevel() gave to \a widget; NoMessage for a null widget, and when it has none or one that
-/// is unknown.
+/// Returns the level from the property "Level" of \a widget. Returns NoMessage if \a widget is null, or if the property
+/// is not set or does not contain the name of a level. GUI thread.
 ZQTUTIL_EXPORT MessageLevel GetMessageLevel(QWidget const* widget);
 
 } // namespace Util

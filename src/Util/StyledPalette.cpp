@@ -46,6 +46,7 @@ QColor StyledPalette::GetPalleteLight()
 
 void StyledPalette::SetPaletteLight(QColor color)
 {
+    // Deliberately unlike SetLinksColor(): this colour is always stored as RGB.
     QColor rgb;
     rgb.setRgb(color.red(), color.green(), color.blue(), color.alpha());
     SetApplicationColor(QPalette::Light, rgb);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The application's palette, for style sheets.
+/// Access to the application palette from style sheets.
 
 #include <Util/Export.h>
 
@@ -13,35 +13,37 @@ namespace Zelkor
 namespace Util
 {
 
-/// Lets a style sheet set colours of the application's palette that it cannot reach otherwise. Keep one such widget in
-/// the main window, hidden:
+/// A widget whose properties set colours of the application palette, which style sheets cannot set otherwise. Add one
+/// hidden instance to the main window, and set its properties in the style sheet:
 ///
 /// \code{.qss}
 /// Zelkor--Util--StyledPalette { qproperty-linksColor: #2a6fdb; qproperty-paletteLight: white; }
 /// \endcode
 ///
-/// The colours are the application's: they last longer than the widget, and every one of these shows the same. GUI
-/// thread.
+/// The colours are stored in the application palette only. All instances therefore have the same colours, and the
+/// colours remain set after the widget is destroyed. GUI thread.
 class ZQTUTIL_EXPORT StyledPalette : public QWidget
 {
     Q_OBJECT
-    /// The colour of links.
+    /// The colour of links in the application palette.
     Q_PROPERTY(QColor linksColor READ GetLinksColor WRITE SetLinksColor)
-    /// The light colour of bevels; kept as RGB whatever model it is given in.
+    /// The colour of role `QPalette::Light` in the application palette; converted to RGB when it is set.
     Q_PROPERTY(QColor paletteLight READ GetPalleteLight WRITE SetPaletteLight)
 
 public:
-    /// A widget without content, owned by \a parent, if any.
+    /// Creates a widget without contents. \a parent owns it and can be null.
     explicit StyledPalette(QWidget* parent = nullptr);
 
 public Q_SLOTS:
-    /// The colour of links in the application's palette.
+    /// Returns the colour of links in the application palette.
     QColor GetLinksColor();
-    /// Makes \a color that of links in all groups of the application's palette.
+    /// Sets the colour of links to \a color in all colour groups of the application palette.
     void SetLinksColor(QColor color);
-    /// The light colour of the application's palette.
+    /// Returns the colour of role `QPalette::Light` in the application palette.
+    ///
+    /// The name is misspelled since the first release; callers depend on it.
     QColor GetPalleteLight();
-    /// Makes \a color, as RGB, the light one in all groups of the application's palette.
+    /// Converts \a color to RGB and sets it for role `QPalette::Light` in all colour groups of the application palette.
     void SetPaletteLight(QColor color);
 };
 

@@ -55,6 +55,7 @@ public:
 
         label->setWordWrap(true);
         buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+        // A placeholder until the dialog sets its own text; the text is part of the translation catalogues.
         label->setText(QCoreApplication::translate("ValidationInputDialog", "Input string:"));
     }
 
@@ -86,7 +87,8 @@ ValidationInputDialog::ValidationInputDialog(QString const& title, QString const
 
 ValidationInputDialog::~ValidationInputDialog()
 {
-    // Hiding may still change the text, by what an input method commits, and comes when the checks have gone.
+    // ~QDialog() hides the dialog, and an input method can then still commit text. The checks no longer exist at that
+    // point, so textChanged() must not reach them.
     disconnect(ui_->lineEdit, nullptr, this, nullptr);
 }
 

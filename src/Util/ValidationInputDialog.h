@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A line of text, checked as it is typed.
+/// A dialog for one line of text that is checked while the user types.
 
 #include <Util/Export.h>
 
@@ -16,7 +16,7 @@ namespace Zelkor
 namespace Util
 {
 
-/// Asks for one line of text, and checks it as it is typed.
+/// A dialog for one line of text. Two checks run on every change of the text.
 ///
 /// \code
 /// ValidationInputDialog dialog(tr("Rename"), tr("New name:"), name, IsFileName, IsNotTaken);
@@ -25,29 +25,43 @@ namespace Util
 /// }
 /// \endcode
 ///
-/// What fails the first check cannot be accepted. What passes it and fails the second can be, and is shown with a
-/// warning: the field has the style hint "error" instead of "normal", and the message of the check stands below.
+/// | First check | Second check | OK button | Style hint of the field | Message below the field |
+/// |-------------|--------------|-----------|-------------------------|-------------------------|
+/// | fails       | not called   | disabled  | "error"                 | shown                   |
+/// | passes      | fails        | enabled   | "error"                 | shown                   |
+/// | passes      | passes       | enabled   | "normal"                | hidden                  |
 ///
-/// The buttons are OK, which is the default one, and Cancel, which Esc presses. The dialog's parent is the one that
-/// SpontaneousDialog finds. GUI thread.
+/// The second check is therefore a warning: the user can still accept the text.
+///
+/// OK is the default button. Esc presses Cancel. The parent of the dialog is the result of
+/// SpontaneousDialog::findParent(). GUI thread.
 class ZQTUTIL_EXPORT ValidationInputDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Says whether \a input, its whitespace simplified, passes, and what is to be told, through \a message.
+    /// Returns true if \a input passes the check, and writes the text for the user to \a message.
+    ///
+    /// \param input    the text of the field after `QString::simplified()`
+    /// \param message  the message below the field. It is empty when the first check is called. The second check gets
+    /// the
+    ///                 message of the first one.
     using Check = std::function<bool(QString const& input, QString& message)>;
 
-    /// A dialog with \a title that asks for what \a labelText says, starting with \a text. The checks run on every
-    /// change; at first, only when \a text is not empty.
+    /// Creates the dialog.
     ///
-    /// An empty check throws `std::bad_function_call` when it is called.
+    /// \param title        the window title
+    /// \param labelText    the label above the field
+    /// \param text         the initial text of the field. The checks run for it only if it is not empty.
+    /// \param firstCheck   rejects a text. An empty function throws `std::bad_function_call` when it is called.
+    /// \param secondCheck  warns about a text. An empty function throws `std::bad_function_call` when it is called.
     ValidationInputDialog(QString const& title, QString const& labelText, QString const& text, Check const& firstCheck,
                           Check const& secondCheck);
 
     ~ValidationInputDialog() override;
 
-    /// The text, its whitespace simplified, when it passes the first check; otherwise empty.
+    /// Returns the text of the field after `QString::simplified()`. Returns an empty text if the first check fails,
+    /// even after the dialog was accepted.
     QString inputText();
 
 private:
