@@ -15,13 +15,13 @@ namespace
 template <class E>
 constexpr bool KeepsItsType = std::is_same_v<decltype(Zelkor::AddStack(std::declval<E const&>())), E>;
 
-class UnknownCodec : public std::invalid_argument
+class CustomLogicError : public std::invalid_argument
 {
 public:
     using std::invalid_argument::invalid_argument;
 };
 
-class LostDevice : public std::runtime_error
+class CustomRuntimeError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
@@ -29,7 +29,7 @@ public:
 
 static_assert(KeepsItsType<std::logic_error> && KeepsItsType<std::invalid_argument>);
 static_assert(KeepsItsType<std::runtime_error> && KeepsItsType<std::range_error>);
-static_assert(KeepsItsType<UnknownCodec> && KeepsItsType<LostDevice>);
+static_assert(KeepsItsType<CustomLogicError> && KeepsItsType<CustomRuntimeError>);
 static_assert(!noexcept(Zelkor::AddStack(std::logic_error(std::string()))));
 
 template <class E>
@@ -42,22 +42,22 @@ std::string TextWithStack(std::string const& message)
 std::string TextOfThrown(std::string const& message)
 {
     try {
-        throw Zelkor::AddStack(UnknownCodec(message));
-    } catch (UnknownCodec const& error) {
+        throw Zelkor::AddStack(CustomLogicError(message));
+    } catch (CustomLogicError const& error) {
         return error.what();
     }
 }
 
 } // namespace
 
-// With external linkage, so that every symbol table names them.
+// External linkage keeps these names in the symbol table.
 [[gnu::noinline]] std::logic_error ExtendInNamedFunction(std::logic_error const& error);
 [[gnu::noinline]] std::pair<std::string, std::string> TextAndStackOfNamedFunction();
 
 std::logic_error ExtendInNamedFunction(std::logic_error const& error)
 {
     std::logic_error extended = Zelkor::AddStack(error);
-    asm volatile(""); // the call above is not the last thing done, so this frame stays
+    asm volatile(""); // prevents a tail call, which would remove this frame
     return extended;
 }
 
@@ -71,7 +71,7 @@ std::pair<std::string, std::string> TextAndStackOfNamedFunction()
 namespace
 {
 
-/// The frames below the named function, without their numbers.
+/// Returns the frames outside the named function, without frame numbers.
 QStringList OuterFrames(std::string const& text)
 {
     QStringList lines = QString::fromStdString(text).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -91,7 +91,7 @@ class AddStackTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void appendsLineFeedAndCallStackToEveryType_data()
+    void appendsTheCallStackToEveryType_data()
     {
         QTest::addColumn<MakeText>("makeText");
         QTest::newRow("std::logic_error") << &TextWithStack<std::logic_error>;
@@ -103,15 +103,15 @@ private Q_SLOTS:
         QTest::newRow("std::range_error") << &TextWithStack<std::range_error>;
         QTest::newRow("std::overflow_error") << &TextWithStack<std::overflow_error>;
         QTest::newRow("std::underflow_error") << &TextWithStack<std::underflow_error>;
-        QTest::newRow("derived from std::invalid_argument") << &TextWithStack<UnknownCodec>;
-        QTest::newRow("derived from std::runtime_error") << &TextWithStack<LostDevice>;
+        QTest::newRow("derived from std::invalid_argument") << &TextWithStack<CustomLogicError>;
+        QTest::newRow("derived from std::runtime_error") << &TextWithStack<CustomRuntimeError>;
         QTest::newRow("thrown and caught") << &TextOfThrown;
     }
 
-    void appendsLineFeedAndCallStackToEveryType()
+    void appendsTheCallStackToEveryType()
     {
         QFETCH(MakeText, makeText);
-        std::string const message = "Something is wrong";
+        std::string const message = "Something failed";
         std::string const text = makeText(message);
 
         QCOMPARE(text.substr(0, message.size() + 1), message + "\n");
@@ -126,7 +126,7 @@ private Q_SLOTS:
         QVERIFY2(text.find("ExtendInNamedFunction") != std::string::npos, text.c_str());
     }
 
-    void appendsWhatGetCallStackReturns()
+    void appendsTheResultOfGetCallStack()
     {
         auto const [text, stack] = TextAndStackOfNamedFunction();
         QStringList const frames = OuterFrames(text);
@@ -135,7 +135,7 @@ private Q_SLOTS:
         QCOMPARE(text.back(), stack.back());
     }
 
-    void keepsTheMessageAsItIs_data()
+    void keepsTheMessageUnchanged_data()
     {
         QTest::addColumn<std::string>("message");
         QTest::newRow("empty") << std::string();
@@ -144,7 +144,7 @@ private Q_SLOTS:
         QTest::newRow("UTF-8") << std::string("\xC3\xA4\xE2\x82\xAC");
     }
 
-    void keepsTheMessageAsItIs()
+    void keepsTheMessageUnchanged()
     {
         QFETCH(std::string, message);
         std::string const text = Zelkor::AddStack(std::runtime_error(message)).what();
@@ -152,7 +152,7 @@ private Q_SLOTS:
         QCOMPARE(text.substr(0, message.size() + 1), message + "\n");
     }
 
-    void leavesItsArgumentAlone()
+    void doesNotModifyItsArgument()
     {
         std::invalid_argument const given("message");
         std::invalid_argument const extended = Zelkor::AddStack(given);
@@ -160,7 +160,7 @@ private Q_SLOTS:
         QVERIFY(std::string(extended.what()) != given.what());
     }
 
-    void addsAnotherStackToAnExtendedException()
+    void appendsAnotherStackToAnExtendedException()
     {
         std::logic_error const once = Zelkor::AddStack(std::logic_error("message"));
         std::string const first = once.what();

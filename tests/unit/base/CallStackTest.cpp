@@ -11,11 +11,12 @@
 
 static_assert(std::is_same_v<decltype(&Zelkor::GetCallStack), std::string (*)()>);
 
-// With external linkage, so that every symbol table names them; the barriers keep each call from becoming a jump.
+// External linkage keeps these names in the symbol table. The empty asm statements prevent tail calls, which would
+// remove frames from the stack.
 [[gnu::noinline]] std::string StackOfInnerFunction();
 [[gnu::noinline]] std::string StackOfOuterFunction();
 [[gnu::noinline]] std::string StackOfOutermostFunction();
-[[gnu::noinline]] std::string StackBelow(int depth);
+[[gnu::noinline]] std::string StackOfRecursion(int depth);
 [[gnu::noinline]] std::string StackOfThreadFunction();
 
 std::string StackOfInnerFunction()
@@ -39,9 +40,9 @@ std::string StackOfOutermostFunction()
     return stack;
 }
 
-std::string StackBelow(int depth)
+std::string StackOfRecursion(int depth)
 {
-    std::string stack = depth > 0 ? StackBelow(depth - 1) : Zelkor::GetCallStack();
+    std::string stack = depth > 0 ? StackOfRecursion(depth - 1) : Zelkor::GetCallStack();
     asm volatile("");
     return stack;
 }
@@ -72,13 +73,13 @@ class CallStackTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void beginsWithTheCallingFunction()
+    void startsWithTheCallingFunction()
     {
         QStringList const lines = LinesOf(StackOfInnerFunction());
         QVERIFY2(lines.first().contains(QStringLiteral("StackOfInnerFunction")), qPrintable(lines.first()));
     }
 
-    void goesOnWithTheCallersOfTheCallingFunction()
+    void continuesWithTheOuterCallers()
     {
         QStringList const lines = LinesOf(StackOfOutermostFunction());
         QVERIFY(lines.size() > 3);
@@ -86,7 +87,7 @@ private Q_SLOTS:
         QVERIFY2(lines.at(2).contains(QStringLiteral("StackOfOutermostFunction")), qPrintable(lines.at(2)));
     }
 
-    void reachesDownToWhatTheMainFunctionCalls()
+    void includesTheFunctionCalledByMain()
     {
         QString const stack = QString::fromStdString(StackOfInnerFunction());
         QVERIFY2(stack.contains(QStringLiteral("Zelkor::Testing::RunTests")), qPrintable(stack));
@@ -101,18 +102,18 @@ private Q_SLOTS:
         }
     }
 
-    void growsByOneLineWithEachCall()
+    void growsByOneLinePerCall()
     {
-        QStringList const shallow = LinesOf(StackBelow(0));
-        QStringList const deep = LinesOf(StackBelow(7));
+        QStringList const shallow = LinesOf(StackOfRecursion(0));
+        QStringList const deep = LinesOf(StackOfRecursion(7));
         QCOMPARE(deep.size(), shallow.size() + 7);
-        QCOMPARE(deep.filter(QStringLiteral("StackBelow")).size(), 8);
+        QCOMPARE(deep.filter(QStringLiteral("StackOfRecursion")).size(), 8);
     }
 
-    void isNotCutShort()
+    void isNotTruncated()
     {
-        QStringList const lines = LinesOf(StackBelow(499));
-        QCOMPARE(lines.filter(QStringLiteral("StackBelow")).size(), 500);
+        QStringList const lines = LinesOf(StackOfRecursion(499));
+        QCOMPARE(lines.filter(QStringLiteral("StackOfRecursion")).size(), 500);
         QVERIFY(!lines.filter(QStringLiteral("Zelkor::Testing::RunTests")).isEmpty());
     }
 
@@ -124,7 +125,7 @@ private Q_SLOTS:
         }
     }
 
-    void belongsToTheCallingThread()
+    void containsTheCallingThreadOnly()
     {
         std::packaged_task<std::string()> task(StackOfThreadFunction);
         std::future<std::string> result = task.get_future();

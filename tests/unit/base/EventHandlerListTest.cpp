@@ -1,11 +1,11 @@
 #include <support/TestCase.h>
+#include <support/Timeouts.h>
 
 #include <Base/EventHandlerList.h>
 
 #include <QtTest/QtTest>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -18,19 +18,18 @@
 using Zelkor::Core::EventHandlerList;
 using Zelkor::Core::EventPublisher;
 using Zelkor::Core::SyncExecutePolicy;
+using Zelkor::Testing::Timeout;
 
 namespace
 {
 
-constexpr auto Patience = std::chrono::seconds(10);
-
-/// Told of events by the tests.
+/// Runs the callback set by a test.
 class Handler
 {
 public:
     std::function<void()> onEvent = [] {};
 
-    void Tell() { onEvent(); }
+    void Notify() { onEvent(); }
 };
 
 using List = EventHandlerList<Handler, SyncExecutePolicy>;
@@ -43,17 +42,17 @@ static_assert(!std::is_copy_constructible_v<List> && !std::is_copy_assignable_v<
 static_assert(!std::is_move_constructible_v<List> && !std::is_move_assignable_v<List>);
 static_assert(!std::is_final_v<List>);
 
-/// Derives from the publisher twice; ambiguous if the base were not virtual.
+/// With List, a second path to the publisher base: the conversion would be ambiguous if the base were not virtual.
 struct AnotherPublisher : virtual EventPublisher<Handler>
 {};
 
-struct Joined : List, AnotherPublisher
+struct ListAndPublisher : List, AnotherPublisher
 {};
 
-static_assert(std::is_convertible_v<Joined*, EventPublisher<Handler>*>);
+static_assert(std::is_convertible_v<ListAndPublisher*, EventPublisher<Handler>*>);
 
-/// Collects what it is to execute, for later.
-struct Postpone
+/// Execution policy that stores the calls instead of executing them.
+struct DeferredExecutePolicy
 {
     static std::vector<std::function<void()>>& Calls()
     {
@@ -80,49 +79,49 @@ private Q_SLOTS:
         for (Handler& handler : handlers_) {
             list_.RegisterEventHandler(&handler);
         }
-        QCOMPARE(Told(), Everyone());
+        QCOMPARE(PublishAndCollect(), (Handlers{&handlers_[0], &handlers_[1], &handlers_[2]}));
     }
 
-    void callsNobodyWhenNobodyIsRegistered() { QCOMPARE(Told(), Handlers()); }
+    void callsNothingWithoutHandlers() { QCOMPARE(PublishAndCollect(), Handlers()); }
 
-    void callsAHandlerThatIsRegisteredTwiceOnce()
+    void ignoresASecondRegistration()
     {
         list_.RegisterEventHandler(&handlers_[0]);
         list_.RegisterEventHandler(&handlers_[1]);
         list_.RegisterEventHandler(&handlers_[0]);
-        QCOMPARE(Told(), (Handlers{&handlers_[0], &handlers_[1]}));
+        QCOMPARE(PublishAndCollect(), (Handlers{&handlers_[0], &handlers_[1]}));
 
         list_.UnregisterEventHandler(&handlers_[0]);
-        QCOMPARE(Told(), Handlers{&handlers_[1]});
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[1]});
     }
 
-    void keepsTheOrderOfTheRestWhenOneGoes()
+    void keepsTheOrderWhenAHandlerIsUnregistered()
     {
         for (Handler& handler : handlers_) {
             list_.RegisterEventHandler(&handler);
         }
         list_.UnregisterEventHandler(&handlers_[0]);
-        QCOMPARE(Told(), (Handlers{&handlers_[1], &handlers_[2]}));
+        QCOMPARE(PublishAndCollect(), (Handlers{&handlers_[1], &handlers_[2]}));
 
         list_.RegisterEventHandler(&handlers_[0]);
-        QCOMPARE(Told(), (Handlers{&handlers_[1], &handlers_[2], &handlers_[0]}));
+        QCOMPARE(PublishAndCollect(), (Handlers{&handlers_[1], &handlers_[2], &handlers_[0]}));
 
         list_.UnregisterEventHandler(&handlers_[2]);
-        QCOMPARE(Told(), (Handlers{&handlers_[1], &handlers_[0]}));
+        QCOMPARE(PublishAndCollect(), (Handlers{&handlers_[1], &handlers_[0]}));
     }
 
     void ignoresNull()
     {
         list_.RegisterEventHandler(nullptr);
         list_.UnregisterEventHandler(nullptr);
-        QCOMPARE(Told(), Handlers());
+        QCOMPARE(PublishAndCollect(), Handlers());
     }
 
-    void ignoresAHandlerThatIsNotRegistered()
+    void ignoresUnregisteringAnUnknownHandler()
     {
         list_.RegisterEventHandler(&handlers_[0]);
         list_.UnregisterEventHandler(&handlers_[1]);
-        QCOMPARE(Told(), Handlers{&handlers_[0]});
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[0]});
     }
 
     void registersThroughItsInterface()
@@ -131,7 +130,7 @@ private Q_SLOTS:
         publisher.RegisterEventHandler(&handlers_[0]);
         publisher.RegisterEventHandler(&handlers_[1]);
         publisher.UnregisterEventHandler(&handlers_[0]);
-        QCOMPARE(Told(), Handlers{&handlers_[1]});
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[1]});
     }
 
     void callsMemberFunctions()
@@ -139,19 +138,19 @@ private Q_SLOTS:
         int calls = 0;
         handlers_[0].onEvent = [&] { ++calls; };
         list_.RegisterEventHandler(&handlers_[0]);
-        list_.PerformForEachEventHandler(&Handler::Tell);
+        list_.PerformForEachEventHandler(&Handler::Notify);
         QCOMPARE(calls, 1);
     }
 
-    void callsMoreHandlersThanListsUsuallyHave_data()
+    void callsManyHandlers_data()
     {
         QTest::addColumn<int>("count");
-        QTest::newRow("as many as on the stack") << 32;
-        QTest::newRow("one more") << 33;
-        QTest::newRow("many") << 1000;
+        QTest::newRow("32 handlers") << 32;
+        QTest::newRow("33 handlers") << 33;
+        QTest::newRow("1000 handlers") << 1000;
     }
 
-    void callsMoreHandlersThanListsUsuallyHave()
+    void callsManyHandlers()
     {
         QFETCH(int, count);
         std::vector<Handler> many(static_cast<std::size_t>(count));
@@ -160,28 +159,28 @@ private Q_SLOTS:
             list_.RegisterEventHandler(&handler);
             expected.push_back(&handler);
         }
-        QCOMPARE(Told(), expected);
+        QCOMPARE(PublishAndCollect(), expected);
         for (Handler& handler : many) {
             list_.UnregisterEventHandler(&handler);
         }
     }
 
-    void aHandlerThatIsRegisteredMeanwhileIsCalledNextTime()
+    void callsAHandlerRegisteredDuringAPublicationNextTime()
     {
         handlers_[0].onEvent = [this] { list_.RegisterEventHandler(&handlers_[1]); };
         list_.RegisterEventHandler(&handlers_[0]);
-        QCOMPARE(Told(), Handlers{&handlers_[0]});
-        QCOMPARE(Told(), (Handlers{&handlers_[0], &handlers_[1]}));
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[0]});
+        QCOMPARE(PublishAndCollect(), (Handlers{&handlers_[0], &handlers_[1]}));
     }
 
-    void handlersThatAreUnregisteredMeanwhileAreCalledOnceMore_data()
+    void callsHandlersUnregisteredDuringAPublicationOnceMore_data()
     {
         QTest::addColumn<int>("count");
-        QTest::newRow("few") << 3;
-        QTest::newRow("many") << 100;
+        QTest::newRow("3 handlers") << 3;
+        QTest::newRow("100 handlers") << 100;
     }
 
-    void handlersThatAreUnregisteredMeanwhileAreCalledOnceMore()
+    void callsHandlersUnregisteredDuringAPublicationOnceMore()
     {
         QFETCH(int, count);
         handlers_ = std::vector<Handler>(static_cast<std::size_t>(count));
@@ -195,11 +194,11 @@ private Q_SLOTS:
                 list_.UnregisterEventHandler(&handlers_[i]);
             }
         };
-        QCOMPARE(Told(), expected);
-        QCOMPARE(Told(), Handlers{&handlers_[0]});
+        QCOMPARE(PublishAndCollect(), expected);
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[0]});
     }
 
-    void aHandlerMayPublishAgain()
+    void allowsAHandlerToPublish()
     {
         list_.RegisterEventHandler(&handlers_[0]);
         list_.RegisterEventHandler(&handlers_[1]);
@@ -209,37 +208,37 @@ private Q_SLOTS:
                 Publish();
             }
         };
-        QCOMPARE(Told(), (Handlers{&handlers_[0], &handlers_[0], &handlers_[1], &handlers_[1]}));
+        QCOMPARE(PublishAndCollect(), (Handlers{&handlers_[0], &handlers_[0], &handlers_[1], &handlers_[1]}));
     }
 
-    void aThrowEndsTheWalkAndLeavesTheListUsable()
+    void stopsAtAThrowingHandlerAndRemainsUsable()
     {
         list_.RegisterEventHandler(&handlers_[0]);
         list_.RegisterEventHandler(&handlers_[1]);
-        handlers_[0].onEvent = [] { throw std::runtime_error("no"); };
+        handlers_[0].onEvent = [] { throw std::runtime_error("failure"); };
         QVERIFY_EXCEPTION_THROWN(Publish(), std::runtime_error);
-        QCOMPARE(std::exchange(told_, {}), Handlers{&handlers_[0]});
+        QCOMPARE(std::exchange(calledHandlers_, {}), Handlers{&handlers_[0]});
 
         handlers_[0].onEvent = [] {};
-        auto const elsewhere = std::async(std::launch::async, [this] { Publish(); });
-        QVERIFY(elsewhere.wait_for(Patience) == std::future_status::ready);
-        QCOMPARE(told_, (Handlers{&handlers_[0], &handlers_[1]}));
+        auto const task = std::async(std::launch::async, [this] { Publish(); });
+        QVERIFY(task.wait_for(Timeout) == std::future_status::ready);
+        QCOMPARE(calledHandlers_, (Handlers{&handlers_[0], &handlers_[1]}));
     }
 
-    void leavesItToThePolicyWhenHandlersAreCalled()
+    void executesCallsThroughThePolicy()
     {
-        EventHandlerList<Handler, Postpone> later;
-        later.RegisterEventHandler(&handlers_[0]);
-        later.RegisterEventHandler(&handlers_[1]);
+        EventHandlerList<Handler, DeferredExecutePolicy> deferred;
+        deferred.RegisterEventHandler(&handlers_[0]);
+        deferred.RegisterEventHandler(&handlers_[1]);
         Handlers called;
         auto resource = std::make_shared<int>();
         std::weak_ptr<int> const watched = resource;
-        later.PerformForEachEventHandler(
+        deferred.PerformForEachEventHandler(
             [&called, resource = std::move(resource)](Handler* handler) { called.push_back(handler); });
         QCOMPARE(called, Handlers());
-        QCOMPARE(watched.use_count(), 2L); // each call has what it needs
+        QCOMPARE(watched.use_count(), 2L); // each call has its own copy of the functor
 
-        auto const calls = std::exchange(Postpone::Calls(), {});
+        auto const calls = std::exchange(DeferredExecutePolicy::Calls(), {});
         for (auto const& call : calls) {
             call();
         }
@@ -259,27 +258,27 @@ private Q_SLOTS:
         QVERIFY(thread == publisher);
     }
 
-    void otherThreadsMayRegisterDuringAPublication()
+    void allowsOtherThreadsToRegisterDuringAPublication()
     {
         handlers_[0].onEvent = [this] {
-            auto const elsewhere = std::async(std::launch::async, [this] {
+            auto const task = std::async(std::launch::async, [this] {
                 list_.RegisterEventHandler(&handlers_[1]);
                 list_.UnregisterEventHandler(&handlers_[0]);
             });
-            QVERIFY(elsewhere.wait_for(Patience) == std::future_status::ready);
+            QVERIFY(task.wait_for(Timeout) == std::future_status::ready);
         };
         list_.RegisterEventHandler(&handlers_[0]);
-        QCOMPARE(Told(), Handlers{&handlers_[0]});
-        QCOMPARE(Told(), Handlers{&handlers_[1]});
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[0]});
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[1]});
     }
 
-    void publicationsOfSeveralThreadsNeverOverlap()
+    void serializesPublicationsOfSeveralThreads()
     {
         constexpr int Threads = 4;
         constexpr int Publications = 500;
         std::atomic<int> inside{0};
         std::atomic<bool> overlapped{false};
-        int calls = 0; // guarded by what is tested
+        int calls = 0; // guarded by the list under test
         handlers_[0].onEvent = [&] {
             overlapped = overlapped || inside.fetch_add(1) != 0;
             ++calls;
@@ -296,7 +295,7 @@ private Q_SLOTS:
         for (int i = 0; i < Threads; ++i) {
             threads.emplace_back([this] {
                 for (int publication = 0; publication < Publications; ++publication) {
-                    list_.PerformForEachEventHandler(&Handler::Tell);
+                    list_.PerformForEachEventHandler(&Handler::Notify);
                 }
             });
         }
@@ -307,7 +306,7 @@ private Q_SLOTS:
         QCOMPARE(calls, Threads * Publications);
     }
 
-    void threadsChangeTheListWhileOthersPublish()
+    void allowsChangesByAnotherThreadDuringPublications()
     {
         constexpr int Rounds = 500;
         std::atomic<int> calls{0};
@@ -324,11 +323,11 @@ private Q_SLOTS:
             }
         });
         for (int round = 0; round < Rounds; ++round) {
-            list_.PerformForEachEventHandler(&Handler::Tell);
+            list_.PerformForEachEventHandler(&Handler::Notify);
         }
         changer.join();
         QVERIFY(calls >= Rounds);
-        QCOMPARE(Told(), Handlers{&handlers_[0]});
+        QCOMPARE(PublishAndCollect(), Handlers{&handlers_[0]});
     }
 
 protected:
@@ -338,32 +337,31 @@ protected:
             list_.UnregisterEventHandler(&handler);
         }
         handlers_ = std::vector<Handler>(3);
-        told_.clear();
+        calledHandlers_.clear();
     }
 
 private:
     using Handlers = std::vector<Handler*>;
 
-    Handlers Everyone() { return {&handlers_[0], &handlers_[1], &handlers_[2]}; }
-
     void Publish()
     {
         list_.PerformForEachEventHandler([this](Handler* handler) {
-            told_.push_back(handler);
-            handler->Tell();
+            calledHandlers_.push_back(handler);
+            handler->Notify();
         });
     }
 
-    Handlers Told()
+    /// Publishes once and returns the handlers called, in order.
+    Handlers PublishAndCollect()
     {
-        told_.clear();
+        calledHandlers_.clear();
         Publish();
-        return told_;
+        return calledHandlers_;
     }
 
     std::vector<Handler> handlers_ = std::vector<Handler>(3);
     List list_;
-    Handlers told_;
+    Handlers calledHandlers_;
 };
 
 ZQTUTIL_TEST_MAIN(EventHandlerListTest)

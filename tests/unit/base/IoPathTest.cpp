@@ -49,7 +49,7 @@ protected:
 
     void TearDown() override
     {
-        fs::remove_all(at({})); // Qt does not remove what has no UTF-8 name
+        fs::remove_all(at({})); // QTemporaryDir does not remove files whose names are not valid UTF-8
         folder_.reset();
     }
 
@@ -61,20 +61,20 @@ private Q_SLOTS:
         QVERIFY(path.utf8string().empty());
     }
 
-    void keepsItsTextByteByByte_data()
+    void keepsTheBytesOfItsText_data()
     {
         QTest::addColumn<std::string>("text");
         QTest::newRow("empty") << std::string();
         QTest::newRow("relative") << std::string("a/b.c");
         QTest::newRow("absolute") << std::string("/a/b.c");
         QTest::newRow("trailing slash") << std::string("/a/b/");
-        QTest::newRow("nothing is normalised") << std::string("/a//./../b");
-        QTest::newRow("backslash is a character") << std::string("a\\b");
+        QTest::newRow("path that is not normalized") << std::string("/a//./../b");
+        QTest::newRow("backslash") << std::string("a\\b");
         QTest::newRow("UTF-8") << std::string("/\xC3\xA4/\xE2\x82\xAC/\xF0\x9F\x98\x80");
-        QTest::newRow("no UTF-8") << std::string("/\xFF\xC3/\x80");
+        QTest::newRow("invalid UTF-8") << std::string("/\xFF\xC3/\x80");
     }
 
-    void keepsItsTextByteByByte()
+    void keepsTheBytesOfItsText()
     {
         QFETCH(std::string, text);
         ioPath assigned("other");
@@ -91,20 +91,20 @@ private Q_SLOTS:
         QCOMPARE(ioPath(text).utf8string(), text);
     }
 
-    void returnsItselfWhenAssigned()
+    void returnsItselfFromAssignment()
     {
         ioPath path;
         QCOMPARE(&(path = "text"), &path);
     }
 
-    void canBeAssignedItsOwnText()
+    void acceptsItsOwnTextInAssignment()
     {
         ioPath path("/some/rather/long/path/that/no/small/string/holds");
         path = path.c_str();
         QCOMPARE(path.utf8string(), std::string("/some/rather/long/path/that/no/small/string/holds"));
     }
 
-    void behavesLikeABoostPath()
+    void providesTheInterfaceOfABoostPath()
     {
         ioPath const path("/a/b.c");
         QVERIFY(path == fs::path("/a/b.c"));
@@ -113,26 +113,27 @@ private Q_SLOTS:
         QCOMPARE((path / "d").string(), std::string("/a/b.c/d"));
     }
 
-    void cannotBeMadeFromANullPointer()
+    void rejectsANullPointerInConstruction()
     {
-        char const* const nothing = nullptr;
-        verifyNullPointer(CatchProgrammingError<std::invalid_argument>([nothing] { ioPath const path(nothing); }));
+        char const* const nullPointer = nullptr;
+        verifyNullPointer(
+            CatchProgrammingError<std::invalid_argument>([nullPointer] { ioPath const path(nullPointer); }));
     }
 
-    void staysAsItIsWhenAssignedANullPointer()
+    void rejectsANullPointerInAssignmentAndKeepsItsText()
     {
-        char const* const nothing = nullptr;
+        char const* const nullPointer = nullptr;
         ioPath path("before");
-        verifyNullPointer(CatchProgrammingError<std::invalid_argument>([&path, nothing] { path = nothing; }));
+        verifyNullPointer(CatchProgrammingError<std::invalid_argument>([&path, nullPointer] { path = nullPointer; }));
         QCOMPARE(path.utf8string(), std::string("before"));
     }
 
-    void knowsItsParent_data()
+    void returnsItsParent_data()
     {
         QTest::addColumn<std::string>("path");
         QTest::addColumn<std::string>("parent");
         QTest::newRow("file in a folder") << std::string("/a/b.c") << std::string("/a");
-        QTest::newRow("in the root") << std::string("/a") << std::string("/");
+        QTest::newRow("entry of the root") << std::string("/a") << std::string("/");
         QTest::newRow("relative") << std::string("a/b/c") << std::string("a/b");
         QTest::newRow("single name") << std::string("a") << std::string();
         QTest::newRow("root") << std::string("/") << std::string();
@@ -140,7 +141,7 @@ private Q_SLOTS:
         QTest::newRow("UTF-8") << std::string("\xC3\xA4/\xE2\x82\xAC") << std::string("\xC3\xA4");
     }
 
-    void knowsItsParent()
+    void returnsItsParent()
     {
         QFETCH(std::string, path);
         QFETCH(std::string, parent);
@@ -157,7 +158,7 @@ private Q_SLOTS:
         QVERIFY(FileExists(path.parent_path()));
     }
 
-    void removesAFileWithoutUtf8InItsName()
+    void removesAFileWhoseNameIsNotUtf8()
     {
         ioPath const path = makeFile("\xFF\x80");
         QVERIFY(path.remove());
@@ -172,7 +173,7 @@ private Q_SLOTS:
         QVERIFY(!FileExists(path));
     }
 
-    void removesTheLinkAndLeavesItsTarget()
+    void removesALinkButNotItsTarget()
     {
         ioPath const target = makeFile("target");
         ioPath const link = at("link");
@@ -185,27 +186,27 @@ private Q_SLOTS:
     void removesADanglingLink()
     {
         ioPath const link = at("link");
-        fs::create_symlink("nowhere", link);
+        fs::create_symlink("missing target", link);
         QVERIFY(link.remove());
         QVERIFY(!fs::exists(fs::symlink_status(link)));
     }
 
-    void removesNothingWhereNothingIs_data()
+    void returnsFalseForAMissingEntry_data()
     {
         QTest::addColumn<std::string>("name");
-        QTest::newRow("no such file") << std::string("missing");
-        QTest::newRow("no such folder") << std::string("missing/file");
+        QTest::newRow("missing file") << std::string("missing");
+        QTest::newRow("missing folder") << std::string("missing/file");
     }
 
-    void removesNothingWhereNothingIs()
+    void returnsFalseForAMissingEntry()
     {
         QFETCH(std::string, name);
         QVERIFY(!at(name).remove());
     }
 
-    void removesNothingForTheEmptyPath() { QVERIFY(!ioPath().remove()); }
+    void returnsFalseForTheEmptyPath() { QVERIFY(!ioPath().remove()); }
 
-    void throwsWhenAFolderIsNotEmpty()
+    void throwsWhenTheFolderIsNotEmpty()
     {
         ioPath const file = makeFile("file");
         ioPath const folder = file.parent_path();
@@ -219,19 +220,20 @@ private Q_SLOTS:
         QVERIFY(FileExists(file));
     }
 
-    void throwsWhenTheSystemRefuses()
+    void throwsWhenPermissionIsDenied()
     {
         ioPath const readOnly = at("read-only");
         fs::create_directory(readOnly);
         ioPath const file = makeFile("read-only/file");
-        openToEveryone(readOnly);
-        fs::permissions(readOnly, fs::remove_perms | fs::owner_write); // where the user is the owner
+        grantAccessToEveryone(readOnly);
+        // RunAsOrdinaryUser may run as the owner of the folder.
+        fs::permissions(readOnly, fs::remove_perms | fs::owner_write);
         QByteArray const outcome = Zelkor::Testing::RunAsOrdinaryUser([&file]() -> QByteArray {
             if (!FileExists(file)) {
-                return "hidden";
+                return "not found";
             }
             try {
-                return file.remove() ? "removed" : "nothing there";
+                return file.remove() ? "removed" : "nothing removed";
             } catch (fs::filesystem_error const& error) {
                 return error.code() == boost::system::errc::permission_denied ? "refused" : error.what();
             }
@@ -241,7 +243,7 @@ private Q_SLOTS:
         QVERIFY(FileExists(file));
     }
 
-    void doesNotRemoveWhatTheSystemWouldReadInstead()
+    void doesNotTruncateThePathAtANulByte()
     {
         ioPath const file = makeFile("file");
         ioPath const longer(file.utf8string() + std::string("\0.txt", 5));
@@ -249,7 +251,7 @@ private Q_SLOTS:
         QVERIFY(FileExists(file));
     }
 
-    void findsWhatExists()
+    void findsExistingEntries()
     {
         ioPath const file = makeFile("file");
         ioPath const fileLink = at("file link");
@@ -265,12 +267,12 @@ private Q_SLOTS:
         QVERIFY(FileExists(makeFile("\xC3\xA4\xFF")));
     }
 
-    void doesNotFindWhatDoesNotExist()
+    void doesNotFindMissingEntries()
     {
         ioPath const file = makeFile("file");
         ioPath const dangling = at("dangling");
         ioPath const loop = at("loop");
-        fs::create_symlink("nowhere", dangling);
+        fs::create_symlink("missing target", dangling);
         fs::create_symlink("loop", loop);
         QVERIFY(!FileExists(at("missing")));
         QVERIFY(!FileExists(at("missing/file")));
@@ -282,18 +284,18 @@ private Q_SLOTS:
         QVERIFY(!FileExists(file.utf8string() + std::string("\0.txt", 5)));
     }
 
-    void doesNotFindWhatIsClosedToTheUser()
+    void doesNotFindEntriesOfAnInaccessibleFolder()
     {
         ioPath const open = at("open");
         ioPath const closed = at("closed");
         fs::create_directory(open);
         fs::create_directory(closed);
-        ioPath const seen = makeFile("open/file");
-        ioPath const hidden = makeFile("closed/file");
-        openToEveryone(open);
+        ioPath const accessible = makeFile("open/file");
+        ioPath const inaccessible = makeFile("closed/file");
+        grantAccessToEveryone(open);
         fs::permissions(closed, fs::no_perms);
         QByteArray const found = Zelkor::Testing::RunAsOrdinaryUser([&]() -> QByteArray {
-            return QByteArray::number(FileExists(seen)) + QByteArray::number(FileExists(hidden));
+            return QByteArray::number(FileExists(accessible)) + QByteArray::number(FileExists(inaccessible));
         });
         fs::permissions(closed, fs::owner_all);
         QCOMPARE(found, QByteArray("10"));
@@ -309,8 +311,8 @@ private:
         return path;
     }
 
-    /// Lets every user read the folder \a path and go through the program's own folders above it.
-    void openToEveryone(ioPath const& path) const
+    /// Allows every user to read the folder \a path and to traverse the test program's folders above it.
+    void grantAccessToEveryone(ioPath const& path) const
     {
         for (ioPath const& folder : {path, at({}), ioPath(QDir::tempPath().toStdString())}) {
             fs::permissions(folder,

@@ -43,7 +43,7 @@ class VersionTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void holdsItsComponentsInOrder()
+    void returnsItsComponents()
     {
         Version const version(3, 1, 2, 4567);
         QCOMPARE(version.GetMajor(), 3U);
@@ -52,7 +52,7 @@ private Q_SLOTS:
         QCOMPARE(version.GetBuild(), 4567U);
     }
 
-    void holdsZeroForComponentsLeftOut()
+    void defaultsMissingComponentsToZero()
     {
         QCOMPARE(Version(), Version(0, 0, 0, 0));
         QCOMPARE(Version(3), Version(3, 0, 0, 0));
@@ -60,26 +60,26 @@ private Q_SLOTS:
         QCOMPARE(Version(3, 1, 2), Version(3, 1, 2, 0));
     }
 
-    void isOrderedByComponents_data()
+    void comparesComponentsInOrder_data()
     {
         QTest::addColumn<Version>("smaller");
         QTest::addColumn<Version>("larger");
-        QTest::newRow("build decides last") << Version(1, 2, 3, 4) << Version(1, 2, 3, 5);
-        QTest::newRow("third before build") << Version(1, 2, 3, 9) << Version(1, 2, 4, 0);
-        QTest::newRow("minor before third") << Version(1, 2, 9, 9) << Version(1, 3, 0, 0);
-        QTest::newRow("major before minor") << Version(1, 9, 9, 9) << Version(2, 0, 0, 0);
-        QTest::newRow("as numbers, not as text") << Version(10, 9) << Version(10, 10);
+        QTest::newRow("build differs") << Version(1, 2, 3, 4) << Version(1, 2, 3, 5);
+        QTest::newRow("third outranks build") << Version(1, 2, 3, 9) << Version(1, 2, 4, 0);
+        QTest::newRow("minor outranks third") << Version(1, 2, 9, 9) << Version(1, 3, 0, 0);
+        QTest::newRow("major outranks minor") << Version(1, 9, 9, 9) << Version(2, 0, 0, 0);
+        QTest::newRow("numeric, not lexical order") << Version(10, 9) << Version(10, 10);
         QTest::newRow("beyond the signed range") << Version(0x7FFFFFFF) << Version(0x80000000);
         QTest::newRow("largest given component") << Version(NotGiven - 2) << Version(NotGiven - 1);
-        QTest::newRow("major not given below 0") << Version(NotGiven) << Version(0);
-        QTest::newRow("minor not given below 0") << Version(1, NotGiven) << Version(1, 0);
-        QTest::newRow("third not given below 0") << Version(1, 2, NotGiven) << Version(1, 2, 0);
-        QTest::newRow("build not given below 0") << Version(1, 2, 3, NotGiven) << Version(1, 2, 3, 0);
-        QTest::newRow("not given below the largest") << Version(1, NotGiven) << Version(1, NotGiven - 1);
-        QTest::newRow("not given decides before what follows") << Version(1, NotGiven, 9) << Version(1, 0, 0);
+        QTest::newRow("major not given, less than 0") << Version(NotGiven) << Version(0);
+        QTest::newRow("minor not given, less than 0") << Version(1, NotGiven) << Version(1, 0);
+        QTest::newRow("third not given, less than 0") << Version(1, 2, NotGiven) << Version(1, 2, 0);
+        QTest::newRow("build not given, less than 0") << Version(1, 2, 3, NotGiven) << Version(1, 2, 3, 0);
+        QTest::newRow("not given, less than the largest") << Version(1, NotGiven) << Version(1, NotGiven - 1);
+        QTest::newRow("not given outranks later components") << Version(1, NotGiven, 9) << Version(1, 0, 0);
     }
 
-    void isOrderedByComponents()
+    void comparesComponentsInOrder()
     {
         QFETCH(Version, smaller);
         QFETCH(Version, larger);
@@ -95,15 +95,15 @@ private Q_SLOTS:
         QVERIFY(!(larger <= smaller));
     }
 
-    void equalsItsLike_data()
+    void equalsAVersionWithTheSameComponents_data()
     {
         QTest::addColumn<Version>("version");
-        QTest::newRow("nothing but zeros") << Version();
+        QTest::newRow("all zeros") << Version();
         QTest::newRow("four components") << Version(1, 2, 3, 4);
         QTest::newRow("components not given") << Version(1, 2, NotGiven, NotGiven);
     }
 
-    void equalsItsLike()
+    void equalsAVersionWithTheSameComponents()
     {
         QFETCH(Version, version);
         Version const same(version.GetMajor(), version.GetMinor(), version.GetThird(), version.GetBuild());
@@ -115,7 +115,7 @@ private Q_SLOTS:
         QVERIFY(!(version > same));
     }
 
-    void isReadFromText_data()
+    void readsText_data()
     {
         QTest::addColumn<std::string>("text");
         QTest::addColumn<std::string>("separator");
@@ -125,43 +125,43 @@ private Q_SLOTS:
         row("four components", "3.1.2.4567", ".", Version(3, 1, 2, 4567));
         row("third and build missing", "3.1", ".", Version(3, 1, 0, 0));
         row("one component", "12", ".", Version(12));
-        row("nothing", "", ".", Version());
+        row("empty text", "", ".", Version());
         row("fifth component", "1.2.3.4.5", ".", Version(1, 2, 3, 4));
-        row("text behind the fourth", "1.2.3.4-beta", ".", Version(1, 2, 3, 4));
-        row("text behind the third", "3.1.2-beta", ".", Version(3, 1, 2, 0));
-        row("text behind a middle component", "3.1beta.2", ".", Version(3, 1, 0, 0));
-        row("text for a component", "3.x", ".", Version(3));
-        row("text for a middle component", "3.x.4", ".", Version(3));
+        row("text after the fourth component", "1.2.3.4-beta", ".", Version(1, 2, 3, 4));
+        row("text after the third component", "3.1.2-beta", ".", Version(3, 1, 2, 0));
+        row("text after a middle component", "3.1beta.2", ".", Version(3, 1, 0, 0));
+        row("text instead of a component", "3.x", ".", Version(3));
+        row("text instead of a middle component", "3.x.4", ".", Version(3));
         row("text only", "beta", ".", Version());
         row("leading separator", ".3.1", ".", Version());
         row("trailing separator", "3.1.", ".", Version(3, 1));
-        row("two separators in a row", "3..1", ".", Version(3));
-        row("leading blank", " 3.1", ".", Version());
-        row("blank before a component", "3. 1", ".", Version(3));
-        row("blank behind a component", "3 .1", ".", Version(3));
+        row("two consecutive separators", "3..1", ".", Version(3));
+        row("leading space", " 3.1", ".", Version());
+        row("space before a component", "3. 1", ".", Version(3));
+        row("space after a component", "3 .1", ".", Version(3));
         row("plus sign", "3.+1.2", ".", Version(3));
         row("minus sign", "3.-1.2", ".", Version(3));
-        row("leading zeros are decimal", "010.009.0x8", ".", Version(10, 9, 0));
+        row("decimal numbers with leading zeros", "010.009.0x8", ".", Version(10, 9, 0));
         row("largest component", "4294967295.4294967294", ".", Version(NotGiven, 4294967294));
         row("component beyond 32 bits", "3.4294967296.5", ".", Version(3));
         row("component beyond 64 bits", "3.99999999999999999999999.5", ".", Version(3));
         row("first component beyond 32 bits", "4294967296.1", ".", Version());
-        row("NUL ends it", std::string("3\0.1", 4), ".", Version(3));
+        row("NUL character", std::string("3\0.1", 4), ".", Version(3));
         row("other separator", "3_1_2_4", "_", Version(3, 1, 2, 4));
-        row("separator does not occur", "3.1.2", "_", Version(3));
+        row("missing separator", "3.1.2", "_", Version(3));
         row("long separator", "3 :: 1 :: 2", " :: ", Version(3, 1, 2));
         row("part of a long separator", "3::1:2", "::", Version(3, 1));
         row("separator longer than the rest", "3:", "::", Version(3));
-        row("separator of bytes beyond ASCII",
+        row("non-ASCII separator",
             "3\xC2\xB7"
             "1",
             "\xC2\xB7", Version(3, 1));
-        row("separator that is a NUL", std::string("3\0001", 3), std::string(1, '\0'), Version(3, 1));
+        row("NUL separator", std::string("3\0001", 3), std::string(1, '\0'), Version(3, 1));
         row("empty separator", "3.1", "", Version(3));
         row("empty separator, digits only", "31", "", Version(31));
     }
 
-    void isReadFromText()
+    void readsText()
     {
         QFETCH(std::string, text);
         QFETCH(std::string, separator);
@@ -169,7 +169,7 @@ private Q_SLOTS:
         QCOMPARE(VersionFromString(text, separator), version);
     }
 
-    void isWrittenAsText_data()
+    void writesText_data()
     {
         QTest::addColumn<Version>("version");
         QTest::addColumn<VersionToStringDetail>("detail");
@@ -183,22 +183,22 @@ private Q_SLOTS:
         row("major and minor", Version(3, 1, 2, 4), 2, ".", "3.1");
         row("without build", Version(3, 1, 2, 4), 3, ".", "3.1.2");
         row("full", Version(3, 1, 2, 4), 4, ".", "3.1.2.4");
-        row("zeros are written", Version(), 4, ".", "0.0.0.0");
-        row("zero minor is written", Version(3), 2, ".", "3.0");
+        row("all zeros", Version(), 4, ".", "0.0.0.0");
+        row("zero minor", Version(3), 2, ".", "3.0");
         row("large numbers", Version(4294967294, 2147483648), 2, ".", "4294967294.2147483648");
-        row("no digit groups", Version(1234567), 1, ".", "1234567");
+        row("number without digit groups", Version(1234567), 1, ".", "1234567");
         row("minor not given", Version(3, NotGiven, 2, 4), 4, ".", "3");
         row("third not given", Version(3, 1, NotGiven, 4), 4, ".", "3.1");
         row("build not given", Version(3, 1, 2, NotGiven), 4, ".", "3.1.2");
         row("major not given", Version(NotGiven, 1, 2, 4), 4, ".", "");
-        row("not given beyond the detail", Version(3, 1, NotGiven, 4), 2, ".", "3.1");
+        row("component not given beyond the detail", Version(3, 1, NotGiven, 4), 2, ".", "3.1");
         row("long separator", Version(3, 1, 2), 3, " - ", "3 - 1 - 2");
         row("empty separator", Version(3, 1, 2), 3, "", "312");
-        row("no component", Version(3, 1, 2, 4), 0, ".", "");
-        row("more components than there are", Version(3, 1, 2, 4), 5, ".", "3.1.2.4");
+        row("detail below the enumeration", Version(3, 1, 2, 4), 0, ".", "");
+        row("detail beyond the enumeration", Version(3, 1, 2, 4), 5, ".", "3.1.2.4");
     }
 
-    void isWrittenAsText()
+    void writesText()
     {
         QFETCH(Version, version);
         QFETCH(VersionToStringDetail, detail);
@@ -207,7 +207,7 @@ private Q_SLOTS:
         QCOMPARE(VersionToString(version, detail, separator), text);
     }
 
-    void survivesTheWayThroughText()
+    void roundTripsThroughText()
     {
         Version const version(4, 0, 4294967294, 17);
         std::string const text = VersionToString(version, VersionToStringDetail::Full, "_");

@@ -25,14 +25,14 @@ Q_DECLARE_METATYPE(Bytes)
 namespace
 {
 
-Bytes EveryByte()
+Bytes AllByteValues()
 {
     Bytes bytes(256);
     std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(0));
     return bytes;
 }
 
-QByteArray EveryByteOfQt()
+QByteArray AllByteValuesInQByteArray()
 {
     QByteArray array;
     for (int byte = 0; byte < 256; ++byte) {
@@ -54,12 +54,12 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("array");
         QTest::newRow("empty") << Bytes() << QByteArray();
         QTest::newRow("one byte") << Bytes{0x7F} << QByteArray("\x7F");
-        QTest::newRow("NUL only") << Bytes{0} << QByteArray(1, '\0');
+        QTest::newRow("single NUL") << Bytes{0} << QByteArray(1, '\0');
         QTest::newRow("NUL inside") << Bytes{'a', 0, 'b'} << QByteArray("a\0b", 3);
         QTest::newRow("NUL at the end") << Bytes{'a', 0} << QByteArray("a\0", 2);
-        QTest::newRow("beyond ASCII") << Bytes{0x80, 0xFF} << QByteArray("\x80\xFF");
-        QTest::newRow("every byte") << EveryByte() << EveryByteOfQt();
-        QTest::newRow("a million") << Bytes(1000000, 0xA5) << QByteArray(1000000, '\xA5');
+        QTest::newRow("non-ASCII bytes") << Bytes{0x80, 0xFF} << QByteArray("\x80\xFF");
+        QTest::newRow("all byte values") << AllByteValues() << AllByteValuesInQByteArray();
+        QTest::newRow("a million bytes") << Bytes(1000000, 0xA5) << QByteArray(1000000, '\xA5');
     }
 
     void convertsBothWays()
@@ -70,7 +70,7 @@ private Q_SLOTS:
         QCOMPARE(QByteArrayToVectorByte(array), bytes);
     }
 
-    void makesTheSharedEmptyArrayOfAnEmptyVector()
+    void returnsTheSharedEmptyArrayForAnEmptyVector()
     {
         Bytes reserved;
         reserved.reserve(100);
@@ -102,7 +102,7 @@ private Q_SLOTS:
         QCOMPARE(static_cast<void const*>(array.constData()), static_cast<void const*>(shared.constData()));
     }
 
-    void copiesAnArrayThatIsNotTerminated()
+    void copiesAnArrayThatIsNotNulTerminated()
     {
         char const raw[] = {'a', 'b', 'c'};
         QCOMPARE(QByteArrayToVectorByte(QByteArray::fromRawData(raw, 2)), (Bytes{'a', 'b'}));
@@ -123,7 +123,7 @@ private Q_SLOTS:
         QVERIFY(!error.message.isEmpty());
         QVERIFY2(error.callStack.contains(QStringLiteral("VectorByteToQByteArray")), qPrintable(error.callStack));
         QCOMPARE(error.file, QStringLiteral("Util/ByteArrayUtils.cpp"));
-        // Compilers write the blanks in their own ways.
+        // Compilers differ in the spaces of function names.
         QString const function = QString(error.function).remove(QLatin1Char(' '));
         QCOMPARE(function,
                  QStringLiteral("QByteArrayZelkor::Util::VectorByteToQByteArray(conststd::vector<unsignedchar>&)"));

@@ -20,7 +20,7 @@ static_assert(std::is_same_v<decltype(&ReplaceUrlProtocol), QString (*)(QString)
 namespace
 {
 
-// Before main(), and so before anything could set it.
+// Initialized before main(), so before any code can change the setting.
 bool const usageWhenLoaded = GetDefaultSslUsage();
 QString const linkWhenLoaded = ReplaceUrlProtocol(QStringLiteral("http://example.org"));
 
@@ -34,13 +34,13 @@ protected:
     void TearDown() override { SetDefaultSslUsage(true); }
 
 private Q_SLOTS:
-    void usesTlsUntilToldOtherwise()
+    void usesTlsByDefault()
     {
         QVERIFY(usageWhenLoaded);
         QCOMPARE(linkWhenLoaded, QStringLiteral("https://example.org"));
     }
 
-    void remembersTheUsage()
+    void storesTheUsage()
     {
         SetDefaultSslUsage(false);
         QVERIFY(!GetDefaultSslUsage());
@@ -62,25 +62,25 @@ private Q_SLOTS:
         row("TLS: capitals", true, "HTTP://A.org", "https://A.org");
         row("TLS: mixed case and a second link", true, "Http://a.org/?to=http://b.org",
             "https://a.org/?to=https://b.org");
-        row("TLS: link that is there already", true, "https://a.org", "https://a.org");
-        row("TLS: capitals that are there already", true, "HTTPS://a.org", "HTTPS://a.org");
+        row("TLS: unchanged TLS link", true, "https://a.org", "https://a.org");
+        row("TLS: unchanged capitals", true, "HTTPS://a.org", "HTTPS://a.org");
         row("TLS: both schemes", true, "https://a.org http://b.org", "https://a.org https://b.org");
-        row("TLS: inside a text", true, "See (http://a.org).", "See (https://a.org).");
+        row("TLS: link inside a text", true, "See (http://a.org).", "See (https://a.org).");
         row("TLS: inside a word", true, "xhttp://a", "xhttps://a");
         row("TLS: scheme inside a scheme", true, "http://http://", "https://https://");
         row("TLS: one slash", true, "http:/a.org", "http:/a.org");
         row("TLS: no scheme", true, "a.org/http", "a.org/http");
         row("TLS: other scheme", true, "ftp://a.org", "ftp://a.org");
         row("TLS: empty", true, "", "");
-        row("TLS: beyond ASCII", true, "http://\xC3\xA4.org/\xE2\x82\xAC", "https://\xC3\xA4.org/\xE2\x82\xAC");
+        row("TLS: non-ASCII link", true, "http://\xC3\xA4.org/\xE2\x82\xAC", "https://\xC3\xA4.org/\xE2\x82\xAC");
         row("plain: TLS link", false, "https://a.org/b", "http://a.org/b");
         row("plain: capitals", false, "HTTPS://A.org", "http://A.org");
         row("plain: two links", false, "hTTps://a.org/?to=https://b.org", "http://a.org/?to=http://b.org");
-        row("plain: link that is there already", false, "http://a.org", "http://a.org");
-        row("plain: capitals that are there already", false, "HTTP://a.org", "HTTP://a.org");
+        row("plain: unchanged plain link", false, "http://a.org", "http://a.org");
+        row("plain: unchanged capitals", false, "HTTP://a.org", "HTTP://a.org");
         row("plain: both schemes", false, "http://a.org https://b.org", "http://a.org http://b.org");
         row("plain: doubled s", false, "httpss://a.org", "httpss://a.org");
-        row("plain: long s folds to s", false, "http\xC5\xBF://a.org", "http://a.org");
+        row("plain: long s, which folds to s", false, "http\xC5\xBF://a.org", "http://a.org");
         row("plain: one slash", false, "https:/a.org", "https:/a.org");
         row("plain: empty", false, "", "");
     }
@@ -94,7 +94,7 @@ private Q_SLOTS:
         QCOMPARE(ReplaceUrlProtocol(link), expected);
     }
 
-    void leavesTheCallersLinkAlone()
+    void doesNotModifyTheGivenLink()
     {
         QString const link = QStringLiteral("http://a.org");
         QString const result = ReplaceUrlProtocol(link);
@@ -102,7 +102,7 @@ private Q_SLOTS:
         QCOMPARE(result, QStringLiteral("https://a.org"));
     }
 
-    void leavesTheUsageAlone()
+    void doesNotChangeTheUsage()
     {
         SetDefaultSslUsage(false);
         ReplaceUrlProtocol(QStringLiteral("https://a.org"));
@@ -115,7 +115,7 @@ private Q_SLOTS:
         QVERIFY(!GetDefaultSslUsage());
     }
 
-    void readsTheUsageOncePerLinkWhileAnotherThreadSetsIt()
+    void appliesOneUsagePerLinkDuringConcurrentChanges()
     {
         std::atomic<bool> stop(false);
         std::promise<void> start;
@@ -128,16 +128,16 @@ private Q_SLOTS:
         });
         start.get_future().wait();
         QString const link = QStringLiteral("http://a.org https://b.org");
-        QString torn;
+        QString mixedResult;
         for (int i = 0; i < 100000; ++i) {
             QString const result = ReplaceUrlProtocol(link);
-            bool const isWhole = result == QStringLiteral("https://a.org https://b.org") ||
-                                 result == QStringLiteral("http://a.org http://b.org");
-            torn = isWhole ? torn : result;
+            bool const isConsistent = result == QStringLiteral("https://a.org https://b.org") ||
+                                      result == QStringLiteral("http://a.org http://b.org");
+            mixedResult = isConsistent ? mixedResult : result;
         }
         stop = true;
         setter.join();
-        QCOMPARE(torn, QString());
+        QCOMPARE(mixedResult, QString());
     }
 };
 

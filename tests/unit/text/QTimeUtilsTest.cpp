@@ -19,7 +19,7 @@ namespace
 constexpr long long Second = 1000000;
 constexpr long long Day = 86400 * Second;
 
-// In floored arithmetic, which wraps by itself.
+/// Returns the time of day for \a microseconds since midnight; negative values wrap to the previous day.
 QTime TimeOfDay(long long microseconds)
 {
     long long const millisecondsInDay = Day / 1000;
@@ -34,36 +34,36 @@ class QTimeUtilsTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsAvTime_data()
+    void convertsAvTimeToQTime_data()
     {
         QTest::addColumn<long long>("microseconds");
         QTest::addColumn<QTime>("time");
         QTest::newRow("midnight") << 0LL << QTime(0, 0, 0, 0);
-        QTest::newRow("below a millisecond") << 999LL << QTime(0, 0, 0, 0);
+        QTest::newRow("less than a millisecond") << 999LL << QTime(0, 0, 0, 0);
         QTest::newRow("a millisecond") << 1000LL << QTime(0, 0, 0, 1);
-        QTest::newRow("dropped, not rounded") << 1999LL << QTime(0, 0, 0, 1);
+        QTest::newRow("truncation of a positive value") << 1999LL << QTime(0, 0, 0, 1);
         QTest::newRow("all components") << 3723004000LL << QTime(1, 2, 3, 4);
         QTest::newRow("last millisecond of the day") << Day - 1 << QTime(23, 59, 59, 999);
         QTest::newRow("a day") << Day << QTime(0, 0, 0, 0);
         QTest::newRow("a day and an hour") << Day + 3600 * Second << QTime(1, 0, 0, 0);
         QTest::newRow("minus a microsecond") << -1LL << QTime(0, 0, 0, 0);
-        QTest::newRow("dropped toward zero") << -999LL << QTime(0, 0, 0, 0);
+        QTest::newRow("truncation of a negative value") << -999LL << QTime(0, 0, 0, 0);
         QTest::newRow("minus a millisecond") << -1000LL << QTime(23, 59, 59, 999);
-        QTest::newRow("dropped toward zero from below") << -1999LL << QTime(23, 59, 59, 999);
+        QTest::newRow("truncation below a negative millisecond") << -1999LL << QTime(23, 59, 59, 999);
         QTest::newRow("minus an hour") << -3600 * Second << QTime(23, 0, 0, 0);
         QTest::newRow("minus a day") << -Day << QTime(0, 0, 0, 0);
         QTest::newRow("minus two days and a millisecond") << -2 * Day - 1000 << QTime(23, 59, 59, 999);
     }
 
-    void readsAvTime()
+    void convertsAvTimeToQTime()
     {
         QFETCH(long long, microseconds);
         QFETCH(QTime, time);
         QCOMPARE(AvTimeToQTime(microseconds), time);
     }
 
-    // QTime itself counts milliseconds in int, which ends after 24 days.
-    void wrapsAroundMidnightOfEveryDay_data()
+    // QTime counts milliseconds in an int, which overflows after 24 days.
+    void wrapsAtEveryMidnight_data()
     {
         QTest::addColumn<long long>("microseconds");
         QTest::newRow("24 days") << 24 * Day + 5 * Second;
@@ -75,13 +75,13 @@ private Q_SLOTS:
         QTest::newRow("smallest") << std::numeric_limits<long long>::min();
     }
 
-    void wrapsAroundMidnightOfEveryDay()
+    void wrapsAtEveryMidnight()
     {
         QFETCH(long long, microseconds);
         QCOMPARE(AvTimeToQTime(microseconds), TimeOfDay(microseconds));
     }
 
-    void writesAvTime_data()
+    void convertsQTimeToAvTime_data()
     {
         QTest::addColumn<QTime>("time");
         QTest::addColumn<long long>("microseconds");
@@ -93,19 +93,19 @@ private Q_SLOTS:
         QTest::newRow("all components") << QTime(1, 2, 3, 4) << 3723004000LL;
         QTest::newRow("last millisecond of the day") << QTime(23, 59, 59, 999) << Day - 1000;
         QTest::newRow("null time") << QTime() << -3661001000LL;
-        QTest::newRow("time beyond the clock") << QTime(24, 0, 0, 0) << -3661001000LL;
+        QTest::newRow("invalid time") << QTime(24, 0, 0, 0) << -3661001000LL;
     }
 
-    void writesAvTime()
+    void convertsQTimeToAvTime()
     {
         QFETCH(QTime, time);
         QFETCH(long long, microseconds);
         QCOMPARE(QTimeToAvTime(time), microseconds);
     }
 
-    void survivesTheWayThroughAvTime()
+    void roundTripsThroughAvTime()
     {
-        int const step = 7919; // a prime: meets many combinations of components
+        int const step = 7919; // a prime number, to cover many combinations of components
         for (int milliseconds = 0; milliseconds < 86400000; milliseconds += step) {
             QTime const time = QTime::fromMSecsSinceStartOfDay(milliseconds);
             QCOMPARE(AvTimeToQTime(QTimeToAvTime(time)), time);

@@ -29,10 +29,10 @@ private Q_SLOTS:
         QTest::newRow("two bytes") << std::string("\xC3\xBC") << QString(QChar(0xFC));
         QTest::newRow("three bytes") << std::string("\xE2\x82\xAC") << QString(QChar(0x20AC));
         QTest::newRow("four bytes") << std::string("\xF0\x9F\x98\x80") << QString::fromUcs4(U"\U0001F600", 1);
-        QTest::newRow("decomposed stays decomposed") << std::string("u\xCC\x88") << QStringLiteral(u"u\u0308");
+        QTest::newRow("decomposed character") << std::string("u\xCC\x88") << QStringLiteral(u"u\u0308");
         QTest::newRow("last code point") << std::string("\xF4\x8F\xBF\xBF") << QString::fromUcs4(U"\U0010FFFF", 1);
-        QTest::newRow("white space at the ends") << std::string(" \t\r\n") << QStringLiteral(" \t\r\n");
-        QTest::newRow("longer than a small string") << std::string(100000, 'x') << QString(100000, QLatin1Char('x'));
+        QTest::newRow("white space only") << std::string(" \t\r\n") << QStringLiteral(" \t\r\n");
+        QTest::newRow("long text") << std::string(100000, 'x') << QString(100000, QLatin1Char('x'));
     }
 
     void convertsBothWays()
@@ -43,25 +43,25 @@ private Q_SLOTS:
         QCOMPARE(QStringToUtf8(text), utf8);
     }
 
-    void endsAtTheFirstNulByte_data()
+    void stopsAtTheFirstNulByte_data()
     {
         QTest::addColumn<std::string>("utf8");
         QTest::addColumn<QString>("text");
         QTest::newRow("inside") << std::string("ab\0cd", 5) << QStringLiteral("ab");
         QTest::newRow("at the end") << std::string("ab\0", 3) << QStringLiteral("ab");
         QTest::newRow("at the start") << std::string("\0ab", 3) << QString();
-        QTest::newRow("nothing but NUL") << std::string(3, '\0') << QString();
+        QTest::newRow("NUL bytes only") << std::string(3, '\0') << QString();
         QTest::newRow("inside a character") << std::string("a\xC3\0\xBC", 4) << QStringLiteral(u"a\uFFFD");
     }
 
-    void endsAtTheFirstNulByte()
+    void stopsAtTheFirstNulByte()
     {
         QFETCH(std::string, utf8);
         QFETCH(QString, text);
         QCOMPARE(Utf8ToQString(utf8), text);
     }
 
-    void endsAtTheFirstNulCharacter_data()
+    void stopsAtTheFirstNulCharacter_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<std::string>("utf8");
@@ -70,27 +70,27 @@ private Q_SLOTS:
                                                "b");
         QTest::newRow("at the end") << QString::fromUtf16(u"ab\0", 3) << std::string("ab");
         QTest::newRow("at the start") << QString::fromUtf16(u"\0ab", 3) << std::string();
-        QTest::newRow("low byte NUL only") << QString(QChar(0x0100)) << std::string("\xC4\x80");
+        QTest::newRow("NUL as low byte of a character") << QString(QChar(0x0100)) << std::string("\xC4\x80");
     }
 
-    void endsAtTheFirstNulCharacter()
+    void stopsAtTheFirstNulCharacter()
     {
         QFETCH(QString, text);
         QFETCH(std::string, utf8);
         QCOMPARE(QStringToUtf8(text), utf8);
     }
 
-    void readsBytesThatAreNoUtf8AsReplacementCharacters_data()
+    void replacesInvalidUtf8_data()
     {
         QTest::addColumn<std::string>("bytes");
-        QTest::newRow("byte that never occurs") << std::string("a\xFFz");
-        QTest::newRow("lone continuation") << std::string("a\x80z");
-        QTest::newRow("cut short") << std::string("a\xE2\x82");
-        QTest::newRow("overlong") << std::string("a\xC0\x80z");
-        QTest::newRow("surrogate") << std::string("a\xED\xA0\x80z");
+        QTest::newRow("byte not used in UTF-8") << std::string("a\xFFz");
+        QTest::newRow("lone continuation byte") << std::string("a\x80z");
+        QTest::newRow("truncated sequence") << std::string("a\xE2\x82");
+        QTest::newRow("overlong sequence") << std::string("a\xC0\x80z");
+        QTest::newRow("encoded surrogate") << std::string("a\xED\xA0\x80z");
     }
 
-    void readsBytesThatAreNoUtf8AsReplacementCharacters()
+    void replacesInvalidUtf8()
     {
         QFETCH(std::string, bytes);
         QString const text = Utf8ToQString(bytes);
@@ -98,22 +98,22 @@ private Q_SLOTS:
         QVERIFY(text.startsWith(QStringLiteral(u"a\uFFFD")));
     }
 
-    void dropsTheByteOrderMarkAsQtDoes()
+    void dropsTheByteOrderMarkLikeQt()
     {
         QCOMPARE(Utf8ToQString("\xEF\xBB\xBF"
                                "a"),
                  QStringLiteral("a"));
     }
 
-    void writesLoneSurrogatesAsQtDoes()
+    void convertsLoneSurrogatesLikeQt()
     {
         QString const text = QLatin1Char('a') + QString(QChar(0xD800)) + QLatin1Char('z');
         QCOMPARE(QStringToUtf8(text), text.toUtf8().toStdString());
     }
 
-    void readsAnEmptyTextAsEmptyNotNull() { QVERIFY(!Utf8ToQString(std::string()).isNull()); }
+    void returnsAnEmptyTextThatIsNotNull() { QVERIFY(!Utf8ToQString(std::string()).isNull()); }
 
-    void writesANullTextAsEmpty() { QVERIFY(QStringToUtf8(QString()).empty()); }
+    void convertsANullTextToAnEmptyString() { QVERIFY(QStringToUtf8(QString()).empty()); }
 };
 
 ZQTUTIL_TEST_MAIN(StringUtilsTest)

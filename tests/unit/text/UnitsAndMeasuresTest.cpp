@@ -45,7 +45,7 @@ constexpr KiloSize BothBases[] = {Kilo1000, Kilo1024};
 
 using Texts = QHash<QString, QString>;
 
-/// Translates while it lives, and keeps what it was asked for.
+/// Translator that is installed during its lifetime and records the translated source texts.
 class Translation : public QTranslator
 {
 public:
@@ -53,7 +53,7 @@ public:
         : texts_(std::move(texts))
     {
         QCoreApplication::installTranslator(this);
-        calls_.clear();
+        sourceTexts_.clear();
     }
 
     ~Translation() override { QCoreApplication::removeTranslator(this); }
@@ -62,21 +62,22 @@ public:
 
     QString translate(char const* context, char const* source, char const* disambiguation, int n) const override
     {
-        calls_ += QString::fromUtf8(source);
-        areCallsPlain_ = areCallsPlain_ && qstrcmp(context, "QObject") == 0 && qstrlen(disambiguation) == 0 && n == -1;
+        sourceTexts_ += QString::fromUtf8(source);
+        usesDefaultArguments_ =
+            usesDefaultArguments_ && qstrcmp(context, "QObject") == 0 && qstrlen(disambiguation) == 0 && n == -1;
         return texts_.value(QString::fromUtf8(source));
     }
 
-    QStringList Calls() const { return calls_; }
-    bool AreCallsPlain() const { return areCallsPlain_; }
+    QStringList SourceTexts() const { return sourceTexts_; }
+    bool UsesDefaultArguments() const { return usesDefaultArguments_; }
 
 private:
     Texts texts_;
-    mutable QStringList calls_;
-    mutable bool areCallsPlain_ = true;
+    mutable QStringList sourceTexts_;
+    mutable bool usesDefaultArguments_ = true;
 };
 
-/// Stands in for the application's locale while it lives.
+/// Replaces the default locale during its lifetime.
 class DefaultLocale
 {
 public:
@@ -120,7 +121,7 @@ QString ExpectedFileSize(unsigned long long size, int precision, int minUnit, un
     return Translated("%1 B").arg(size);
 }
 
-/// What differs from the expectation; empty when nothing does.
+/// Compares FormatFileSize() with ExpectedFileSize(). Returns an empty text if they agree.
 QString FileSizeDifference(unsigned long long size, int precision, int minUnit, KiloSize kilo)
 {
     QString const actual = FormatFileSize(size, precision, static_cast<SizeUnit>(minUnit), kilo);
@@ -136,7 +137,7 @@ QString FileSizeDifference(unsigned long long size, int precision, int minUnit, 
         .arg(actual, expected);
 }
 
-/// Sizes around every unit and around the halves of every decimal digit shown.
+/// Returns sizes near every unit and near the rounding limits of the decimals.
 std::vector<unsigned long long> EdgeSizes(unsigned long long kilo)
 {
     std::vector<unsigned long long> sizes{0, 1, LargestSize, LargestSize - 1, 1ULL << 63, (1ULL << 53) + 1};
@@ -191,13 +192,13 @@ private Q_SLOTS:
     {
         QTest::addColumn<unsigned long long>("size");
         QTest::addColumn<int>("precision");
-        QTest::newRow("nothing") << 0ULL << 0;
-        QTest::newRow("below a million") << 999999ULL << 0;
+        QTest::newRow("zero") << 0ULL << 0;
+        QTest::newRow("just below a million") << 999999ULL << 0;
         QTest::newRow("a million") << 1000000ULL << 1;
         QTest::newRow("a binary megabyte") << 1048576ULL << 1;
-        QTest::newRow("below a billion") << 999999999ULL << 1;
+        QTest::newRow("just below a billion") << 999999999ULL << 1;
         QTest::newRow("a billion") << 1000000000ULL << 2;
-        QTest::newRow("largest") << LargestSize << 2;
+        QTest::newRow("largest size") << LargestSize << 2;
     }
 
     void choosesThePrecisionForAFileSize()
@@ -219,33 +220,33 @@ private Q_SLOTS:
             QTest::newRow(name) << size << precision << static_cast<SizeUnit>(minUnit) << kilo
                                 << QString::fromLatin1(text);
         };
-        row("nothing", 0, -1, B, Kilo1024, "0 B");
-        row("below a kilobyte", 999, -1, B, Kilo1000, "999 B");
+        row("zero", 0, -1, B, Kilo1024, "0 B");
+        row("just below a kilobyte", 999, -1, B, Kilo1000, "999 B");
         row("a kilobyte", 1000, -1, B, Kilo1000, "1 KB");
-        row("below a binary kilobyte", 1023, -1, B, Kilo1024, "1023 B");
+        row("just below a binary kilobyte", 1023, -1, B, Kilo1024, "1023 B");
         row("a binary kilobyte", 1024, -1, B, Kilo1024, "1 KB");
-        row("bytes ignore the precision", 999, 5, B, Kilo1000, "999 B");
+        row("bytes with a precision", 999, 5, B, Kilo1000, "999 B");
         row("one decimal", 1536, 1, B, Kilo1024, "1.5 KB");
         row("automatic precision 0", 1700, -1, B, Kilo1024, "2 KB");
         row("automatic precision 1", 2500000, -1, B, Kilo1000, "2.5 MB");
         row("automatic precision 2", 2500000000, -1, B, Kilo1000, "2.50 GB");
-        row("automatic precision is decimal", 1000000, -1, B, Kilo1024, "976.6 KB");
-        row("automatic precision below a million", 999999, -1, B, Kilo1024, "977 KB");
+        row("automatic precision at a million", 1000000, -1, B, Kilo1024, "976.6 KB");
+        row("automatic precision just below a million", 999999, -1, B, Kilo1024, "977 KB");
         row("any negative precision", 2500000, -7, B, Kilo1000, "2.5 MB");
         row("precision 0", 2400000, 0, B, Kilo1000, "2 MB");
-        row("half rounds up from even", 2500000, 0, B, Kilo1000, "3 MB");
-        row("half rounds up at two decimals", 1152, 2, B, Kilo1024, "1.13 KB");
-        row("half rounds up at three decimals", 1088, 3, B, Kilo1024, "1.063 KB");
-        row("rounding does not reach the next unit", 999999, 0, B, Kilo1000, "1000 KB");
-        row("rounding carries", 1999999, 2, B, Kilo1000, "2.00 MB");
-        row("decimals are padded", 1001000, 3, B, Kilo1000, "1.001 MB");
-        row("below a megabyte", 999999, 3, B, Kilo1000, "999.999 KB");
+        row("half after an even digit", 2500000, 0, B, Kilo1000, "3 MB");
+        row("half at two decimals", 1152, 2, B, Kilo1024, "1.13 KB");
+        row("half at three decimals", 1088, 3, B, Kilo1024, "1.063 KB");
+        row("rounding to 1000 without the next unit", 999999, 0, B, Kilo1000, "1000 KB");
+        row("rounding with carry", 1999999, 2, B, Kilo1000, "2.00 MB");
+        row("leading zeros in decimals", 1001000, 3, B, Kilo1000, "1.001 MB");
+        row("just below a megabyte", 999999, 3, B, Kilo1000, "999.999 KB");
         row("a megabyte", 1000000, 3, B, Kilo1000, "1.000 MB");
-        row("below a gigabyte", 999999999, 0, KB, Kilo1000, "1000 MB");
+        row("just below a gigabyte", 999999999, 0, KB, Kilo1000, "1000 MB");
         row("a gigabyte", 1000000000, 0, B, Kilo1000, "1 GB");
-        row("below a terabyte", 999999999999, 0, B, Kilo1000, "1000 GB");
+        row("just below a terabyte", 999999999999, 0, B, Kilo1000, "1000 GB");
         row("a terabyte", 1000000000000, 0, B, Kilo1000, "1 TB");
-        row("below a binary terabyte", (1ULL << 40) - 1, 0, B, Kilo1024, "1024 GB");
+        row("just below a binary terabyte", (1ULL << 40) - 1, 0, B, Kilo1024, "1024 GB");
         row("a binary terabyte", 1ULL << 40, 0, B, Kilo1024, "1 TB");
         row("largest", LargestSize, -1, B, Kilo1000, "18446744.07 TB");
         row("largest in base 1024", LargestSize, -1, B, Kilo1024, "16777216.00 TB");
@@ -253,13 +254,13 @@ private Q_SLOTS:
         row("at least MB", 10, -1, MB, Kilo1000, "0 MB");
         row("at least GB", 5000000, 3, GB, Kilo1000, "0.005 GB");
         row("at least TB", 1ULL << 39, 1, TB, Kilo1024, "0.5 TB");
-        row("nothing in at least TB", 0, 1, TB, Kilo1024, "0.0 TB");
+        row("zero in at least TB", 0, 1, TB, Kilo1024, "0.0 TB");
         row("larger than the smallest unit", 5000000, 0, KB, Kilo1000, "5 MB");
-        row("unit beyond the enumeration", 10, -1, 5, Kilo1000, "10 B");
-        row("unit far beyond the enumeration", 5000000, -1, 100, Kilo1000, "5.0 MB");
+        row("unit just outside the enumeration", 10, -1, 5, Kilo1000, "10 B");
+        row("unit far outside the enumeration", 5000000, -1, 100, Kilo1000, "5.0 MB");
         row("unit below the enumeration", 10, -1, -1, Kilo1000, "10 B");
         row("many decimals", 1500, 20, B, Kilo1000, "1.50000000000000000000 KB");
-        row("more decimals than a double has", 1100, 20, B, Kilo1000, "1.10000000000000008882 KB");
+        row("more decimals than a double stores exactly", 1100, 20, B, Kilo1000, "1.10000000000000008882 KB");
     }
 
     void formatsFileSizes()
@@ -272,7 +273,7 @@ private Q_SLOTS:
         QCOMPARE(FormatFileSize(size, precision, minUnit, kilo), text);
     }
 
-    void writesEdgeSizesAsQtDoes()
+    void formatsEdgeSizesLikeQt()
     {
         for (KiloSize const kilo : BothBases) {
             for (unsigned long long const size : EdgeSizes(static_cast<unsigned long long>(kilo))) {
@@ -284,7 +285,7 @@ private Q_SLOTS:
         }
     }
 
-    void writesRandomSizesAsQtDoes()
+    void formatsRandomSizesLikeQt()
     {
         std::mt19937_64 random(20240229);
         for (int i = 0; i < 40000; ++i) {
@@ -299,13 +300,13 @@ private Q_SLOTS:
         }
     }
 
-    void writesExactTiesAsQtDoes()
+    void roundsExactTiesLikeQt()
     {
         std::mt19937_64 random(1789);
         for (int i = 0; i < 20000; ++i) {
             unsigned long long const bits = random();
             int const unit = 1 + static_cast<int>(bits % 4);
-            unsigned long long const part = 1ULL << (bits >> 8 & 7); // halves to 128ths of the unit
+            unsigned long long const part = 1ULL << (bits >> 8 & 7); // powers of two up to 128
             for (KiloSize const kilo : BothBases) {
                 auto divisor = static_cast<unsigned long long>(kilo);
                 for (int step = 1; step < unit; ++step) {
@@ -320,7 +321,7 @@ private Q_SLOTS:
         }
     }
 
-    void fillsInTranslatedLabelsAsQtDoes_data()
+    void insertsIntoTranslatedLabelsLikeQt_data()
     {
         QTest::addColumn<QString>("label");
         auto const row = [](char const* label) { QTest::newRow(label) << QString::fromUtf8(label); };
@@ -355,7 +356,7 @@ private Q_SLOTS:
         row("%1 \xF0\x9F\x98\x80");
     }
 
-    void fillsInTranslatedLabelsAsQtDoes()
+    void insertsIntoTranslatedLabelsLikeQt()
     {
         QFETCH(QString, label);
         DefaultLocale const locale(QLocale(QLocale::German, QLocale::Germany));
@@ -373,7 +374,7 @@ private Q_SLOTS:
         }
     }
 
-    void returnsALabelWithoutPlaceMarkerAsItIs_data()
+    void returnsALabelWithoutPlaceMarkerUnchanged_data()
     {
         QTest::addColumn<unsigned long long>("size");
         QTest::addColumn<QString>("label");
@@ -383,7 +384,7 @@ private Q_SLOTS:
         }
     }
 
-    void returnsALabelWithoutPlaceMarkerAsItIs()
+    void returnsALabelWithoutPlaceMarkerUnchanged()
     {
         QFETCH(unsigned long long, size);
         QFETCH(QString, label);
@@ -393,7 +394,7 @@ private Q_SLOTS:
         QCOMPARE(text, label);
     }
 
-    void usesTheLabelOfTheChosenUnit_data()
+    void usesTheLabelOfTheSelectedUnit_data()
     {
         QTest::addColumn<unsigned long long>("size");
         QTest::addColumn<QString>("text");
@@ -404,7 +405,7 @@ private Q_SLOTS:
         QTest::newRow("terabytes") << 5000000000000ULL << QStringLiteral("5.00");
     }
 
-    void usesTheLabelOfTheChosenUnit()
+    void usesTheLabelOfTheSelectedUnit()
     {
         QFETCH(unsigned long long, size);
         QFETCH(QString, text);
@@ -420,7 +421,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<unsigned long long>("size");
         QTest::addColumn<bool>("needsBytes");
-        QTest::newRow("nothing") << 0ULL << true;
+        QTest::newRow("zero") << 0ULL << true;
         QTest::newRow("bytes") << 999ULL << true;
         QTest::newRow("kilobytes") << 1000ULL << false;
         QTest::newRow("megabytes") << 1000000ULL << false;
@@ -439,8 +440,8 @@ private Q_SLOTS:
         }
         Translation const translation;
         FormatFileSize(size, -1, B, Kilo1000);
-        QCOMPARE(translation.Calls(), expected);
-        QVERIFY(translation.AreCallsPlain());
+        QCOMPARE(translation.SourceTexts(), expected);
+        QVERIFY(translation.UsesDefaultArguments());
     }
 
     void ignoresTheDefaultLocale()
@@ -452,7 +453,7 @@ private Q_SLOTS:
         QCOMPARE(FormatSampleRate(1234567), QStringLiteral("1234567 Hz"));
     }
 
-    void readsSizeSuffixes_data()
+    void returnsTheMultiplierOfASuffix_data()
     {
         QTest::addColumn<QString>("suffix");
         QTest::addColumn<unsigned long long>("multiplier");
@@ -479,30 +480,30 @@ private Q_SLOTS:
         row("", 1);
     }
 
-    void readsSizeSuffixes()
+    void returnsTheMultiplierOfASuffix()
     {
         QFETCH(QString, suffix);
         QFETCH(unsigned long long, multiplier);
         QCOMPARE(SizeSuffixToMultipler(suffix), multiplier);
     }
 
-    void readsANullSuffixAsOne() { QCOMPARE(SizeSuffixToMultipler(QString()), 1ULL); }
+    void returnsOneForANullSuffix() { QCOMPARE(SizeSuffixToMultipler(QString()), 1ULL); }
 
-    void readsTranslatedSuffixes_data()
+    void recognizesTranslatedSuffixes_data()
     {
         QTest::addColumn<QString>("suffix");
         QTest::addColumn<unsigned long long>("multiplier");
-        QTest::newRow("as translated") << QStringLiteral(u"\u0422\u0431") << 1000000000000ULL;
-        QTest::newRow("in capitals") << QStringLiteral(u"\u0422\u0411") << 1000000000000ULL;
-        QTest::newRow("in small letters") << QStringLiteral(u"\u0442\u0431") << 1000000000000ULL;
-        QTest::newRow("one letter becomes two") << QStringLiteral(u"gro\u00DF") << 1000000000ULL;
-        QTest::newRow("two letters for the one") << QStringLiteral("GROSS") << 1000000000ULL;
-        QTest::newRow("not the source text") << QStringLiteral("TB") << 1ULL;
-        QTest::newRow("not translated") << QStringLiteral("mb") << 1000000ULL;
-        QTest::newRow("bytes have none") << QStringLiteral("Byte") << 1ULL;
+        QTest::newRow("translated text") << QStringLiteral(u"\u0422\u0431") << 1000000000000ULL;
+        QTest::newRow("capitals") << QStringLiteral(u"\u0422\u0411") << 1000000000000ULL;
+        QTest::newRow("small letters") << QStringLiteral(u"\u0442\u0431") << 1000000000000ULL;
+        QTest::newRow("letter that folds to two") << QStringLiteral(u"gro\u00DF") << 1000000000ULL;
+        QTest::newRow("two letters that match one") << QStringLiteral("GROSS") << 1000000000ULL;
+        QTest::newRow("replaced source text") << QStringLiteral("TB") << 1ULL;
+        QTest::newRow("text without translation") << QStringLiteral("mb") << 1000000ULL;
+        QTest::newRow("suffix of bytes") << QStringLiteral("Byte") << 1ULL;
     }
 
-    void readsTranslatedSuffixes()
+    void recognizesTranslatedSuffixes()
     {
         QFETCH(QString, suffix);
         QFETCH(unsigned long long, multiplier);
@@ -510,10 +511,10 @@ private Q_SLOTS:
                                        {QStringLiteral("GB"), QStringLiteral(u"gro\u00DF")},
                                        {QStringLiteral("B"), QStringLiteral("Byte")}});
         QCOMPARE(SizeSuffixToMultipler(suffix), multiplier);
-        QVERIFY(translation.AreCallsPlain());
+        QVERIFY(translation.UsesDefaultArguments());
     }
 
-    void prefersTheLargerOfEqualSuffixes_data()
+    void prefersTheLargerUnitOfEqualSuffixes_data()
     {
         QTest::addColumn<QStringList>("sameText");
         QTest::addColumn<unsigned long long>("multiplier");
@@ -523,7 +524,7 @@ private Q_SLOTS:
         QTest::newRow("TB before KB") << QStringList{QStringLiteral("KB"), QStringLiteral("TB")} << 1000000000000ULL;
     }
 
-    void prefersTheLargerOfEqualSuffixes()
+    void prefersTheLargerUnitOfEqualSuffixes()
     {
         QFETCH(QStringList, sameText);
         QFETCH(unsigned long long, multiplier);
@@ -539,13 +540,13 @@ private Q_SLOTS:
     {
         QTest::addColumn<long long>("bitsPerSecond");
         QTest::addColumn<QString>("text");
-        QTest::newRow("nothing") << 0LL << QStringLiteral("0 Kbps");
-        QTest::newRow("below a kilobit") << 999LL << QStringLiteral("0 Kbps");
+        QTest::newRow("zero") << 0LL << QStringLiteral("0 Kbps");
+        QTest::newRow("less than a kilobit") << 999LL << QStringLiteral("0 Kbps");
         QTest::newRow("a kilobit") << 1000LL << QStringLiteral("1 Kbps");
-        QTest::newRow("dropped, not rounded") << 1999LL << QStringLiteral("1 Kbps");
-        QTest::newRow("negative, toward zero") << -1999LL << QStringLiteral("-1 Kbps");
-        QTest::newRow("negative below a kilobit") << -999LL << QStringLiteral("0 Kbps");
-        QTest::newRow("no digit groups") << 192000000LL << QStringLiteral("192000 Kbps");
+        QTest::newRow("truncated value") << 1999LL << QStringLiteral("1 Kbps");
+        QTest::newRow("truncated negative value") << -1999LL << QStringLiteral("-1 Kbps");
+        QTest::newRow("negative, less than a kilobit") << -999LL << QStringLiteral("0 Kbps");
+        QTest::newRow("large number without digit groups") << 192000000LL << QStringLiteral("192000 Kbps");
         QTest::newRow("largest") << std::numeric_limits<long long>::max() << QStringLiteral("9223372036854775 Kbps");
         QTest::newRow("smallest") << std::numeric_limits<long long>::min() << QStringLiteral("-9223372036854775 Kbps");
     }
@@ -561,8 +562,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<long long>("hertz");
         QTest::addColumn<QString>("text");
-        QTest::newRow("nothing") << 0LL << QStringLiteral("0 Hz");
-        QTest::newRow("compact disc") << 44100LL << QStringLiteral("44100 Hz");
+        QTest::newRow("zero") << 0LL << QStringLiteral("0 Hz");
+        QTest::newRow("compact disc rate") << 44100LL << QStringLiteral("44100 Hz");
         QTest::newRow("negative") << -1LL << QStringLiteral("-1 Hz");
         QTest::newRow("largest") << std::numeric_limits<long long>::max() << QStringLiteral("9223372036854775807 Hz");
         QTest::newRow("smallest") << std::numeric_limits<long long>::min() << QStringLiteral("-9223372036854775808 Hz");
@@ -582,8 +583,8 @@ private Q_SLOTS:
         DefaultLocale const locale(QLocale(QLocale::German, QLocale::Germany));
         QCOMPARE(FormatBitrate(1234567), QStringLiteral("Kbit/s: 1.234"));
         QCOMPARE(FormatSampleRate(48000), QStringLiteral("Hertz: 48000"));
-        QCOMPARE(translation.Calls(), (QStringList{QStringLiteral("%1 Kbps"), QStringLiteral("%1 Hz")}));
-        QVERIFY(translation.AreCallsPlain());
+        QCOMPARE(translation.SourceTexts(), (QStringList{QStringLiteral("%1 Kbps"), QStringLiteral("%1 Hz")}));
+        QVERIFY(translation.UsesDefaultArguments());
     }
 
     void splitsDurations_data()
@@ -592,16 +593,16 @@ private Q_SLOTS:
         QTest::addColumn<int>("hours");
         QTest::addColumn<int>("minutes");
         QTest::addColumn<int>("secs");
-        QTest::newRow("nothing") << 0L << 0 << 0 << 0;
-        QTest::newRow("below a minute") << 59L << 0 << 0 << 59;
+        QTest::newRow("zero") << 0L << 0 << 0 << 0;
+        QTest::newRow("just below a minute") << 59L << 0 << 0 << 59;
         QTest::newRow("a minute") << 60L << 0 << 1 << 0;
-        QTest::newRow("below an hour") << 3599L << 0 << 59 << 59;
+        QTest::newRow("just below an hour") << 3599L << 0 << 59 << 59;
         QTest::newRow("an hour") << 3600L << 1 << 0 << 0;
         QTest::newRow("all components") << 3725L << 1 << 2 << 5;
         QTest::newRow("a day") << 86400L << 24 << 0 << 0;
         QTest::newRow("a thousand hours") << 3600061L << 1000 << 1 << 1;
-        QTest::newRow("most hours an int holds") << 2147483647L * 3600 + 3599 << 2147483647 << 59 << 59;
-        QTest::newRow("hours are cut to int") << 4294967297L * 3600 + 62 << 1 << 1 << 2;
+        QTest::newRow("largest int of hours") << 2147483647L * 3600 + 3599 << 2147483647 << 59 << 59;
+        QTest::newRow("hours truncated to int") << 4294967297L * 3600 + 62 << 1 << 1 << 2;
         QTest::newRow("longest") << Longest << static_cast<int>(Longest / 3600) << static_cast<int>(Longest / 60 % 60)
                                  << static_cast<int>(Longest % 60);
     }
@@ -643,16 +644,16 @@ private Q_SLOTS:
         QCOMPARE(secs, 9);
     }
 
-    void turnsDurationsIntoTimes_data()
+    void convertsDurationsToTimes_data()
     {
         QTest::addColumn<long>("seconds");
         QTest::addColumn<QTime>("time");
-        QTest::newRow("nothing") << 0L << QTime(0, 0, 0, 0);
+        QTest::newRow("zero") << 0L << QTime(0, 0, 0, 0);
         QTest::newRow("all components") << 3725L << QTime(1, 2, 5, 0);
         QTest::newRow("last second of a day") << 86399L << QTime(23, 59, 59, 0);
     }
 
-    void turnsDurationsIntoTimes()
+    void convertsDurationsToTimes()
     {
         QFETCH(long, seconds);
         QFETCH(QTime, time);
@@ -661,7 +662,7 @@ private Q_SLOTS:
         QCOMPARE(result, time);
     }
 
-    void turnsDurationsOfADayAndMoreIntoInvalidTimes_data()
+    void returnsAnInvalidTimeFromADay_data()
     {
         QTest::addColumn<long>("seconds");
         QTest::newRow("a day") << 86400L;
@@ -670,26 +671,27 @@ private Q_SLOTS:
         QTest::newRow("longest") << Longest;
     }
 
-    void turnsDurationsOfADayAndMoreIntoInvalidTimes()
+    void returnsAnInvalidTimeFromADay()
     {
         QFETCH(long, seconds);
         QVERIFY(!DurationInSecondsToQTime(seconds).isValid());
         QVERIFY(DurationInSecondsToString(seconds, QStringLiteral("hh:mm:ss")).isEmpty());
     }
 
-    void writesDurationsInAFormat_data()
+    void formatsDurationsWithAFormat_data()
     {
         QTest::addColumn<long>("seconds");
         QTest::addColumn<QString>("format");
         QTest::addColumn<QString>("text");
-        QTest::newRow("padded") << 3725L << QStringLiteral("hh:mm:ss") << QStringLiteral("01:02:05");
-        QTest::newRow("not padded") << 3725L << QStringLiteral("h'h' m'm' s's'") << QStringLiteral("1h 2m 5s");
+        QTest::newRow("padded format") << 3725L << QStringLiteral("hh:mm:ss") << QStringLiteral("01:02:05");
+        QTest::newRow("format without padding")
+            << 3725L << QStringLiteral("h'h' m'm' s's'") << QStringLiteral("1h 2m 5s");
         QTest::newRow("afternoon") << 46800L << QStringLiteral("h:mm AP") << QStringLiteral("1:00 PM");
-        QTest::newRow("no milliseconds") << 1L << QStringLiteral("s.zzz") << QStringLiteral("1.000");
-        QTest::newRow("nothing asked for") << 3725L << QString() << QString();
+        QTest::newRow("format with milliseconds") << 1L << QStringLiteral("s.zzz") << QStringLiteral("1.000");
+        QTest::newRow("empty format") << 3725L << QString() << QString();
     }
 
-    void writesDurationsInAFormat()
+    void formatsDurationsWithAFormat()
     {
         QFETCH(long, seconds);
         QFETCH(QString, format);
@@ -705,20 +707,20 @@ private Q_SLOTS:
         auto const row = [](char const* name, long long microseconds, bool alwaysShowHours, char const* text) {
             QTest::newRow(name) << microseconds << alwaysShowHours << QString::fromLatin1(text);
         };
-        row("nothing", 0, false, "0.000");
-        row("nothing with hours", 0, true, "0:00:00.000");
-        row("below a millisecond", 999, false, "0.000");
+        row("zero", 0, false, "0.000");
+        row("zero with hours", 0, true, "0:00:00.000");
+        row("less than a millisecond", 999, false, "0.000");
         row("a millisecond", 1000, false, "0.001");
-        row("dropped, not rounded", 1999999, false, "1.999");
-        row("seconds are not padded", 5000000, false, "5.000");
-        row("below a minute", 59999999, false, "59.999");
+        row("truncated value", 1999999, false, "1.999");
+        row("seconds without padding", 5000000, false, "5.000");
+        row("just below a minute", 59999999, false, "59.999");
         row("a minute", 60000000, false, "1:00.000");
-        row("minutes are not padded", 61500000, false, "1:01.500");
-        row("below an hour", 3599999999, false, "59:59.999");
+        row("minutes without padding", 61500000, false, "1:01.500");
+        row("just below an hour", 3599999999, false, "59:59.999");
         row("an hour", 3600000000, false, "1:00:00.000");
-        row("minutes behind hours are padded", 3661001000, false, "1:01:01.001");
+        row("padded minutes after hours", 3661001000, false, "1:01:01.001");
         row("an hour with hours", 3600000000, true, "1:00:00.000");
-        row("hours of a short duration", 1500000, true, "0:00:01.500");
+        row("short duration with hours", 1500000, true, "0:00:01.500");
         row("minutes with hours", 61500000, true, "0:01:01.500");
         row("two days", 172800000000, false, "48:00:00.000");
         row("a thousand hours", 3600000000000, false, "1000:00:00.000");
@@ -726,8 +728,8 @@ private Q_SLOTS:
         row("negative with hours", -1500000, true, "-0:00:01.500");
         row("negative minutes", -61500000, false, "-1:01.500");
         row("negative hours", -3600000000, false, "-1:00:00.000");
-        row("negative, dropped toward zero", -1999, false, "-0.001");
-        row("negative below a millisecond", -1, false, "-0.000");
+        row("truncated negative value", -1999, false, "-0.001");
+        row("negative, less than a millisecond", -1, false, "-0.000");
         row("longest", std::numeric_limits<long long>::max(), false, "2562047788:00:54.775");
         row("most negative", std::numeric_limits<long long>::min(), false, "-2562047788:00:54.775");
         row("most negative with hours", std::numeric_limits<long long>::min(), true, "-2562047788:00:54.775");
@@ -742,7 +744,7 @@ private Q_SLOTS:
         QCOMPARE(ExpectedDuration(microseconds, alwaysShowHours), text);
     }
 
-    void formatsRandomDurationsAsAStreamDoes()
+    void formatsRandomDurationsLikeAStream()
     {
         std::mt19937_64 random(86400);
         for (int i = 0; i < 20000; ++i) {
@@ -761,7 +763,7 @@ private Q_SLOTS:
         Translation const translation;
         DefaultLocale const locale(QLocale(QLocale::German, QLocale::Germany));
         QCOMPARE(FormatDuration(3661001000, false), QStringLiteral("1:01:01.001"));
-        QVERIFY(translation.Calls().isEmpty());
+        QVERIFY(translation.SourceTexts().isEmpty());
     }
 
 private:
@@ -772,7 +774,7 @@ private:
                  qPrintable(error.callStack));
         QCOMPARE(error.file, QStringLiteral("Util/UnitsAndMeasures.cpp"));
         QVERIFY(error.line > 0);
-        // Compilers write "long" and the blanks in their own ways.
+        // Compilers differ in the spelling of "long" and in the spaces of function names.
         QString const function = QString(error.function).remove(QLatin1Char(' '));
         QCOMPARE(QString(function).replace(QLatin1String("longint"), QLatin1String("long")),
                  QStringLiteral("voidZelkor::Util::DurationInSecondsToTimeComponents(long,int&,int&,int&)"));

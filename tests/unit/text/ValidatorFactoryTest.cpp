@@ -30,6 +30,7 @@ constexpr QValidator::State Invalid = QValidator::Invalid;
 constexpr QValidator::State Intermediate = QValidator::Intermediate;
 constexpr QValidator::State Acceptable = QValidator::Acceptable;
 
+// A label starts with "[A_Za-z0-9]": of the capitals, only A and Z are accepted there, and the underscore is too.
 QString const emailPattern = QStringLiteral(
     R"([A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\.)+[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?)");
 
@@ -41,19 +42,19 @@ QValidator::State StateOf(QValidator const& validator, QString text)
     return validator.validate(text, position);
 }
 
-/// The texts that begin \a text and cannot be typed on.
-QStringList DeadEnds(QValidator const& validator, QString const& text)
+/// Returns the proper prefixes of \a text that the validator rejects as input.
+QStringList InvalidPrefixes(QValidator const& validator, QString const& text)
 {
-    QStringList deadEnds;
+    QStringList prefixes;
     for (int length = 0; length < text.size(); ++length) {
         if (StateOf(validator, text.left(length)) == Invalid) {
-            deadEnds += text.left(length);
+            prefixes += text.left(length);
         }
     }
-    return deadEnds;
+    return prefixes;
 }
 
-/// What a matcher of another make says.
+/// Returns the state according to QRegularExpression, which is independent of the QRegExp under test.
 QValidator::State ExpectedState(QRegularExpression const& pattern, QString const& text)
 {
     QRegularExpressionMatch const match = pattern.match(text, 0, QRegularExpression::PartialPreferCompleteMatch);
@@ -63,56 +64,56 @@ QValidator::State ExpectedState(QRegularExpression const& pattern, QString const
     return text.isEmpty() || match.hasPartialMatch() ? Intermediate : Invalid;
 }
 
-/// Every text of up to \a length of the \a letters, each behind \a beginning.
-QStringList AllTexts(QString const& beginning, QString const& letters, int length)
+/// Returns \a prefix followed by every sequence of up to \a length of the \a letters.
+QStringList AllTexts(QString const& prefix, QString const& letters, int length)
 {
-    QStringList all(beginning);
-    int shorter = 0;
+    QStringList all(prefix);
+    int index = 0;
     for (int i = 0; i < length; ++i) {
         int const end = all.size();
-        for (; shorter < end; ++shorter) {
+        for (; index < end; ++index) {
             for (QChar const letter : letters) {
-                all += all.at(shorter) + letter;
+                all += all.at(index) + letter;
             }
         }
     }
     return all;
 }
 
-/// Those of \a texts that are judged otherwise than \a pattern says.
-QStringList Misjudged(QValidator const& validator, QString const& pattern, QStringList const& texts)
+/// Returns the \a texts whose state differs from the match against \a pattern.
+QStringList TextsWithWrongState(QValidator const& validator, QString const& pattern, QStringList const& texts)
 {
     QRegularExpression const expected(QStringLiteral("\\A(?:") + pattern + QStringLiteral(")\\z"));
-    QStringList misjudged;
-    std::copy_if(texts.begin(), texts.end(), std::back_inserter(misjudged),
+    QStringList wrong;
+    std::copy_if(texts.begin(), texts.end(), std::back_inserter(wrong),
                  [&](QString const& text) { return StateOf(validator, text) != ExpectedState(expected, text); });
-    return misjudged;
+    return wrong;
 }
 
-void AddFactories()
+void AddFactoryRows()
 {
     QTest::addColumn<Factory>("create");
     QTest::newRow("e-mail") << &GetEmailValidator;
     QTest::newRow("file name") << &GetFilenameValidator;
 }
 
-void AddStates()
+void AddStateColumns()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QValidator::State>("state");
 }
 
-void AddState(char const* name, QString const& text, QValidator::State state)
+void AddStateRow(char const* name, QString const& text, QValidator::State state)
 {
     QTest::newRow(name) << text << state;
 }
 
-void AddState(char const* name, char const* text, QValidator::State state)
+void AddStateRow(char const* name, char const* text, QValidator::State state)
 {
-    AddState(name, QString::fromUtf8(text), state);
+    AddStateRow(name, QString::fromUtf8(text), state);
 }
 
-void AddEmails()
+void AddEmailRows()
 {
     QTest::addColumn<QString>("text");
     for (char const* const text : {"a@b.c",
@@ -143,11 +144,11 @@ void AddEmails()
     }
 }
 
-void AddFilenames()
+void AddFilenameRows()
 {
     QTest::addColumn<QString>("text");
     for (char const* const text :
-         {"a", "report.txt", ".hidden", "..", "two words.txt", "ends in a blank ", "a \t b", "-", "~", "\\", "*?<>|\"'",
+         {"a", "report.txt", ".hidden", "..", "two words.txt", "trailing space ", "a \t b", "-", "~", "\\", "*?<>|\"'",
           "%1", "100%", "\xC3\xA4\xE2\x82\xAC.txt", "\xF0\x9D\x84\x9E", "\xE3\x83\x95\xE3\x82\xA1", "a\nb"}) {
         QTest::newRow(QByteArray(text).toPercentEncoding(" *?<>|\"'\\%").constData()) << QString::fromUtf8(text);
     }
@@ -160,7 +161,7 @@ class ValidatorFactoryTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void isARegExpValidator_data() { AddFactories(); }
+    void isARegExpValidator_data() { AddFactoryRows(); }
 
     void isARegExpValidator()
     {
@@ -169,7 +170,7 @@ private Q_SLOTS:
         QCOMPARE(validator->metaObject()->className(), "QRegExpValidator");
     }
 
-    void matchesByThePattern_data()
+    void usesTheExpectedPattern_data()
     {
         QTest::addColumn<Factory>("create");
         QTest::addColumn<QString>("pattern");
@@ -178,7 +179,7 @@ private Q_SLOTS:
         QTest::newRow("file name") << &GetFilenameValidator << filenamePattern << 13;
     }
 
-    void matchesByThePattern()
+    void usesTheExpectedPattern()
     {
         QFETCH(Factory, create);
         QFETCH(QString, pattern);
@@ -195,7 +196,7 @@ private Q_SLOTS:
         QVERIFY(regExp.isValid());
     }
 
-    void belongsToItsParent_data() { AddFactories(); }
+    void belongsToItsParent_data() { AddFactoryRows(); }
 
     void belongsToItsParent()
     {
@@ -207,7 +208,7 @@ private Q_SLOTS:
         QVERIFY(validator.isNull());
     }
 
-    void belongsToTheCallerWithoutAParent_data() { AddFactories(); }
+    void belongsToTheCallerWithoutAParent_data() { AddFactoryRows(); }
 
     void belongsToTheCallerWithoutAParent()
     {
@@ -216,9 +217,9 @@ private Q_SLOTS:
         QVERIFY(!validator->parent());
     }
 
-    void isNewEachTime_data() { AddFactories(); }
+    void returnsANewValidatorEachTime_data() { AddFactoryRows(); }
 
-    void isNewEachTime()
+    void returnsANewValidatorEachTime()
     {
         QFETCH(Factory, create);
         QObject parent;
@@ -227,9 +228,9 @@ private Q_SLOTS:
         QCOMPARE(parent.children().size(), 2);
     }
 
-    void leavesTheTextAlone_data() { AddFactories(); }
+    void doesNotModifyTheText_data() { AddFactoryRows(); }
 
-    void leavesTheTextAlone()
+    void doesNotModifyTheText()
     {
         QFETCH(Factory, create);
         std::unique_ptr<QValidator> const validator(create(nullptr));
@@ -243,61 +244,62 @@ private Q_SLOTS:
         }
     }
 
-    void judgesAnEmailAddress_data()
+    void validatesAnEmailAddress_data()
     {
-        AddStates();
-        AddState("dots before, lower-case labels behind", "john.w.doe@mail.example.org", Acceptable);
-        AddState("label begins with a capital M", "john.w.doe@Mail.example.org", Invalid);
-        AddState("middle label begins with a capital M", "john.w.doe@mail.Mxample.org", Invalid);
-        AddState("label begins with an underscore", "john.w.doe@_mail.example.org", Acceptable);
-        AddState("middle label begins with an underscore", "john.w.doe@mail._example.org", Acceptable);
-        AddState("label begins with a capital A", "john.w.doe@Amail.example.org", Acceptable);
-        AddState("label begins with a capital B", "john@B.org", Invalid);
-        AddState("label begins with a capital Y", "john@Y.org", Invalid);
-        AddState("label begins with a capital Z", "john@Z.org", Acceptable); // the class names it
-        AddState("label begins with a lower-case a", "john@a.org", Acceptable);
-        AddState("label begins with a lower-case z", "john@z.org", Acceptable);
-        AddState("label begins with a digit", "john@0.org", Acceptable);
-        AddState("last label begins with a capital M", "john@example.Museum", Acceptable);
-        AddState("last label begins with an underscore", "john@example._org", Intermediate);
-        AddState("last label is an underscore", "john@example._", Intermediate);
-        AddState("capitals inside a label", "john@eXAMPLE.oRG", Acceptable);
-        AddState("label ends in a capital", "john@eM.org", Acceptable);
-        AddState("underscore inside a label", "john@ex_ample.org", Invalid);
-        AddState("label begins with a hyphen", "john@-example.org", Invalid);
-        AddState("last label begins with a hyphen", "john@example.-org", Invalid);
-        AddState("label ends in a hyphen", "john@example-.org", Invalid);
-        AddState("last label ends in a hyphen", "john@example.org-", Intermediate);
-        AddState("hyphens inside a label", "john@ex--ample.o-rg", Acceptable);
-        AddState("one label", "john@localhost", Intermediate);
-        AddState("trailing dot", "john@example.org.", Intermediate);
-        AddState("trailing dot behind a capital", "john@example.Org.", Invalid);
-        AddState("leading dot", ".john@example.org", Invalid);
-        AddState("dot before the at sign", "john.@example.org", Invalid);
-        AddState("two dots before", "john..doe@example.org", Invalid);
-        AddState("two dots behind", "john@example..org", Invalid);
-        AddState("dot behind the at sign", "john@.example.org", Invalid);
-        AddState("nothing before the at sign", "@example.org", Invalid);
-        AddState("two at signs", "john@doe@example.org", Invalid);
-        AddState("all characters of the local part", "azAZ09!#$%&'*+/=?^_`{|}~-@example.org", Acceptable);
-        AddState("nothing", "", Intermediate);
-        AddState("local part only", "john", Intermediate);
-        AddState("nothing behind the at sign", "john@", Intermediate);
-        AddState("blank before", " john@example.org", Invalid);
-        AddState("blank behind", "john@example.org ", Invalid);
-        AddState("blank inside", "john doe@example.org", Invalid);
-        AddState("line feed behind", "john@example.org\n", Invalid);
-        AddState("quoted local part", "\"john\"@example.org", Invalid);
-        AddState("comma", "john,doe@example.org", Invalid);
-        AddState("colon", "mailto:john@example.org", Invalid);
-        AddState("bracket", "john@[127.0.0.1]", Invalid);
-        AddState("beyond ASCII before", "j\xC3\xB6hn@example.org", Invalid);
-        AddState("beyond ASCII behind", "john@ex\xC3\xA4mple.org", Invalid);
-        AddState("full-width letter", "\xEF\xBD\x8A@example.org", Invalid);
-        AddState("NUL behind", QStringLiteral("john@example.org") + QChar(0), Invalid);
+        AddStateColumns();
+        AddStateRow("dots in the local part, lower-case labels", "john.w.doe@mail.example.org", Acceptable);
+        AddStateRow("label begins with a capital M", "john.w.doe@Mail.example.org", Invalid);
+        AddStateRow("middle label begins with a capital M", "john.w.doe@mail.Mxample.org", Invalid);
+        AddStateRow("label begins with an underscore", "john.w.doe@_mail.example.org", Acceptable);
+        AddStateRow("middle label begins with an underscore", "john.w.doe@mail._example.org", Acceptable);
+        AddStateRow("label begins with a capital A", "john.w.doe@Amail.example.org", Acceptable);
+        AddStateRow("label begins with a capital B", "john@B.org", Invalid);
+        AddStateRow("label begins with a capital Y", "john@Y.org", Invalid);
+        AddStateRow("label begins with a capital Z", "john@Z.org",
+                    Acceptable); // see emailPattern
+        AddStateRow("label begins with a lower-case a", "john@a.org", Acceptable);
+        AddStateRow("label begins with a lower-case z", "john@z.org", Acceptable);
+        AddStateRow("label begins with a digit", "john@0.org", Acceptable);
+        AddStateRow("last label begins with a capital M", "john@example.Museum", Acceptable);
+        AddStateRow("last label begins with an underscore", "john@example._org", Intermediate);
+        AddStateRow("last label is an underscore", "john@example._", Intermediate);
+        AddStateRow("capitals inside a label", "john@eXAMPLE.oRG", Acceptable);
+        AddStateRow("label ends with a capital", "john@eM.org", Acceptable);
+        AddStateRow("underscore inside a label", "john@ex_ample.org", Invalid);
+        AddStateRow("label begins with a hyphen", "john@-example.org", Invalid);
+        AddStateRow("last label begins with a hyphen", "john@example.-org", Invalid);
+        AddStateRow("label ends with a hyphen", "john@example-.org", Invalid);
+        AddStateRow("last label ends with a hyphen", "john@example.org-", Intermediate);
+        AddStateRow("hyphens inside a label", "john@ex--ample.o-rg", Acceptable);
+        AddStateRow("one label", "john@localhost", Intermediate);
+        AddStateRow("trailing dot", "john@example.org.", Intermediate);
+        AddStateRow("trailing dot after a capital", "john@example.Org.", Invalid);
+        AddStateRow("leading dot", ".john@example.org", Invalid);
+        AddStateRow("dot before the at sign", "john.@example.org", Invalid);
+        AddStateRow("two dots in the local part", "john..doe@example.org", Invalid);
+        AddStateRow("two dots in the domain", "john@example..org", Invalid);
+        AddStateRow("dot after the at sign", "john@.example.org", Invalid);
+        AddStateRow("empty local part", "@example.org", Invalid);
+        AddStateRow("two at signs", "john@doe@example.org", Invalid);
+        AddStateRow("all characters of the local part", "azAZ09!#$%&'*+/=?^_`{|}~-@example.org", Acceptable);
+        AddStateRow("empty text", "", Intermediate);
+        AddStateRow("local part only", "john", Intermediate);
+        AddStateRow("empty domain", "john@", Intermediate);
+        AddStateRow("leading space", " john@example.org", Invalid);
+        AddStateRow("trailing space", "john@example.org ", Invalid);
+        AddStateRow("inner space", "john doe@example.org", Invalid);
+        AddStateRow("trailing line feed", "john@example.org\n", Invalid);
+        AddStateRow("quoted local part", "\"john\"@example.org", Invalid);
+        AddStateRow("comma", "john,doe@example.org", Invalid);
+        AddStateRow("colon", "mailto:john@example.org", Invalid);
+        AddStateRow("bracket", "john@[127.0.0.1]", Invalid);
+        AddStateRow("non-ASCII local part", "j\xC3\xB6hn@example.org", Invalid);
+        AddStateRow("non-ASCII domain", "john@ex\xC3\xA4mple.org", Invalid);
+        AddStateRow("full-width letter", "\xEF\xBD\x8A@example.org", Invalid);
+        AddStateRow("trailing NUL", QStringLiteral("john@example.org") + QChar(0), Invalid);
     }
 
-    void judgesAnEmailAddress()
+    void validatesAnEmailAddress()
     {
         QFETCH(QString, text);
         QFETCH(QValidator::State, state);
@@ -305,19 +307,19 @@ private Q_SLOTS:
         QCOMPARE(StateOf(*validator, text), state);
     }
 
-    void acceptsAnEmailAddress_data() { AddEmails(); }
+    void acceptsAnEmailAddress_data() { AddEmailRows(); }
 
     void acceptsAnEmailAddress()
     {
         QFETCH(QString, text);
         std::unique_ptr<QValidator> const validator(GetEmailValidator(nullptr));
         QCOMPARE(StateOf(*validator, text), Acceptable);
-        QCOMPARE(DeadEnds(*validator, text), QStringList());
+        QCOMPARE(InvalidPrefixes(*validator, text), QStringList());
     }
 
-    void letsAnEmailAddressBeTyped_data() { AddEmails(); }
+    void allowsTypingAnEmailAddress_data() { AddEmailRows(); }
 
-    void letsAnEmailAddressBeTyped()
+    void allowsTypingAnEmailAddress()
     {
         QFETCH(QString, text);
         QLineEdit edit;
@@ -327,41 +329,41 @@ private Q_SLOTS:
         QVERIFY(edit.hasAcceptableInput());
     }
 
-    void judgesAFilename_data()
+    void validatesAFilename_data()
     {
-        AddStates();
-        AddState("plain", "report.txt", Acceptable);
-        AddState("one character", "x", Acceptable);
-        AddState("nothing", "", Intermediate);
-        AddState("leading blank", " report.txt", Invalid);
-        AddState("leading tab", "\treport.txt", Invalid);
-        AddState("leading line feed", "\nreport.txt", Invalid);
-        AddState("leading vertical tab", "\vreport.txt", Invalid);
-        AddState("leading no-break space", "\xC2\xA0report.txt", Invalid);
-        AddState("leading ideographic space", "\xE3\x80\x80report.txt", Invalid);
-        AddState("leading line separator", "\xE2\x80\xA8report.txt", Invalid);
-        AddState("leading zero-width space is none", "\xE2\x80\x8Breport.txt", Acceptable);
-        AddState("only a blank", " ", Invalid);
-        AddState("inner blanks", "my  last report.txt", Acceptable);
-        AddState("trailing blanks", "report.txt  ", Acceptable);
-        AddState("inner and trailing tab", "my\treport\t", Acceptable);
-        AddState("inner and trailing line feed", "my\nreport\n", Acceptable);
-        AddState("slash only", "/", Invalid);
-        AddState("leading slash", "/report.txt", Invalid);
-        AddState("inner slash", "my/report.txt", Invalid);
-        AddState("trailing slash", "reports/", Invalid);
-        AddState("colon only", ":", Invalid);
-        AddState("leading colon", ":report.txt", Invalid);
-        AddState("inner colon", "my:report.txt", Invalid);
-        AddState("trailing colon", "report:", Invalid);
-        AddState("backslash", "my\\report.txt", Acceptable);
-        AddState("letter s", "s", Acceptable);
-        AddState("leading dot", ".report", Acceptable);
-        AddState("beyond ASCII", "\xC3\xA4\xE2\x82\xAC\xF0\x9D\x84\x9E", Acceptable);
-        AddState("full-width slash and colon", "a\xEF\xBC\x8F\xEF\xBC\x9A", Acceptable);
+        AddStateColumns();
+        AddStateRow("plain name", "report.txt", Acceptable);
+        AddStateRow("one character", "x", Acceptable);
+        AddStateRow("empty text", "", Intermediate);
+        AddStateRow("leading space", " report.txt", Invalid);
+        AddStateRow("leading tab", "\treport.txt", Invalid);
+        AddStateRow("leading line feed", "\nreport.txt", Invalid);
+        AddStateRow("leading vertical tab", "\vreport.txt", Invalid);
+        AddStateRow("leading no-break space", "\xC2\xA0report.txt", Invalid);
+        AddStateRow("leading ideographic space", "\xE3\x80\x80report.txt", Invalid);
+        AddStateRow("leading line separator", "\xE2\x80\xA8report.txt", Invalid);
+        AddStateRow("leading zero-width space", "\xE2\x80\x8Breport.txt", Acceptable);
+        AddStateRow("single space", " ", Invalid);
+        AddStateRow("inner spaces", "my  last report.txt", Acceptable);
+        AddStateRow("trailing spaces", "report.txt  ", Acceptable);
+        AddStateRow("inner and trailing tab", "my\treport\t", Acceptable);
+        AddStateRow("inner and trailing line feed", "my\nreport\n", Acceptable);
+        AddStateRow("slash only", "/", Invalid);
+        AddStateRow("leading slash", "/report.txt", Invalid);
+        AddStateRow("inner slash", "my/report.txt", Invalid);
+        AddStateRow("trailing slash", "reports/", Invalid);
+        AddStateRow("colon only", ":", Invalid);
+        AddStateRow("leading colon", ":report.txt", Invalid);
+        AddStateRow("inner colon", "my:report.txt", Invalid);
+        AddStateRow("trailing colon", "report:", Invalid);
+        AddStateRow("backslash", "my\\report.txt", Acceptable);
+        AddStateRow("letter s", "s", Acceptable);
+        AddStateRow("leading dot", ".report", Acceptable);
+        AddStateRow("non-ASCII characters", "\xC3\xA4\xE2\x82\xAC\xF0\x9D\x84\x9E", Acceptable);
+        AddStateRow("full-width slash and colon", "a\xEF\xBC\x8F\xEF\xBC\x9A", Acceptable);
     }
 
-    void judgesAFilename()
+    void validatesAFilename()
     {
         QFETCH(QString, text);
         QFETCH(QValidator::State, state);
@@ -369,17 +371,17 @@ private Q_SLOTS:
         QCOMPARE(StateOf(*validator, text), state);
     }
 
-    void acceptsAFilename_data() { AddFilenames(); }
+    void acceptsAFilename_data() { AddFilenameRows(); }
 
     void acceptsAFilename()
     {
         QFETCH(QString, text);
         std::unique_ptr<QValidator> const validator(GetFilenameValidator(nullptr));
         QCOMPARE(StateOf(*validator, text), Acceptable);
-        QCOMPARE(DeadEnds(*validator, text), QStringList());
+        QCOMPARE(InvalidPrefixes(*validator, text), QStringList());
     }
 
-    void letsAFilenameBeTyped()
+    void allowsTypingAFilename()
     {
         QLineEdit edit;
         edit.setValidator(GetFilenameValidator(&edit));
@@ -388,7 +390,7 @@ private Q_SLOTS:
         QVERIFY(edit.hasAcceptableInput());
     }
 
-    void judgesEveryShortTextByThePattern_data()
+    void validatesEveryShortTextLikeThePattern_data()
     {
         QTest::addColumn<Factory>("create");
         QTest::addColumn<QString>("pattern");
@@ -397,19 +399,19 @@ private Q_SLOTS:
                                 << AllTexts(QString(), QStringLiteral("aB_-.@ "), 5);
         QTest::newRow("domain") << &GetEmailValidator << emailPattern
                                 << AllTexts(QStringLiteral("a@"), QStringLiteral("aAZB_-."), 5);
-        QTest::newRow("domain behind a label")
+        QTest::newRow("domain after a label")
             << &GetEmailValidator << emailPattern << AllTexts(QStringLiteral("a.b@c-d."), QStringLiteral("aAB_-.@"), 4);
         QTest::newRow("file name") << &GetFilenameValidator << filenamePattern
                                    << AllTexts(QString(), QStringLiteral("aZ. \n/:"), 4);
     }
 
-    void judgesEveryShortTextByThePattern()
+    void validatesEveryShortTextLikeThePattern()
     {
         QFETCH(Factory, create);
         QFETCH(QString, pattern);
         QFETCH(QStringList, texts);
         std::unique_ptr<QValidator> const validator(create(nullptr));
-        QCOMPARE(Misjudged(*validator, pattern, texts), QStringList());
+        QCOMPARE(TextsWithWrongState(*validator, pattern, texts), QStringList());
     }
 };
 

@@ -37,7 +37,7 @@ class VersionUtilsTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsAVersion_data()
+    void readsText_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("separator");
@@ -46,28 +46,29 @@ private Q_SLOTS:
             QTest::newRow(name) << text << separator << version;
         };
         row("four components", QStringLiteral("3.1.2.4567"), dot, Version(3, 1, 2, 4567));
-        row("components left out are 0", QStringLiteral("3.1"), dot, Version(3, 1, 0, 0));
+        row("missing components", QStringLiteral("3.1"), dot, Version(3, 1, 0, 0));
         row("one component", QStringLiteral("12"), dot, Version(12));
         row("largest given component", QStringLiteral("4294967294.1"), dot, Version(NotGiven - 1, 1));
         row("other separator", QStringLiteral("3_1_2"), QStringLiteral("_"), Version(3, 1, 2));
         row("long separator", QStringLiteral("3 :: 1 :: 2"), QStringLiteral(" :: "), Version(3, 1, 2));
-        row("separator beyond ASCII", QStringLiteral("3\u20AC1\u20AC2"), QStringLiteral("\u20AC"), Version(3, 1, 2));
-        row("separator beyond the BMP", QStringLiteral("3\U0001D11E1"), QStringLiteral("\U0001D11E"), Version(3, 1));
-        row("the other's separator", QStringLiteral("3.1.2"), QStringLiteral("_"), Version(3));
-        row("separator and text exchanged", dot, QStringLiteral("3.1"), Version());
+        row("non-ASCII separator", QStringLiteral("3\u20AC1\u20AC2"), QStringLiteral("\u20AC"), Version(3, 1, 2));
+        row("separator outside the BMP", QStringLiteral("3\U0001D11E1"), QStringLiteral("\U0001D11E"), Version(3, 1));
+        row("missing separator", QStringLiteral("3.1.2"), QStringLiteral("_"), Version(3));
+        row("swapped separator and text", dot, QStringLiteral("3.1"), Version());
         row("digits of another script", QStringLiteral("3.\u0663"), dot, Version(3));
-        row("text behind the numbers", QStringLiteral("3.1.2-beta"), dot, Version(3, 1, 2));
-        row("empty", QString(QLatin1String("")), dot, Version());
-        row("null", QString(), dot, Version());
+        row("text after the numbers", QStringLiteral("3.1.2-beta"), dot, Version(3, 1, 2));
+        row("empty text", QString(QLatin1String("")), dot, Version());
+        row("null text", QString(), dot, Version());
         row("null separator", QStringLiteral("3.1"), QString(), Version(3));
-        row("NUL ends the text", QStringLiteral("3.1\0") + QStringLiteral("7.2"), dot, Version(3, 1));
-        row("NUL for a separator", QStringLiteral("3.1") + QChar(0) + QStringLiteral(".2"), dot, Version(3, 1));
-        row("NUL ends the separator", QStringLiteral("3.1.2"), dot + QChar(0) + QLatin1Char('x'), Version(3, 1, 2));
-        row("NUL as the separator is none", QStringLiteral("3") + QChar(0) + QLatin1Char('1'), QString(QChar(0)),
-            Version(3));
+        row("NUL character in the text", QStringLiteral("3.1\0") + QStringLiteral("7.2"), dot, Version(3, 1));
+        row("NUL character before a separator", QStringLiteral("3.1") + QChar(0) + QStringLiteral(".2"), dot,
+            Version(3, 1));
+        row("NUL character in the separator", QStringLiteral("3.1.2"), dot + QChar(0) + QLatin1Char('x'),
+            Version(3, 1, 2));
+        row("NUL separator", QStringLiteral("3") + QChar(0) + QLatin1Char('1'), QString(QChar(0)), Version(3));
     }
 
-    void readsAVersion()
+    void readsText()
     {
         QFETCH(QString, text);
         QFETCH(QString, separator);
@@ -77,7 +78,7 @@ private Q_SLOTS:
         QVERIFY(log.Lines().isEmpty());
     }
 
-    void writesAVersion_data()
+    void writesText_data()
     {
         QTest::addColumn<Version>("version");
         QTest::addColumn<VersionToStringDetail>("detail");
@@ -92,18 +93,18 @@ private Q_SLOTS:
         row("major and minor", version, 2, dot, QStringLiteral("3.1"));
         row("without build", version, 3, dot, QStringLiteral("3.1.2"));
         row("full", version, 4, dot, QStringLiteral("3.1.2.4"));
-        row("zeros are written", Version(), 4, dot, QStringLiteral("0.0.0.0"));
+        row("all zeros", Version(), 4, dot, QStringLiteral("0.0.0.0"));
         row("other separator", version, 3, QStringLiteral("_"), QStringLiteral("3_1_2"));
-        row("separator beyond ASCII", version, 3, QStringLiteral("\u20AC"), QStringLiteral("3\u20AC1\u20AC2"));
-        row("separator beyond the BMP", version, 2, QStringLiteral("\U0001D11E"), QStringLiteral("3\U0001D11E1"));
-        row("separator like a place marker", version, 3, QStringLiteral("%1"), QStringLiteral("3%11%12"));
+        row("non-ASCII separator", version, 3, QStringLiteral("\u20AC"), QStringLiteral("3\u20AC1\u20AC2"));
+        row("separator outside the BMP", version, 2, QStringLiteral("\U0001D11E"), QStringLiteral("3\U0001D11E1"));
+        row("separator with a place marker", version, 3, QStringLiteral("%1"), QStringLiteral("3%11%12"));
         row("empty separator", version, 3, QLatin1String(""), QStringLiteral("312"));
         row("null separator", version, 3, QString(), QStringLiteral("312"));
-        row("NUL ends the separator", version, 3, dot + QChar(0) + QLatin1Char('x'), QStringLiteral("3.1.2"));
-        row("ends before what is not given", Version(3, 1, NotGiven, 4), 4, dot, QStringLiteral("3.1"));
+        row("NUL character in the separator", version, 3, dot + QChar(0) + QLatin1Char('x'), QStringLiteral("3.1.2"));
+        row("component not given", Version(3, 1, NotGiven, 4), 4, dot, QStringLiteral("3.1"));
     }
 
-    void writesAVersion()
+    void writesText()
     {
         QFETCH(Version, version);
         QFETCH(VersionToStringDetail, detail);
@@ -114,7 +115,7 @@ private Q_SLOTS:
         QVERIFY(log.Lines().isEmpty());
     }
 
-    void readsWhatItWrites()
+    void roundTripsThroughText()
     {
         Version const version(4, 0, 4294967294, 17);
         QString const separator = QStringLiteral(" \u00B7 ");
@@ -122,7 +123,7 @@ private Q_SLOTS:
         QCOMPARE(VersionFromString(text, separator), version);
     }
 
-    void showsUsersTheVersionWithoutAMeaninglessThird_data()
+    void omitsAZeroOrMissingThirdFromTheVisibleVersion_data()
     {
         QTest::addColumn<Version>("version");
         QTest::addColumn<QString>("text");
@@ -138,20 +139,20 @@ private Q_SLOTS:
         row("third 2", Version(3, 1, 2), "3.1.2");
         row("third 2, build given", Version(3, 1, 2, 4567), "3.1.2");
         row("third 2, build not given", Version(3, 1, 2, NotGiven), "3.1.2");
-        row("third is the largest signed", Version(3, 1, 0x7FFFFFFF), "3.1.2147483647");
-        row("third beyond the signed range", Version(3, 1, 0x80000000), "3.1.2147483648");
+        row("largest signed third", Version(3, 1, 0x7FFFFFFF), "3.1.2147483647");
+        row("third outside the signed range", Version(3, 1, 0x80000000), "3.1.2147483648");
         row("largest given third", Version(3, 1, NotGiven - 1), "3.1.4294967294");
         row("second largest given third", Version(3, 1, NotGiven - 2), "3.1.4294967293");
         row("minor 0", Version(3), "3.0");
         row("minor 0, third given", Version(3, 0, 2), "3.0.2");
-        row("nothing but zeros", Version(), "0.0");
+        row("all zeros", Version(), "0.0");
         row("only the third", Version(0, 0, 1), "0.0.1");
         row("only the build", Version(0, 0, 0, 1), "0.0");
-        row("no digit groups", Version(1234567, 1234567, 1234567), "1234567.1234567.1234567");
+        row("large numbers without digit groups", Version(1234567, 1234567, 1234567), "1234567.1234567.1234567");
         row("minor not given", Version(3, NotGiven), "3");
     }
 
-    void showsUsersTheVersionWithoutAMeaninglessThird()
+    void omitsAZeroOrMissingThirdFromTheVisibleVersion()
     {
         QFETCH(Version, version);
         QFETCH(QString, text);
