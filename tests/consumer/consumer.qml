@@ -12,11 +12,11 @@ QtObject {
 
     Component.onCompleted: {
         ObjectsConnector.registerReceiver("question", root, "answer()")
-        ObjectsConnector.registerEmitter("question", asker, "asked()")
-        asker.asked()
+        ObjectsConnector.registerEmitter("question", source, "requested()")
+        source.requested()
     }
 
-    property QtObject asker: QtObject {
-        signal asked()
+    property QtObject source: QtObject {
+        signal requested()
     }
 }

@@ -1,4 +1,5 @@
-// An application outside the tree, with Qt's keywords on and none of our compiler options.
+// An application that uses the installed library. It is built with Qt's keywords and without the compiler options of
+// this project, as applications are.
 
 #include <Util/AsyncService.h>
 #include <Util/FileUtils.h>

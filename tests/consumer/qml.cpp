@@ -1,4 +1,4 @@
-// Runs a QML file with the module of the installed package, from where the package says it is.
+// Runs a QML file that imports the installed QML module. QML_IMPORT_DIR is the import path from the package.
 
 #include <QtCore/QCoreApplication>
 #include <QtQml/QQmlApplicationEngine>

@@ -1,5 +1,8 @@
-"""Installs the build into a fresh prefix and moves it, then finds, links and runs it from outside, by CMake and by
-pkg-config: the library, and the QML module."""
+"""Checks that applications can use the installed package.
+
+Installs the build, moves it to another folder, and then builds and runs the programs of tests/consumer against it: with
+CMake and with pkg-config, for the library and for the QML module.
+"""
 
 import argparse
 import os
@@ -13,7 +16,7 @@ import tempfile
 def run(*command, env=None):
     result = subprocess.run(command, env=env, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     if result.returncode != 0:
-        sys.exit(f"{shlex.join(command)}\n{result.stdout}\nended with {result.returncode}")
+        sys.exit(f"{shlex.join(command)}\n{result.stdout}\nexit code {result.returncode}")
     return result.stdout
 
 
@@ -28,7 +31,7 @@ def check_library(how, program):
 
 
 def check_qml(how, program, source):
-    # The package alone says where the module is.
+    # Remove QML2_IMPORT_PATH: the program must find the module through the package.
     env = {name: value for name, value in os.environ.items() if name != "QML2_IMPORT_PATH"}
     output = run(str(program), str(source / "consumer.qml"), env={**env, "QML_DISABLE_DISK_CACHE": "1"})
     check_output(f"{how}, QML", output, "Observers register with role 261")
@@ -49,7 +52,7 @@ def main():
         installed.rename(prefix)
 
         build = pathlib.Path(folder, "build")
-        # An older standard than the headers need: the package has to ask for its own.
+        # C++14 is too old for the headers: the package must require C++17 itself.
         run("cmake", "-S", str(source), "-B", str(build), "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
             f"-DCMAKE_CXX_COMPILER={arguments.compiler}", "-DCMAKE_CXX_STANDARD=14")
         run("cmake", "--build", str(build))
@@ -73,7 +76,7 @@ def main():
 
         (translations,) = pkg_config("--variable=translationsdir", "zqtutil")
         if not pathlib.Path(translations, "zqtutil_de.qm").is_file():
-            sys.exit(f"No translations in {translations}")
+            sys.exit(f"{translations} contains no zqtutil_de.qm")
 
         program = pathlib.Path(folder, "pkg-config-qml-consumer")
         (import_dir,) = pkg_config("--variable=qmlimportdir", "zqtutil")

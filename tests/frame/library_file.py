@@ -1,5 +1,5 @@
-"""Checks the built library file: what it exports, what it runs when it is loaded, and that nothing of the machine that
-built it stands in it. With --write, the list of exported symbols is written anew."""
+"""Checks the built library file: its exported symbols, the number of functions that run when it is loaded, and that it
+contains no path of the machine that built it. With --write, rewrites the list of exported symbols instead."""
 
 import argparse
 import pathlib
@@ -10,8 +10,8 @@ import tempfile
 
 LIST = pathlib.Path(__file__).resolve().parent / "exported-symbols.txt"
 
-# The compiler's own start-up function, the link schemes of LinksUtils, the roles and the registry of ObjectsConnector,
-# the added fonts of FontDatabase, the main window of SpontaneousDialog.
+# The compiler's start-up function, and one function for each source that has global objects: LinksUtils (link schemes),
+# ObjectsConnector (roles and registry), FontDatabase (added fonts), SpontaneousDialog (main window).
 INITIALIZERS = 5
 POINTER_SIZE = 8
 
@@ -21,32 +21,32 @@ def output_of(*command):
 
 
 def exported(library):
-    # One line a name: a constructor is there twice, for complete objects and for bases.
+    # A set, because constructors have two symbols with the same name: for complete objects and for base objects.
     lines = output_of("nm", "--dynamic", "--defined-only", "--demangle", library).splitlines()
     return sorted({line.split(maxsplit=2)[2] for line in lines})
 
 
-def export_complaints(library):
+def export_errors(library):
     found = set(exported(library))
     listed = set(LIST.read_text().splitlines())
-    yield from (f"exported, but not on the list: {name}" for name in sorted(found - listed))
-    yield from (f"on the list, but not exported: {name}" for name in sorted(listed - found))
+    yield from (f"exported, but not in {LIST.name}: {name}" for name in sorted(found - listed))
+    yield from (f"in {LIST.name}, but not exported: {name}" for name in sorted(listed - found))
 
 
-def initializer_complaints(library):
+def initializer_errors(library):
     match = re.search(r"\.init_array\s+INIT_ARRAY\s+\S+\s+\S+\s+(\S+)", output_of("readelf", "-SW", library))
     count = int(match.group(1), 16) // POINTER_SIZE
     if count != INITIALIZERS:
         yield f"loading runs {count} initializers, not {INITIALIZERS}"
 
 
-def path_complaints(library, source_dir):
-    # Debug information names sources by their full paths, for the debugger.
+def path_errors(library, source_dir):
+    # Debug information contains full source paths, for the debugger. They are not checked.
     with tempfile.TemporaryDirectory() as folder:
         stripped = pathlib.Path(folder, "stripped")
         subprocess.run(["objcopy", "--strip-debug", library, stripped], check=True)
         if source_dir.encode() in stripped.read_bytes():
-            yield f"the library names {source_dir}"
+            yield f"the library contains the path {source_dir}"
 
 
 def main():
@@ -58,11 +58,11 @@ def main():
     if arguments.write:
         LIST.write_text("".join(name + "\n" for name in exported(arguments.shared_object)))
         return
-    complaints = [*export_complaints(arguments.shared_object), *initializer_complaints(arguments.shared_object),
-                  *path_complaints(arguments.shared_object, arguments.source_dir)]
-    for complaint in complaints:
-        print(complaint)
-    sys.exit(1 if complaints else 0)
+    errors = [*export_errors(arguments.shared_object), *initializer_errors(arguments.shared_object),
+                  *path_errors(arguments.shared_object, arguments.source_dir)]
+    for error in errors:
+        print(error)
+    sys.exit(1 if errors else 0)
 
 
 main()

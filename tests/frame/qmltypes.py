@@ -1,5 +1,5 @@
-"""Checks that the type description of the QML module tells what the built plugin registers. With --write, brings it up
-to date."""
+"""Checks that the type description of the QML module matches the types that the built plugin registers. With --write,
+updates the description instead."""
 
 import argparse
 import os
@@ -9,14 +9,15 @@ import sys
 import tempfile
 
 
-def described(qmlplugindump, import_dir):
+def describe(qmlplugindump, import_dir):
     with tempfile.TemporaryDirectory() as folder:
-        # The command line stands in the description: no path of this machine. The minimal platform needs no display.
+        # The tool writes its command line into the description. The import path is ".": a full path would differ
+        # from machine to machine. The minimal platform needs no display.
         result = subprocess.run([qmlplugindump, "-nonrelocatable", "-noforceqtquick", "-defaultplatform", "Zelkor.Util",
                                  "1.0", "."], cwd=import_dir, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                                 env={**os.environ, "QT_QPA_PLATFORM": "minimal", "XDG_RUNTIME_DIR": folder})
     if result.returncode != 0:
-        sys.exit(f"qmlplugindump ended with {result.returncode}:\n{result.stderr}")
+        sys.exit(f"qmlplugindump failed with exit code {result.returncode}:\n{result.stderr}")
     return result.stdout
 
 
@@ -27,11 +28,11 @@ def main():
     parser.add_argument("--import-dir", required=True)
     parser.add_argument("--write", action="store_true")
     arguments = parser.parse_args()
-    fresh = described(arguments.qmlplugindump, arguments.import_dir)
+    fresh = describe(arguments.qmlplugindump, arguments.import_dir)
     if arguments.write:
         arguments.description.write_text(fresh)
     elif fresh != arguments.description.read_text():
-        sys.exit(f"{arguments.description.name} is not up to date: ./dev qmltypes")
+        sys.exit(f"{arguments.description.name} is out of date; run ./dev qmltypes")
 
 
 main()

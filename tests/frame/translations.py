@@ -1,4 +1,5 @@
-"""Checks that the translation catalogues hold exactly the texts of the sources. With --write, brings them up to date."""
+"""Checks that the translation catalogues contain exactly the texts of the sources, all of them translated. With
+--write, updates the catalogues instead."""
 
 import argparse
 import pathlib
@@ -13,18 +14,18 @@ def update(catalogue, source_root):
                     catalogue], check=True)
 
 
-def complaints_about(catalogue, source_root):
+def catalogue_errors(catalogue, source_root):
     with tempfile.TemporaryDirectory() as folder:
         fresh = pathlib.Path(folder, catalogue.name)
         shutil.copy(catalogue, fresh)
         update(fresh, source_root)
         if fresh.read_text() != catalogue.read_text():
-            yield f"{catalogue.name} is not up to date: ./dev translations"
+            yield f"{catalogue.name} is out of date; run ./dev translations"
     text = catalogue.read_text()
     if "<source>" not in text:
-        yield f"{catalogue.name} holds no text"
+        yield f"{catalogue.name} contains no text"
     if 'type="unfinished"' in text:
-        yield f"{catalogue.name} has texts that are not translated"
+        yield f"{catalogue.name} contains texts that are not translated"
 
 
 def main():
@@ -34,15 +35,15 @@ def main():
     arguments = parser.parse_args()
     source_root = arguments.root / "src"
     catalogues = sorted((arguments.root / "translations").glob("*.ts"))
-    complaints = [] if catalogues else ["There is no catalogue"]
+    errors = [] if catalogues else ["translations/ contains no catalogue"]
     for catalogue in catalogues:
         if arguments.write:
             update(catalogue, source_root)
         else:
-            complaints += complaints_about(catalogue, source_root)
-    for complaint in complaints:
-        print(complaint)
-    sys.exit(1 if complaints else 0)
+            errors += catalogue_errors(catalogue, source_root)
+    for error in errors:
+        print(error)
+    sys.exit(1 if errors else 0)
 
 
 main()

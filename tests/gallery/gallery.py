@@ -1,5 +1,5 @@
-"""Runs the gallery as a user without a display does: its report on a tree that holds every kind of entry, its error for a
-folder that is not there, and its screenshots."""
+"""Checks the gallery without a display: its report on a tree with every kind of entry, its error message for a missing
+folder, and its screenshots."""
 
 import argparse
 import os
@@ -24,7 +24,7 @@ def expect(condition, message):
 
 
 def make_tree(root):
-    """Makes a tree and returns the bytes of each entry, None for those that have none."""
+    """Creates a tree and returns the size of each entry in bytes, or None for an entry without a size."""
     sizes = {}
     for name, size in ((b"plain", 1500), (b"with space", 2500000), (b'quote"d', 7), (b"not-utf8-\xff", 12),
                        (b"line\nbreak", 3), (b".hidden", 44)):
@@ -53,34 +53,35 @@ def check_report(gallery):
         root = os.fsencode(folder)
         sizes = make_tree(root)
         result = run(gallery, "--report", root)
-        expect(result.returncode == 0, f"The report ended with {result.returncode}: {result.stderr}")
+        expect(result.returncode == 0, f"The report failed with exit code {result.returncode}: {result.stderr}")
         lines = result.stdout.decode().splitlines()
         for name, size in sizes.items():
             pattern = re.compile(rf"\s{size if size is not None else '-'}\s.*\b{re.escape(shown(name)).lstrip('.')}"
                                  if name[:1].isalnum() else rf"\s{size}\s.*{re.escape(shown(name))}")
             expect(any(pattern.search(line) for line in lines),
-                   f"No line tells that {name!r} has {size} bytes:\n" + "\n".join(lines))
+                   f"No line reports {size} bytes for {name!r}:\n" + "\n".join(lines))
         total = sum(size or 0 for size in sizes.values())
         expect(any(re.search(rf"\s{total}\s.*Total of {len(sizes)} entries", line) for line in lines),
-               f"No total of {total} bytes:\n" + "\n".join(lines))
-        expect(any("dangling" in line for line in lines), "The dangling link is not listed")
-        expect(b"Erorr" not in result.stderr, f"The log leaks into the terminal: {result.stderr}")
+               f"No line reports a total of {total} bytes:\n" + "\n".join(lines))
+        expect(any("dangling" in line for line in lines), "The report does not list the dangling link")
+        # The log line about an entry without a size starts with this misspelled word.
+        expect(b"Erorr" not in result.stderr, f"Log lines appear on the terminal: {result.stderr}")
 
 
 def check_missing_folder(gallery):
     result = run(gallery, "--report", "/nonexistent/folder")
-    expect(result.returncode == 1, f"A missing folder ended with {result.returncode}")
+    expect(result.returncode == 1, f"The exit code for a missing folder is {result.returncode}, not 1")
     expect(b"/nonexistent/folder" in result.stderr, f"The message does not name the folder: {result.stderr}")
-    expect(result.stdout == b"", f"There is a report on a missing folder: {result.stdout}")
+    expect(result.stdout == b"", f"The gallery printed a report on a missing folder: {result.stdout}")
 
 
-def check_pictures(folder, name, least_width, least_height):
+def check_pictures(folder, name, min_width, min_height):
     contents = set()
     for palette in ("light", "dark"):
         data = (folder / f"{name}-{palette}.png").read_bytes()
-        expect(data[:8] == b"\x89PNG\r\n\x1a\n", f"{name}-{palette}.png is no PNG")
+        expect(data[:8] == b"\x89PNG\r\n\x1a\n", f"{name}-{palette}.png is not a PNG file")
         width, height = struct.unpack(">II", data[16:24])
-        expect(width >= least_width and height >= least_height, f"{name}-{palette}.png is {width} by {height}")
+        expect(width >= min_width and height >= min_height, f"{name}-{palette}.png is {width} by {height}")
         contents.add(data)
     expect(len(contents) == 2, f"{name} looks the same in light and dark")
 
@@ -92,14 +93,14 @@ def check_screenshots(gallery, pages, dialogs):
         make_tree(os.fsencode(sample))
         pictures = pathlib.Path(folder, "pictures")
         result = run(gallery, "--folder", sample, "--screenshots", pictures)
-        expect(result.returncode == 0, f"The screenshots ended with {result.returncode}: {result.stderr}")
-        expect(result.stderr == b"", f"The gallery complains: {result.stderr}")
+        expect(result.returncode == 0, f"The screenshots failed with exit code {result.returncode}: {result.stderr}")
+        expect(result.stderr == b"", f"The gallery printed errors: {result.stderr}")
         for page in pages:
             check_pictures(pictures, page, 800, 500)
         for dialog in dialogs:
             check_pictures(pictures, dialog, 100, 60)
         expected = {f"{name}-{palette}.png" for name in (*pages, *dialogs) for palette in ("light", "dark")}
-        expect({file.name for file in pictures.iterdir()} == expected, "Other pictures than these were made")
+        expect({file.name for file in pictures.iterdir()} == expected, "The set of screenshots is not as expected")
 
 
 def main():

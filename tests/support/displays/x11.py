@@ -1,5 +1,7 @@
-"""Runs a command on an X server of its own that has two screens and a window manager, and ends as the command does. No
-display, session or bus of the user is touched."""
+"""Runs a command on a private X server with two screens and a window manager, and exits with the command's exit code.
+
+The command has no access to the user's display, session or session bus.
+"""
 
 import argparse
 import ctypes
@@ -11,19 +13,19 @@ import sys
 import tempfile
 import time
 
-# Side by side from the left, and of different sizes, so that one is never taken for the other.
+# Side by side from left to right. The sizes differ, so that a test cannot confuse the screens.
 SCREENS = ((1280, 1024), (1024, 768))
-OUTPUT = "screen"  # the one that the server has
+OUTPUT = "screen"  # the only RandR output of Xvfb
 
-# Seconds; a machine that is busy with sanitizers starts a server slowly.
-PATIENCE = 60
+# In seconds. The server starts slowly while the machine runs other tests under sanitizers.
+TIMEOUT = 60
 
-# What the user's own session would bring along.
-FOREIGN = ("DBUS_STARTER_ADDRESS", "DESKTOP_SESSION", "KDE_FULL_SESSION", "QT_IM_MODULE", "QT_QPA_PLATFORMTHEME",
-           "QT_STYLE_OVERRIDE", "SESSION_MANAGER", "WAYLAND_DISPLAY", "XAUTHORITY", "XDG_CURRENT_DESKTOP",
-           "XMODIFIERS")
+# Variables of the user's session that would change the behaviour of Qt.
+SESSION_VARIABLES = ("DBUS_STARTER_ADDRESS", "DESKTOP_SESSION", "KDE_FULL_SESSION", "QT_IM_MODULE",
+                     "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE", "SESSION_MANAGER", "WAYLAND_DISPLAY", "XAUTHORITY",
+                     "XDG_CURRENT_DESKTOP", "XMODIFIERS")
 
-# New windows get the focus, and stay where their programs put them.
+# New windows receive the focus and stay at the position that their program requests.
 WINDOW_MANAGER_SETTINGS = """<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
   <focus><focusNew>yes</focusNew><followMouse>no</followMouse></focus>
@@ -34,21 +36,21 @@ WINDOW_MANAGER_SETTINGS = """<?xml version="1.0"?>
 """
 
 
-def end_with_parent():
-    """In a child: to be killed when the launcher is."""
+def die_with_parent():
+    """Runs in a child process: lets the kernel kill the child when this script is killed."""
     set_parent_death_signal = 1
     ctypes.CDLL(None).prctl(set_parent_death_signal, signal.SIGKILL)
 
 
 class Child:
-    """A program in the background, ended with the block. What it says goes into a file, shown when it fails."""
+    """A background program that is terminated at the end of a with block. Its output is shown if it fails."""
 
     def __init__(self, command, log, environment, pass_fds=()):
         self.name = command[0]
         self.log = log
         with open(log, "wb") as output:
             self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                                            env=environment, pass_fds=pass_fds, preexec_fn=end_with_parent)
+                                            env=environment, pass_fds=pass_fds, preexec_fn=die_with_parent)
 
     def __enter__(self):
         return self
@@ -56,7 +58,7 @@ class Child:
     def __exit__(self, *_):
         self.process.terminate()
         try:
-            self.process.wait(PATIENCE)
+            self.process.wait(TIMEOUT)
         except subprocess.TimeoutExpired:
             self.process.kill()
             self.process.wait()
@@ -67,49 +69,49 @@ class Child:
 
     def check(self):
         if self.process.poll() is not None:
-            self.fail(f"ended with {self.process.returncode}")
+            self.fail(f"exited with {self.process.returncode}")
 
 
-def ask(command, environment):
-    """Runs one of the server's tools and returns what it says."""
+def run_tool(command, environment):
+    """Runs a tool on the X server and returns its output."""
     result = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                            env=environment, timeout=PATIENCE, encoding="utf-8", errors="replace")
+                            env=environment, timeout=TIMEOUT, encoding="utf-8", errors="replace")
     if result.returncode != 0:
-        sys.exit(f"{command} ended with {result.returncode}\n{result.stdout}")
+        sys.exit(f"{command} exited with {result.returncode}\n{result.stdout}")
     return result.stdout
 
 
 def start_server(folder, environment):
-    """Starts the server on a free display and returns it, and the display's name."""
-    ready, told = os.pipe()
+    """Starts the server on a free display. Returns the server and the name of the display."""
+    read_end, write_end = os.pipe()
     width = sum(width for width, _ in SCREENS)
     height = max(height for _, height in SCREENS)
-    command = ["Xvfb", "-displayfd", str(told), "-nolisten", "tcp", "-dpi", "96", "-noreset",
+    command = ["Xvfb", "-displayfd", str(write_end), "-nolisten", "tcp", "-dpi", "96", "-noreset",
                "-screen", "0", f"{width}x{height}x24"]
-    server = Child(command, os.path.join(folder, "server.log"), environment, (told,))
-    os.close(told)
+    server = Child(command, os.path.join(folder, "server.log"), environment, (write_end,))
+    os.close(write_end)
     display = b""
-    end = time.monotonic() + PATIENCE
-    with open(ready, "rb", buffering=0) as pipe:
+    end = time.monotonic() + TIMEOUT
+    with open(read_end, "rb", buffering=0) as pipe:
         while not display.endswith(b"\n"):
             if not select.select([pipe], [], [], max(0, end - time.monotonic()))[0]:
-                server.fail(f"is not ready after {PATIENCE} seconds")
-            some = pipe.read(64)
-            if not some:
-                server.process.wait(PATIENCE)
-                server.fail(f"ended with {server.process.returncode}")
-            display += some
+                server.fail(f"is not ready after {TIMEOUT} seconds")
+            data = pipe.read(64)
+            if not data:
+                server.process.wait(TIMEOUT)
+                server.fail(f"exited with {server.process.returncode}")
+            display += data
     return server, ":" + display.decode().strip()
 
 
-def divide(environment):
-    """Divides what the server has into the screens: the server's own screens of a desktop would lie upon each other."""
+def divide_screen(environment):
+    """Divides the one screen of the server into SCREENS. Qt would place several screens of Xvfb on top of each other."""
     left = 0
     for number, (width, height) in enumerate(SCREENS):
         millimetres = [round(pixels / 96 * 25.4) for pixels in (width, height)]
-        ask(["xrandr", "--setmonitor", f"part{number}",
-             f"{width}/{millimetres[0]}x{height}/{millimetres[1]}+{left}+0", OUTPUT if left == 0 else "none"],
-            environment)
+        run_tool(["xrandr", "--setmonitor", f"part{number}",
+                  f"{width}/{millimetres[0]}x{height}/{millimetres[1]}+{left}+0", OUTPUT if left == 0 else "none"],
+                 environment)
         left += width
 
 
@@ -122,36 +124,36 @@ def start_window_manager(folder, environment):
 
 
 def wait_for_window_manager(manager, environment):
-    """Until the root window tells of it, and of the windows that it manages."""
-    end = time.monotonic() + PATIENCE
+    """Waits until the root window names the window manager and the list of its windows."""
+    end = time.monotonic() + TIMEOUT
     while time.monotonic() < end:
-        told = ask(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK", "_NET_CLIENT_LIST"], environment)
-        if told.count("window id") == 2:
+        output = run_tool(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK", "_NET_CLIENT_LIST"], environment)
+        if output.count("window id") == 2:
             return
         try:
             manager.process.wait(0.02)
         except subprocess.TimeoutExpired:
             continue
         manager.check()
-    manager.fail(f"does not manage the screen after {PATIENCE} seconds")
+    manager.fail(f"does not manage the screen after {TIMEOUT} seconds")
 
 
 def run(command):
     with tempfile.TemporaryDirectory() as folder:
-        common = {name: value for name, value in os.environ.items() if name not in FOREIGN}
+        common = {name: value for name, value in os.environ.items() if name not in SESSION_VARIABLES}
         common["DBUS_SESSION_BUS_ADDRESS"] = "disabled:"
         own = {name: folder for name in ("HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
                                          "XDG_RUNTIME_DIR", "XDG_CONFIG_DIRS")}
         server, display = start_server(folder, {**common, **own})
         with server:
             common["DISPLAY"] = display
-            divide({**common, **own})
+            divide_screen({**common, **own})
             with start_window_manager(folder, {**common, **own}) as manager:
                 wait_for_window_manager(manager, {**common, **own})
-                # Qt 5 reads outputs by RandR, of which there is one, but parts by Xinerama.
+                # Qt 5 finds only the one output with RandR. With Xinerama it finds both screens.
                 environment = {**common, "QT_QPA_PLATFORM": "xcb", "QT_XCB_NO_XRANDR": "1",
                                "QT_XCB_GL_INTEGRATION": "none", "ZQTUTIL_TEST_SCREENS": str(len(SCREENS))}
-                with subprocess.Popen(command, env=environment, preexec_fn=end_with_parent) as process:
+                with subprocess.Popen(command, env=environment, preexec_fn=die_with_parent) as process:
                     try:
                         code = process.wait()
                     finally:
@@ -165,7 +167,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("command", nargs="+", help="after --")
     arguments = parser.parse_args()
-    # The blocks above end what they started.
+    # An exception instead of the default action, so that the with blocks terminate their programs.
     signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
     sys.exit(run(arguments.command))
 
