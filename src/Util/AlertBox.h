@@ -38,8 +38,9 @@ namespace Util
 /// **Icons.** The application provides three resources: ":/MessageBox/info_icon.png", ":/MessageBox/error_icon.png" and
 /// ":/MessageBox/question_icon.png".
 ///
-/// **Always pass the buttons.** QMessageBox adds an OK button to a box without buttons, but only when the box is shown.
-/// AlertBox has set its names and properties by then. That button therefore has no object name and no properties.
+/// **A box without buttons.** QMessageBox adds an OK button to a box without buttons, but only when the box is shown.
+/// AlertBox has set the object names and properties by then, so that button gets neither. Pass `QMessageBox::Ok` to get
+/// an OK button that style sheets can select.
 ///
 /// **Buttons that are added after construction** get their object names from SetDefaultButtonNames(), which the caller
 /// calls. They get their properties from PrepareToShow(), which Exec() and Show() call.
@@ -140,12 +141,12 @@ public:
     /// Sets dynamic properties on every button and applies the style sheet to it. A later row of the table overwrites
     /// an earlier one.
     ///
-    /// | Button                               | "SubStyle" | "styleHint"    |
-    /// |--------------------------------------|------------|----------------|
-    /// | `Ok`, or any with `AcceptRole`       | "Ok"       | "activeButton" |
-    /// | otherwise `Yes`, or any with `YesRole` | "Yes"    | "activeButton" |
-    /// | `Cancel`, or any with `RejectRole`   | "Cancel"   | "rejectButton" |
-    /// | `No`                                 |            | "rejectButton" |
+    /// | Button                                        | "SubStyle" | "styleHint"    |
+    /// |-----------------------------------------------|------------|----------------|
+    /// | `Ok`, or a button with `AcceptRole`           | "Ok"       | "activeButton" |
+    /// | otherwise `Yes`, or a button with `YesRole`   | "Yes"      | "activeButton" |
+    /// | `Cancel`, or a button with `RejectRole`       | "Cancel"   | "rejectButton" |
+    /// | `No`                                          |            | "rejectButton" |
     ///
     /// The property "buttonRole" of every button is the name of its role without "Role", for example "Accept".
     void SetButtonsSubStyle();

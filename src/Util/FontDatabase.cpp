@@ -1,4 +1,5 @@
-// QFontDatabase::supportsThreadedFontRendering() is deprecated since Qt 5.2; only Qt can answer it all the same.
+// QFontDatabase::supportsThreadedFontRendering() is deprecated since Qt 5.2 and has no replacement. The build hides
+// deprecated functions, so this source makes them visible again.
 #undef QT_DISABLE_DEPRECATED_BEFORE
 #define QT_DISABLE_DEPRECATED_BEFORE 0x050100
 
@@ -17,7 +18,7 @@ std::set<int> FontDatabase::s_addedFonts;
 int FontDatabase::addApplicationFont(QString const& fileName)
 {
     int const id = QFontDatabase::addApplicationFont(fileName);
-    s_addedFonts.insert(id); // -1 too, which has no families
+    s_addedFonts.insert(id); // -1 for a failure is recorded too; it is harmless, because it has no families
     return id;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The fonts of the application apart from those of the system.
+/// The fonts of the application and the fonts of the system.
 
 #include <Util/Export.h>
 
@@ -15,31 +15,31 @@ namespace Zelkor
 namespace Util
 {
 
-/// `QFontDatabase`, which also remembers the fonts that this process has added through it. GUI thread.
+/// Static functions on QFontDatabase that also record which fonts this process has added through them. GUI thread.
 class ZQTUTIL_EXPORT FontDatabase
 {
 public:
     FontDatabase() = delete;
 
-    /// Loads the font in \a fileName and returns its identifier; -1 when it cannot be loaded.
+    /// Loads the font file \a fileName. Returns the identifier of the font, or -1 if the file cannot be loaded.
     static int addApplicationFont(QString const& fileName);
 
-    /// Unloads the font \a id; false when that fails.
+    /// Unloads the font with the identifier \a id. Returns false if this fails.
     static bool removeApplicationFont(int id);
 
-    /// The families in the font \a id; none when it is unknown.
+    /// Returns the families of the font with the identifier \a id. Returns an empty list if there is no such font.
     static QStringList applicationFontFamilies(int id);
 
-    /// The families of the fonts that were added and not removed, each once, sorted.
+    /// Returns the families of all fonts that were added and not removed, sorted case-sensitively, without duplicates.
     static QStringList addedFontFamilies();
 
-    /// The families of the system: all that there are but addedFontFamilies(), in Qt's order.
+    /// Returns all families except addedFontFamilies(), in the order of `QFontDatabase::families()`.
     static QStringList systemFontFamilies();
 
-    /// The families that can be scaled, those of added fonts too, in Qt's order.
+    /// Returns all scalable families, including added fonts, in the order of `QFontDatabase::families()`.
     static QStringList scalableFontFamilies();
 
-    /// Whether text can be drawn on other threads.
+    /// Returns true if text can be drawn outside the GUI thread.
     static bool supportsThreadedFontRendering();
 
 private:

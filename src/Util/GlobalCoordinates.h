@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Rectangles between widgets and the screen.
+/// Conversion of rectangles between widget coordinates and global screen coordinates.
 
 #include <Util/Export.h>
 
@@ -16,12 +16,12 @@ namespace Zelkor
 namespace Util
 {
 
-/// The rectangle of \a widget, without a frame, in the coordinates of the screen; a null one for a null widget.
-/// GUI thread.
+/// Returns the rectangle of \a widget in global screen coordinates, without the window frame. Returns a null rectangle
+/// if \a widget is null. GUI thread.
 ZQTUTIL_EXPORT QRect GetGlobalWidgetRect(QWidget* widget);
 
-/// \a globalRect, in coordinates of the screen, in those of \a widget; a null one for a null widget. GUI
-/// thread.
+/// Returns \a globalRect, which is in global screen coordinates, in the coordinates of \a widget. Returns a null
+/// rectangle if \a widget is null. GUI thread.
 ZQTUTIL_EXPORT QRect GetWidgetRect(QWidget* widget, QRect const& globalRect);
 
 } // namespace Util

@@ -6,6 +6,15 @@
 #include <utility>
 #include <vector>
 
+// Design notes
+//
+// One event object is sent to all other members. The event filter of the group sees the object again for each of these
+// members. The address of the object distinguishes such a repetition from an event of the member itself. One hover
+// event therefore costs one walk over the members instead of one walk for each member.
+//
+// Any receiver of an event can destroy members, other widgets and the group, or change the group. The walk therefore
+// uses a copy of the addresses and finds each member in the map again.
+
 namespace Zelkor::Util
 {
 
@@ -51,11 +60,11 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     if (!IsHover(event->type())) {
         return QObject::eventFilter(watched, event);
     }
-    auto const hovered = members_.find(static_cast<QWidget*>(watched)); // the group filters widgets only
+    auto const hovered = members_.find(static_cast<QWidget*>(watched)); // the filter is installed on widgets only
     if (hovered == members_.end()) {
         return QObject::eventFilter(watched, event);
     }
-    // Before anything is sent: what the others get comes back here, and must not come back to this one.
+    // Record the type before sending. Otherwise the other members would send the event back to this one.
     hovered->second.last = event->type();
     if (event == replayed_) {
         return QObject::eventFilter(watched, event);
@@ -65,14 +74,14 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     QPointer<QObject> const receiver(watched);
     QEvent const* const replayedBefore = std::exchange(replayed_, event);
     {
-        auto const replayEnds = qScopeGuard([&] { // also when a member throws
+        auto const replayGuard = qScopeGuard([&] { // also if the event handler of a member throws
             if (self) {
                 replayed_ = replayedBefore;
             }
         });
         replayToOthers(hovered->first, event);
     }
-    // Without a receiver, nobody is left whom Qt could hand the event.
+    // If the receiver is destroyed, true keeps Qt from delivering the event to it.
     return !receiver || (self && QObject::eventFilter(watched, event));
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Widgets that hover as one.
+/// A group of widgets that share their hover state.
 
 #include <Util/Export.h>
 
@@ -17,8 +17,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Replays entering and leaving one of several widgets to all others, so that the `:hover` looks of a style sheet light
-/// up together: an icon with its label, the cells of a row.
+/// Sends the enter and leave events of each member to all other members. The `:hover` rules of a style sheet then apply
+/// to all members at the same time, for example to an icon and its label, or to the cells of a row.
 ///
 /// \code
 /// auto* const group = new HoverGroup(tile);
@@ -26,38 +26,44 @@ namespace Util
 /// group->addItem(title);
 /// \endcode
 ///
-/// **Ownership.** The group belongs to its parent. Members are borrowed and may end at any time, also while an event is
-/// replayed. GUI thread.
+/// **Ownership.** The parent owns the group. The group does not own its members. A member can be destroyed at any time,
+/// also while the group sends an event.
+///
+/// **Thread.** GUI thread.
 class ZQTUTIL_EXPORT HoverGroup : public QObject
 {
     Q_OBJECT
 
 public:
-    /// A group without members, owned by \a parent, if any.
+    /// Creates a group without members. \a parent owns it and can be null.
     explicit HoverGroup(QWidget* parent);
 
-    /// Makes \a widget a member, and lets it have hover events. One that is a member already starts afresh; null is
-    /// ignored.
+    /// Adds \a widget and sets its attribute `Qt::WA_Hover`, so that it receives hover events. If it is already a
+    /// member, only its recorded hover state is reset. Null is ignored.
     void addItem(QWidget* widget);
 
-    /// Takes \a widget out: its events no longer reach the others, nor do theirs reach it. It keeps its hover events.
+    /// Removes \a widget. It no longer sends its hover events to the members and receives none from them. The attribute
+    /// `Qt::WA_Hover` remains set. Ignores a widget that is not a member.
     void removeItem(QWidget* widget);
 
-    /// Replays hover events of members to the other members; swallows nothing.
+    /// Sends \a event to the other members if it is an enter or leave event of the member \a watched.
+    ///
+    /// \returns the result of the base class, so that \a watched receives the event too; true if a receiver destroyed
+    ///          \a watched
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     struct Member
     {
-        QPointer<QWidget> widget;         // null once it has ended
-        QEvent::Type last = QEvent::None; // that it received or was sent
+        QPointer<QWidget> widget;         // null after the widget is destroyed
+        QEvent::Type last = QEvent::None; // the last hover event that the widget received or was sent
     };
 
     void replayToOthers(QWidget* hovered, QEvent* event);
 
-    // By address, which outlives the widget.
+    // The keys are plain addresses: a QPointer as key would change the order when its widget is destroyed.
     std::map<QWidget*, Member> members_;
-    QEvent const* replayed_ = nullptr; // what is being sent to the others right now
+    QEvent const* replayed_ = nullptr; // the event that is being sent to the other members
 };
 
 } // namespace Util

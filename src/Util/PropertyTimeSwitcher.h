@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A property that has another value during a range of time.
+/// A property whose value depends on the current time.
 
 #include <Util/Export.h>
 
@@ -14,8 +14,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Sets a property of its parent to one value while a time that it is told lies in a range, and to a default value
-/// outside it. Times are in milliseconds.
+/// Sets a property of its parent to one value while the current time is in a range, and to a default value while it is
+/// outside the range. The application supplies the current time with setCurrentTime(). All times are in milliseconds.
 ///
 /// \code
 /// auto* const switcher = new PropertyTimeSwitcher("visible", false, subtitle);
@@ -23,26 +23,32 @@ namespace Util
 /// QObject::connect(player, &Player::positionChanged, switcher, &PropertyTimeSwitcher::setCurrentTime);
 /// \endcode
 ///
-/// It is owned by its parent and used on the parent's thread. Without a parent nothing is written.
+/// The parent owns the switcher. Use it on the thread of its parent.
 class ZQTUTIL_EXPORT PropertyTimeSwitcher : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Controls the property \a propertyName of \a parent, which is \a defaultValue outside the range. Nothing is
-    /// written yet, and there is no range yet.
+    /// Creates a switcher with an empty range. Does not write the property yet.
     ///
-    /// A property that \a parent does not have is reported by qWarning(), and added when it is written.
+    /// \param propertyName  the property to control. If \a parent does not have it, the constructor calls qWarning(),
+    ///                      and the first write adds it as a dynamic property.
+    /// \param defaultValue  the value outside the range
+    /// \param parent        the object that has the property, and the owner. If it is null, nothing is ever written.
     PropertyTimeSwitcher(QByteArray const& propertyName, QVariant const& defaultValue, QObject* parent);
 
-    /// Sets the one range, from \a from on and before \a to, in which the property is \a value.
+    /// Sets the range and calls updateValue(). Replaces the previous range.
+    ///
+    /// \param from   the first time in the range, in milliseconds
+    /// \param to     the end of the range in milliseconds; not part of the range
+    /// \param value  the value inside the range
     void setRange(int from, int to, QVariant const& value);
 
-    /// Writes the value of the current time, unless the property has it already.
+    /// Writes the value for the current time to the property, unless the property already has this value.
     void updateValue();
 
 public Q_SLOTS:
-    /// Sets the current \a time, and updates the value, see updateValue().
+    /// Sets the current time to \a time milliseconds and calls updateValue(). The initial time is 0.
     void setCurrentTime(int time);
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The parent of dialogs that nobody gave one.
+/// Selection of a parent for dialogs that are created without one.
 
 #include <Util/Export.h>
 
@@ -13,21 +13,25 @@ namespace Zelkor
 namespace Util
 {
 
-/// Finds a parent for dialogs that come up without one.
+/// Finds a parent for dialogs that are created without one, and stores the main window of the application.
 class ZQTUTIL_EXPORT SpontaneousDialog
 {
 public:
     SpontaneousDialog() = delete;
 
-    /// The widget that such a dialog is to have as its parent: the active modal one, else the active window. One that
-    /// deletes itself when it is closed is passed over for the main window, so that the dialog does not go with it;
-    /// without a main window for the active window, even if that deletes itself. May be null. GUI thread.
+    /// Returns the active modal widget, or the active window if no modal widget is active.
+    ///
+    /// If that widget has the attribute `Qt::WA_DeleteOnClose`, or if there is none, returns GetMainWindow(). A dialog
+    /// would otherwise be deleted together with such a parent. Without a main window, the result is the active window,
+    /// even if it has the attribute. The result can be null. GUI thread.
     static QWidget* findParent();
 
-    /// The main window, as long as it exists; otherwise the active window, which may be null. GUI thread.
+    /// Returns the main window, or the active window if no main window is set or it was destroyed. The result can be
+    /// null. GUI thread.
     static QWidget* GetMainWindow();
 
-    /// Makes \a window, which is borrowed and may end at any time, the main window; null: there is none. GUI thread.
+    /// Sets the main window to \a window; null clears it. The caller keeps ownership and can destroy the window at any
+    /// time. GUI thread.
     static void SetMainWindow(QWidget* window);
 
 private:

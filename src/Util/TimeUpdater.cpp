@@ -24,10 +24,11 @@ TimeUpdater::TimeUpdater(int outputStart, int inputStart, int inputEnd, QString 
 
 int TimeUpdater::calculateOutputTime(int time) const
 {
-    // Wider than the times, whose sums need not fit.
+    // 64 bits, because the sum of two times can overflow an int.
     qint64 const start = outputStart_;
     qint64 const end = start + inputEnd_ - inputStart_;
     qint64 const raw = reverse_ ? start + inputEnd_ - time : start + time - inputStart_;
+    // With the maximum taken last, a reversed input range gives the start.
     qint64 const output = std::max(start, std::min(end, raw));
     return static_cast<int>(qBound<qint64>(0, output, std::numeric_limits<int>::max()));
 }
@@ -38,6 +39,7 @@ void TimeUpdater::setCurrentTime(int time)
     if (!document_) {
         return;
     }
+    // addMSecs() wraps at 24 hours. This is deliberate: the text is a time of day.
     QString const text = QTime(0, 0, 0, 0).addMSecs(calculateOutputTime(time)).toString(format_);
     if (text == document_->toPlainText()) {
         return;

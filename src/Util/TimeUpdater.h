@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A running time in a document.
+/// A text document that shows a running time.
 
 #include <Util/Export.h>
 
@@ -17,35 +17,45 @@ namespace Zelkor
 namespace Util
 {
 
-/// Writes a running time into a text document: the time of a clip while a film is at another, forward or as what is
-/// left. All times are in milliseconds; a text tells a time of day, so it starts again at 24 hours.
+/// Writes a running time to a text document. It converts an input time, such as the position in a film, to an output
+/// time, such as the position in a clip or the time that remains. All times are in milliseconds.
+///
+/// The text is a time of day, formatted by QTime. It therefore starts again at zero after 24 hours.
 ///
 /// \code
 /// auto* const left = new TimeUpdater(0, clipStart, clipEnd, QStringLiteral("mm:ss"), label->document(), true);
 /// QObject::connect(player, &Player::positionChanged, left, &TimeUpdater::setCurrentTime);
 /// \endcode
 ///
-/// It is owned by its document and used on the document's thread.
+/// The document owns the updater. Use it on the thread of its document.
 class ZQTUTIL_EXPORT TimeUpdater : public QObject
 {
     Q_OBJECT
-    /// The time it was told last, that of the input.
+    /// The last input time in milliseconds.
     Q_PROPERTY(int currentTime READ currentTime WRITE setCurrentTime)
 
 public:
-    /// Shows times from \a outputStart on while the input runs from \a inputStart to \a inputEnd, in \a format, as
-    /// `QTime::toString()` takes it, in \a document; counting down when \a reverse is true. Nothing is written yet;
-    /// without a \a document nothing ever is, and the times are only computed.
+    /// Creates an updater. Does not write to the document yet.
+    ///
+    /// \param outputStart  the smallest output time in milliseconds
+    /// \param inputStart   the start of the input range in milliseconds
+    /// \param inputEnd     the end of the input range in milliseconds
+    /// \param format       the format of the text, see `QTime::toString()`
+    /// \param document     the document to write to, and the owner. If it is null, nothing is written.
+    /// \param reverse      true to count down, false to count up
     TimeUpdater(int outputStart, int inputStart, int inputEnd, QString const& format, QTextDocument* document,
                 bool reverse);
 
-    /// The time shown for the input's \a time: between the output's start and end, and never negative.
+    /// Returns the output time in milliseconds for the input time \a time, in milliseconds.
+    ///
+    /// The result is limited to the range from the output start to the output start plus the length of the input range.
+    /// It is never negative.
     int calculateOutputTime(int time) const;
 
-    /// The input is at \a time. The document is written only when its text changes.
+    /// Sets the input time to \a time milliseconds. Writes to the document only if its text changes.
     void setCurrentTime(int time);
 
-    /// The input's time that was set last; its start before that.
+    /// Returns the last input time in milliseconds; initially the start of the input range.
     int currentTime() const;
 
 private:

@@ -36,7 +36,7 @@ QUndoStack* UndoHandlerStack::pop()
         return nullptr;
     }
     QUndoStack* const popped = stacks_.pop();
-    // Before the removal, which would announce that there is no active stack at all.
+    // Activate the next stack first. Removing the active stack would emit signals for a state without an active stack.
     group_->setActiveStack(stacks_.isEmpty() ? nullptr : stacks_.top());
     group_->removeStack(popped);
     return popped;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The undo stack of whatever is open on top.
+/// A stack of undo stacks for nested dialogs and editor modes.
 
 #include <Util/Export.h>
 
@@ -18,8 +18,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// A stack of undo stacks: a dialog or an editor mode pushes its own when it opens and pops it when it closes, and the
-/// application's Undo and Redo commands always act on the one on top.
+/// A stack of undo stacks. A dialog or an editor mode pushes its undo stack when it opens, and pops it when it closes.
+/// The Undo and Redo commands of the application always act on the topmost undo stack, which is the active one.
 ///
 /// \code
 /// QObject::connect(&undoHandlers, &UndoHandlerStack::canUndoChanged, undoAction, &QAction::setEnabled);
@@ -30,51 +30,54 @@ namespace Util
 /// undoHandlers.pop();
 /// \endcode
 ///
-/// **Ownership.** The stacks are borrowed. Pop a stack before it ends: one that ends while it is pushed drops out of
-/// the group behind this object, but not out of the order of stacks.
+/// **Ownership.** The caller owns the undo stacks. Pop an undo stack before it is destroyed. Otherwise this object
+/// keeps a dangling pointer, and a later pop() uses it. Do not push an undo stack that is already pushed.
 ///
-/// **Threads.** Used on the thread it lives on, normally the GUI thread.
+/// **Thread.** Use it on its own thread, normally the GUI thread.
 class ZQTUTIL_EXPORT UndoHandlerStack : public QObject
 {
     Q_OBJECT
 
 public:
-    /// An empty stack of stacks, owned by \a parent, if any.
+    /// Creates an object without undo stacks. \a parent owns it and can be null.
     explicit UndoHandlerStack(QObject* parent = nullptr);
 
-    /// Puts \a stack on top and makes it the active one; the signals tell how its state differs.
+    /// Pushes \a stack and makes it the active undo stack. The signals report its state.
     ///
-    /// Throws `std::invalid_argument` ("UndoHandlerStack use without stack!") when \a stack is null; nothing has
-    /// changed then.
+    /// Throws `std::invalid_argument` ("UndoHandlerStack use without stack!") and changes nothing if \a stack is null.
     void push(QUndoStack* stack);
 
-    /// Takes the stack on top off and returns it, to the caller that owns it; the one below is active then, if there is
-    /// one. Null, and no signal, when none is pushed.
+    /// Removes the topmost undo stack and makes the one below it active, if there is one. Does not delete the removed
+    /// stack.
+    ///
+    /// \returns the removed stack. If no stack is pushed, returns null and emits no signal.
     QUndoStack* pop();
 
-    /// The stack that undo() and redo() act on; null when there is none.
+    /// Returns the undo stack that undo() and redo() act on; null if there is none.
     QUndoStack* activeStack() const;
 
-    /// Undoes the last command of the active stack, if there is one.
+    /// Undoes the last command of the active stack. Does nothing if there is no such command.
     void undo();
-    /// Redoes the next command of the active stack, if there is one.
+    /// Redoes the next command of the active stack. Does nothing if there is no such command.
     void redo();
-    /// Whether the active stack has a command to undo; false without one.
+    /// Returns true if there is an active stack and it has a command to undo.
     bool canUndo() const;
-    /// Whether the active stack has a command to redo; false without one.
+    /// Returns true if there is an active stack and it has a command to redo.
     bool canRedo() const;
 
-    /// Whether no stack is pushed.
+    /// Returns true if no stack is pushed.
     bool empty() const;
 
 Q_SIGNALS:
-    /// Whether there is something to redo, when another stack became active or the active one changed.
+    /// Emitted when another stack becomes active or the active one changes. \a canRedo is the new result of canRedo().
     void canRedoChanged(bool canRedo);
-    /// Whether there is something to undo, likewise.
+    /// Emitted when another stack becomes active or the active one changes. \a canUndo is the new result of canUndo().
     void canUndoChanged(bool canUndo);
-    /// Whether the active stack is in its clean state, likewise.
+    /// Emitted when another stack becomes active or the clean state of the active one changes. \a clean is true if the
+    /// active stack is in its clean state.
     void cleanChanged(bool clean);
-    /// The index of the active stack's current command, likewise.
+    /// Emitted when another stack becomes active or the index of the active one changes. \a idx is the new
+    /// `QUndoStack::index()` of the active stack.
     void indexChanged(int idx);
 
 private:

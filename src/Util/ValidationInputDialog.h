@@ -40,12 +40,11 @@ class ZQTUTIL_EXPORT ValidationInputDialog : public QDialog
     Q_OBJECT
 
 public:
-    /// Returns true if \a input passes the check, and writes the text for the user to \a message.
+    /// Returns true if \a input passes the check. Can write a text for the user to \a message.
     ///
     /// \param input    the text of the field after `QString::simplified()`
-    /// \param message  the message below the field. It is empty when the first check is called. The second check gets
-    /// the
-    ///                 message of the first one.
+    /// \param message  the text below the field. It is empty when the first check is called. The second check receives
+    ///                 the message of the first one.
     using Check = std::function<bool(QString const& input, QString& message)>;
 
     /// Creates the dialog.

@@ -15,13 +15,15 @@ namespace Zelkor::Util
 namespace
 {
 
-/// The middle between two pixels; away from zero where it falls between them, which qRound() does not do below zero.
+/// Returns the mean of two coordinates. Half pixels are rounded away from zero; qRound() rounds negative ones up
+/// instead.
 int RoundedMiddle(int first, int last)
 {
     return static_cast<int>(std::lround((static_cast<double>(first) + last) * 0.5));
 }
 
-/// The middle in whole numbers, rounded toward zero: windows are placed by this one.
+/// Returns the centre of \a rect, rounded toward zero. Deliberately unlike RoundedMiddle(): the placement of windows
+/// has always used this rounding.
 QPoint MiddleOf(QRect const& rect)
 {
     return {(rect.left() + rect.right()) / 2, (rect.top() + rect.bottom()) / 2};
@@ -32,6 +34,7 @@ QPoint MiddleFor(QDialog const* dialog, QWidget const* parent)
     if (!parent) {
         parent = dialog->parentWidget();
     }
+    // The geometry without the frame, unlike in GetCurrentScreenRect().
     return MiddleOf(parent ? parent->window()->geometry() : GetCurrentScreenRect(dialog));
 }
 
@@ -72,7 +75,7 @@ int ExecDialogInCenterWindow(QDialog* dialog, QWidget* parent)
     QPointer<QDialog> const guarded(dialog);
     QPoint const middle = MiddleFor(dialog, parent);
     dialog->show();
-    QCoreApplication::processEvents(); // gives it its real size
+    QCoreApplication::processEvents(); // the dialog gets its final size only when it is shown
     if (!guarded) {
         return 0;
     }

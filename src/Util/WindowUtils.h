@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Where windows go.
+/// Placement of windows and dialogs.
 
 #include <Util/Export.h>
 
@@ -18,17 +18,24 @@ namespace Zelkor
 namespace Util
 {
 
-/// The geometry of the screen that holds the centre of \a widget, with its frame; of the primary screen when none does,
-/// and when \a widget is null. Empty when there is no screen at all. GUI thread.
+/// Returns the geometry of the screen that contains the centre of \a widget. The centre of a window is computed from
+/// the rectangle that includes its frame.
+///
+/// Returns the geometry of the primary screen if no screen contains the centre, or if \a widget is null. Returns a null
+/// rectangle if there is no screen. GUI thread.
 ZQTUTIL_EXPORT QRect GetCurrentScreenRect(QWidget const* widget);
 
-/// Where the top left corner of \a widget goes so that it stands in the middle of the screen of its parent; of the
-/// primary screen when it has none. GUI thread.
+/// Returns the position of the top left corner that centres \a widget on the screen of its parent, or on the primary
+/// screen if it has no parent. See GetCurrentScreenRect(). GUI thread.
 ZQTUTIL_EXPORT QPoint GetWidgetPosOnCurrentScreenCenter(QWidget const& widget);
 
-/// Shows \a dialog in the middle of the window of \a parent, runs it as `QDialog::exec()` does, and returns what that
-/// returns. Without a \a parent the dialog's own counts, and without that the middle of its screen. 0 when \a dialog is
-/// null, or is destroyed meanwhile. GUI thread; turns the event loop.
+/// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`. GUI thread; runs a nested event loop.
+///
+/// \param dialog  the dialog to show; the caller keeps ownership
+/// \param parent  a widget of the window in which the dialog is centred. If it is null, the parent of \a dialog is
+/// used. If
+///                the dialog has no parent either, it is centred on its screen.
+/// \returns the result of `QDialog::exec()`; 0 if \a dialog is null or is destroyed before it returns
 ZQTUTIL_EXPORT int ExecDialogInCenterWindow(QDialog* dialog, QWidget* parent);
 
 } // namespace Util
