@@ -1,6 +1,7 @@
-// Emitters and receivers registered under one name and unregistered again, each connected to all of the other side.
+// Registers emitters and receivers under one name, which connects every emitter to every receiver, and unregisters
+// them.
 //
-// The peer makes and breaks the same connections by hand, by QObject::connect() with the same texts.
+// The peer creates and removes the same connections with QObject::connect() and QObject::disconnect().
 
 #include "Support.h"
 
@@ -40,12 +41,12 @@ public Q_SLOTS:
     void setValue(int /*value*/) {}
 };
 
-struct ConnectorWay
+struct ConnectorRunner
 {
     static void Run(std::vector<Emitter>& emitters, std::vector<Receiver>& receivers)
     {
         using Util::ObjectsConnector;
-        // A text for each call, as QML makes them.
+        // QML passes a new string in every call, so a string shared by all calls would be too favourable.
         auto const id = [] { return QString::fromLatin1("volume"); };
         auto const signal = [] { return QString::fromLatin1("changed(int)"); };
         auto const slot = [] { return QString::fromLatin1("setValue(int)"); };
@@ -64,7 +65,7 @@ struct ConnectorWay
     }
 };
 
-struct ByHandWay
+struct ByHandRunner
 {
     static void Run(std::vector<Emitter>& emitters, std::vector<Receiver>& receivers)
     {
@@ -82,9 +83,11 @@ struct ByHandWay
     }
 };
 
-/// What \a work takes in a process of its own. Qt walks the connections of an emitter for each new one, so that nearly
-/// all of the time goes into waiting for memory: where the heap puts a connection decides, by a factor of four. In a
-/// new process that is the same each time.
+/// Runs \a work in a child process and returns its processor time in seconds.
+///
+/// For every new connection Qt walks the existing connections of the emitter, and waiting for memory takes nearly all
+/// of that time. The position of the connections on the heap changes the result by a factor of four. A new process
+/// starts with the same heap each time.
 template <class Work>
 double SecondsInChild(Work const& work)
 {
@@ -99,24 +102,24 @@ double SecondsInChild(Work const& work)
     }
     close(ends[1]);
     double seconds = 0;
-    bool const told = child > 0 && read(ends[0], &seconds, sizeof(seconds)) == sizeof(seconds);
+    bool const received = child > 0 && read(ends[0], &seconds, sizeof(seconds)) == sizeof(seconds);
     close(ends[0]);
     if (child > 0) {
         waitpid(child, nullptr, 0);
     }
-    if (!told) {
-        throw std::runtime_error("the process that connects did not end well");
+    if (!received) {
+        throw std::runtime_error("The child process failed");
     }
     return seconds;
 }
 
-template <class Way, int Count>
+template <class Runner, int Count>
 void ConnectAndDisconnect(benchmark::State& state)
 {
     for (auto _ : state) {
         std::vector<Emitter> emitters(Count);
         std::vector<Receiver> receivers(Count);
-        state.SetIterationTime(SecondsInChild([&] { Way::Run(emitters, receivers); }));
+        state.SetIterationTime(SecondsInChild([&] { Runner::Run(emitters, receivers); }));
     }
 }
 
@@ -125,8 +128,9 @@ void Register()
 {
     std::string const job = "Connect" + std::to_string(Count) + "/";
     for (auto* const registered :
-         {benchmark::RegisterBenchmark((job + "ObjectsConnector").c_str(), ConnectAndDisconnect<ConnectorWay, Count>),
-          benchmark::RegisterBenchmark((job + "ConnectByHand").c_str(), ConnectAndDisconnect<ByHandWay, Count>)}) {
+         {benchmark::RegisterBenchmark((job + "ObjectsConnector").c_str(),
+                                       ConnectAndDisconnect<ConnectorRunner, Count>),
+          benchmark::RegisterBenchmark((job + "ConnectByHand").c_str(), ConnectAndDisconnect<ByHandRunner, Count>)}) {
         registered->Unit(benchmark::kMillisecond)->UseManualTime();
     }
 }

@@ -1,7 +1,7 @@
-// Sizes and durations as text. Each call formats one value of a table, in turn.
+// Formats sizes and durations as text. Each call formats the next value of a table.
 //
-// The floor is the C library's formatting into a buffer; a user who picks it for a label has to make a QString of it
-// all the same, so both stand here. The other peers are what Qt and KDE's frameworks offer for the same text.
+// The lower bound is snprintf() into a buffer. A label needs a QString, so snprintf() is also measured with the
+// conversion. The other peers are the formatters of Qt and of KDE's frameworks.
 
 #include "Support.h"
 
@@ -22,14 +22,14 @@ namespace
 
 constexpr int Precision = 1;
 
-// One of every unit, and what stands at their borders.
+// Bytes: at least one value for each unit, and values near the limits between units.
 constexpr std::array<unsigned long long, 8> Sizes{512,      1500,       999999,      2500000,
                                                   73400320, 1999999999, 64424509440, 5497558138880};
 
-// Milliseconds, from a second to most of a day: a QTime has no more.
+// Milliseconds. All are less than a day, because QTime cannot hold more.
 constexpr std::array<int, 8> Durations{1234, 59999, 60000, 754321, 3599999, 3600000, 20123456, 86399999};
 
-/// Calls \a format with the \a values in turn.
+/// Measures \a format. Each call gets the next of the \a values, starting over after the last.
 template <class Values, class Format>
 void FormatInTurn(benchmark::State& state, Values const& values, Format const& format)
 {

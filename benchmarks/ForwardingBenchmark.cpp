@@ -1,8 +1,7 @@
-// Functors for another object's thread: what posting, calling and a round trip cost.
+// Runs functors on another object's thread: the cost of posting them, of calling them, and of a round trip.
 //
-// The floor is a bare posted event with the functor inside. The peers are what Qt itself offers. The lean form is the
-// least that a functor needs to travel as a std::function in a queued signal, which is how FunctorExecutionForwarder
-// promises to carry it.
+// The lower bound is a posted event that holds the functor. The other peers are functions of Qt, and LeanForwarder: the
+// smallest class that passes a std::function through a queued signal, as FunctorExecutionForwarder is documented to do.
 
 #include "LeanForwarder.h"
 #include "Support.h"
@@ -85,7 +84,7 @@ struct BigFunctor
     void operator()() const { calls->Step(); }
 };
 
-/// Counts how often it is copied; a move is no copy.
+/// Counts how often it is copied. Moves are not counted.
 class CountingFunctor
 {
 public:
@@ -108,99 +107,101 @@ private:
     int* copies_;
 };
 
-/// Posts functors from another thread, and returns what that took there in seconds.
-template <class Functor, class Way>
-double PostFromOtherThread(Way& way, Countdown* calls)
+/// Posts functors from another thread and returns the processor time of that thread in seconds.
+template <class Functor, class Implementation>
+double PostFromOtherThread(Implementation& implementation, Countdown* calls)
 {
     double seconds = 0;
     auto const post = [&] {
         for (int i = 0; i < FunctorCount; ++i) {
-            way.Post(Functor{calls});
+            implementation.Post(Functor{calls});
         }
     };
     std::thread([&] { seconds = ProcessorSeconds(post); }).join();
     return seconds;
 }
 
-template <class Way, class Functor>
+template <class Implementation, class Functor>
 void Post(benchmark::State& state)
 {
-    Way way;
+    Implementation implementation;
     for (auto _ : state) {
         Countdown calls(FunctorCount);
-        state.SetIterationTime(PostFromOtherThread<Functor>(way, &calls));
+        state.SetIterationTime(PostFromOtherThread<Functor>(implementation, &calls));
         calls.Wait();
     }
 }
 
-template <class Way>
+template <class Implementation>
 void PostSmall(benchmark::State& state)
 {
-    Post<Way, SmallFunctor>(state);
+    Post<Implementation, SmallFunctor>(state);
 }
 
-template <class Way>
+template <class Implementation>
 void PostBig(benchmark::State& state)
 {
-    Post<Way, BigFunctor>(state);
+    Post<Implementation, BigFunctor>(state);
 }
 
-template <class Way>
+template <class Implementation>
 void Drain(benchmark::State& state)
 {
-    Way way;
+    Implementation implementation;
     for (auto _ : state) {
         Countdown calls(FunctorCount);
-        PostFromOtherThread<SmallFunctor>(way, &calls);
+        PostFromOtherThread<SmallFunctor>(implementation, &calls);
         state.SetIterationTime(ProcessorSeconds([&] { calls.Wait(); }));
     }
 }
 
-/// Two threads that call each other.
-template <class Way>
-class Rally
+/// Sends functors back and forth between the calling thread and a second thread.
+template <class Implementation>
+class RoundTrips
 {
 public:
-    Rally() { there_.MoveTo(&thread_); }
+    RoundTrips() { remote_.MoveTo(&thread_); }
 
-    void Play()
+    /// Makes #RoundTripCount round trips, one after another.
+    void Run()
     {
         Countdown roundTrips(RoundTripCount);
-        Serve(&roundTrips);
+        Send(&roundTrips);
         roundTrips.Wait();
     }
 
 private:
-    void Serve(Countdown* roundTrips)
+    void Send(Countdown* roundTrips)
     {
-        there_.Post([this, roundTrips] { here_.Post([this, roundTrips] { Return(roundTrips); }); });
+        remote_.Post([this, roundTrips] { local_.Post([this, roundTrips] { OnReply(roundTrips); }); });
     }
 
-    void Return(Countdown* roundTrips)
+    void OnReply(Countdown* roundTrips)
     {
         roundTrips->Step();
-        if (roundTrips->Left() > 0) {
-            Serve(roundTrips);
+        if (roundTrips->Remaining() > 0) {
+            Send(roundTrips);
         }
     }
 
-    Way here_;
-    Way there_;
-    EventThread thread_; // ends before what it serves
+    Implementation local_;
+    Implementation remote_;
+    EventThread thread_; // declared last: it must stop before the objects that it calls are destroyed
 };
 
-template <class Way>
+template <class Implementation>
 void PingPong(benchmark::State& state)
 {
-    OneCore const core;
-    Rally<Way> rally;
+    PinToOneCore const pin;
+    RoundTrips<Implementation> roundTrips;
     for (auto _ : state) {
-        rally.Play();
+        roundTrips.Run();
     }
 }
 
-// Copies of a functor on its way, as counters: in by value and into the queue, into the queue alone when the caller
-// hands it over, and while it is called.
+// Reports the number of copies of a functor as counters. "kept": the caller keeps the functor, which is copied into the
+// argument and into the queue. "handed_over": the caller passes a temporary, which is copied into the queue only.
+// "called": the copies made while the functor is called.
 template <class Forwarder>
 void Copies(benchmark::State& state)
 {
@@ -218,16 +219,16 @@ void Copies(benchmark::State& state)
     }
 }
 
-template <class Way>
-void Register(std::string const& way)
+template <class Implementation>
+void Register(std::string const& name)
 {
-    auto const inMilliseconds = [&way](std::string const& job, void (*measure)(benchmark::State&)) {
-        return benchmark::RegisterBenchmark((job + "/" + way).c_str(), measure)->Unit(benchmark::kMillisecond);
+    auto const inMilliseconds = [&name](std::string const& job, void (*measure)(benchmark::State&)) {
+        return benchmark::RegisterBenchmark((job + "/" + name).c_str(), measure)->Unit(benchmark::kMillisecond);
     };
-    inMilliseconds("PostSmall", PostSmall<Way>)->UseManualTime();
-    inMilliseconds("PostBig", PostBig<Way>)->UseManualTime();
-    inMilliseconds("Drain", Drain<Way>)->UseManualTime();
-    inMilliseconds("PingPong", PingPong<Way>)->UseRealTime();
+    inMilliseconds("PostSmall", PostSmall<Implementation>)->UseManualTime();
+    inMilliseconds("PostBig", PostBig<Implementation>)->UseManualTime();
+    inMilliseconds("Drain", Drain<Implementation>)->UseManualTime();
+    inMilliseconds("PingPong", PingPong<Implementation>)->UseRealTime();
 }
 
 } // namespace

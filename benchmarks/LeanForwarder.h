@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The least that a functor needs to travel as a std::function in a queued signal.
+/// The smallest class that passes a std::function through a queued signal: the peer of FunctorExecutionForwarder.
 
 #include <QtCore/QObject>
 
@@ -13,6 +13,7 @@ namespace Zelkor::Benchmarks
 
 using LeanFunctor = std::function<void()>;
 
+/// Calls functors on its own thread, through a queued signal connected to a slot of the same object.
 class LeanForwarder : public QObject
 {
     Q_OBJECT

@@ -1,10 +1,10 @@
-// How long the dynamic linker takes to load a library into a process that has its dependencies already.
+// Measures how long the dynamic linker takes to load a library whose dependencies are already loaded.
 //
-//     LoadBenchmark --library=FILE [benchmark options]   measures the library FILE and its peers
-//     LoadBenchmark --load=FILE                          loads once, and prints the nanoseconds and the number of
-//                                                        functions that ran: what a measured process does
+//     LoadBenchmark --library=FILE [benchmark options]   Measures FILE and its peers, each load in a new process.
+//     LoadBenchmark --load=FILE                          The new process: loads FILE once, prints the processor time in
+//                                                        nanoseconds and the number of initialisation functions.
 //
-// The peers are frameworks that an application on Qt 5 would take similar helpers from.
+// The peers are KDE frameworks with similar helpers for Qt 5 applications.
 
 #include "Support.h"
 
@@ -34,7 +34,7 @@ int LoadedObjects()
     return count;
 }
 
-/// The number of functions that the dynamic linker calls when it loads the library of \a handle.
+/// Returns the number of functions that the dynamic linker calls when it loads the library of \a handle.
 std::size_t InitialisationFunctions(void* handle)
 {
     link_map* map = nullptr;
@@ -49,7 +49,7 @@ std::size_t InitialisationFunctions(void* handle)
 
 int LoadOnce(char const* library)
 {
-    // KF5CoreAddons needs it, and nothing that this program is linked with does.
+    // KF5CoreAddons depends on libudev, which no library of this program loads.
     dlopen("libudev.so.1", RTLD_NOW | RTLD_GLOBAL);
     int const before = LoadedObjects();
     void* handle = nullptr;
@@ -59,7 +59,7 @@ int LoadOnce(char const* library)
         return 1;
     }
     if (LoadedObjects() != before + 1) {
-        std::fprintf(stderr, "%s is not loaded alone: a dependency came with it, or it was there already\n", library);
+        std::fprintf(stderr, "%s was already loaded, or a dependency was loaded with it\n", library);
         return 1;
     }
     std::printf("%.0f %zu\n", seconds * 1e9, InitialisationFunctions(handle));
@@ -97,11 +97,12 @@ void Measure(benchmark::State& state, std::string const& self, std::string const
     state.counters["functions"] = static_cast<double>(load.functions);
 }
 
-/// The value of an argument "--name=value", or null.
-char const* OptionValue(char const* argument, char const* start)
+/// Returns the rest of \a argument after \a prefix, such as "--name=". Returns null if it does not start with \a
+/// prefix.
+char const* OptionValue(char const* argument, char const* prefix)
 {
-    std::size_t const size = std::strlen(start);
-    return std::strncmp(argument, start, size) == 0 ? argument + size : nullptr;
+    std::size_t const size = std::strlen(prefix);
+    return std::strncmp(argument, prefix, size) == 0 ? argument + size : nullptr;
 }
 
 int Run(int argc, char** argv)
@@ -113,7 +114,7 @@ int Run(int argc, char** argv)
     }
     char const* const ours = argc > 1 ? OptionValue(argv[1], "--library=") : nullptr;
     if (!ours) {
-        std::fprintf(stderr, "Which library shall be measured? --library=FILE first\n");
+        std::fprintf(stderr, "Usage: LoadBenchmark --library=FILE [benchmark options]\n");
         return 1;
     }
     std::string const self = argv[0];

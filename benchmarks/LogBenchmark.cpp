@@ -1,7 +1,8 @@
-// A message with a number in it, written to a file by one thread.
+// Writes messages that contain a number to a file, from one thread.
 //
-// Ours formats as Qt does and then logs through glog, so plain glog is the floor. Qt's own handler writes to the
-// standard error, here a file. spdlog is what a project that starts afresh would take.
+// QtLogHandler receives a message that Qt has formatted and logs it through glog, so glog alone is the lower bound.
+// Qt's default handler writes to the standard error, which is redirected to a file. spdlog is a common choice for new
+// projects.
 
 #include "Support.h"
 
@@ -66,7 +67,7 @@ void MeasureQt(benchmark::State& state)
     qInstallMessageHandler(before);
 }
 
-/// What the standard error stream gets goes to a file while this lives.
+/// Redirects the standard error to a file during the lifetime of the object.
 class StandardErrorInFile
 {
 public:
@@ -74,7 +75,7 @@ public:
         : before_(dup(STDERR_FILENO))
     {
         if (!std::freopen(qPrintable(path), "w", stderr)) {
-            throw std::runtime_error("The standard error does not go to a file");
+            throw std::runtime_error("The standard error cannot be redirected to a file");
         }
     }
 

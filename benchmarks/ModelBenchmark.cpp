@@ -1,4 +1,4 @@
-// What a view asks of a model for each item: the uid, and the path of the icon.
+// Reads the data that a view requests from a model for each item: the uid and the path of the icon.
 
 #include "Support.h"
 
@@ -29,7 +29,7 @@ QStringList Uids()
     return uids;
 }
 
-/// The least that a model of texts is.
+/// A list of texts with the two functions that every list model needs: the lower bound.
 class MinimalModel : public QAbstractListModel
 {
 public:
@@ -44,7 +44,7 @@ private:
     QStringList const uids_ = Uids();
 };
 
-/// Our model, without titles.
+/// The measured model, with the uids as titles.
 class UidModel : public SimpleModel
 {
 public:
@@ -74,7 +74,7 @@ public:
     }
 };
 
-/// Reads \a Role of every item, in turn, as a view does that knows no more than that it has a model.
+/// Reads \a Role of every item through the interface QAbstractItemModel, as a view does.
 template <class Model, int Role>
 void Read(benchmark::State& state)
 {
@@ -92,7 +92,8 @@ void Read(benchmark::State& state)
     }
 }
 
-/// The icon path of a uid, written in one pass into a text of the right length.
+/// Returns the icon path of \a uid. Allocates a string of the final length and writes each character once: the lower
+/// bound.
 QString OnePass(QString const& uid)
 {
     static QLatin1String const before("qrc:/icons/");
@@ -111,13 +112,13 @@ QString OnePass(QString const& uid)
     return path;
 }
 
-/// The first that comes to mind.
+/// Returns the icon path of \a uid, with the most obvious code.
 QString ReplaceAndArg(QString const& uid)
 {
     return QStringLiteral("qrc:/icons/%1.png").arg(QString(uid).replace(QLatin1Char('_'), QLatin1Char('/')));
 }
 
-/// A model that has icon paths only, made by \a Path.
+/// A model that returns only icon paths, which the function \a Path creates.
 template <QString (*Path)(QString const&)>
 class IconModel : public QAbstractListModel
 {

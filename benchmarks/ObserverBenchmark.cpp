@@ -1,7 +1,7 @@
-// An event published to 1, 10 and 1 000 observers, each of which counts it.
+// Publishes an event to 1, 10 and 1 000 observers. Each observer adds up the lengths of the texts that it receives.
 //
-// The floor is what a careful user writes first: a vector, walked under one mutex, in which an observer that registers
-// or publishes from its call-back blocks for ever. The peers are the signals that a user would pick instead.
+// The lower bound is a simple implementation: a vector protected by one mutex. It deadlocks if an observer registers
+// another observer or publishes an event in its callback. The other peers are signal libraries.
 
 #include "Support.h"
 
@@ -30,19 +30,19 @@ public:
     virtual void OnEvent(QString const& uid) = 0;
 };
 
-/// What every way tells: it counts.
+/// Adds up the lengths of the received texts. All implementations except the Qt signal use it.
 class Counter : public Observer
 {
 public:
-    void OnEvent(QString const& uid) override { told_ += uid.size(); }
+    void OnEvent(QString const& uid) override { received_ += uid.size(); }
 
-    int Told() const { return told_; }
+    int Received() const { return received_; }
 
 private:
-    int told_ = 0;
+    int received_ = 0;
 };
 
-class Publisher : public QObject
+class Emitter : public QObject
 {
     Q_OBJECT
 
@@ -50,20 +50,21 @@ Q_SIGNALS:
     void happened(QString const& uid) const;
 };
 
-class Receiver : public QObject
+/// The same as Counter, for the Qt signal.
+class QtCounter : public QObject
 {
     Q_OBJECT
 
 public:
-    void OnEvent(QString const& uid) { told_ += uid.size(); }
+    void OnEvent(QString const& uid) { received_ += uid.size(); }
 
-    int Told() const { return told_; }
+    int Received() const { return received_; }
 
 private:
-    int told_ = 0;
+    int received_ = 0;
 };
 
-class EventHandlerListWay
+class EventHandlerListPublisher
 {
 public:
     void Add(Counter& counter) { list_.RegisterEventHandler(&counter); }
@@ -77,7 +78,7 @@ private:
     Core::EventHandlerList<Observer, Core::SyncExecutePolicy> list_;
 };
 
-class VectorWay
+class VectorPublisher
 {
 public:
     void Add(Counter& counter) { observers_.push_back(&counter); }
@@ -95,21 +96,21 @@ private:
     std::vector<Observer*> observers_;
 };
 
-class QtWay
+class QtPublisher
 {
 public:
-    void Add(Receiver& receiver)
+    void Add(QtCounter& counter)
     {
-        QObject::connect(&publisher_, &Publisher::happened, &receiver, &Receiver::OnEvent, Qt::DirectConnection);
+        QObject::connect(&emitter_, &Emitter::happened, &counter, &QtCounter::OnEvent, Qt::DirectConnection);
     }
 
-    void Publish(QString const& uid) { Q_EMIT publisher_.happened(uid); }
+    void Publish(QString const& uid) { Q_EMIT emitter_.happened(uid); }
 
 private:
-    Publisher publisher_;
+    Emitter emitter_;
 };
 
-class Signals2Way
+class Signals2Publisher
 {
 public:
     void Add(Counter& counter)
@@ -123,7 +124,7 @@ private:
     boost::signals2::signal<void(QString const&)> signal_;
 };
 
-class SigcWay
+class SigcPublisher
 {
 public:
     void Add(Counter& counter) { signal_.connect(sigc::mem_fun(counter, &Counter::OnEvent)); }
@@ -134,21 +135,21 @@ private:
     sigc::signal<void, QString const&> signal_;
 };
 
-template <class Way, class Told, int Count>
+template <class Publisher, class CounterType, int Count>
 void Publish(benchmark::State& state)
 {
-    std::vector<Told> observers(Count);
-    Way way;
-    for (Told& observer : observers) {
-        way.Add(observer);
+    std::vector<CounterType> observers(Count);
+    Publisher publisher;
+    for (CounterType& observer : observers) {
+        publisher.Add(observer);
     }
     QString const uid = QStringLiteral("video_trim");
     for (auto _ : state) {
-        way.Publish(uid);
+        publisher.Publish(uid);
     }
-    for (Told const& observer : observers) {
-        if (observer.Told() != observers.front().Told() || observer.Told() == 0) {
-            state.SkipWithError("an observer was not told of everything");
+    for (CounterType const& observer : observers) {
+        if (observer.Received() != observers.front().Received() || observer.Received() == 0) {
+            state.SkipWithError("An observer missed an event");
         }
     }
 }
@@ -157,11 +158,12 @@ template <int Count>
 void Register()
 {
     std::string const job = "Publish" + std::to_string(Count) + "/";
-    benchmark::RegisterBenchmark((job + "EventHandlerList").c_str(), Publish<EventHandlerListWay, Counter, Count>);
-    benchmark::RegisterBenchmark((job + "LockedVector").c_str(), Publish<VectorWay, Counter, Count>);
-    benchmark::RegisterBenchmark((job + "QtDirect").c_str(), Publish<QtWay, Receiver, Count>);
-    benchmark::RegisterBenchmark((job + "Signals2").c_str(), Publish<Signals2Way, Counter, Count>);
-    benchmark::RegisterBenchmark((job + "Sigc").c_str(), Publish<SigcWay, Counter, Count>);
+    benchmark::RegisterBenchmark((job + "EventHandlerList").c_str(),
+                                 Publish<EventHandlerListPublisher, Counter, Count>);
+    benchmark::RegisterBenchmark((job + "LockedVector").c_str(), Publish<VectorPublisher, Counter, Count>);
+    benchmark::RegisterBenchmark((job + "QtDirect").c_str(), Publish<QtPublisher, QtCounter, Count>);
+    benchmark::RegisterBenchmark((job + "Signals2").c_str(), Publish<Signals2Publisher, Counter, Count>);
+    benchmark::RegisterBenchmark((job + "Sigc").c_str(), Publish<SigcPublisher, Counter, Count>);
 }
 
 } // namespace

@@ -1,11 +1,12 @@
-// The size of a folder tree, on trees that stress what walks differ in: many folders, depth, one long folder.
+// Calculates the size of folder trees: one with many folders, one with a deep chain, and one with many files in a
+// folder.
 //
-//     PathSizeBenchmark --trees=FOLDER [--scale=PERCENT] [benchmark options]   measures, and makes the trees it misses
-//     PathSizeBenchmark --walk=WAY FOLDER                                      walks once: what a tracer looks at
+//     PathSizeBenchmark --trees=FOLDER [--scale=PERCENT] [benchmark options]   Creates the trees and measures.
+//     PathSizeBenchmark --walk=NAME FOLDER                                     Calculates one size, for a tracer.
 //
-// The floor is the least that the kernel asks for: read each folder, and look at each entry relative to it. `du` is
-// what a user has at the prompt; it also counts its own start, which is measured on an empty folder. The others are the
-// walks that libraries offer.
+// The lower bound makes the fewest system calls: it reads each folder and calls fstatat() once for each file. `du` is
+// measured as a process, which includes its start. "ProcessStart/Du" measures the start alone, on an empty folder. The
+// other peers are the directory walks of libraries.
 
 #include "Process.h"
 #include "Support.h"
@@ -120,26 +121,27 @@ Size FtsSize(std::string const& folder)
     return size;
 }
 
-/// What `du` takes for \a folder. Its answer, which counts the folders themselves too, goes nowhere.
+/// Returns the processor time of `du` for \a folder in seconds. Its result is not checked, because `du` also adds the
+/// sizes of the folders themselves.
 double DuSeconds(std::string const& folder)
 {
     return ProcessSeconds({"du", "-s", "--apparent-size", "-B1", folder});
 }
 
-struct Way
+struct Walk
 {
     char const* name;
     Size (*size)(std::string const& folder);
 };
 
-constexpr Way Ways[] = {
+constexpr Walk Walks[] = {
     {"GetPathSize", OursSize},      {"GetdentsFstatat", FloorSize}, {"StdFilesystem", StdSize},
     {"BoostFilesystem", BoostSize}, {"QDirIterator", QtSize},       {"Fts", FtsSize},
 };
 
 constexpr int FileSize = 100;
 
-/// Makes a file in \a folder: it takes a size, and no room.
+/// Creates a file of #FileSize bytes in \a folder. The file is sparse and takes no disk blocks.
 void MakeFile(std::string const& folder, int number)
 {
     std::string const path = folder + "/file" + std::to_string(number);
@@ -201,11 +203,11 @@ constexpr Tree Trees[] = {
     {"OneFolder", MakeOneFolder},
 };
 
-void Measure(benchmark::State& state, Way const& way, std::string const& folder, Size expected)
+void Measure(benchmark::State& state, Walk const& walk, std::string const& folder, Size expected)
 {
-    Size size = way.size(folder); // once in vain: everything is cached from here on
+    Size size = walk.size(folder); // fills the caches of the kernel
     for ([[maybe_unused]] auto _ : state) {
-        state.SetIterationTime(ProcessorSeconds([&] { size = way.size(folder); }));
+        state.SetIterationTime(ProcessorSeconds([&] { size = walk.size(folder); }));
     }
     if (size != expected) {
         state.SkipWithError("The size is wrong");
@@ -227,10 +229,10 @@ benchmark::internal::Benchmark* InMilliseconds(benchmark::internal::Benchmark* r
 void Register(Tree const& tree, std::string const& folder, Size expected)
 {
     std::string const job = std::string(tree.name) + "/";
-    for (Way const& way : Ways) {
+    for (Walk const& walk : Walks) {
         InMilliseconds(
-            benchmark::RegisterBenchmark((job + way.name).c_str(), [&way, folder, expected](benchmark::State& state) {
-                Measure(state, way, folder, expected);
+            benchmark::RegisterBenchmark((job + walk.name).c_str(), [&walk, folder, expected](benchmark::State& state) {
+                Measure(state, walk, folder, expected);
             }));
     }
     InMilliseconds(benchmark::RegisterBenchmark((job + "Du").c_str(),
@@ -239,23 +241,24 @@ void Register(Tree const& tree, std::string const& folder, Size expected)
 
 int WalkOnce(std::string const& name, std::string const& folder)
 {
-    for (Way const& way : Ways) {
-        if (name == way.name) {
-            std::printf("%llu\n", way.size(folder));
+    for (Walk const& walk : Walks) {
+        if (name == walk.name) {
+            std::printf("%llu\n", walk.size(folder));
             return 0;
         }
     }
-    std::fprintf(stderr, "No such way: %s\n", name.c_str());
+    std::fprintf(stderr, "Unknown walk: %s\n", name.c_str());
     return 1;
 }
 
-/// Takes the option \a name out of the arguments; \a fallback when it is not among them.
+/// Removes the option \a name from the arguments \a argc and \a argv and returns its value. Returns \a fallback if the
+/// option is not given.
 std::string TakeOption(int& argc, char** argv, std::string const& name, std::string const& fallback)
 {
-    std::string const start = "--" + name + "=";
+    std::string const prefix = "--" + name + "=";
     for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], start.c_str(), start.size()) == 0) {
-            std::string value = argv[i] + start.size();
+        if (std::strncmp(argv[i], prefix.c_str(), prefix.size()) == 0) {
+            std::string value = argv[i] + prefix.size();
             std::memmove(argv + i, argv + i + 1, sizeof(char*) * static_cast<std::size_t>(argc - i));
             --argc;
             return value;
@@ -273,7 +276,7 @@ int Run(int argc, char** argv)
     std::string const trees = TakeOption(argc, argv, "trees", "");
     int const scale = std::stoi(TakeOption(argc, argv, "scale", "100"));
     if (trees.empty()) {
-        std::fprintf(stderr, "Where shall the trees be made? --trees=FOLDER\n");
+        std::fprintf(stderr, "Usage: PathSizeBenchmark --trees=FOLDER [--scale=PERCENT] [benchmark options]\n");
         return 1;
     }
     std::filesystem::create_directories(trees + "/Empty");

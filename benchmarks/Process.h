@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Programs that are measured as a user runs them.
+/// Measures external programs.
 
 #include <stdexcept>
 #include <string>
@@ -21,8 +21,8 @@ inline double InSeconds(timeval const& time)
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-/// Runs the program \a command and returns the processor time that it took, its own start included, in seconds. What it
-/// prints goes nowhere. Throws when it does not run or fails.
+/// Runs \a command, a program and its arguments, and returns the processor time of the process in seconds, including
+/// its start. Discards the standard output. Throws std::runtime_error if the program cannot be started or fails.
 inline double ProcessSeconds(std::vector<std::string> command)
 {
     std::vector<char*> arguments;
@@ -42,7 +42,7 @@ inline double ProcessSeconds(std::vector<std::string> command)
                      wait4(process, &status, 0, &usage) == process && status == 0;
     posix_spawn_file_actions_destroy(&actions);
     if (!ran) {
-        throw std::runtime_error(command.front() + " does not run");
+        throw std::runtime_error(command.front() + " cannot be started or fails");
     }
     return InSeconds(usage.ru_utime) + InSeconds(usage.ru_stime);
 }

@@ -1,7 +1,7 @@
-// The removal of 20 000 aged files in 200 folders.
+// Removes 20 000 files in 200 folders. All files are old enough to be removed.
 //
-// `rm -rf` is what a user has at the prompt, and need not look at a file's age; it also counts its own start, which is
-// measured on an empty folder. QDir::removeRecursively() is what a Qt application has, without the age as well.
+// `rm -rf` is measured as a process, which includes its start. "RemovalStart/Rm" measures the start alone, on an empty
+// folder. Neither `rm` nor QDir::removeRecursively() checks the age of a file.
 
 #include "Process.h"
 #include "Support.h"
@@ -31,7 +31,7 @@ void Age(std::string const& path)
     utimensat(AT_FDCWD, path.c_str(), longAgo, 0);
 }
 
-/// Makes the folder \a tree with \a folders of aged files.
+/// Creates the folder \a tree with \a folders subfolders that contain old files.
 void MakeTree(std::string const& tree, int folders)
 {
     mkdir(tree.c_str(), 0700);
@@ -71,11 +71,11 @@ void Register(char const* name, double (*seconds)(std::string const& tree), std:
                                          state.SetIterationTime(seconds(tree));
                                      }
                                      if (access(tree.c_str(), F_OK) == 0) {
-                                         state.SkipWithError("Something is left");
+                                         state.SkipWithError("The tree was not removed");
                                      }
                                  })
         ->Unit(benchmark::kMillisecond)
-        ->Iterations(1) // making the tree takes longer than removing it
+        ->Iterations(1) // creating the tree takes longer than removing it
         ->UseManualTime();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the benchmarks share.
+/// Helpers shared by the benchmarks.
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
@@ -22,7 +22,8 @@
 namespace Zelkor::Benchmarks
 {
 
-/// The processor time that this thread takes for \a work, in seconds: what other programs do meanwhile is not in it.
+/// Calls \a work and returns the processor time of the calling thread in seconds. Unlike wall-clock time, it does not
+/// grow when other programs run.
 template <class Work>
 double ProcessorSeconds(Work const& work)
 {
@@ -36,12 +37,14 @@ double ProcessorSeconds(Work const& work)
     return now() - start;
 }
 
-/// Keeps this thread, and the threads it starts meanwhile, on one core. Threads that wait for each other in turn are
-/// then told in what each hand-over costs, not in how long an idle core takes to wake.
-class OneCore
+/// Pins the calling thread, and the threads that it starts during the object's lifetime, to one core.
+///
+/// Use it for threads that wait for each other in turn. On several cores, the time that an idle core takes to wake up
+/// would dominate the result.
+class PinToOneCore
 {
 public:
-    OneCore()
+    PinToOneCore()
     {
         sched_getaffinity(0, sizeof(before_), &before_);
         cpu_set_t one;
@@ -50,16 +53,16 @@ public:
         sched_setaffinity(0, sizeof(one), &one);
     }
 
-    ~OneCore() { sched_setaffinity(0, sizeof(before_), &before_); }
+    ~PinToOneCore() { sched_setaffinity(0, sizeof(before_), &before_); }
 
-    OneCore(OneCore const&) = delete;
-    OneCore& operator=(OneCore const&) = delete;
+    PinToOneCore(PinToOneCore const&) = delete;
+    PinToOneCore& operator=(PinToOneCore const&) = delete;
 
 private:
     cpu_set_t before_;
 };
 
-/// Turns this thread's event loop until a number of things have happened on it.
+/// Runs the event loop of the calling thread until Step() was called a given number of times.
 class Countdown
 {
 public:
@@ -67,7 +70,7 @@ public:
         : count_(count)
     {}
 
-    /// One of them has happened. From within Wait() only.
+    /// Counts one event. Call it from the event loop that Wait() runs.
     void Step()
     {
         if (--count_ == 0) {
@@ -75,7 +78,10 @@ public:
         }
     }
 
-    int Left() const { return count_; }
+    /// Returns the number of calls of Step() until Wait() returns.
+    int Remaining() const { return count_; }
+
+    /// Runs the event loop until the count is zero.
     void Wait() { loop_.exec(); }
 
 private:
@@ -83,11 +89,12 @@ private:
     int count_;
 };
 
-/// The floor of every hand-over between threads with event loops: one posted event, with the functor inside.
+/// Calls functors on another thread with one posted event each, which holds the functor. This is the lower bound for
+/// every way to pass work between threads with event loops.
 class PostedEvents : public QObject
 {
 public:
-    /// Calls \a functor on this object's thread.
+    /// Queues a call of \a functor on this object's thread.
     template <class Functor>
     void Post(Functor functor)
     {
@@ -126,7 +133,7 @@ private:
     };
 };
 
-/// A thread with an event loop, as long as it lives.
+/// A thread whose event loop runs during the lifetime of the object.
 class EventThread : public QThread
 {
 public:
@@ -139,7 +146,8 @@ public:
     }
 };
 
-/// The body of every benchmark's main(), once an application object is there.
+/// Runs the registered benchmarks with the command line \a argc and \a argv. Returns the exit code of the program.
+/// Benchmarks that need an application object create it first.
 inline int RunBenchmarks(int argc, char** argv)
 {
     benchmark::AddCustomContext("qt_version", qVersion());
@@ -158,7 +166,7 @@ inline int RunBenchmarks(int argc, char** argv)
     return 0;
 }
 
-/// Calls \a run and returns what it does; what it throws ends on the standard error stream, and the program with 1.
+/// Calls \a run and returns its result. If it throws, prints the message to the standard error and returns 1.
 template <class Run>
 int ExitCodeOf(Run const& run)
 {

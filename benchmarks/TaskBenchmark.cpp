@@ -1,7 +1,7 @@
-// Jobs on one worker thread, with completion and progress on the owner thread.
+// Runs jobs on one worker thread and delivers progress and completion to the owner thread.
 //
-// Every peer has one worker, so that its jobs do not overlap either. The floor is two bare posted events a job: one
-// there, one back.
+// Every peer has one worker thread, so that its jobs do not overlap either. The lower bound is two posted events for
+// each job: one to the worker thread and one back.
 
 #include "Support.h"
 
@@ -31,8 +31,8 @@ constexpr int ChainSize = 500;
 constexpr int ReportingJobs = 100;
 constexpr int ReportsPerJob = 100;
 
-// Each way runs a job that calls `report` for every value below `reports`, and calls `progress` and then `finished` on
-// the owner thread. A trivial job is one without reports.
+// Run() of each implementation runs a job that reports every value below `reports`. It calls `progress` for each report
+// and then `finished`, both on the owner thread. A trivial job has no reports.
 
 class Service
 {
@@ -54,10 +54,10 @@ private:
     Util::AsyncService service_;
 };
 
-class EventsThereAndBack
+class EventsInBothDirections
 {
 public:
-    EventsThereAndBack() { worker_.MoveTo(&thread_); }
+    EventsInBothDirections() { worker_.MoveTo(&thread_); }
 
     template <class Progress, class Finished>
     void Run(int reports, Progress const& progress, Finished const& finished)
@@ -73,7 +73,7 @@ public:
 private:
     PostedEvents owner_;
     PostedEvents worker_;
-    EventThread thread_; // ends before what it serves
+    EventThread thread_; // declared last: it must stop before the objects that it calls are destroyed
 };
 
 class OneThreadPool : public QThreadPool
@@ -95,7 +95,7 @@ private:
     Job job_;
 };
 
-class PoolWithCallBack
+class PoolWithCallback
 {
 public:
     template <class Progress, class Finished>
@@ -156,7 +156,7 @@ private:
     ThreadWeaver::Queue queue_;
 };
 
-/// QtConcurrent::run has no way to report progress.
+/// QtConcurrent::run() cannot report progress.
 class ConcurrentWithWatcher
 {
 public:
@@ -176,7 +176,7 @@ private:
     OneThreadPool pool_;
 };
 
-/// Progress as results, each of which a QFuture delivers, other than its progress values.
+/// Reports progress as results. QFuture delivers every result, but it drops progress values.
 class FutureResults
 {
 public:
@@ -214,52 +214,52 @@ private:
 
 constexpr auto NoProgress = [](int) {};
 
-template <class Way>
+template <class Implementation>
 void Batch(benchmark::State& state)
 {
-    Way way;
+    Implementation implementation;
     for (auto _ : state) {
         Countdown completions(BatchSize);
         for (int i = 0; i < BatchSize; ++i) {
-            way.Run(0, NoProgress, [&] { completions.Step(); });
+            implementation.Run(0, NoProgress, [&] { completions.Step(); });
         }
         completions.Wait();
     }
 }
 
-/// Runs trivial jobs until \a completions has seen enough, each when the one before it has completed.
-template <class Way>
-void RunChain(Way& way, Countdown& completions)
+/// Runs trivial jobs one after another until \a completions reaches zero. The completion of a job starts the next one.
+template <class Implementation>
+void RunChain(Implementation& implementation, Countdown& completions)
 {
-    way.Run(0, NoProgress, [&] {
+    implementation.Run(0, NoProgress, [&] {
         completions.Step();
-        if (completions.Left() > 0) {
-            RunChain(way, completions);
+        if (completions.Remaining() > 0) {
+            RunChain(implementation, completions);
         }
     });
 }
 
-template <class Way>
+template <class Implementation>
 void OneAfterTheOther(benchmark::State& state)
 {
-    OneCore const core;
-    Way way;
+    PinToOneCore const pin;
+    Implementation implementation;
     for (auto _ : state) {
         Countdown completions(ChainSize);
-        RunChain(way, completions);
+        RunChain(implementation, completions);
         completions.Wait();
     }
 }
 
-template <class Way>
+template <class Implementation>
 void Progress(benchmark::State& state)
 {
-    Way way;
+    Implementation implementation;
     for (auto _ : state) {
         int delivered = 0;
         Countdown completions(ReportingJobs);
         for (int i = 0; i < ReportingJobs; ++i) {
-            way.Run(
+            implementation.Run(
                 ReportsPerJob, [&](int) { ++delivered; }, [&] { completions.Step(); });
         }
         completions.Wait();
@@ -274,18 +274,18 @@ void Register(std::string const& name, void (*measure)(benchmark::State&))
     benchmark::RegisterBenchmark(name.c_str(), measure)->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
-template <class Way>
-void RegisterTrivialJobs(std::string const& way)
+template <class Implementation>
+void RegisterTrivialJobs(std::string const& name)
 {
-    Register("Batch/" + way, Batch<Way>);
-    Register("OneAfterTheOther/" + way, OneAfterTheOther<Way>);
+    Register("Batch/" + name, Batch<Implementation>);
+    Register("OneAfterTheOther/" + name, OneAfterTheOther<Implementation>);
 }
 
-template <class Way>
-void RegisterEveryJob(std::string const& way)
+template <class Implementation>
+void RegisterEveryJob(std::string const& name)
 {
-    RegisterTrivialJobs<Way>(way);
-    Register("Progress/" + way, Progress<Way>);
+    RegisterTrivialJobs<Implementation>(name);
+    Register("Progress/" + name, Progress<Implementation>);
 }
 
 } // namespace
@@ -293,8 +293,8 @@ void RegisterEveryJob(std::string const& way)
 void RegisterAll()
 {
     RegisterEveryJob<Service>("AsyncService");
-    RegisterEveryJob<EventsThereAndBack>("PostedEvents");
-    RegisterEveryJob<PoolWithCallBack>("ThreadPool");
+    RegisterEveryJob<EventsInBothDirections>("PostedEvents");
+    RegisterEveryJob<PoolWithCallback>("ThreadPool");
     RegisterEveryJob<Weaver>("ThreadWeaver");
     RegisterTrivialJobs<ConcurrentWithWatcher>("QtConcurrent");
     Register("Progress/FutureResults", Progress<FutureResults>);

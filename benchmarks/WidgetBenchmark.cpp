@@ -1,8 +1,8 @@
-// Message boxes built, shown and closed, with and without a style sheet of the application; a style property on a
-// widget in a deep tree; and a hover over groups of growing size.
+// Measures three jobs: creating, showing and closing message boxes, with and without a style sheet; setting a style
+// property of a widget in a deep tree; and hovering over groups of 10 and 100 widgets.
 //
-// The floor of a box is a plain dialog with a label and two buttons. The peers are Qt's own box, which AlertBox is, and
-// KDE's, which a user would pick who wants more than Qt's.
+// The lower bound of a message box is a dialog with a label and two buttons. The peers are QMessageBox, the base class
+// of AlertBox, and KMessageDialog, which has more features.
 
 #include "Support.h"
 
@@ -50,7 +50,7 @@ void ShowAndClose(Dialog& dialog)
     dialog.close();
 }
 
-struct PlainDialogWay
+struct PlainDialogRunner
 {
     static void Run()
     {
@@ -63,7 +63,7 @@ struct PlainDialogWay
     }
 };
 
-struct MessageBoxWay
+struct MessageBoxRunner
 {
     static void Run()
     {
@@ -72,18 +72,18 @@ struct MessageBoxWay
     }
 };
 
-struct KMessageDialogWay
+struct KMessageDialogRunner
 {
     static void Run()
     {
-        KMessageDialog dialog(KMessageDialog::WarningContinueCancel, Text()); // of its boxes the one with two buttons
+        KMessageDialog dialog(KMessageDialog::WarningContinueCancel, Text()); // has two buttons, like the other boxes
         dialog.setCaption(Title());
-        dialog.setIcon(QIcon(QStringLiteral(":/MessageBox/error_icon.png"))); // its own is in a theme, if there is one
+        dialog.setIcon(QIcon(QStringLiteral(":/MessageBox/error_icon.png"))); // the default needs an icon theme
         ShowAndClose(dialog);
     }
 };
 
-struct AlertBoxWay
+struct AlertBoxRunner
 {
     static void Run()
     {
@@ -93,7 +93,7 @@ struct AlertBoxWay
     }
 };
 
-/// A style sheet of the kind that applications have: a base for every widget, and looks of some.
+/// Returns a typical style sheet of an application: rules for all widgets and for some classes.
 QString CommonSheet()
 {
     return QStringLiteral("QWidget { color: #202124; font-size: 13px }"
@@ -104,18 +104,18 @@ QString CommonSheet()
                           "QDialog[Level=\"Error\"] { border: 1px solid red }");
 }
 
-/// The gallery's, which is all about names and properties.
+/// Returns the style sheet of the gallery, which selects mainly by object names and properties.
 QString HouseSheet()
 {
     QFile file(QStringLiteral(":/house.qss"));
     if (!file.open(QIODevice::ReadOnly)) {
-        throw std::runtime_error("the house style is not in the resources");
+        throw std::runtime_error("The resource house.qss is missing");
     }
     QString const colour = QStringLiteral("#2a6fdb");
     return QString::fromUtf8(file.readAll()).replace(QRegularExpression(QStringLiteral("@\\w+")), colour);
 }
 
-/// Gives the application a style sheet, for as long as it lives.
+/// Sets a style sheet on the application and removes it in the destructor.
 class ApplicationStyleSheet
 {
 public:
@@ -127,24 +127,24 @@ public:
     ApplicationStyleSheet& operator=(ApplicationStyleSheet const&) = delete;
 };
 
-template <class Way>
+template <class Runner>
 void Box(benchmark::State& state)
 {
     for (auto _ : state) {
-        Way::Run();
+        Runner::Run();
     }
 }
 
-template <class Way, QString (*Sheet)()>
+template <class Runner, QString (*Sheet)()>
 void StyledBox(benchmark::State& state)
 {
     ApplicationStyleSheet const sheet(Sheet());
     for (auto _ : state) {
-        Way::Run();
+        Runner::Run();
     }
 }
 
-/// The innermost of \a depth widgets, each in the one before.
+/// Creates \a depth nested widgets in \a outermost and returns the innermost.
 QWidget* Innermost(QWidget* outermost, int depth)
 {
     QWidget* widget = outermost;
@@ -184,7 +184,7 @@ void StyleByHand(benchmark::State& state)
     }
 }
 
-/// Enters and leaves the first of \a widgets.
+/// Sends an enter event and a leave event to \a widget.
 void Hover(QWidget& widget)
 {
     QEvent enter(QEvent::Enter);
@@ -227,13 +227,13 @@ void HoverOneByOne(benchmark::State& state)
     }
 }
 
-template <class Way>
-void RegisterBoxes(std::string const& way)
+template <class Runner>
+void RegisterBoxes(std::string const& name)
 {
-    benchmark::RegisterBenchmark(("MessageBox/" + way).c_str(), Box<Way>)->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark(("StyledMessageBox/" + way).c_str(), StyledBox<Way, CommonSheet>)
+    benchmark::RegisterBenchmark(("MessageBox/" + name).c_str(), Box<Runner>)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(("StyledMessageBox/" + name).c_str(), StyledBox<Runner, CommonSheet>)
         ->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark(("HouseMessageBox/" + way).c_str(), StyledBox<Way, HouseSheet>)
+    benchmark::RegisterBenchmark(("HouseMessageBox/" + name).c_str(), StyledBox<Runner, HouseSheet>)
         ->Unit(benchmark::kMillisecond);
 }
 
@@ -249,10 +249,10 @@ void RegisterHover()
 
 void RegisterAll()
 {
-    RegisterBoxes<AlertBoxWay>("AlertBox");
-    RegisterBoxes<PlainDialogWay>("PlainDialog");
-    RegisterBoxes<MessageBoxWay>("QMessageBox");
-    RegisterBoxes<KMessageDialogWay>("KMessageDialog");
+    RegisterBoxes<AlertBoxRunner>("AlertBox");
+    RegisterBoxes<PlainDialogRunner>("PlainDialog");
+    RegisterBoxes<MessageBoxRunner>("QMessageBox");
+    RegisterBoxes<KMessageDialogRunner>("KMessageDialog");
     benchmark::RegisterBenchmark("StyleProperty/ApplyWidgetStyle", StyleByApplyWidgetStyle);
     benchmark::RegisterBenchmark("StyleProperty/ByHand", StyleByHand);
     RegisterHover<10>();
