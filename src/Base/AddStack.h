@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Exceptions that tell where they come from.
+/// Adds the call stack to the text of an exception.
 
 #include <Base/CallStack.h>
 
@@ -12,11 +12,15 @@
 namespace Zelkor
 {
 
-/// Returns an exception of the same type whose text is the text of \a exception, a line feed, and the calling thread's
-/// call stack.
+/// Returns a copy of \a exception whose text also contains the call stack of the calling thread.
 ///
-/// \tparam E `std::logic_error`, `std::runtime_error` or a type derived from one of them that is made from a
-///           `std::string`.
+/// The new text is the text of \a exception, a line feed, and the result of GetCallStack(). May be called on any
+/// thread.
+///
+/// \tparam E        `std::logic_error`, `std::runtime_error`, or a type derived from one of them. It must be
+///                  constructible from a `std::string`.
+/// \param exception  the exception to copy
+/// \return a new exception of type \a E
 ///
 /// \code
 /// throw Zelkor::AddStack(std::invalid_argument("Negative duration"));

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The calling thread's call stack as text.
+/// The call stack of the calling thread as text.
 
 #include <Base/Export.h>
 
@@ -10,11 +10,15 @@
 namespace Zelkor
 {
 
-/// The call stack of the calling thread, the caller's own frame first, one line a frame: number, function, and the
-/// source line or the binary it stands in, as far as the binaries tell.
+/// Returns the call stack of the calling thread. The caller's frame is the first.
 ///
-/// The text is for people and log files; its form may change. Reading symbol tables takes milliseconds, more on the
-/// first call, so this is for errors, not for traces. Any thread. Throws `std::bad_alloc` only.
+/// Each frame is one line: its number, the function, and the source line or the name of the binary. Parts that the
+/// symbol table does not contain are missing.
+///
+/// The text is meant for people and log files. Its format may change. A call reads symbol tables, which takes
+/// milliseconds, and more on the first call. Use it for errors, not for tracing.
+///
+/// May be called on any thread. Throws only `std::bad_alloc`.
 ZQTUTIL_EXPORT std::string GetCallStack();
 
 } // namespace Zelkor

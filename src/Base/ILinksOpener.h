@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// How an application opens the links in the library's dialogs.
+/// The interface through which the library's dialogs open links.
 
 #include <Base/Export.h>
 
@@ -12,13 +12,16 @@ namespace Zelkor
 namespace App
 {
 
-/// Opens links. Implemented by the application, which may count them, warn, or show its own browser.
+/// Opens links for the library's dialogs. The application implements it, for example to warn the user or to show its
+/// own browser.
 class ZQTUTIL_EXPORT ILinksOpener
 {
 public:
     virtual ~ILinksOpener();
 
-    /// Opens \a link, as the text of the dialog spells it. Called on the GUI thread.
+    /// Opens \a link. The library calls this function on the GUI thread.
+    ///
+    /// \param link  the link, unchanged from the text of the dialog
     virtual void OpenLink(QString const& link) = 0;
 };
 

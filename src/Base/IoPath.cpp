@@ -12,7 +12,7 @@ namespace Zelkor
 namespace
 {
 
-char const* Given(char const* utf8)
+char const* RequireNotNull(char const* utf8)
 {
     if (!utf8) {
         ZELKOR_THROW(std::invalid_argument("A path cannot be made from a null pointer"));
@@ -20,8 +20,8 @@ char const* Given(char const* utf8)
     return utf8;
 }
 
-// The system reads a path up to its first NUL and would act on another file.
-bool IsCutShort(ioPath const& path)
+// System calls read a path up to its first NUL byte, so they would act on a different file.
+bool ContainsNul(ioPath const& path)
 {
     return path.native().find(ioPath::value_type()) != ioPath::string_type::npos;
 }
@@ -33,7 +33,7 @@ ioPath::ioPath(std::string const& utf8)
 {}
 
 ioPath::ioPath(char const* utf8)
-    : path(Given(utf8))
+    : path(RequireNotNull(utf8))
 {}
 
 ioPath::ioPath(boost::filesystem::path other)
@@ -42,7 +42,7 @@ ioPath::ioPath(boost::filesystem::path other)
 
 ioPath& ioPath::operator=(char const* utf8)
 {
-    path::operator=(std::string(Given(utf8)));
+    path::operator=(std::string(RequireNotNull(utf8)));
     return *this;
 }
 
@@ -58,12 +58,12 @@ ioPath ioPath::parent_path() const
 
 bool ioPath::remove() const
 {
-    if (IsCutShort(*this)) {
+    if (ContainsNul(*this)) {
         boost::throw_exception(boost::filesystem::filesystem_error(
             "The path holds a NUL byte", *this,
             boost::system::errc::make_error_code(boost::system::errc::invalid_argument)));
     }
-    // For a link to a folder with a slash behind it Boost says yes without having removed anything.
+    // If the path is a link to a folder followed by a slash, Boost returns true without removing anything.
     boost::system::error_code error;
     return boost::filesystem::remove(*this) && !exists(boost::filesystem::symlink_status(*this, error));
 }
@@ -71,7 +71,7 @@ bool ioPath::remove() const
 bool Core::FileExists(ioPath const& path)
 {
     boost::system::error_code error;
-    return !IsCutShort(path) && boost::filesystem::exists(path, error);
+    return !ContainsNul(path) && boost::filesystem::exists(path, error);
 }
 
 } // namespace Zelkor

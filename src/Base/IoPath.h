@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A path in the file system, and whether something is there.
+/// A file system path, and a test whether it exists.
 
 #include <Base/Export.h>
 
@@ -14,45 +14,49 @@ namespace Zelkor
 
 /// A `boost::filesystem::path` whose text is UTF-8 on every platform.
 ///
-/// It is handed directly to Boost.Filesystem. Bytes that are no UTF-8 are kept as they are, as the file systems of
-/// POSIX keep them.
+/// It can be passed to every function of Boost.Filesystem. Bytes that are not valid UTF-8 are kept unchanged, because
+/// POSIX file systems accept them in names.
 class ZQTUTIL_EXPORT ioPath : public boost::filesystem::path
 {
 public:
-    /// The empty path, which names nothing.
+    /// Creates an empty path.
     ioPath() = default;
 
-    /// The path \a utf8.
+    /// Creates the path \a utf8.
     ioPath(std::string const& utf8);
 
-    /// The path \a utf8. Throws `std::invalid_argument` for a null pointer.
+    /// Creates the path \a utf8. Throws `std::invalid_argument` if \a utf8 is null.
     ioPath(char const* utf8);
 
-    /// The same path as \a other.
+    /// Creates the same path as \a other.
     ioPath(boost::filesystem::path other);
 
-    /// Becomes the path \a utf8. Throws `std::invalid_argument` for a null pointer, and is unchanged then.
+    /// Assigns the path \a utf8. Throws `std::invalid_argument` if \a utf8 is null, and then leaves this path unchanged.
     ioPath& operator=(char const* utf8);
 
-    /// The path's text in UTF-8.
+    /// Returns the text of the path in UTF-8.
     std::string utf8string() const;
 
-    /// The path without its last name; empty where there is no parent.
+    /// Returns the path without its last component, or an empty path if there is no parent.
     ioPath parent_path() const;
 
-    /// Removes the file, the link (not its target) or the empty folder of this path.
+    /// Removes the file, the symbolic link (not its target) or the empty folder at this path.
     ///
-    /// \return whether something was removed; false where nothing was there.
-    /// Throws `boost::filesystem::filesystem_error` when the system refuses, and for a path that holds a NUL byte.
+    /// Throws `boost::filesystem::filesystem_error` if the system reports an error, or if the path contains a NUL byte.
+    ///
+    /// \return true if something was removed; false if nothing exists at this path
     bool remove() const;
 };
 
 namespace Core
 {
 
-/// Whether \a path leads to something: a file, a folder, or anything else. A link counts by its target, so a dangling
-/// link does not exist; neither does what cannot be looked at (a link loop, a folder that is closed to us).
-/// Any thread; throws and logs nothing.
+/// Returns true if \a path exists: a file, a folder, or an entry of another type.
+///
+/// Symbolic links are followed. Returns false for a dangling link, for a link loop, if access to a parent folder is
+/// denied, and if \a path contains a NUL byte.
+///
+/// May be called on any thread. Throws and logs nothing.
 ZQTUTIL_EXPORT bool FileExists(ioPath const& path);
 
 } // namespace Core

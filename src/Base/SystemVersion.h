@@ -11,7 +11,10 @@ namespace Zelkor
 namespace Core
 {
 
-/// The version of the operating system, such as 10.13.6; 0.0 when the system does not say. Any thread.
+/// Returns the version of the operating system, for example 10.13.6, or 0.0 if it is not available.
+///
+/// On macOS this is "ProductVersion" of the system's SystemVersion.plist. On Linux it is VERSION_ID of os-release(5),
+/// read through QSysInfo. May be called on any thread. Throws and logs nothing.
 ZQTUTIL_EXPORT Version GetSystemVersion();
 
 } // namespace Core

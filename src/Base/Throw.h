@@ -1,8 +1,10 @@
 #pragma once
 
-// The one way in which the library throws: ZELKOR_THROW(std::logic_error("...")) adds the call stack to the text and
-// the source location (file, full function signature, line) to the exception, as Boost.Exception reads it back.
-// Private to the library: it names Boost.Exception, which applications need not know.
+// Throws the library's exceptions. ZELKOR_THROW(std::logic_error("...")) adds the call stack to the text of the
+// exception. It also attaches the source location (file, full function signature, line) for Boost.Exception.
+//
+// This is a macro because in C++17 only a macro can read the full signature of its caller. The header is private to the
+// library, so that applications do not depend on Boost.Exception.
 
 #include <Base/AddStack.h>
 
@@ -10,7 +12,7 @@
 #include <boost/current_function.hpp>
 #include <boost/throw_exception.hpp>
 
-// Not BOOST_CURRENT_LOCATION: newer releases of Boost leave the signature out of it.
+// BOOST_CURRENT_LOCATION is not used, because newer releases of Boost omit the signature from it.
 #define ZELKOR_THROW(exception)                                                                                        \
     ::boost::throw_exception(::Zelkor::AddStack(exception),                                                            \
                              ::boost::source_location(__FILE__, __LINE__, BOOST_CURRENT_FUNCTION))

@@ -12,15 +12,15 @@ namespace
 
 using Components = std::array<std::uint32_t, 4>;
 
-Components AllOf(Version const& version)
+Components ComponentsOf(Version const& version)
 {
     return {version.GetMajor(), version.GetMinor(), version.GetThird(), version.GetBuild()};
 }
 
-// One up, "not given" wraps to 0 and so stands below the given 0.
+// Adds one to each component. NotGiven (all ones) wraps to 0, so it orders below a component that is 0.
 Components Ranks(Version const& version)
 {
-    Components ranks = AllOf(version);
+    Components ranks = ComponentsOf(version);
     std::for_each(ranks.begin(), ranks.end(), [](std::uint32_t& component) { ++component; });
     return ranks;
 }
@@ -29,7 +29,7 @@ Components Ranks(Version const& version)
 
 bool operator==(Version const& left, Version const& right)
 {
-    return AllOf(left) == AllOf(right);
+    return ComponentsOf(left) == ComponentsOf(right);
 }
 
 bool operator!=(Version const& left, Version const& right)
@@ -80,7 +80,7 @@ std::string Util::VersionToString(Version const& version, VersionToStringDetail 
 {
     std::string text;
     int left = static_cast<int>(detail);
-    for (std::uint32_t const component : AllOf(version)) {
+    for (std::uint32_t const component : ComponentsOf(version)) {
         if (left-- <= 0 || component == Version::NotGiven) {
             break;
         }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Versions of up to four numbers, and their text.
+/// Versions of up to four numbers, and their conversion from and to text.
 
 #include <Base/Export.h>
 
@@ -13,63 +13,72 @@ namespace Zelkor
 namespace Core
 {
 
-/// A version: major, minor, third (patch) and build number, a plain value.
+/// A version of four components: major, minor, third (patch) and build number. It is a plain value type.
 ///
-/// A component that is not given holds 0 or #NotGiven; #NotGiven orders below every given component, 0 included.
+/// A component that is not given is 0 or #NotGiven. #NotGiven orders below every other value, including 0.
 class ZQTUTIL_EXPORT Version
 {
 public:
-    /// The value of a component that nobody gave: all ones.
+    /// The value of a component that is not given. All bits are set.
     static constexpr std::uint32_t NotGiven = 0xFFFFFFFF;
 
-    /// The version \a major.\a minor.\a third.\a build.
+    /// Creates the version \a major.\a minor.\a third.\a build.
     constexpr Version(std::uint32_t major = 0, std::uint32_t minor = 0, std::uint32_t third = 0,
                       std::uint32_t build = 0)
         : components_{major, minor, third, build}
     {}
 
-    /// The first component.
+    /// Returns the first component.
     constexpr std::uint32_t GetMajor() const { return components_[0]; }
-    /// The second component.
+    /// Returns the second component.
     constexpr std::uint32_t GetMinor() const { return components_[1]; }
-    /// The third component, also known as the patch.
+    /// Returns the third component, the patch number.
     constexpr std::uint32_t GetThird() const { return components_[2]; }
-    /// The fourth component.
+    /// Returns the fourth component, the build number.
     constexpr std::uint32_t GetBuild() const { return components_[3]; }
 
 private:
     std::uint32_t components_[4];
 };
 
-/// Whether all components are the same; 0 and Version::NotGiven are not.
+/// Returns true if all components are equal. 0 and Version::NotGiven are not equal.
 ZQTUTIL_EXPORT bool operator==(Version const& left, Version const& right);
-/// Whether any component differs.
+/// Returns true if at least one component differs.
 ZQTUTIL_EXPORT bool operator!=(Version const& left, Version const& right);
-/// Whether \a left comes before \a right: by major, then minor, then third, then build number.
+/// Returns true if \a left is less than \a right. Compares the major, minor, third and build number, in this order.
 ZQTUTIL_EXPORT bool operator<(Version const& left, Version const& right);
-/// Whether \a left is \a right or comes before it.
+/// Returns true if \a left is less than or equal to \a right.
 ZQTUTIL_EXPORT bool operator<=(Version const& left, Version const& right);
-/// Whether \a left comes after \a right.
+/// Returns true if \a left is greater than \a right.
 ZQTUTIL_EXPORT bool operator>(Version const& left, Version const& right);
-/// Whether \a left is \a right or comes after it.
+/// Returns true if \a left is greater than or equal to \a right.
 ZQTUTIL_EXPORT bool operator>=(Version const& left, Version const& right);
 
 namespace Util
 {
 
-/// How many components a version's text shows.
+/// The number of components in the text of a version.
 enum class VersionToStringDetail : int { Major = 1, MajorMinor = 2, MajorMinorThird = 3, Full = 4 };
 
-/// Reads a version from \a text: decimal numbers between separators, major first.
+/// Reads a version from \a text: decimal numbers with separators between them, major number first.
 ///
-/// Components that are missing are 0, whatever follows the fourth is ignored. Reading ends at the first component that
-/// does not begin with a digit or does not fit 32 bits, and behind the digits of one that goes on with something else:
-/// "3.1.2-beta" is 3.1.2.0, "3.x" is 3.0.0.0. With an empty \a separator the text is one component.
-/// Any thread; throws and logs nothing.
+/// Reading stops at a component that does not begin with a digit or does not fit into 32 bits. It also stops after
+/// digits that no separator follows. Missing components are 0. Text after the fourth component is ignored. For example,
+/// "3.1.2-beta" is 3.1.2.0, and "3.x" is 3.0.0.0.
+///
+/// May be called on any thread. Throws and logs nothing.
+///
+/// \param text       the text to read
+/// \param separator  the separator between two components; if it is empty, only the major number is read
 ZQTUTIL_EXPORT Version VersionFromString(std::string const& text, std::string const& separator);
 
-/// Writes the first components of \a version in decimal, joined by \a separator: as many as \a detail says, ending
-/// before the first one that is not given (Version::NotGiven).
+/// Returns the text of \a version: its first components as decimal numbers, joined by \a separator.
+///
+/// May be called on any thread. Throws and logs nothing.
+///
+/// \param version    the version to convert
+/// \param detail     the number of components; the text stops earlier at a component that is Version::NotGiven
+/// \param separator  the text between two components
 ZQTUTIL_EXPORT std::string VersionToString(Version const& version, VersionToStringDetail detail,
                                            std::string const& separator);
 
