@@ -21,6 +21,7 @@ set(DOXYGEN_WARN_AS_ERROR FAIL_ON_WARNINGS)
 set(DOXYGEN_QUIET YES)
 
 list(TRANSFORM ZQTUTIL_PUBLIC_HEADERS PREPEND "${PROJECT_SOURCE_DIR}/src/" OUTPUT_VARIABLE documented_headers)
-set(documented_pages README.md CHANGELOG.md CONTRIBUTING.md docs/ARCHITECTURE.md docs/BENCHMARKS.md)
+set(documented_pages README.md CHANGELOG.md CONTRIBUTING.md docs/ARCHITECTURE.md docs/testing.md
+    docs/macos-testbed.md docs/BENCHMARKS.md)
 list(TRANSFORM documented_pages PREPEND "${PROJECT_SOURCE_DIR}/")
 doxygen_add_docs(docs ${documented_headers} ${documented_pages})
