@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Starting the application when the user logs in.
+/// The interface that starts applications when the user logs in.
 
 #include <Util/Export.h>
 
@@ -15,8 +15,10 @@ namespace Zelkor
 namespace Util
 {
 
-/// Starts applications when the user logs in. An application is named by an identifier of four parts joined by "_":
-/// maker, product, version and flavour, as in "Zelkor_Studio_3.1.2_Agent".
+/// Starts applications when the user logs in.
+///
+/// An identifier names an application. It has four parts joined by "_": maker, product, version and flavour, for
+/// example "Zelkor_Studio_3.1.2_Agent".
 ///
 /// \code
 /// auto const launcher = GetAutoLauncherImpl(AutoLauncherImplType::Default);
@@ -25,48 +27,70 @@ namespace Util
 /// }
 /// \endcode
 ///
-/// What it tells is read from the system at each call, which may take a moment: on macOS, launchctl is run. Used on one
-/// thread at a time, normally the GUI thread.
+/// A launcher caches the list of the applications that start at login. A new launcher has an empty list.
+/// IsInStartup() and GetStartupApplications() refresh the list first. AddToStartup() and RemoveFromStartup() use the
+/// cached list, and refresh it only after a success.
+///
+/// A query blocks until the system has answered; on macOS it runs launchctl. Use a launcher on one thread at a time,
+/// normally the GUI thread.
 class ZQTUTIL_EXPORT IAutoLauncher
 {
 public:
     virtual ~IAutoLauncher();
 
-    /// Whether the application \a identifier is started at login.
+    /// Refreshes the list, then returns true if the application \a identifier starts at login.
     ///
-    /// On macOS launchctl's list is searched for the \a identifier as a regular expression at the end of a line, so
-    /// that an empty one is found in any list.
+    /// On macOS the function first searches the login items for \a identifier. Then it searches each line of the output
+    /// of "launchctl list" for a match at the end. There, \a identifier is a regular expression, so an empty one always
+    /// matches.
     virtual bool IsInStartup(QString const& identifier) = 0;
 
-    /// Has the application \a identifier started at login: the executable at \a executablePath with \a arguments. False
-    /// when that cannot be asked of the system.
+    /// Starts the application \a identifier at every login.
     ///
-    /// On macOS a helper that the main bundle carries for the \a identifier in "Contents/Library/LoginItems" becomes a
-    /// login item. Only when that fails, or there is none, path and arguments count, for a launch agent. It is written
-    /// and loaded without waiting for the outcome: false means that the \a identifier has not four parts, which is
-    /// logged as a warning, or that launchctl did not start.
+    /// Uses the cached list and refreshes it only after a success.
+    ///
+    /// On macOS the function first adds a login item: the helper for \a identifier in the folder
+    /// "Contents/Library/LoginItems" of the main bundle. If there is no such helper, or adding it fails, the function
+    /// writes a launch agent and starts "launchctl load" without waiting for its result. Only the launch agent uses
+    /// \a executablePath and \a arguments.
+    ///
+    /// \param identifier      the application; if it does not have four parts, no launch agent can be written, which is
+    ///                        logged at WARNING
+    /// \param executablePath  the path of the executable; on macOS the bundle that contains it is opened
+    /// \param arguments       the arguments of the executable
+    /// \return true if the login item exists or was added, or if launchctl was started
     virtual bool AddToStartup(QString const& identifier, QString const& executablePath,
                               QStringList const& arguments) = 0;
 
-    /// Has the application \a identifier started at login no more. False when it was not known, or when that cannot be
-    /// asked of the system.
+    /// Stops starting the application \a identifier at login.
     ///
-    /// What is known is what the last call found that read it: every other operation, and this one when it is true. On
-    /// macOS a launch agent whose file is there is unloaded, loaded or not, without waiting for the outcome.
+    /// Searches the cached list and refreshes it only after a success. A new launcher therefore finds nothing before
+    /// the first query.
+    ///
+    /// On macOS the function first removes the login item. If there is none, or removing it fails, it starts
+    /// "launchctl unload" for the launch agent, loaded or not, without waiting for its result. The file of the launch
+    /// agent stays.
+    ///
+    /// \return true if the login item was removed or launchctl was started; false otherwise, for example if the cached
+    ///         list does not contain \a identifier
     virtual bool RemoveFromStartup(QString const& identifier) = 0;
 
-    /// The identifiers of the applications that are started at login. On macOS these are the login items of the maker,
-    /// and behind them the labels of all launch agents of the user that are loaded, other makers' too; what is both is
-    /// there twice.
+    /// Refreshes the list, then returns the identifiers of the applications that start at login.
+    ///
+    /// On macOS the result contains the login items of the maker, followed by the labels of all loaded launch agents of
+    /// the user, also of other makers. An application that has both appears twice.
     virtual QStringList GetStartupApplications() = 0;
 };
 
-/// Which implementation to take.
+/// The implementation that GetAutoLauncherImpl() creates.
 enum class AutoLauncherImplType : int {
-    Default ///< that of the system
+    Default ///< the implementation for the current system
 };
 
-/// A new launcher of the system's kind, whatever the \a type. GUI thread.
+/// Creates a launcher for the current system. Defined on macOS.
+///
+/// \param type  reserved; every value gives the same implementation
+/// \return the new launcher, owned by the caller
 ZQTUTIL_EXPORT std::shared_ptr<IAutoLauncher> GetAutoLauncherImpl(AutoLauncherImplType type);
 
 } // namespace Util

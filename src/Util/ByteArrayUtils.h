@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Bytes between Qt and the standard library.
+/// Conversions of byte arrays between Qt and the standard library. Any thread.
 
 #include <Util/Export.h>
 
@@ -14,12 +14,12 @@ namespace Zelkor
 namespace Util
 {
 
-/// A copy of all \a bytes; for an empty vector the shared empty array, without an allocation.
+/// Returns a copy of all \a bytes. An empty vector gives the shared empty `QByteArray` without an allocation.
 ///
-/// Throws `std::length_error` for more bytes than a `QByteArray` holds (2 GiB). Any thread.
+/// Throws `std::length_error` if there are more bytes than a `QByteArray` can hold (2 GiB).
 ZQTUTIL_EXPORT QByteArray VectorByteToQByteArray(std::vector<unsigned char> const& bytes);
 
-/// A copy of the `size()` bytes of \a array, NUL bytes included. Any thread.
+/// Returns a copy of all bytes of \a array, including NUL bytes.
 ZQTUTIL_EXPORT std::vector<unsigned char> QByteArrayToVectorByte(QByteArray const& array);
 
 } // namespace Util

@@ -1,6 +1,6 @@
 #pragma once
 
 /// \file
-/// The export macro, `ZQTUTIL_EXPORT`: a class or function that carries it is part of the library's interface.
+/// The export macro `ZQTUTIL_EXPORT`. It marks the classes and functions that the library exports.
 
 #include <Base/Export.h>

@@ -25,24 +25,27 @@ namespace
 
 PathValidity CheckExistingFolder(QString const& path)
 {
+    // Both checks are required: WriteUser reflects the system's rule for this user, CanCreateFileIn() has its own rule.
     bool const isWritable = QFileInfo(path).permissions().testFlag(QFileDevice::WriteUser) && CanCreateFileIn(path);
     return isWritable ? PathValidity::Valid : PathValidity::NotWritable;
 }
 
 PathValidity CheckMissingFolder(QString const& path)
 {
+    // Rejects names that end with a space before either separator. Existing folders with such names stay valid.
     if (path.contains(QLatin1String(" /")) || path.contains(QLatin1String(" \\")) || path.endsWith(QLatin1Char(' '))) {
         return PathValidity::TrailingSpace;
     }
     if (!QDir().mkpath(path)) {
         return PathValidity::CannotCreate;
     }
+    // Accepted side effect: rmpath() also removes parents that were empty before the check.
     QDir().rmpath(path);
     return PathValidity::Valid;
 }
 
-// With a separator at its end, a link would be taken for what it leads to. Nothing else is tidied: what ".." leads to
-// is the system's to say.
+// A separator at the end of a path makes the system follow a link, so it would hide that the path is a link. The rest
+// of the path is not normalised, because only the system can resolve ".." after a link.
 QString WithoutTrailingSeparators(QString path)
 {
     while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/.")))) {
@@ -85,6 +88,7 @@ PathValidity IsThisPathValid(QString const& path)
 
 bool IsThisPathValid(QString const& path, QString* errorText)
 {
+    // The text has passed through this local exception since the first release. It never leaves the function.
     class Error : public std::exception
     {
     public:
@@ -143,6 +147,7 @@ bool RemoveFile(ioPath path)
 
 unsigned long long GetPathSize(ioPath const& path)
 {
+    // "Erorr": misspelled since the first release; log searches depend on it.
     return TreeSize(path.utf8string(),
                     [](std::string const& sizeless) { LOG(ERROR) << "Erorr get size for: " << sizeless; });
 }
@@ -154,6 +159,7 @@ QString GetStandardPath(QStandardPaths::StandardLocation location)
     auto const found = std::find_if(candidates.cbegin(), candidates.cend(),
                                     [](QString const& candidate) { return !candidate.isEmpty(); });
     QFileInfo const folder(found != candidates.cend() ? *found : QDir::homePath());
+    // Resolves only one level, as documented: the target may be a link again, or missing.
     return QDir::toNativeSeparators(folder.isSymLink() ? folder.symLinkTarget() : folder.filePath());
 }
 

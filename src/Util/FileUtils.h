@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Chores with files and folders. Any thread, unless it says otherwise.
+/// Functions for files and folders. They may be called on any thread, except the functions that show files in the file
+/// manager.
 
 #include <Base/IoPath.h>
 #include <Util/Export.h>
@@ -16,96 +17,115 @@ namespace Zelkor
 namespace Util
 {
 
-/// What is wrong with a destination folder.
+/// The result of the check of a destination folder.
 enum class PathValidity : int {
-    Valid,         ///< nothing
+    Valid,         ///< files can be created in the folder, or the folder can be created
     Empty,         ///< the path is empty
     Relative,      ///< the path is relative
-    NotWritable,   ///< the folder is there, but no file can be created in it
-    TrailingSpace, ///< the folder is not there, and a name in its path ends with a space
-    CannotCreate   ///< the folder is not there and cannot be created
+    NotWritable,   ///< the folder exists, but no file can be created in it
+    TrailingSpace, ///< the folder does not exist, and a name in its path ends with a space
+    CannotCreate   ///< the folder does not exist and cannot be created
 };
 
-/// Whether \a path can be a destination folder: an absolute one, in which files can be created, or which can be
-/// created.
+/// Checks if \a path can be used as a destination folder.
 ///
-/// To find out, a file or the folder with its parents is created and removed again; with it go parents that were empty
-/// before. Where creating the folder fails half-way, the parents made by then stay.
+/// The path must be absolute. If the folder exists, the function creates and removes a temporary file in it. Otherwise
+/// it creates the folder with its parents and removes them again. This removal also includes parents that were empty
+/// before. If creating the folder fails, parents that were already created are not removed.
 ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
-/// Whether \a path can be a destination folder; see the other IsThisPathValid().
+/// Returns true if \a path can be used as a destination folder. See IsThisPathValid(QString const&) for the check and
+/// its side effects.
 ///
-/// \param path       the path that the user gave
-/// \param errorText  when it cannot, becomes the reason, translated, for the user; may be null
+/// \param path       the path that the user entered
+/// \param errorText  receives a translated message for the user if the result is false; may be null
 ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 
-/// Whether this user may create files in \a folder and one can be created: asks whether everybody may write there, or a
-/// group that the process is in, or its owner, who is the user; then tries.
+/// Returns true if the permissions of \a folder let this process create files in it, and a test file can be created.
 ///
-/// Other than in POSIX (IEEE Std 1003.1, 4.5 File Access Permissions), where the first class that fits decides, any of
-/// the three will do, and root is asked like everybody: it may not where the folder belongs to somebody else and only
-/// its owner may write.
+/// At least one of these permissions must be set:
+/// - everybody may write;
+/// - a group of this process may write;
+/// - the owner may write, and is the effective user of this process.
+///
+/// The rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions), where only the first matching class
+/// decides. It also treats root as an ordinary user: if only the owner may write, and root is not the owner, the result
+/// is false.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
-/// Whether this user can read files in \a folder, as far as the folder is concerned. Always true on macOS, where the
-/// system asks the user at the first attempt.
+/// Returns true if the permissions of \a folder let this process read files in it. The files are not checked.
+///
+/// On macOS the result is always true, because the system requests the user's consent at the first access.
 ZQTUTIL_EXPORT bool CanReadFileIn(QString const& folder);
 
-/// Whether a file can be created in \a folder: creates one under a random name and removes it again.
+/// Returns true if a file can be created in \a folder. Creates a file with a random name and removes it again.
 ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 
-/// Removes what is in \a folder and at least \a days days old, by the day and time of its last modification.
+/// Removes the entries of \a folder that were last modified at least \a days days ago.
 ///
-/// A subfolder of that age is emptied in the same way, and removed when nothing is left in it; a newer one is not
-/// entered. A link is removed like a file, whatever it leads to, which stays; when \a folder itself is a link, nothing
-/// is done. What cannot be removed is passed over. Neither the depth of the tree nor the number of files that the
-/// process may open limits it.
+/// The limit is the current local time of day on the calendar day \a days days ago. Subfolders as old as the limit are
+/// processed in the same way, and removed if they are then empty. Newer subfolders are not entered. Symbolic links are
+/// removed, not followed. Entries that cannot be removed are skipped without a message.
 ///
-/// \param folder              the folder; nothing is done when it is missing, empty text or a link
-/// \param days                days; 0 removes everything, except what changes meanwhile
-/// \param removeFolderItself  whether \a folder is removed too, when nothing is left in it
+/// The depth of the tree and the process's limit of open files do not matter.
+///
+/// \param folder              the folder; the function does nothing if it is empty, missing or a symbolic link
+/// \param days                the minimum age in days; 0 removes everything modified up to the time of the call
+/// \param removeFolderItself  true to remove \a folder too if it is then empty, whatever its age
 ZQTUTIL_EXPORT void RemoveDir(QString const& folder, int days, bool removeFolderItself);
 
-/// Removes the file, the link (not its target) or the empty folder at \a path.
+/// Removes the file, the symbolic link (not its target) or the empty folder at \a path. Throws and logs nothing.
 ///
-/// \return whether something was removed; false also when the system refused. Nothing is thrown or logged.
+/// \return true if something was removed; false if nothing exists at \a path or the system reports an error
 ZQTUTIL_EXPORT bool RemoveFile(ioPath path);
 
-/// The size of the file at \a path, or of all files below that folder, in bytes, as the files state it (holes count,
-/// the folders' own blocks do not; a file with several names counts under each).
+/// Returns the size in bytes of the file at \a path, or the sum of the sizes of all files in the folder \a path and its
+/// subfolders.
 ///
-/// A link counts with the size of the file it leads to; what a link to a folder leads to is not entered. Whatever has
-/// no size to tell contributes nothing and is logged once, at ERROR severity, as "Erorr get size for: " and its path:
-/// what is missing or vanishes meanwhile, a dangling link, a link to a folder, a folder that is closed to us (with all
-/// that is in it), a pipe, a socket or a device.
+/// The size of a file includes its holes. Folders themselves add nothing. A file with several hard links counts once
+/// for each link. A symbolic link to a file counts with the size of that file.
 ///
-/// Each entry is looked at once. Neither the depth of the tree nor its paths' length nor the number of files that the
-/// process may open limits it. Nothing is thrown. On a network volume it may take minutes: see AsyncService.
+/// Entries without a size add nothing. Each is logged once at ERROR as "Erorr get size for: " and the path. These are:
+/// - a missing file, or one that is removed during the call;
+/// - a dangling link, and a link to a folder, which is not followed;
+/// - a folder that cannot be read completely, with all its contents;
+/// - a pipe, a socket or a device.
+///
+/// The depth of the tree, the length of its paths and the process's limit of open files do not matter. Throws nothing.
+/// A call may take minutes on a network volume; use AsyncService to run it in the background.
 ZQTUTIL_EXPORT unsigned long long GetPathSize(ioPath const& path);
 
-/// The folder that the system keeps for \a location; where it has none, the user's documents, else the home folder. A
-/// link is resolved once. Separators are the system's.
+/// Returns the user's folder for \a location, with native separators.
+///
+/// If the system has no such folder, returns the documents folder, or the home folder if there is none either. If the
+/// folder is a symbolic link, returns the target of this link. A target that is a link again is not resolved.
 ZQTUTIL_EXPORT QString GetStandardPath(QStandardPaths::StandardLocation location);
 
-/// The path of \a subPath in the folder of the user's films, where the shared media library lies.
+/// Returns the path of \a subPath in the user's movies folder, which contains the shared media library.
 ZQTUTIL_EXPORT QString GetZelkorLibraryPath(QString subPath);
 
-/// Shows \a file in its folder in the system's file manager. GUI thread. The result is that of
-/// ExploreFile(ioPath const&, std::vector<ioPath> const&).
+/// Shows \a file selected in the system's file manager. GUI thread.
+///
+/// \return the result of ExploreFile(ioPath const&, std::vector<ioPath> const&) for the parent folder of \a file
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 
-/// Shows \a files selected in the system's file manager, or \a folder when there are none. GUI thread; does not wait
-/// for its answer.
+/// Shows \a files selected in the system's file manager. GUI thread. Does not wait for the file manager.
 ///
-/// On macOS the Finder is asked, and the result is always true. On Linux the file manager is asked over D-Bus
-/// (org.freedesktop.FileManager1); when there is none, \a folder is opened by whatever opens folders, and when that
-/// fails as well, one WARNING is logged. The result is whether somebody could be asked.
+/// On macOS the Finder shows the files. On Linux the function calls org.freedesktop.FileManager1 on the session bus. If
+/// there is no session bus, or the call fails, the desktop's default application opens \a folder. If that fails too,
+/// one message is logged at WARNING.
+///
+/// \param folder  the folder to show if \a files is empty
+/// \param files   the files to select
+/// \return true on macOS; on Linux true if the call was sent or \a folder was opened
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files);
 
-/// Shows \a file in its folder in the system's file manager; see ExploreFile(). GUI thread.
+/// Shows \a file selected in the system's file manager. GUI thread. Same as ExploreFile(ioPath const&).
 ZQTUTIL_EXPORT bool ExploreSingleFile(QString const& file);
 
-/// The bytes that this user can still write on the volume of \a path; 0 when that cannot be told.
+/// Returns the free space in bytes on the volume that contains \a path, or 0 if it cannot be read.
+///
+/// On Linux, space that is reserved for root does not count.
 ZQTUTIL_EXPORT long long GetAvailableDiskSpace(ioPath const& path);
 
 } // namespace Util

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The application's choice between "http://" and "https://" for the links that it shows.
+/// A process-wide setting that selects "http://" or "https://" for links. Any thread.
 
 #include <Util/Export.h>
 
@@ -12,14 +12,16 @@ namespace Zelkor
 namespace Util
 {
 
-/// Sets whether links use TLS, for the whole process; true until the first call. Any thread.
+/// Sets whether links use TLS in this process. The default is true.
 ZQTUTIL_EXPORT void SetDefaultSslUsage(bool use);
 
-/// Whether links use TLS. Any thread.
+/// Returns true if links use TLS.
 ZQTUTIL_EXPORT bool GetDefaultSslUsage();
 
-/// \a url with the scheme that the application chose: every "http://" in it, in capitals or not, becomes "https://"
-/// while links use TLS, and the other way round while they do not. Any thread.
+/// Returns \a url with the scheme that SetDefaultSslUsage() selects.
+///
+/// If links use TLS, replaces every "http://" in \a url with "https://". Otherwise replaces every "https://" with
+/// "http://". The search is case-insensitive, and the new scheme is in lower case.
 ZQTUTIL_EXPORT QString ReplaceUrlProtocol(QString url);
 
 } // namespace Util

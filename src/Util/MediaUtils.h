@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Video discs.
+/// Video DVDs: the mounted ones, and their labels. Any thread.
 
 #include <Base/IoPath.h>
 #include <Util/Export.h>
@@ -14,12 +14,16 @@ namespace Zelkor
 namespace Util
 {
 
-/// The root folders of the mounted volumes that hold a video DVD, which is told by a folder "VIDEO_TS" there. In the
-/// order of the system; none when no disc is mounted. Any thread.
+/// Returns the root folders of the mounted video DVDs. Defined on macOS.
+///
+/// A volume is a video DVD if its root folder contains a folder "VIDEO_TS". The result has the order in which the
+/// system lists the volumes, and is empty if no DVD is mounted.
 ZQTUTIL_EXPORT std::vector<ioPath> MountedDVD();
 
-/// A label for the DVD folder or volume \a path, in UTF-8: its own name, or, for a folder "VIDEO_TS" in whatever case
-/// that has nothing but a disc's folders beside it, the name of the folder around it. Any thread.
+/// Returns a label in UTF-8 for the DVD folder or volume \a path.
+///
+/// The label is the name of the folder \a path. If this name is "VIDEO_TS" in any case, and the parent folder contains
+/// only the folders of a disc, hidden entries and "Thumbs.db", the label is the name of the parent folder.
 ZQTUTIL_EXPORT std::string DVDLabel(ioPath const& path);
 
 } // namespace Util

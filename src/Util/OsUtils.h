@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the application runs on.
+/// Information about the running process.
 
 #include <Util/Export.h>
 
@@ -12,7 +12,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// The word size of the process in bits, "64": the library is built for 64-bit processes only. Any thread.
+/// Returns the word size of the process in bits as text. It is always "64", because the library supports only 64-bit
+/// processes. Any thread.
 ZQTUTIL_EXPORT std::string AppBits();
 
 } // namespace Util

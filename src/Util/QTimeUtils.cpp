@@ -13,7 +13,7 @@ constexpr long long MillisecondsInDay = 86400000;
 
 QTime AvTimeToQTime(long long microseconds)
 {
-    // QTime counts in int, which holds 24 days only: whole days go first.
+    // addMSecs() takes an int, which can hold only 24 days in milliseconds. Remove whole days to avoid an overflow.
     auto const milliseconds = static_cast<int>(microseconds / MicrosecondsInMillisecond % MillisecondsInDay);
     return QTime(0, 0, 0, 0).addMSecs(milliseconds);
 }

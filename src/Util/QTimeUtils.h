@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// AV time, the signed count of microseconds of media code, to and from `QTime`, which counts milliseconds.
+/// Conversions between AV time and `QTime`. AV time is the signed number of microseconds that media code uses; `QTime`
+/// has a resolution of one millisecond. Any thread.
 
 #include <Util/Export.h>
 
@@ -12,15 +13,15 @@ namespace Zelkor
 namespace Util
 {
 
-/// The time of day \a microseconds after midnight.
+/// Returns the time of day \a microseconds after midnight.
 ///
-/// Microseconds below one millisecond are dropped, toward zero; the time wraps around midnight in both directions, so
-/// -1000 is 23:59:59.999 and a whole day is 00:00:00.000. Any thread.
+/// The value is rounded toward zero to whole milliseconds. The time wraps around midnight in both directions: -1000 is
+/// 23:59:59.999, and a whole day is 00:00:00.000.
 ZQTUTIL_EXPORT QTime AvTimeToQTime(long long microseconds);
 
-/// The microseconds from midnight to \a time.
+/// Returns the number of microseconds from midnight to \a time.
 ///
-/// An invalid time is not rejected: its components are -1 each, which gives -3661001000. Any thread.
+/// An invalid \a time is not rejected. Each of its components is -1, so the result is -3661001000.
 ZQTUTIL_EXPORT long long QTimeToAvTime(QTime time);
 
 } // namespace Util

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// UTF-8 text between Qt and the standard library.
+/// Conversions of UTF-8 text between Qt and the standard library. Any thread.
 
 #include <Util/Export.h>
 
@@ -14,10 +14,10 @@ namespace Zelkor
 namespace Util
 {
 
-/// The UTF-8 text \a utf8 up to its first NUL byte; bytes that are no UTF-8 become U+FFFD. Any thread.
+/// Converts \a utf8 up to its first NUL byte. Bytes that are not valid UTF-8 become U+FFFD.
 ZQTUTIL_EXPORT QString Utf8ToQString(std::string const& utf8);
 
-/// \a text in UTF-8 up to its first U+0000. Any thread.
+/// Returns \a text as UTF-8, up to its first U+0000.
 ZQTUTIL_EXPORT std::string QStringToUtf8(QString const& text);
 
 } // namespace Util

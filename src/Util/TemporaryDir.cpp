@@ -1,3 +1,11 @@
+// The application's folder is inside the system's temporary folder, where other users can write too. Another user could
+// therefore create this folder, one of its parents, or a link in their place. For this reason FindForeignFolder()
+// checks each folder below the system's temporary folder. The check runs before the folder is created or emptied, and
+// again before a directory is created in it. If it fails, the object holds an invalid QTemporaryDir, and the log
+// contains the reason.
+//
+// Emptying the folder does not follow links.
+
 #include <Util/TemporaryDir.h>
 
 #include <Base/Throw.h>
@@ -21,7 +29,7 @@ namespace Zelkor::Util
 namespace
 {
 
-/// The system's temporary folder, as it is called when the application's is first needed.
+// Read only once, so that a later change of the environment does not move the application's folder.
 QString const& SystemFolder()
 {
     static QString const folder = QDir::tempPath();
@@ -30,14 +38,14 @@ QString const& SystemFolder()
 
 QString ApplicationFolder(QString const& name, QString const& version)
 {
-    // One call for all four: the name may hold something that looks like a place marker.
+    // One arg() call for all four values: the name may contain "%1", which a second call would replace.
     return QStringLiteral("%1/%2/%3/%4")
         .arg(SystemFolder(), name, QString::number(VersionFromString(version, QStringLiteral(".")).GetMajor()),
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
 }
 
-/// The first folder between the system's and \a folder, which is below it, that is there and not ours, or leads back
-/// out; empty when there is none.
+/// Returns the first folder on the path from the system's temporary folder to \a folder that exists but is not a folder
+/// of this user. A ".." in the path counts as such a folder. Returns an empty text if there is none.
 QString FindForeignFolder(QString const& folder)
 {
     QString path = SystemFolder();
@@ -45,8 +53,8 @@ QString FindForeignFolder(QString const& folder)
     for (QString const& name : names) {
         path += QLatin1Char('/') + name;
         QFileInfo const info(path);
-        bool const isThere = info.exists() || info.isSymLink();
-        if (name == QLatin1String("..") || (isThere && !IsOwnFolder(path))) {
+        bool const exists = info.exists() || info.isSymLink();
+        if (name == QLatin1String("..") || (exists && !IsOwnFolder(path))) {
             return path;
         }
     }
@@ -78,28 +86,30 @@ void PrepareTemporaryFolder(QString const& folder)
     }
     if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
-    } else if (FindForeignFolder(folder).isEmpty()) { // it was not there a moment ago, perhaps
+    } else if (FindForeignFolder(folder).isEmpty()) { // check again: it may have appeared since the caller's check
         EmptyFolder(folder);
     }
 }
 
-/// An object that is not valid: nothing can be made inside a device.
-std::unique_ptr<QTemporaryDir> MakeNoDirectory()
+/// Returns an invalid object. Its path is inside a device file, where no directory can be created.
+std::unique_ptr<QTemporaryDir> MakeInvalidDirectory()
 {
     return std::make_unique<QTemporaryDir>(QProcess::nullDevice() + QStringLiteral("/XXXXXX"));
 }
 
-/// A directory where Qt puts it. Qt would make the system's temporary folder where that is missing.
+/// Creates a directory at Qt's default location. Returns an invalid object if the system's temporary folder is missing,
+/// because Qt would create that folder.
 std::unique_ptr<QTemporaryDir> MakeDefaultDirectory()
 {
-    return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<QTemporaryDir>() : MakeNoDirectory();
+    return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<QTemporaryDir>() : MakeInvalidDirectory();
 }
 
-/// A directory in \a folder, which is below the system's; an invalid one where that is not to be had.
+/// Creates a directory in \a folder, which is below the system's temporary folder. Returns an invalid object if that is
+/// not possible.
 std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& folder)
 {
     if (!QFileInfo::exists(SystemFolder())) {
-        return MakeNoDirectory();
+        return MakeInvalidDirectory();
     }
     QString foreign = FindForeignFolder(folder);
     if (foreign.isEmpty()) {
@@ -110,7 +120,7 @@ std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& folder)
         return std::make_unique<QTemporaryDir>(folder + QStringLiteral("/XXXXXX"));
     }
     LOG(ERROR) << "The temporary folder is not used, since this is no folder of our own: " << foreign.toStdString();
-    return MakeNoDirectory();
+    return MakeInvalidDirectory();
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A temporary directory in a folder of the application's own.
+/// A temporary directory in a folder that belongs to the application.
 
 #include <Util/Export.h>
 
@@ -18,52 +18,65 @@ namespace Zelkor
 namespace Util
 {
 
-/// A fresh directory with a unique name, removed with the object: a `QTemporaryDir` that lies in the system's temporary
-/// folder under the application's name, its major version and the base name of its executable.
+/// Creates a directory with a unique name and removes it on destruction.
 ///
-/// The first one of a process empties that folder of what earlier runs have left behind, and of what other copies of
-/// the application that run meanwhile have there. Nothing outside the folder is touched: links in it are removed, not
-/// followed, hidden entries stay, and when the folder, or one of those above it up to the temporary folder, is a link
-/// or belongs to somebody else, that is logged at ERROR severity and the object is invalid.
+/// The directory is created in the application's folder. The path of this folder is
+/// "<temporary folder of the system>/<application name>/<major version>/<base name of the executable>". Set
+/// `QCoreApplication::applicationName` and `applicationVersion` first. While either is empty, the directory is created
+/// at the default location of `QTemporaryDir`.
 ///
-/// Set `QCoreApplication::applicationName` and `applicationVersion` first: while either is empty, the directory lies
-/// where a `QTemporaryDir` does.
+/// The first object of a process in the application's folder removes the entries of this folder, which earlier runs
+/// have left. It also removes the directories of other running instances of the same application. Hidden entries stay.
+/// Symbolic links are removed, not followed.
 ///
-/// Objects may be made on several threads.
+/// The current user must own the application's folder and its parents up to the temporary folder of the system. None of
+/// them may be a symbolic link. Otherwise a message is logged at ERROR, and the object is invalid.
+///
+/// Different objects may be created on different threads. Use one object on one thread at a time.
 class ZQTUTIL_EXPORT TemporaryDir
 {
 public:
-    /// Makes the directory; isValid() tells whether that worked.
+    /// Creates the directory. Use isValid() to check the result.
     ///
     /// Throws `std::logic_error` ("Using TemporaryDir before and after applicationName and applicationVersion are set")
-    /// when an earlier object of the process was made without them.
+    /// if both properties are set now, and this process has already created an object without them.
     TemporaryDir();
 
-    /// Removes the directory with all that is in it, unless autoRemove() is off.
+    /// Removes the directory with its contents if autoRemove() is true.
     ~TemporaryDir();
 
     TemporaryDir(TemporaryDir const&) = delete;
     TemporaryDir& operator=(TemporaryDir const&) = delete;
 
-    /// Whether the directory was made.
+    /// Returns true if the directory was created.
     bool isValid() const;
 
-    /// Why it was not, as far as Qt knows. That a folder on the way is not our own is told by the log only.
+    /// Returns Qt's message if the directory was not created.
+    ///
+    /// If a parent folder belongs to another user or is a symbolic link, only the log contains this reason.
     QString errorString() const;
 
-    /// Whether the destructor removes the directory; it does at first.
+    /// Returns true if the destructor removes the directory. This is the default.
     bool autoRemove() const;
 
     /// Sets whether the destructor removes the directory.
+    ///
+    /// \param autoRemove  true to remove it
     void setAutoRemove(bool autoRemove);
 
-    /// Removes the directory with all that is in it, and returns whether that worked.
+    /// Removes the directory with its contents.
+    ///
+    /// \return true if it was removed; false if that failed or the directory was not created
     bool remove();
 
-    /// The absolute path of the directory; empty when it was not made.
+    /// Returns the absolute path of the directory, or an empty text if it was not created.
     QString path() const;
 
-    /// The absolute path of \a fileName, which is relative, in the directory; empty when that was not made.
+    /// Returns the absolute path of a file in the directory. The file need not exist.
+    ///
+    /// \param fileName  the relative path of the file
+    /// \return the path; empty if the directory was not created, or if \a fileName is absolute, which Qt reports with a
+    ///         warning
     QString filePath(QString const& fileName) const;
 
 private:

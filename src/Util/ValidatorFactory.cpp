@@ -17,7 +17,8 @@ QValidator* NewValidator(QString const& pattern, QObject* parent)
 
 QValidator* GetEmailValidator(QObject* parent)
 {
-    // "A_Z" is meant: a label of the domain may begin with an underscore, and with no other capital than these two.
+    // "A_Z" is not a typing error for "A-Z": this set is required. It accepts an underscore at the beginning of a
+    // label, and no capital letters except A and Z.
     return NewValidator(QStringLiteral("[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*"
                                        "@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\\.)+"
                                        "[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?"),

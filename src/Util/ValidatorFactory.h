@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Ready-made validators for line edits.
+/// Validators for line edits. Call these functions on the GUI thread.
 
 #include <Util/Export.h>
 
@@ -17,16 +17,21 @@ namespace Zelkor
 namespace Util
 {
 
-/// A new validator for e-mail addresses (the dot-atom form of RFC 5322, section 3.4.1), owned by \a parent, or by the
-/// caller when that is null. GUI thread.
+/// Creates a validator for e-mail addresses in the dot-atom form (RFC 5322, section 3.4.1).
 ///
-/// What could still become an address is intermediate, so every address can be typed. The labels of the domain but the
-/// last may begin with an underscore, and with no capital letter but A and Z.
+/// The state is Intermediate for text that can still become an address, so the user can type every valid address. Each
+/// label of the domain except the last may begin with an underscore, a digit, a lower-case letter, or the capital
+/// letters A and Z. Other capital letters are rejected at the beginning of these labels.
+///
+/// \param parent  the owner of the validator; if null, the caller owns it
+/// \return the new validator
 ZQTUTIL_EXPORT QValidator* GetEmailValidator(QObject* parent);
 
-/// A new validator for names of files, owned by \a parent, or by the caller when that is null. GUI thread.
+/// Creates a validator for file names. A valid name is not empty, contains neither "/" nor ":", and does not begin with
+/// white space.
 ///
-/// A name holds neither "/" nor ":" and does not begin with white space.
+/// \param parent  the owner of the validator; if null, the caller owns it
+/// \return the new validator
 ZQTUTIL_EXPORT QValidator* GetFilenameValidator(QObject* parent);
 
 } // namespace Util

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Versions between Qt text and `Core::Version`, and as users see them. Any thread; nothing is thrown or logged.
+/// Conversions between `QString` and `Core::Version`, and the version text for users. The functions may be called on
+/// any thread. They throw and log nothing.
 
 #include <Base/Version.h>
 #include <Util/Export.h>
@@ -13,14 +14,17 @@ namespace Zelkor
 namespace Util
 {
 
-/// Reads a version from \a text, whose numbers stand between \a separator; see Core::Util::VersionFromString().
+/// Reads a version from \a text: decimal numbers with \a separator between them. See Core::Util::VersionFromString().
 ZQTUTIL_EXPORT Core::Version VersionFromString(QString const& text, QString const& separator);
 
-/// Writes the first components of \a version joined by \a separator; see Core::Util::VersionToString().
+/// Returns the first components of \a version as text, joined by \a separator. \a detail is the number of components.
+/// See Core::Util::VersionToString().
 ZQTUTIL_EXPORT QString VersionToString(Core::Version const& version, Core::Util::VersionToStringDetail detail,
                                        QString const& separator);
 
-/// \a version as users see it: "3.1", or "3.1.2" when the third component is given and not 0. Never the build number.
+/// Returns the text of \a version for users: major and minor number, for example "3.1".
+///
+/// Appends the third component if it is given and not 0, for example "3.1.2". Never contains the build number.
 ZQTUTIL_EXPORT QString GenerateApplicationVisibleVersion(Core::Version const& version);
 
 } // namespace Util

@@ -44,7 +44,8 @@ bool LayoutController::eventFilter(QObject* watched, QEvent* event)
 
 void LayoutController::Invalidate()
 {
-    // What is not set is read from the style anew; Qt joins the requests of one turn of the event loop.
+    // invalidate() makes Qt read unset margins and spacings from the style again. Qt compresses the layout requests of
+    // one event loop iteration, so several calls cost one layout pass.
     if (QLayout* const layout = container_->layout()) {
         layout->invalidate();
     }

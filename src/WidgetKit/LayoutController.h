@@ -1,6 +1,6 @@
 #pragma once
 
-// What installLayoutController() puts on a container.
+// The event filter that installLayoutController() installs on a container. Private to the library.
 
 #include <QtCore/QObject>
 
@@ -11,12 +11,14 @@ QT_END_NAMESPACE
 namespace Zelkor::Widget
 {
 
-/// Lays its parent out again when something changes that the layout would not notice by itself.
+/// Invalidates the layout of its parent after changes that Qt does not report to the layout: added and removed
+/// children, and a new font, style or layout direction.
 class LayoutController : public QObject
 {
     Q_OBJECT
 
 public:
+    /// Creates a controller for the layout of \a container, which becomes its parent.
     explicit LayoutController(QWidget* container);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -8,13 +8,13 @@ namespace Zelkor::Widget
 namespace
 {
 
-/// Whether \a widget stands in \a layout or in one inside it.
-bool Holds(QLayout const& layout, QWidget const* widget)
+/// Returns true if \a layout or one of its nested layouts contains \a widget.
+bool Contains(QLayout const& layout, QWidget const* widget)
 {
     for (int i = 0; i < layout.count(); ++i) {
         QLayoutItem* const item = layout.itemAt(i);
-        QLayout const* const inside = item->layout();
-        if (item->widget() == widget || (inside && Holds(*inside, widget))) {
+        QLayout const* const nested = item->layout();
+        if (item->widget() == widget || (nested && Contains(*nested, widget))) {
             return true;
         }
     }
@@ -83,7 +83,7 @@ void MBoxLayout::autoFill()
     }
     auto const children = widget->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     for (QWidget* const child : children) {
-        if (!child->isWindow() && !Holds(*this, child)) {
+        if (!child->isWindow() && !Contains(*this, child)) {
             addWidget(child);
         }
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Frames, and box layouts that are filled in one statement.
+/// Frames, and box layouts that can be filled in one statement. Use these classes on the GUI thread.
 
 #include <Base/Export.h>
 
@@ -18,23 +18,27 @@ namespace Widget
 namespace LayoutHelpers
 {
 
-/// What a spacer does with room that nobody else wants.
+/// The size policy of a spacer.
 enum class SpacerPolicy : int {
-    Fixed = 0,  ///< keeps its size
-    Stretch = 1 ///< takes all of it, its size being the least
+    Fixed = 0,  ///< the spacer keeps its size
+    Stretch = 1 ///< the spacer takes all free space; its size is the minimum
 };
 
-/// One item of a box layout: a widget, or a spacer.
+/// An item of a box layout: a widget or a spacer.
 class ZQTUTIL_EXPORT BoxItem
 {
 public:
-    /// A \a widget, borrowed, with its \a stretch factor.
+    /// Creates an item for \a widget with the stretch factor \a stretch. The item does not take ownership. A null
+    /// \a widget is ignored when the item is appended.
     BoxItem(QWidget* widget, int stretch = 0);
 
-    /// A spacer of \a size pixels, in the direction of the layout.
+    /// Creates an item for a spacer.
+    ///
+    /// \param policy  the size policy in the direction of the layout
+    /// \param size    the size in pixels in the direction of the layout
     BoxItem(SpacerPolicy policy, int size);
 
-    /// Appends it to \a layout, which takes over what it makes; a null widget is left out.
+    /// Appends the item to \a layout. The layout owns the spacer item that this function creates for a spacer.
     void AppendTo(QBoxLayout& layout) const;
 
 private:
@@ -44,17 +48,17 @@ private:
 
 } // namespace LayoutHelpers
 
-/// A plain frame, to hold a part of a dialog and to be named by style sheets.
+/// A plain frame for a part of a dialog. Style sheets can select it by its class name.
 class ZQTUTIL_EXPORT MFrame : public QFrame
 {
     Q_OBJECT
 
 public:
-    /// A frame without a border, owned by \a parent, if any.
+    /// Creates a frame without a border. \a parent owns it and may be null.
     explicit MFrame(QWidget* parent = nullptr);
 };
 
-/// A box layout that is filled in one statement.
+/// A box layout that can be filled in one statement.
 ///
 /// \code
 /// auto* const layout = new MVBoxLayout(frame);
@@ -65,24 +69,29 @@ class ZQTUTIL_EXPORT MBoxLayout : public QBoxLayout
     Q_OBJECT
 
 public:
-    /// An empty layout in \a direction, which is that of \a parent, if given.
+    /// Creates an empty layout.
+    ///
+    /// \param direction  the direction in which items are placed
+    /// \param parent     the widget that gets this layout and owns it; may be null
     explicit MBoxLayout(Direction direction, QWidget* parent = nullptr);
 
-    /// Appends \a items, in their order.
+    /// Appends \a items in their order.
     void addItems(std::initializer_list<LayoutHelpers::BoxItem> items);
 
-    /// Appends the child widgets of the widget whose layout this is, in the order in which they were made; windows, and
-    /// what stands in the layout already, stay out. Nothing without a widget.
+    /// Appends the child widgets of the layout's parent widget, in the order of QObject::children().
+    ///
+    /// Windows are skipped, and so are widgets that this layout or a nested one already contains. Does nothing if the
+    /// layout has no parent widget.
     void autoFill();
 };
 
-/// An MBoxLayout from top to bottom.
+/// An MBoxLayout that places its items from top to bottom.
 class ZQTUTIL_EXPORT MVBoxLayout : public MBoxLayout
 {
     Q_OBJECT
 
 public:
-    /// An empty layout, which is that of \a parent, if given.
+    /// Creates an empty layout for \a parent, which owns it and may be null.
     explicit MVBoxLayout(QWidget* parent = nullptr);
 };
 

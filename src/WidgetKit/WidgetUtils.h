@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Style hints, and layouts that follow the platform.
+/// Style hints, spacers, and layouts that follow the platform's style. Call these functions on the GUI thread.
 
 #include <Base/Export.h>
 
@@ -18,21 +18,37 @@ namespace Widget
 namespace Util
 {
 
-/// Sets the dynamic property "styleHint" of \a widget to \a hint, for selectors such as `[styleHint="activeButton"]`,
-/// and applies the style sheet to it again. Null is ignored. GUI thread.
+/// Sets the dynamic property "styleHint" of \a widget to \a hint, then applies the style sheet again.
+///
+/// Style sheets can select the widget with, for example, `[styleHint="activeButton"]`.
+///
+/// \param widget  the widget; null is ignored
+/// \param hint    the value of the property
 ZQTUTIL_EXPORT void applyStyleHint(QWidget* widget, QString const& hint);
 
-/// Applies the style, and with it the style sheet, to \a widget again, alone: needed after a property that a selector
-/// names has changed. Null is ignored. GUI thread.
+/// Applies the style and the style sheet to \a widget again, but not to its children.
+///
+/// Call this function after a change of a property that a style sheet selector uses: Qt evaluates such selectors only
+/// when a widget is polished. A null \a widget is ignored.
 ZQTUTIL_EXPORT void repolishWidget(QWidget* widget);
 
-/// A new plain widget \a name without any size of its own, owned by \a parent: whoever adds it to a layout gives it the
-/// size that it holds open. The mouse goes through it. GUI thread.
+/// Creates a plain widget that reserves space in a layout.
+///
+/// The widget has no default size: the caller sets its size. It is transparent for mouse events.
+///
+/// \param parent  the owner of the widget; if null, the caller owns it
+/// \param name    the object name, for style sheets
+/// \return the new widget
 ZQTUTIL_EXPORT QWidget* createSpacer(QWidget* parent, QString const& name);
 
-/// Keeps the layout of \a container current: margins and spacings that nobody has set follow the platform's style, and
-/// the container is laid out again when a child comes or goes, such as a button, or when its font, style or direction
-/// changes. It lasts as long as the container. A second call and null are ignored. GUI thread.
+/// Installs an event filter that updates the layout of \a container after changes that Qt does not report to it.
+///
+/// These changes are: added and removed children, for example buttons, and a new font, style or layout direction of the
+/// container. Margins and spacings that are not set explicitly then follow the platform's style. This function itself
+/// sets none.
+///
+/// The filter exists as long as the container, which owns it. A second call has no effect. A null \a container is
+/// ignored.
 ZQTUTIL_EXPORT void installLayoutController(QWidget* container);
 
 } // namespace Util

@@ -1,6 +1,6 @@
 #pragma once
 
-// Emptying folders of what is old, on every system. Private to the library.
+// Removes old files from folders. Private to the library.
 
 #include <string>
 
@@ -9,10 +9,14 @@ namespace Zelkor
 namespace Util
 {
 
-/// Removes what is in the folder \a path and was last modified at \a newest (milliseconds since 1970, UTC) or before.
-/// A folder as old is emptied in the same way, and removed when nothing is left in it; a newer one is not entered.
-/// Links are removed, not followed; a link at \a path is not entered either. Failures are passed over.
-void RemoveAgedFiles(std::string const& path, long long newest);
+/// Removes the entries of the folder \a path that were last modified at \a threshold or earlier.
+///
+/// Subfolders as old as \a threshold are processed in the same way, and removed if they are then empty. Newer ones are
+/// not entered. Links are removed, not followed. Entries that cannot be removed are skipped.
+///
+/// \param path       the folder; the function does nothing if it is a link
+/// \param threshold  the latest modification time to remove, in milliseconds since 1970 (UTC)
+void RemoveAgedFiles(std::string const& path, long long threshold);
 
 } // namespace Util
 } // namespace Zelkor

@@ -1,6 +1,6 @@
 #pragma once
 
-// Questions about the owner and the permissions of a directory. Private to the library.
+// Checks of the owner and the permissions of a folder. Private to the library.
 
 #include <QtCore/QString>
 
@@ -9,11 +9,11 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns true if the permission bits of \a folder let this process create files in it: for everybody, for a group of
-/// the process, or for the owner, who must be the effective user. See CanCreateFileIn().
+/// Returns true if the permission bits of \a folder let this process create files in it. See CanCreateFileIn() for the
+/// rule.
 bool MayCreateFileIn(QString const& folder);
 
-/// Returns true if \a path is a directory, not a link to one, that belongs to the effective user.
+/// Returns true if \a path is a folder, not a link to one, and the effective user owns it.
 bool IsOwnFolder(QString const& path);
 
 } // namespace Util

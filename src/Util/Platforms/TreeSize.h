@@ -1,6 +1,6 @@
 #pragma once
 
-// The size of a file or a tree, on every system. Private to the library.
+// Computes the size of a file or a tree. Private to the library.
 
 #include <functional>
 #include <string>
@@ -10,11 +10,13 @@ namespace Zelkor
 namespace Util
 {
 
-/// Receives the path of something that has no size to tell.
+/// Receives the path of an entry that has no size.
 using SizelessHandler = std::function<void(std::string const& path)>;
 
-/// The sum of the sizes of the files at and below \a path, in bytes: GetPathSize() without its log lines. Links are not
-/// entered. A folder that cannot be read to its end is sizeless as a whole.
+/// Returns the size in bytes of the file at \a path, or of all files below the folder \a path.
+///
+/// Implements GetPathSize() except the log lines: calls \a onSizeless where GetPathSize() logs. A folder that cannot be
+/// read completely has no size, so its files do not count either.
 unsigned long long TreeSize(std::string const& path, SizelessHandler const& onSizeless);
 
 } // namespace Util

@@ -1,6 +1,6 @@
 #pragma once
 
-// How video discs are told and named, on every system. Private to the library.
+// Recognises and names video discs by their folders. Private to the library.
 
 #include <Base/IoPath.h>
 
@@ -12,13 +12,19 @@
 namespace Zelkor::Util
 {
 
-/// The entries of \a volumes, a folder of mounted volumes, that hold a video DVD, in the order of the folder.
+/// Returns the absolute paths of the video DVDs in \a volumes, a folder of mounted volumes. The order is the order in
+/// which the system lists the folder.
 std::vector<ioPath> VideoDiscsIn(QString const& volumes);
 
-/// The label of a folder \a name that stands with \a siblings, itself included, in the folder \a parentName.
+/// Returns the label of the folder \a name. See DVDLabel() for the rule.
+///
+/// \param name        the name of the folder
+/// \param siblings    the names of all entries of the parent folder, including \a name
+/// \param parentName  the name of the parent folder
 QString VideoDiscLabel(QString const& name, QStringList const& siblings, QString const& parentName);
 
-/// The label of the folder \a path. A folder around it that cannot be read has nothing else in it.
+/// Returns the label of the folder \a path. See DVDLabel() for the rule. A parent folder that cannot be read counts as
+/// empty.
 QString VideoDiscLabel(QString const& path);
 
 } // namespace Zelkor::Util

@@ -21,8 +21,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// A file's own bytes, which need not be UTF-8, percent-encoded (RFC 3986, 2.1). Where the current folder is gone, a
-// relative path stays what it is.
+// Returns the file URI of a path. The bytes of the path are percent-encoded (RFC 3986, 2.1) without a conversion,
+// because they need not be UTF-8. A relative path stays relative if the current folder no longer exists.
 QString FileUri(ioPath const& path)
 {
     boost::system::error_code error;
@@ -40,7 +40,7 @@ bool OpenFolder(ioPath const& folder)
 }
 
 // https://www.freedesktop.org/wiki/Specifications/file-manager-interface/
-QDBusMessage AskFileManager(ioPath const& folder, std::vector<ioPath> const& files)
+QDBusMessage FileManagerCall(ioPath const& folder, std::vector<ioPath> const& files)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
@@ -72,9 +72,10 @@ bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files)
     if (!bus.isConnected()) {
         return OpenFolder(folder);
     }
-    // The application's, which may end before the answer.
+    // The application object owns the watcher, so that the watcher is deleted if the application quits before the
+    // reply.
     auto* const watcher =
-        new QDBusPendingCallWatcher(bus.asyncCall(AskFileManager(folder, files)), QCoreApplication::instance());
+        new QDBusPendingCallWatcher(bus.asyncCall(FileManagerCall(folder, files)), QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, folder] {
         if (watcher->isError()) {
             OpenFolder(folder);

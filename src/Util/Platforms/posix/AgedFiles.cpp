@@ -1,3 +1,7 @@
+// Removes old files during a FolderWalk. The walk works with open folders, so that removing is safe in folders where
+// other users can write: a link that replaces a folder during the walk is not followed. The names of the files of all
+// folders share one buffer, so that a file costs no separate allocation.
+
 #include <Util/Platforms/AgedFiles.h>
 
 #include <Util/Platforms/posix/FolderWalk.h>
@@ -16,32 +20,32 @@ namespace Zelkor::Util
 namespace
 {
 
-/// When something was modified, in milliseconds since 1970: some file systems keep times that only seconds can tell,
-/// the farthest moment stands for these.
-long long ModifiedAt(struct stat const& status)
+/// Returns the modification time in milliseconds since 1970. Some file systems return seconds that overflow when they
+/// are converted to milliseconds; the result is then the limit of the range.
+long long ModificationTime(struct stat const& status)
 {
 #ifdef __APPLE__
     timespec const& time = status.st_mtimespec;
 #else
     timespec const& time = status.st_mtim;
 #endif
-    constexpr long long farthest = std::numeric_limits<long long>::max() / 1000 - 1;
-    long long const seconds = std::clamp<long long>(time.tv_sec, -farthest, farthest);
+    constexpr long long maxSeconds = std::numeric_limits<long long>::max() / 1000 - 1;
+    long long const seconds = std::clamp<long long>(time.tv_sec, -maxSeconds, maxSeconds);
     return seconds * 1000 + time.tv_nsec / 1000000;
 }
 
 class RemovingWalk final : public FolderWalk
 {
 public:
-    RemovingWalk(std::string const& path, long long newest)
+    RemovingWalk(std::string const& path, long long threshold)
         : FolderWalk(path, AfterSubfolder::Call)
-        , newest_(newest)
+        , threshold_(threshold)
     {}
 
     using FolderWalk::Walk;
 
 private:
-    // The names of the files come first: some file systems pass entries over when others are removed meanwhile.
+    // Reads all names before it removes files: some file systems skip entries if others are removed during readdir().
     bool Read(DIR* stream) override
     {
         int const descriptor = dirfd(stream);
@@ -50,11 +54,11 @@ private:
             char const* const name = entry->d_name;
             struct stat status;
             if (IsDotEntry(name) || fstatat(descriptor, name, &status, AT_SYMLINK_NOFOLLOW) != 0 ||
-                ModifiedAt(status) > newest_) {
+                ModificationTime(status) > threshold_) {
                 continue;
             }
             if (S_ISDIR(status.st_mode)) {
-                PutBy(name);
+                QueueSubfolder(name);
             } else {
                 files_.insert(files_.end(), name, name + std::strlen(name) + 1);
             }
@@ -71,16 +75,16 @@ private:
 
     void SubfolderLeft(int parent, char const* name) override { unlinkat(parent, name, AT_REMOVEDIR); }
 
-    long long newest_;
+    long long threshold_;
     std::vector<char> files_;
 };
 
 } // namespace
 
-void RemoveAgedFiles(std::string const& path, long long newest)
+void RemoveAgedFiles(std::string const& path, long long threshold)
 {
     if (!path.empty() && path.find('\0') == std::string::npos) {
-        RemovingWalk(path, newest).Walk();
+        RemovingWalk(path, threshold).Walk();
     }
 }
 

@@ -29,6 +29,7 @@ bool IsInGroup(gid_t group)
 
 } // namespace
 
+// Required rule, which differs from the kernel's: any class that grants writing suffices, and root has no privilege.
 bool MayCreateFileIn(QString const& folder)
 {
     QFileInfo const info(folder);

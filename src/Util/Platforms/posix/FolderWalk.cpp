@@ -1,3 +1,17 @@
+// Each folder is opened relative to its parent with openat() and O_NOFOLLOW. The kernel therefore never resolves a
+// whole path. This has two advantages: paths can be longer than PATH_MAX, and a link that replaces a folder during the
+// walk is not followed.
+//
+// A folder is read completely before its subfolders are entered. The walk therefore does not need the position in its
+// directory stream later, and may close the stream.
+//
+// At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. A deeper walk closes
+// the outermost open folder. On the way back, a closed folder is opened again only if it has more subfolders to enter,
+// or if SubfolderLeft() must be called. It is opened by ".." from the last open folder below it. If its device or inode
+// has changed, the walk opens the whole path again, name by name. If the identity still differs, the folder is lost.
+//
+// The queued subfolders share one buffer and the paths share one string. An entry costs no separate allocation.
+
 #include <Util/Platforms/posix/FolderWalk.h>
 
 #include <cerrno>
@@ -53,7 +67,7 @@ void FolderWalk::Walk()
     }
 }
 
-void FolderWalk::PutBy(char const* name)
+void FolderWalk::QueueSubfolder(char const* name)
 {
     subfolders_.insert(subfolders_.end(), name, name + std::strlen(name) + 1);
 }
@@ -106,7 +120,8 @@ void FolderWalk::EnterNextSubfolder()
     }
 }
 
-/// Opens and reads the folder \a name, whose path is path_ by now, and makes it the current one.
+/// Opens and reads the folder \a name and makes it the current one. path_ must already contain its path. Returns false
+/// if the folder cannot be opened or read.
 bool FolderWalk::Enter(int parent, char const* name)
 {
     if (folders_.size() - closedFolders_ >= MaxOpenFolders) {
@@ -125,7 +140,7 @@ bool FolderWalk::Enter(int parent, char const* name)
     return true;
 }
 
-/// Goes back to the folder above the current one.
+/// Removes the current folder from folders_, so that its parent becomes the current folder.
 void FolderWalk::Leave()
 {
     Leaving();
@@ -144,7 +159,8 @@ void FolderWalk::Leave()
     }
 }
 
-/// Cuts path_ back to the current folder.
+/// Shortens path_ to the path of the current folder. Stores the removed name in left_ if SubfolderLeft() must be
+/// called.
 void FolderWalk::GoUp()
 {
     std::size_t const pathSize = folders_.back().pathSize;
@@ -160,7 +176,7 @@ void FolderWalk::FinishSubfolder()
     left_.clear();
 }
 
-/// Closes the outermost folder that is open, unless it is the current one.
+/// Closes the outermost open folder. Returns false if that is the current folder, which must stay open.
 bool FolderWalk::CloseOutermost()
 {
     if (closedFolders_ + 1 >= folders_.size()) {
@@ -172,8 +188,8 @@ bool FolderWalk::CloseOutermost()
     return true;
 }
 
-/// Opens the current folder again: from the folder that was left last, or, when that was moved meanwhile, by the names
-/// from the start.
+/// Opens the current folder again: first by ".." from the last folder that was left. If that folder was moved, opens
+/// the path from the start folder, name by name. Returns false if the current folder is not found.
 bool FolderWalk::Reopen()
 {
     Folder& folder = folders_.back();
@@ -209,6 +225,7 @@ FolderWalk::FolderStream FolderWalk::OpenFromStart()
     return stream;
 }
 
+/// Discards the queued subfolders of the current folder, so that the walk leaves it next.
 void FolderWalk::Lose()
 {
     Lost();

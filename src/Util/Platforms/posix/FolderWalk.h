@@ -12,18 +12,17 @@ namespace Zelkor
 namespace Util
 {
 
-/// Whether \a name is one of the two entries that every folder has.
+/// Returns true if \a name is "." or "..".
 bool IsDotEntry(char const* name);
 
-/// Whether the entry \a name of the open folder \a parent is a folder, not a link to one.
+/// Returns true if the entry \a name of the open folder \a parent is a folder, not a link to one.
 bool IsFolder(int parent, char const* name);
 
-/// A walk through a tree, folder by folder.
+/// Walks a tree folder by folder. A derived class implements the work in each folder.
 ///
-/// Each folder is opened relative to the one above it, so that the kernel never resolves a path and a path may be
-/// longer than it would take. A folder is read to its end first; the names of its subfolders are put by and entered
-/// after that. Of the folders above the current one only some stay open; a deeper walk closes the outermost, and opens
-/// it again on the way back only when there is more to do in it. Links are never followed.
+/// Read() handles all entries of a folder before the walk enters its subfolders. Links are never followed. The walk has
+/// no limit for the depth of the tree or the length of paths, and keeps only a few folders open. See FolderWalk.cpp for
+/// the design.
 class FolderWalk
 {
 public:
@@ -32,34 +31,35 @@ public:
     virtual ~FolderWalk() = default;
 
 protected:
-    /// What is to be done in a folder after one of its subfolders was left.
+    /// Selects if the walk calls SubfolderLeft().
     enum class AfterSubfolder { Nothing, Call };
 
+    /// Prepares a walk that starts at the folder \a path, which must not be empty. \a after selects if the walk calls
+    /// SubfolderLeft().
     FolderWalk(std::string path, AfterSubfolder after);
 
-    /// Walks the folder at the path and everything below it.
+    /// Walks the start folder and all folders below it.
     void Walk();
 
-    /// Puts a subfolder by, to be entered when the folder that is read has come to its end.
-    void PutBy(char const* name);
+    /// Queues the subfolder \a name. The walk enters it after Read() has returned.
+    void QueueSubfolder(char const* name);
 
-    /// The path of the current folder, or of the one that is about to become current.
+    /// Returns the path of the current folder. During Read() and Unreadable(), returns the path of the new folder.
     std::string const& Path() const { return path_; }
-    /// The path of the entry \a name in it.
+    /// Returns the path of the entry \a name in the folder Path().
     std::string PathOf(char const* name) const;
 
-    /// Reads the folder that was just opened, and puts its subfolders by. Returns false when that fails; what was put
-    /// by is forgotten then.
+    /// Reads the new folder \a stream and calls QueueSubfolder() for its subfolders. Returns false if reading fails;
+    /// the walk then discards the queued subfolders.
     virtual bool Read(DIR* stream) = 0;
-    /// The folder could not be opened, or not be read to its end; it does not become current.
+    /// Called if the new folder cannot be opened or Read() has returned false. The walk does not enter the folder.
     virtual void Unreadable() = 0;
-    /// The current folder cannot be opened again, since it was moved or closed to us meanwhile. It is left next, and
-    /// what was put by in it is forgotten.
+    /// Called if the current folder cannot be opened again, because it was moved or access to it is denied now. The
+    /// walk discards its queued subfolders and leaves it next.
     virtual void Lost() = 0;
-    /// The current folder has nothing left to enter and is left.
+    /// Called when the walk leaves the current folder.
     virtual void Leaving() = 0;
-    /// In the open folder \a parent, now the current one again, the subfolder \a name was left, or could not be
-    /// entered.
+    /// Called after the walk has left the subfolder \a name, or could not enter it. \a parent is the current folder.
     virtual void SubfolderLeft(int parent, char const* name);
 
 private:
@@ -78,10 +78,10 @@ private:
     struct Folder
     {
         FolderStream stream;         // null while closed
-        FolderId id;                 // told when it is closed
-        std::size_t pathSize;        // where its path ends in path_
-        std::size_t subfoldersBegin; // where its subfolders' names stand in subfolders_,
-        std::size_t nextSubfolder;   // and the first of them that is still to be entered
+        FolderId id;                 // set when the stream is closed
+        std::size_t pathSize;        // the length of its path in path_
+        std::size_t subfoldersBegin; // the offset of its first subfolder in subfolders_
+        std::size_t nextSubfolder;   // the offset of its next subfolder to enter
     };
 
     static FolderStream Open(int parent, char const* name);
@@ -101,12 +101,12 @@ private:
 
     std::string path_;
     AfterSubfolder const after_;
-    std::vector<Folder> folders_; // from the start to the current one; the first closedFolders_ of them are closed
-    std::size_t closedFolders_ = 0;
-    std::vector<char> subfolders_; // names still to be entered, each with its NUL, of all folders_ in order
-    FolderStream below_;           // the open folder that was left last,
-    std::size_t levelsBelow_ = 0;  // and how far it is below the current one
-    std::string left_;             // the name of the subfolder that was left last, while SubfolderLeft is still due
+    std::vector<Folder> folders_;   // from the start folder to the current one
+    std::size_t closedFolders_ = 0; // the number of folders at the beginning of folders_ that are closed
+    std::vector<char> subfolders_;  // the queued names of all folders_, each with its terminating NUL
+    FolderStream below_;            // the last folder that was left and was still open
+    std::size_t levelsBelow_ = 0;   // the number of levels from the current folder down to below_
+    std::string left_;              // the subfolder for which SubfolderLeft() must still be called; empty if none
 };
 
 } // namespace Util
