@@ -8,7 +8,7 @@
 namespace Zelkor::Util
 {
 
-/// The module `Zelkor.Util 1.0`.
+/// The plugin of the QML module `Zelkor.Util 1.0`.
 class ZQtUtilQmlPlugin : public QQmlExtensionPlugin
 {
     Q_OBJECT

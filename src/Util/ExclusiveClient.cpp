@@ -4,7 +4,12 @@
 
 #include <stdexcept>
 
-/// The time during which a client itself drives a change, and so does not react to it. The client may end meanwhile.
+// Design notes
+//
+// The service and its clients emit signals in the middle of a transfer. A slot can destroy the client, the service or
+// the next holder. Everything that is used after a signal is therefore guarded by a QPointer.
+
+/// Suppresses the reactions of a client while it causes or reports a transfer. The client can be destroyed meanwhile.
 class ExclusiveClient::Changing
 {
 public:
@@ -32,7 +37,8 @@ ExclusiveClient::ExclusiveClient(ExclusiveService* boundService, QObject* parent
     : QObject(parent)
 {
     setService(boundService);
-    // First of all connections, so that released() is out before the application hears of the reason.
+    // These are the first connections of the two signals. Slots of released() therefore run before those of the
+    // application.
     connect(this, &ExclusiveClient::finished, this, &ExclusiveClient::released);
     connect(this, &ExclusiveClient::intercepted, this, &ExclusiveClient::released);
 }
@@ -56,8 +62,8 @@ void ExclusiveClient::setService(ExclusiveService* newService)
         return;
     }
     if (service_) {
-        // A slot may have bound another one meanwhile, and be using it. It hears nothing more of that: it might go on
-        // so.
+        // A slot of letGo() can have set another service and acquired it. Disconnect first: a slot that acquires again
+        // on every release would loop for ever.
         disconnect(service_, nullptr, this, nullptr);
         if (isInUse()) {
             service_->setClient(nullptr);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A user of a resource that one user holds at a time.
+/// A client of a resource that only one client can hold at a time.
 
 #include <Util/ExclusiveService.h>
 #include <Util/Export.h>
@@ -9,65 +9,77 @@
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
 
-/// A user of an ExclusiveService: asks for the resource, and is told when it has acquired it, when another client took
-/// it away, and when it let it go.
+/// A client of an ExclusiveService. It acquires and releases the resource, and emits a signal when it acquires or loses
+/// it.
 ///
-/// | What happens                     | to the holder             | to the others           |
-/// |----------------------------------|---------------------------|-------------------------|
-/// | use() by a client                | released(), intercepted() | otherClientAppeared(), the new holder acquired() |
-/// | finalize(), by the holder        | released(), finished()    |                         |
-/// | breakAll(), by anyone            | released(), intercepted() |                         |
-/// | setService(), or its destruction | released(), finished()    |                         |
+/// | Event                           | Signals of the previous holder | Signals of the other clients |
+/// |---------------------------------|--------------------------------|------------------------------|
+/// | a client calls use()            | released(), intercepted()      | see below                    |
+/// | the holder calls finalize()     | released(), finished()         | none                         |
+/// | any client calls breakAll()     | released(), intercepted()      | none                         |
+/// | the holder calls setService()   | released(), finished()         | none                         |
+/// | the holder is destroyed         | released(), finished()         | none                         |
 ///
-/// Slots connected to the signals may destroy the client or the service.
+/// After a call of use(), the new holder emits acquired(). Clients that are neither the previous nor the new holder
+/// emit otherClientAppeared().
 ///
-/// **Threads.** Used on the thread of its service, normally the GUI thread.
+/// Slots that are connected to the signals can destroy the client or the service.
+///
+/// **Threads.** Use it on the thread of its service, normally the GUI thread.
 class ZQTUTIL_EXPORT ExclusiveClient : public QObject
 {
     Q_OBJECT
 
 public:
-    /// A client of \a boundService, which is borrowed and may be null, owned by \a parent, if any.
+    /// Creates a client.
+    ///
+    /// \param boundService  the service; can be null. The caller keeps ownership.
+    /// \param parent        the owner of the client; can be null
     explicit ExclusiveClient(ExclusiveService* boundService, QObject* parent = nullptr);
 
-    /// Lets the resource go, as `setService(nullptr)`. What a slot throws then ends the process.
+    /// Releases the resource, see setService(). If a slot throws, the process is terminated.
     ~ExclusiveClient() override;
 
-    /// Leaves the service it had, letting the resource go if it holds it, for \a newService, which may be null. What a
-    /// slot throws on the way passes through; the service then stays what it was, without its signals.
+    /// Changes the service to \a newService, which can be null. Releases the resource of the old service first if this
+    /// client holds it.
+    ///
+    /// Rethrows exceptions of slots. The old service then remains set, but the client no longer reacts to it.
     void setService(ExclusiveService* newService);
 
-    /// Whether this client holds the resource; false without a service, or when it is gone.
+    /// Returns true if this client holds the resource. Returns false if it has no service, or if the service was
+    /// destroyed.
     bool isInUse() const;
 
 public Q_SLOTS:
-    /// Takes the resource, from whoever holds it; nothing when it is this client.
+    /// Acquires the resource and takes it from another client if necessary. Does nothing if this client already holds
+    /// it.
     ///
-    /// Throws `std::logic_error` ("ExclusiveClient use without service!") without a service, as finalize() and
-    /// breakAll() do.
+    /// Throws `std::logic_error` ("ExclusiveClient use without service!") if this client has no service, or if the
+    /// service was destroyed.
     void use();
 
-    /// Lets the resource go, if this client holds it.
+    /// Releases the resource if this client holds it. Throws like use().
     void finalize();
 
-    /// Takes the resource from whoever holds it, for nobody.
+    /// Takes the resource from its current client, which can be this one. Nobody holds it afterwards. Throws like
+    /// use().
     void breakAll();
 
 Q_SIGNALS:
-    /// It has the resource.
+    /// Emitted after this client acquired the resource.
     void acquired();
-    /// It has the resource no more, whatever the reason; comes right before finished() or intercepted() is delivered to
-    /// the application.
+    /// Emitted when this client no longer holds the resource, for any reason. Slots of released() run before the slots
+    /// that the application connects to finished() or intercepted().
     void released();
-    /// Another client, or breakAll(), took the resource away.
+    /// Emitted when another client or breakAll() takes the resource from this client.
     void intercepted();
-    /// It let the resource go itself.
+    /// Emitted after this client released the resource itself.
     void finished();
-    /// Another client takes the resource, and this one did not hold it.
+    /// Emitted when another client acquires the resource while this client does not hold it.
     void otherClientAppeared();
 
 protected Q_SLOTS:
-    /// The service's announcement that the resource passes \a from one client \a to another.
+    /// Reacts to ExclusiveService::clientAboutToBeChanged(): the resource is being transferred from \a from to \a to.
     void onClientAboutToBeChanged(QObject* from, QObject* to);
 
 private:

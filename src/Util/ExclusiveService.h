@@ -1,49 +1,53 @@
 #pragma once
 
 /// \file
-/// A resource that one user holds at a time.
+/// A resource that only one client can hold at a time.
 
 #include <Util/Export.h>
 
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
 
-/// Stands for a resource that only one user may hold at a time: a player, a capture device, a shared panel. The users
-/// are ExclusiveClient objects.
+/// Represents a resource that only one client can hold at a time, such as a player, a capture device or a shared panel.
+/// The clients are ExclusiveClient objects.
 ///
 /// \code
 /// ExclusiveService device;
 /// ExclusiveClient preview(&device), recorder(&device);
-/// recorder.use();   // the recorder has acquired the device
-/// preview.use();    // taken over: the recorder is told that it was intercepted
+/// recorder.use(); // recorder emits acquired()
+/// preview.use();  // recorder emits released() and intercepted(), then preview emits acquired()
 /// \endcode
 ///
-/// **Threads.** The service and its clients are used on one thread, normally the GUI thread.
+/// **Threads.** Use the service and its clients on one thread, normally the GUI thread.
 ///
-/// **Ownership.** The current client is borrowed; when it is destroyed, there is none.
+/// **Ownership.** The service does not own the current client. If the client is destroyed, there is no current client.
 class ZQTUTIL_EXPORT ExclusiveService : public QObject
 {
     Q_OBJECT
 
 public:
-    /// A service that nobody holds, owned by \a parent, if any.
+    /// Creates a service without a current client. \a parent owns it and can be null.
     explicit ExclusiveService(QObject* parent = nullptr);
 
-    /// Who holds the resource; null when nobody does, and while clientAboutToBeChanged() is delivered.
+    /// Returns the client that holds the resource. Returns null if there is none, and while clientAboutToBeChanged() is
+    /// emitted.
     QObject* currentClient() const;
 
 public Q_SLOTS:
-    /// Hands the resource over to \a client, or to nobody when it is null; nothing when it holds it already.
+    /// Transfers the resource to \a client; null releases it. Does nothing if \a client already holds the resource.
     ///
-    /// A slot connected to the signals may destroy the service, which ends the hand-over, or \a client, which then gets
-    /// nothing.
+    /// Slots that are connected to the signals can destroy the service; the transfer then stops. They can destroy
+    /// \a client; the service then has no current client.
+    ///
+    /// Do not call it from a slot that is connected to clientAboutToBeChanged(). The outer call would override the
+    /// nested one, and the client of the nested call would not be notified.
     void setClient(QObject* client);
 
 Q_SIGNALS:
-    /// The resource is about to pass from \a from to \a to; null stands for nobody.
+    /// Emitted before the resource is transferred from \a from to \a to. Null means no client.
     void clientAboutToBeChanged(QObject* from, QObject* to);
 
-    /// The resource has passed to \a client; null stands for nobody.
+    /// Emitted after the resource was transferred to \a client. Null means no client.
     void clientChanged(QObject* client);
 
 private:

@@ -21,7 +21,7 @@ void FunctorExecutionForwarder::Forward(std::function<void()> functor) const
     Q_EMIT ExecuteFunctor(std::move(functor));
 }
 
-// By reference: the queue's own copy is the one that runs.
+// By reference, so that the copy in the event queue is called without another copy.
 void FunctorExecutionForwarder::OnExecuteFunctor(FunctorType const& f)
 {
     f();

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Functors run on another object's thread.
+/// Execution of functions on another thread.
 
 #include <Util/Export.h>
 
@@ -14,40 +14,45 @@ namespace Zelkor
 namespace Util
 {
 
-/// A function without arguments. Qt's meta-type system knows it under this name once a forwarder was made, so that it
-/// can travel inside a queued signal.
+/// A function without arguments. The constructor of FunctorExecutionForwarder registers the type with Qt's meta-type
+/// system under this name, so that a queued signal can carry it.
 using FunctorType = std::function<void()>;
 
-/// Runs functions on the thread that the forwarder belongs to: the thread that made it, or the one it was moved to.
+/// Runs functions on the thread of the forwarder. This is the thread that created it, or the thread that it was moved
+/// to.
 ///
 /// \code
-/// FunctorExecutionForwarder gui; // made on the GUI thread
+/// FunctorExecutionForwarder gui; // created on the GUI thread
 /// std::thread worker([&] { gui.Forward([label] { label->setText(...); }); });
 /// \endcode
 ///
-/// The event loop of that thread calls them one at a time, in the order they were forwarded. What is still queued when
-/// the forwarder is destroyed is dropped uncalled. A forwarder is destroyed on its own thread, or when that thread has
-/// ended.
+/// The event loop of that thread calls the functions one at a time, in the order in which they were forwarded.
+/// Functions that are still queued when the forwarder is destroyed are discarded.
+///
+/// Destroy the forwarder on its own thread, or after that thread has finished.
 class ZQTUTIL_EXPORT FunctorExecutionForwarder : public QObject
 {
     Q_OBJECT
 
 public:
-    /// A forwarder without a parent, on the calling thread.
+    /// Creates a forwarder without a parent on the calling thread.
     ///
-    /// Throws `std::logic_error` ("Failed to connect signal and slot") when Qt does not connect it to itself.
+    /// Throws `std::logic_error` ("Failed to connect signal and slot") if the connection of its signal to its slot
+    /// fails.
     FunctorExecutionForwarder();
 
-    /// Queues \a functor for the forwarder's thread and returns at once, also on that thread itself.
+    /// Queues \a functor for the forwarder's thread and returns at once, even on that thread. Any thread.
     ///
-    /// Any thread. \a functor is copied once into the queue, and the copy is called and destroyed on the forwarder's
-    /// thread. The argument itself goes with this call, perhaps later than the copy: what both share, such as a
-    /// captured `std::shared_ptr`, may end on the calling thread. What the functor throws leaves through the event loop
-    /// of the forwarder's thread; an empty one throws `std::bad_function_call` there.
+    /// \a functor is copied once. The copy is called and destroyed on the forwarder's thread. \a functor itself is
+    /// destroyed when this call returns, possibly after the copy. An object that both own, such as a captured
+    /// `std::shared_ptr`, can therefore be destroyed on the calling thread.
+    ///
+    /// Exceptions of the function propagate through the event loop of the forwarder's thread. An empty function throws
+    /// `std::bad_function_call` there.
     void Forward(std::function<void()> functor) const;
 
 Q_SIGNALS:
-    /// Carries \a f to the forwarder's own thread; Forward() emits it.
+    /// Carries \a f to the thread of the forwarder. Forward() emits this signal.
     void ExecuteFunctor(FunctorType f) const;
 
 private Q_SLOTS:

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Function objects as slots that can be connected by name.
+/// Functions as slots for string-based connections.
 
 #include <Util/Export.h>
 
@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Util
 {
 
-/// A function object behind a real slot, for connections in the string form.
+/// An object with a slot that calls a function. The string-based connection syntax of Qt requires such a slot.
 ///
 /// \code
 /// auto* lambda = new LambdaQt4([](QObject* sender) { ... }, window);
@@ -26,28 +26,29 @@ class ZQTUTIL_EXPORT LambdaQt4 : public QObject
     Q_OBJECT
 
 public:
-    /// A slot that calls \a function; owned by \a parent, if any.
+    /// Creates an object whose slot calls \a function. \a parent owns the object and can be null.
     explicit LambdaQt4(std::function<void(QObject* sender)> function, QObject* parent = nullptr)
         : QObject(parent)
         , functor_(std::move(function))
     {}
 
 public Q_SLOTS:
-    /// Calls the function with the object that sent the signal; null when called directly. What the function throws
-    /// passes through.
+    /// Calls the function with the sender of the signal. The sender is null if the slot is called directly. Exceptions
+    /// of the function are not caught.
     ///
-    /// Throws `std::logic_error` ("LambdaQt4 use without functor!") when there is no function.
+    /// Throws `std::logic_error` ("LambdaQt4 use without functor!") if the function is empty.
     void execute();
 
 private:
     std::function<void(QObject* sender)> functor_;
 };
 
-/// A LambdaQt4 that destroys itself after its first run; connect it to its slot `executeOnce()` by name.
+/// A LambdaQt4 that destroys itself after its first execution. Connect the private slot `executeOnce()` by name.
 ///
-/// It must have been made with `new`, and is not to be used once the slot has run. When there is no function, or the
-/// function throws, the object survives. A signal that comes again while the function runs (because the function turns
-/// an event loop) is ignored, and the function may itself destroy the object.
+/// Create the object with `new`, and do not use it after the slot has run. If the function is empty or throws, the
+/// object is not destroyed. The function can destroy the object itself.
+///
+/// If the function runs a nested event loop, signals that arrive during that time are ignored.
 ///
 /// \code
 /// QObject::connect(timer, SIGNAL(timeout()), new OneTimeExecutor([](QObject*) { ... }), SLOT(executeOnce()));

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Function objects as slots with a number, which can be connected by name.
+/// Functions as slots with an int parameter for string-based connections.
 
 #include <Util/Export.h>
 
@@ -15,7 +15,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// A function object behind a real slot that takes an `int`, for connections in the string form.
+/// An object with a slot that passes an `int` to a function. The string-based connection syntax of Qt requires such a
+/// slot.
 ///
 /// \code
 /// auto* lambda = new LambdaQt4WithIntParameter([](QObject* sender, int value) { ... }, window);
@@ -26,7 +27,7 @@ class ZQTUTIL_EXPORT LambdaQt4WithIntParameter : public QObject
     Q_OBJECT
 
 public:
-    /// A slot that calls \a function; owned by \a parent, if any.
+    /// Creates an object whose slot calls \a function. \a parent owns the object and can be null.
     explicit LambdaQt4WithIntParameter(std::function<void(QObject* sender, int value)> function,
                                        QObject* parent = nullptr)
         : QObject(parent)
@@ -34,10 +35,10 @@ public:
     {}
 
 public Q_SLOTS:
-    /// Calls the function with the object that sent the signal (null when called directly) and \a inputParam. What the
-    /// function throws passes through.
+    /// Calls the function with the sender of the signal and \a inputParam. The sender is null if the slot is called
+    /// directly. Exceptions of the function are not caught.
     ///
-    /// Throws `std::logic_error` ("LambdaQt4WithIntParameter use without functor!") when there is no function.
+    /// Throws `std::logic_error` ("LambdaQt4WithIntParameter use without functor!") if the function is empty.
     void execute(int inputParam);
 
 private:

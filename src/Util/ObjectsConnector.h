@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Signals and slots connected by a shared name.
+/// Connection of signals and slots by a shared name.
 
 #include <Util/Export.h>
 
@@ -18,13 +18,13 @@ namespace Zelkor
 namespace Util
 {
 
-/// The role under which emitters of signals are kept.
+/// The role of emitters in the registry of ObjectsConnector.
 extern ZQTUTIL_EXPORT std::string const TYPE_SIGNAL;
-/// The role under which receivers, with their slots, are kept.
+/// The role of receivers in the registry of ObjectsConnector.
 extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 
-/// A broker that connects signals to slots by a shared name, the ID: every emitter of an ID is connected to every
-/// receiver of it, whichever comes first.
+/// Connects signals to slots by a shared name, the ID. Every emitter of an ID is connected to every receiver of the
+/// same ID. The order of registration does not matter.
 ///
 /// \code
 /// ObjectsConnector::registerReceiver(QStringLiteral("volume"), dial, QStringLiteral("setValue(int)"));
@@ -33,51 +33,65 @@ extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 ///
 /// From QML: `import Zelkor.Util 1.0`, then `ObjectsConnector.registerEmitter("volume", slider, "valueChanged()")`.
 ///
-/// **Signatures** are those of `SIGNAL()` and `SLOT()`, with or without the leading digit that these macros put there.
-/// Qt prints a warning for a signal or slot that an object does not have, or that do not fit each other; it is
-/// recorded all the same.
+/// **Signatures** have the form of `SIGNAL()` and `SLOT()`, with or without the leading digit that these macros add. Qt
+/// logs a warning if an object does not have the signal or slot, or if the two do not match. The object is registered
+/// anyway.
 ///
-/// An object is never connected to itself, even when it is registered on both sides of an ID. A connection is queued
-/// when the side that was registered *second* asked for it; what the first side asked for is not kept.
+/// **Connections.** An object is never connected to itself, even if it is registered as an emitter and as a receiver of
+/// an ID. A connection is queued if the object that is registered *second* requests it. The request of the first one is
+/// not stored.
 ///
-/// **Ownership.** Objects are borrowed, and drop out when they are destroyed. One whose destruction has begun can be
-/// unregistered, but not registered.
+/// **Ownership.** The registry does not own the objects, and removes an object that is destroyed. An object whose
+/// destruction has begun can be unregistered, but not registered.
 ///
-/// **Threads.** Nothing is locked: everything is called on one thread, normally the GUI thread, on which the registered
-/// objects are also destroyed.
+/// **Threads.** Nothing is locked. Call all functions on one thread, normally the GUI thread, and destroy the
+/// registered objects on the same thread.
 class ZQTUTIL_EXPORT ObjectsConnector : public QObject
 {
     Q_OBJECT
 
 public:
-    /// All operations are static; an object is for QML, which calls them through one.
+    /// Creates an object for QML, which cannot call static functions without one. \a parent owns it and can be null.
     explicit ObjectsConnector(QObject* parent = nullptr);
 
-    /// Connects the \a signal of \a sender to every receiver of \a ID, those yet to come included; by queued
-    /// connections to those that are there when \a queued is true. A null \a sender is logged as an error, here and
-    /// below, and not recorded.
+    /// Registers an emitter and connects it to all current and future receivers of the same ID.
+    ///
+    /// \param ID      the shared name
+    /// \param sender  the object that emits the signal. If it is null, the call is logged at ERROR and ignored.
+    /// \param signal  the signature of the signal
+    /// \param queued  true to use queued connections to the receivers that are already registered
     Q_INVOKABLE static void registerEmitter(QString const& ID, QObject* sender, QString const& signal,
                                             bool queued = false);
 
-    /// Connects every emitter of \a ID, those yet to come included, to the \a slot of \a receiver; by queued
-    /// connections from those that are there when \a queued is true. A null \a receiver is logged as an error, and not
-    /// recorded.
+    /// Registers a receiver and connects it to all current and future emitters of the same ID.
+    ///
+    /// \param ID        the shared name
+    /// \param receiver  the object that has the slot. If it is null, the call is logged at ERROR and ignored.
+    /// \param slot      the signature of the slot
+    /// \param queued    true to use queued connections from the emitters that are already registered
     Q_INVOKABLE static void registerReceiver(QString const& ID, QObject* receiver, QString const& slot,
                                              bool queued = false);
 
-    /// Disconnects every emitter of \a ID from the \a slot of \a receiver, and forgets it, however often it was
-    /// registered.
+    /// Disconnects a receiver from all emitters of its ID and removes it, even if it was registered several times.
+    ///
+    /// \param ID        the shared name
+    /// \param receiver  the registered object. If it is null, the call is logged at ERROR and ignored.
+    /// \param slot      the signature of the slot
     Q_INVOKABLE static void unregisterReceiver(QString const& ID, QObject* receiver, QString const& slot);
 
-    /// Disconnects the \a signal of \a sender from every receiver of \a ID, and forgets it, however often it was
-    /// registered.
+    /// Disconnects an emitter from all receivers of its ID and removes it, even if it was registered several times.
+    ///
+    /// \param ID      the shared name
+    /// \param sender  the registered object. If it is null, the call is logged at ERROR and ignored.
+    /// \param signal  the signature of the signal
     Q_INVOKABLE static void unregisterEmitter(QString const& ID, QObject* sender, QString const& signal);
 
 private:
+    // Callable through the meta-object since the first release, although it is private.
     Q_INVOKABLE static void registerMetaType(QString const& ID, std::string const& metaType,
                                              std::pair<QObject const*, std::string const> const& metaPair);
 
-    // In the order of registration; the text is the coded signature, as SIGNAL() and SLOT() make it.
+    // The entries in the order of registration. The text is the signature as SIGNAL() or SLOT() returns it.
     using Entries = std::list<std::pair<QObject const*, std::string const>>;
     static std::map<QString, std::map<std::string, Entries>> m_metaCollector;
 };

@@ -10,17 +10,25 @@
 
 #include <glog/logging.h>
 
+// Design notes
+//
+// Qt does not call a message handler recursively. A message that is logged by a filter or by the previous handler is
+// written to the standard error stream by Qt. The handler therefore needs no protection against recursion of its own.
+//
+// The handler is a function-local static object, so it is destroyed at exit. Qt or another message handler can call
+// StaticHandler() after that. It then passes messages to the previous handler, which is stored in g_fallbackHandler.
+
 namespace Zelkor::Util
 {
 namespace
 {
 
-// What is left of the handler when its static object is gone: another handler may still hand messages on to it.
-std::atomic<bool> g_isGone(false);
-std::atomic<QtMessageHandler> g_heir(nullptr);
+// Used after the destruction of the handler. Another message handler can still call StaticHandler() at that time.
+std::atomic<bool> g_isDestroyed(false);
+std::atomic<QtMessageHandler> g_fallbackHandler(nullptr);
 
 template <class Filter, class... Arguments>
-bool LetThrough(QList<Filter> const& filters, Arguments const&... arguments)
+bool PassesAll(QList<Filter> const& filters, Arguments const&... arguments)
 {
     for (Filter const& filter : filters) {
         if (filter && !filter(arguments...)) {
@@ -51,7 +59,7 @@ void WriteToLog(QtMsgType type, std::string const& text)
         LOG(WARNING) << text;
         break;
     case QtCriticalMsg:
-    case QtFatalMsg: // not FATAL: Qt aborts, once the earlier handler has seen the message
+    case QtFatalMsg: // not FATAL, which would abort before the previous handler is called; Qt aborts afterwards
         LOG(ERROR) << text;
         break;
     }
@@ -74,16 +82,16 @@ struct QtLogHandler::Impl
 
 void QtLogHandler::Impl::StaticHandler(QtMsgType type, QMessageLogContext const& context, QString const& message)
 {
-    if (!g_isGone) {
+    if (!g_isDestroyed) {
         GetInstance().impl_->Handler(type, context, message);
-    } else if (QtMessageHandler const heir = g_heir) {
-        heir(type, context, message);
+    } else if (QtMessageHandler const fallback = g_fallbackHandler) {
+        fallback(type, context, message);
     }
 }
 
 void QtLogHandler::Impl::Handler(QtMsgType type, QMessageLogContext const& context, QString const& message) const
 {
-    if (!LetThrough(fullFilters, type, context, message) || !LetThrough(textFilters, message)) {
+    if (!PassesAll(fullFilters, type, context, message) || !PassesAll(textFilters, message)) {
         return;
     }
     std::string text = QStringToUtf8(message);
@@ -91,7 +99,7 @@ void QtLogHandler::Impl::Handler(QtMsgType type, QMessageLogContext const& conte
         text = WithSourcePosition(context, text);
     }
     WriteToLog(type, text);
-    // The handler itself comes back as the earlier one when somebody else put it back before it was installed again.
+    // The previous handler can be this one, if somebody restored it before it was installed again; do not recurse.
     if (forwardIntoPreviousHandler && previousHandler && previousHandler != StaticHandler) {
         previousHandler(type, context, message);
     }
@@ -111,8 +119,8 @@ QtLogHandler::QtLogHandler()
 
 QtLogHandler::~QtLogHandler()
 {
-    g_heir = impl_->previousHandler != Impl::StaticHandler ? impl_->previousHandler : nullptr;
-    g_isGone = true;
+    g_fallbackHandler = impl_->previousHandler != Impl::StaticHandler ? impl_->previousHandler : nullptr;
+    g_isDestroyed = true;
     Uninstall();
 }
 

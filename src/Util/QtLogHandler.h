@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Qt's messages in the application's glog log.
+/// Forwarding of Qt's log messages to glog.
 
 #include <Util/Export.h>
 
@@ -16,61 +16,81 @@ namespace Zelkor
 namespace Util
 {
 
-/// Sends what is reported through qDebug(), qInfo(), qWarning(), qCritical() and qFatal() into glog, after optional
-/// filtering, and then on to the message handler that was installed before.
+/// A Qt message handler that logs the messages of qDebug(), qInfo(), qWarning(), qCritical() and qFatal() with glog.
+/// Filters can drop messages first. The handler then calls the message handler that was installed before it.
 ///
-/// Debug and info messages become INFO lines, warnings WARNING, critical and fatal ones ERROR: after a fatal one Qt
-/// aborts, when the earlier handler has seen it too. The lines stand in glog under this handler's source position; the
-/// message's own is put before the text.
+/// | Qt message       | glog severity |
+/// |------------------|---------------|
+/// | debug, info      | INFO          |
+/// | warning          | WARNING       |
+/// | critical, fatal  | ERROR         |
+///
+/// A fatal message is not logged at FATAL, because glog would abort before the previous handler is called. Qt aborts
+/// afterwards.
+///
+/// The source position of each glog record is in this handler. The source position of the Qt message is part of the
+/// text.
 ///
 /// \code
 /// int main(int argc, char** argv)
 /// {
 ///     google::InitGoogleLogging(argv[0]);
-///     Zelkor::Util::QtLogHandler::GetInstance().AddFilter([](QString const& text) { return !text.contains(...); });
+///     Zelkor::Util::QtLogHandler::GetInstance().AddFilter(&IsOfInterest);
+///     return Run();
+/// }
 /// \endcode
 ///
-/// **Threads.** Messages may come from any thread. Set filters and switches up once, before messages come from other
-/// threads: they are not locked.
+/// **Threads.** Any thread can log messages. The filters and settings are not locked: change them before other threads
+/// log messages.
 ///
-/// **At exit** the earlier handler is put back; messages that come later than that go to it. Qt itself takes care of
-/// messages that a filter or an earlier handler causes while one is handled: they go to the standard error stream.
+/// **At exit** the handler restores the previous handler, which then receives all later messages.
+///
+/// **Nested messages.** Qt writes a message that is logged by a filter or by the previous handler to the standard error
+/// stream. It does not reach this handler.
 class ZQTUTIL_EXPORT QtLogHandler
 {
 public:
-    /// Sees the text of a message; lets it through with true and drops it with false.
+    /// Receives the text of a message. Returns true to keep the message, false to drop it.
     using TextFilter = std::function<bool(QString const&)>;
-    /// Sees the type, the source position and the text of a message; lets it through with true, drops it with false.
+    /// Receives the type, the source position and the text of a message. Returns true to keep the message, false to
+    /// drop it.
     using FullFilter = std::function<bool(QtMsgType, QMessageLogContext const&, QString const&)>;
 
-    /// The one handler of the process, made and installed by the first call. Any thread.
+    /// Returns the only handler of the process. The first call creates and installs it. Any thread.
     static QtLogHandler& GetInstance();
 
-    /// Puts the earlier handler back, if this one is installed.
+    /// Restores the previous handler if this one is installed.
     ~QtLogHandler();
 
     QtLogHandler(QtLogHandler const&) = delete;
     QtLogHandler& operator=(QtLogHandler const&) = delete;
 
-    /// Installs the handler, unless it is, and remembers the one that it replaces. Filters and switches stay.
+    /// Installs the handler and stores the one that it replaces. Does nothing if it is already installed. Filters and
+    /// settings remain unchanged.
     void Install();
 
-    /// Puts back the handler that was replaced, if this one is installed.
+    /// Restores the handler that was replaced. Does nothing if this handler is not installed.
     void Uninstall();
 
-    /// Adds a filter behind the others of its kind; an empty one is passed over. Filters cannot be removed.
+    /// Appends \a filter to the filters of its type. An empty function is ignored. Filters cannot be removed.
     ///
-    /// Full filters see a message first, then text filters. The first that drops it ends the handling: it is neither
-    /// logged nor handed on.
+    /// Full filters are called first, then text filters, each in the order in which they were added. If a filter drops
+    /// the message, no other filter is called. The message is neither logged nor passed to the previous handler.
     void AddFilter(TextFilter filter);
     /// \overload
     void AddFilter(FullFilter filter);
 
-    /// Whether the file and line of a message, "undefined:0" where it has none, stand before its text; they do at
-    /// first. Release builds of Qt applications have none unless QT_MESSAGELOGCONTEXT is defined.
+    /// Enables or disables the source position before the text of each glog record; initially enabled.
+    ///
+    /// The position is the file and line of the Qt message, or "undefined:0" if the message has none. Release builds of
+    /// applications record it only if they define QT_MESSAGELOGCONTEXT.
+    ///
+    /// \param enabled  true to log the position
     void SetEnabledLogFileNameAndLineNumber(bool enabled);
 
-    /// Whether messages are handed on to the earlier handler; they are at first.
+    /// Enables or disables calls of the previous handler; initially enabled.
+    ///
+    /// \param enabled  true to pass messages to the previous handler after they are logged
     void SetEnabledForwardIntoPreviousHandler(bool enabled);
 
 private:

@@ -1,5 +1,10 @@
 #include <Util/StdStreams.h>
 
+// Design notes
+//
+// Loading the library must not run code for these streams. The exported names are therefore plain pointers with
+// constant initialisation, and the application decides when the streams are created and flushed.
+
 QTextStream* qinPtr = nullptr;
 ConsoleOutputStream* qoutPtr = nullptr;
 ConsoleOutputStream* qerrPtr = nullptr;
@@ -17,7 +22,7 @@ ConsoleOutputStream& ConsoleOutputStream::operator<<(QString const& text)
 }
 
 QtStdStreamsInitializer::QtStdStreamsInitializer()
-    : input_(stdin)
+    : input_(stdin) // deliberately with the default mode of QTextStream, which is ReadWrite
     , output_(stdout)
     , error_(stderr)
 {
@@ -28,6 +33,7 @@ QtStdStreamsInitializer::QtStdStreamsInitializer()
 
 QtStdStreamsInitializer::~QtStdStreamsInitializer()
 {
+    // The streams are destroyed after this body, so no code can reach a destroyed stream through the pointers.
     qinPtr = nullptr;
     qoutPtr = nullptr;
     qerrPtr = nullptr;

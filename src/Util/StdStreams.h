@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Text streams on the process's standard input, output and error streams.
+/// Text streams for the standard input, output and error streams of the process.
 
 #include <Util/Export.h>
 
@@ -9,30 +9,32 @@
 
 #include <cstdio>
 
-/// A text stream that writes to one of the standard streams. What is written stays in the stream until it is flushed.
+/// A text stream that writes to a standard stream. It buffers the text until it is flushed or destroyed.
 class ZQTUTIL_EXPORT ConsoleOutputStream : public QTextStream
 {
 public:
-    /// A stream that writes to \a file, which stays open and the caller's.
+    /// Creates a stream that writes to \a file. The caller keeps ownership of \a file and must keep it open.
     explicit ConsoleOutputStream(FILE* file);
-    /// Flushes.
+    /// Flushes the stream. Does not close the file.
     ~ConsoleOutputStream() override;
 
     using QTextStream::operator<<;
-    /// Writes \a text, without flushing, and returns the stream.
+    /// Writes \a text without flushing the stream. Returns the stream.
     ConsoleOutputStream& operator<<(QString const& text);
 };
 
-/// Opens the console streams for as long as it lives; an application makes one, as a static or first in `main`.
+/// Owns the console streams. The application creates one instance, as a static object or at the start of `main`.
 ///
-/// A second one takes the pointers over, and the destruction of either sets them to null. The streams are not locked:
-/// use them from one thread at a time.
+/// A second instance sets the pointers to its own streams. The destruction of either instance sets the pointers to
+/// null.
+///
+/// **Threads.** The streams are not locked: use them from one thread at a time.
 class ZQTUTIL_EXPORT QtStdStreamsInitializer
 {
 public:
-    /// Opens the streams and sets #qinPtr, #qoutPtr and #qerrPtr.
+    /// Creates the streams and sets #qinPtr, #qoutPtr and #qerrPtr.
     QtStdStreamsInitializer();
-    /// Sets the three pointers to null, then flushes and closes the streams; stdin, stdout and stderr stay open.
+    /// Sets the three pointers to null, then flushes and destroys the streams. Does not close stdin, stdout and stderr.
     ~QtStdStreamsInitializer();
 
     QtStdStreamsInitializer(QtStdStreamsInitializer const&) = delete;
@@ -44,9 +46,9 @@ private:
     ConsoleOutputStream error_;
 };
 
-/// The stream on standard input; null while there is no QtStdStreamsInitializer.
+/// The stream for standard input; null while there is no QtStdStreamsInitializer.
 extern ZQTUTIL_EXPORT QTextStream* qinPtr;
-/// The stream on standard output; null while there is no QtStdStreamsInitializer.
+/// The stream for standard output; null while there is no QtStdStreamsInitializer.
 extern ZQTUTIL_EXPORT ConsoleOutputStream* qoutPtr;
-/// The stream on standard error; null while there is no QtStdStreamsInitializer.
+/// The stream for standard error; null while there is no QtStdStreamsInitializer.
 extern ZQTUTIL_EXPORT ConsoleOutputStream* qerrPtr;

@@ -69,15 +69,17 @@ public:
     bool empty() const;
 
 Q_SIGNALS:
-    /// Emitted when another stack becomes active or the active one changes. \a canRedo is the new result of canRedo().
+    /// Emitted when another stack, or none, becomes active, or when the active one changes. \a canRedo is the new
+    /// result of canRedo().
     void canRedoChanged(bool canRedo);
-    /// Emitted when another stack becomes active or the active one changes. \a canUndo is the new result of canUndo().
+    /// Emitted when another stack, or none, becomes active, or when the active one changes. \a canUndo is the new
+    /// result of canUndo().
     void canUndoChanged(bool canUndo);
-    /// Emitted when another stack becomes active or the clean state of the active one changes. \a clean is true if the
-    /// active stack is in its clean state.
+    /// Emitted when another stack, or none, becomes active, or when the clean state of the active one changes. \a clean
+    /// is true if the active stack is in its clean state.
     void cleanChanged(bool clean);
-    /// Emitted when another stack becomes active or the index of the active one changes. \a idx is the new
-    /// `QUndoStack::index()` of the active stack.
+    /// Emitted when another stack, or none, becomes active, or when the index of the active one changes. \a idx is the
+    /// new `QUndoStack::index()` of the active stack.
     void indexChanged(int idx);
 
 private:

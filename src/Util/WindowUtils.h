@@ -32,9 +32,8 @@ ZQTUTIL_EXPORT QPoint GetWidgetPosOnCurrentScreenCenter(QWidget const& widget);
 /// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`. GUI thread; runs a nested event loop.
 ///
 /// \param dialog  the dialog to show; the caller keeps ownership
-/// \param parent  a widget of the window in which the dialog is centred. If it is null, the parent of \a dialog is
-/// used. If
-///                the dialog has no parent either, it is centred on its screen.
+/// \param parent  a widget of the window in which the dialog is centred. If it is null, the parent of \a dialog
+///                is used. If the dialog has no parent either, it is centred on its screen.
 /// \returns the result of `QDialog::exec()`; 0 if \a dialog is null or is destroyed before it returns
 ZQTUTIL_EXPORT int ExecDialogInCenterWindow(QDialog* dialog, QWidget* parent);
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What is told of clicks on the items of a SimpleModel.
+/// Interface for observers of SimpleModel.
 
 #include <Util/Export.h>
 
@@ -13,17 +13,18 @@ namespace Zelkor
 namespace Util
 {
 
-/// An observer of a SimpleModel. A `QVariant` can carry the pointer: that is how it is handed to
-/// SimpleModel::setData().
+/// Receives the clicks on the items of a SimpleModel. SimpleModel::setData() registers observers. The pointer type is a
+/// Qt meta-type, because the pointer is passed in a `QVariant`.
 class ZQTUTIL_EXPORT ISimpleModelObserver
 {
 public:
+    /// Does not unregister the observer; see SimpleModel::UnregisterObserver.
     virtual ~ISimpleModelObserver();
 
-    /// The item \a uid was clicked. Called on the thread that wrote the click, normally the GUI thread.
+    /// Called when the item with the identifier \a uid is clicked, on the thread that calls SimpleModel::setData().
     ///
-    /// The call-back may register and unregister observers, itself too, which counts from the next click; it must not
-    /// delete the model (`deleteLater()` may).
+    /// The callback can register and unregister observers, including itself. The change takes effect from the next
+    /// click. The callback must not delete the model, but it can call `deleteLater()`.
     virtual void OnItemClicked(QString const& uid) = 0;
 };
 

@@ -7,13 +7,21 @@
 #include <algorithm>
 #include <utility>
 
+// Design notes
+//
+// Observers are registered through setData(). QML code can therefore use the model without additional invokable
+// functions.
+//
+// The items never change, so the model emits no change signals. The observer list copies its handlers
+// before it calls them: an observer can therefore change the list during a click.
+
 namespace Zelkor::Util
 {
 
 namespace
 {
 
-/// The underscores of a uid are the folders of its icon.
+/// Returns the URL of the icon of \a uid. Underscores of the uid separate folders.
 QString IconPathOf(QString const& uid)
 {
     static constexpr QStringView before(u"qrc:/icons/");
@@ -62,6 +70,7 @@ int SimpleModel::rowCount(QModelIndex const& parent) const
 
 QVariant SimpleModel::data(QModelIndex const& index, int role) const
 {
+    // The row is deliberately not checked: views only request rows below rowCount().
     if (role == Uid) {
         return impl_->uids.at(index.row());
     }
@@ -80,7 +89,8 @@ bool SimpleModel::setData(QModelIndex const& index, QVariant const& value, int r
         if (role != Click) {
             return false;
         }
-        QString const uid = index.data(Uid).toString(); // of the index's own model, which may stand before this one
+        // Read through the model of the index, which can be a proxy model of this one.
+        QString const uid = index.data(Uid).toString();
         impl_->PerformForEachEventHandler([&uid](ISimpleModelObserver* observer) { observer->OnItemClicked(uid); });
         return true;
     }

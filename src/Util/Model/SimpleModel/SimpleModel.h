@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A list of items, by identifier, for views and QML.
+/// A list model with fixed items for views and QML.
 
 #include <Util/Export.h>
 #include <Util/Model/SimpleModel/ISimpleModelObserver.h>
@@ -22,8 +22,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// A fixed list of items for views and QML: identifiers (uids), each with a title of the application's choice and an
-/// icon path made of the uid. Clicks are written back to the model, which tells its observers.
+/// A list model with fixed items for views and QML. Each item has an identifier (uid), a title that the application
+/// supplies, and an icon path that is derived from the uid. Views write clicks to the model, which notifies its
+/// observers.
 ///
 /// \code
 /// QStringList const uids{QStringLiteral("video_trim"), QStringLiteral("audio")};
@@ -35,54 +36,62 @@ namespace Util
 /// delegate: ToolButton { text: Title; icon.source: IconPath; onClicked: model.Click = true }
 /// \endcode
 ///
-/// **When not to use it:** for items that come, go or change; nothing here does, so no change is ever signalled.
+/// **When not to use it.** The items cannot be added, removed or changed, and the model emits no change signals.
 ///
-/// **Threads.** A model is used on the thread it lives on, normally the GUI thread. Observers are borrowed: they are
-/// unregistered before they end.
+/// **Threads.** Use the model on its own thread, normally the GUI thread.
+///
+/// **Ownership.** The model does not own its observers. Unregister an observer before it is destroyed.
 class ZQTUTIL_EXPORT SimpleModel : public QAbstractListModel
 {
     Q_OBJECT
 
 public:
-    /// What the items offer, and what can be written.
+    /// The data of the items, and the operations of setData().
     enum Role {
-        Uid = Qt::UserRole + 1, ///< reads the uid
-        Title,                  ///< reads what the title getter returns for the uid
-        IconPath,               ///< reads the URL of the icon: "qrc:/icons/video/trim.png" for the uid video_trim
-        Click,                  ///< written to an item: it was clicked, whatever the value
-        RegisterObserver,       ///< written to no item: the value carries an `ISimpleModelObserver*` to register
-        UnregisterObserver      ///< written to no item: the value carries the observer to forget
+        Uid = Qt::UserRole + 1, ///< read: the uid
+        Title,                  ///< read: the result of the title getter for the uid
+        IconPath,               ///< read: the icon URL; "qrc:/icons/video/trim.png" for the uid "video_trim"
+        Click,                  ///< write with a valid index: reports a click; the value is ignored
+        RegisterObserver,       ///< write with an invalid index: registers the `ISimpleModelObserver*` in the value
+        UnregisterObserver      ///< write with an invalid index: unregisters the `ISimpleModelObserver*` in the value
     };
     Q_ENUM(Role)
 
-    /// A new model of \a uids, one row each, owned by \a parent, or by the caller when there is none. \a titleGetter
-    /// returns the title of a uid; it is called each time a title is read.
+    /// Creates a model on the heap.
+    ///
+    /// \param uids         the identifiers of the items, one for each row
+    /// \param titleGetter  returns the title of a uid. It is called whenever a title is read.
+    /// \param parent       the owner of the model. If it is null, the caller owns the model.
     static SimpleModel* Create(QStringList&& uids, std::function<QString(QString const&)>&& titleGetter,
                                QObject* parent = nullptr);
 
-    /// As Create().
+    /// Creates a model. The parameters are those of Create().
     SimpleModel(QStringList&& uids, std::function<QString(QString const&)>&& titleGetter, QObject* parent = nullptr);
 
     ~SimpleModel() override;
 
-    /// The number of uids; 0 below an item.
+    /// Returns the number of items; 0 if \a parent is a valid index.
     int rowCount(QModelIndex const& parent = QModelIndex()) const override;
 
-    /// What \a role shows of the row of \a index: Uid, Title or IconPath; an invalid value for any other role.
+    /// Returns the data of an item. Throws `std::bad_function_call` for Title if the title getter is empty.
     ///
-    /// The row must be below rowCount(): it is not tested. Title throws `std::bad_function_call` when there is no
-    /// title getter.
+    /// \param index  the item. The row must be less than rowCount(); it is not checked.
+    /// \param role   Uid, Title or IconPath. The result for any other role is an invalid QVariant.
     QVariant data(QModelIndex const& index, int role = Qt::DisplayRole) const override;
 
-    /// Takes a click, an observer, or nothing: false when there is nothing to do for \a role.
+    /// Reports a click, or registers or unregisters an observer. Emits no change signal.
     ///
-    /// With an item, Click calls ISimpleModelObserver::OnItemClicked() of every observer, in the order of their
-    /// registration; \a value is ignored, and no change is signalled. With an invalid \a index, RegisterObserver and
-    /// UnregisterObserver take the observer that \a value carries; one that is null, or there already, or not there, is
-    /// ignored, and the answer still true.
+    /// With a valid \a index, Click calls ISimpleModelObserver::OnItemClicked() of every observer, in the order of
+    /// registration. With an invalid \a index, RegisterObserver and UnregisterObserver use the observer in \a value. An
+    /// observer that is null, already registered or not registered is ignored.
+    ///
+    /// \param index  the clicked item; an invalid index for the two roles of observers
+    /// \param value  the observer; ignored for Click
+    /// \param role   Click, RegisterObserver or UnregisterObserver
+    /// \returns false if \a role cannot be used with \a index; otherwise true, even if the observer is ignored
     bool setData(QModelIndex const& index, QVariant const& value, int role = Qt::EditRole) override;
 
-    /// "Uid", "Title", "IconPath" and "Click", and none of the standard roles.
+    /// Returns the names "Uid", "Title", "IconPath" and "Click". The standard roles have no names.
     QHash<int, QByteArray> roleNames() const override;
 
 private:
