@@ -119,7 +119,7 @@ AlertBox::AlertBox(Level level, QString const& title, QString const& text, QMess
         } else if (level_ == Question) { // deliberate: a question with a title gets no minimum width
             SetWidth(QuestionWidth);
         }
-        // Deliberate: only a default title is set through both classes.
+        // Only a default title is set through both classes. Kept as in the first release.
         QMessageBox::setWindowTitle(shownTitle);
     }
     QWidget::setWindowTitle(shownTitle); // on macOS, QMessageBox::setWindowTitle() does nothing
@@ -305,7 +305,8 @@ void AlertBox::UpdateDefaultIcon()
 
 void AlertBox::Repolish()
 {
-    QStyle* const boxStyle = style(); // deliberately for all descendants too, instead of the style of each widget
+    // Deliberately the style of the box for all descendants, even for those with a different style.
+    QStyle* const boxStyle = style();
     ApplyStyleAgain(boxStyle, this);
     auto const widgets = findChildren<QWidget*>();
     for (QWidget* const widget : widgets) {

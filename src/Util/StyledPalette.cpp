@@ -46,7 +46,7 @@ QColor StyledPalette::GetPalleteLight()
 
 void StyledPalette::SetPaletteLight(QColor color)
 {
-    // Deliberately unlike SetLinksColor(): this colour is always stored as RGB.
+    // Deliberately unlike SetLinksColor(): callers depend on an RGB colour here.
     QColor rgb;
     rgb.setRgb(color.red(), color.green(), color.blue(), color.alpha());
     SetApplicationColor(QPalette::Light, rgb);

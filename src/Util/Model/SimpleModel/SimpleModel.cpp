@@ -12,8 +12,8 @@
 // Observers are registered through setData(). QML code can therefore use the model without additional invokable
 // functions.
 //
-// The items never change, so the model emits no change signals. The observer list copies its handlers
-// before it calls them: an observer can therefore change the list during a click.
+// The items never change, so the model emits no change signals. The observer list copies its handlers before
+// it calls them: an observer can therefore change the list during a click.
 
 namespace Zelkor::Util
 {
