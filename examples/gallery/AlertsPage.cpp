@@ -48,19 +48,19 @@ std::array<Buttons, 4> const& ButtonChoices()
 
 QString SampleText()
 {
-    return AlertsPage::tr("The film could not be exported: there is no space left on the disc.");
+    return AlertsPage::tr("The film could not be exported: there is no space left on the disk.");
 }
 
 QString SampleLink()
 {
-    return QStringLiteral("<a href=\"https://example.org/space\">%1</a>").arg(AlertsPage::tr("How to make space"));
+    return QStringLiteral("<a href=\"https://example.org/space\">%1</a>").arg(AlertsPage::tr("How to free up space"));
 }
 
-/// Shows a link where it was clicked, instead of opening a browser.
-class LinkShower : public App::ILinksOpener
+/// Shows the URL of a clicked link in a label instead of opening a browser.
+class LinkDisplay : public App::ILinksOpener
 {
 public:
-    explicit LinkShower(StatusLabel* label)
+    explicit LinkDisplay(StatusLabel* label)
         : label_(label)
     {}
 
@@ -86,23 +86,23 @@ AlertsPage::AlertsPage(QWidget* parent)
     , widthBox_(new QSpinBox)
     , spacingBox_(new QSpinBox)
     , linkBox_(new QCheckBox(tr("&Link below the text")))
-    , openerBox_(new QCheckBox(tr("Opened by the &gallery")))
-    , ownIconBox_(new QCheckBox(tr("&Icon of its own")))
+    , openerBox_(new QCheckBox(tr("Show clicked links on this &page")))
+    , ownIconBox_(new QCheckBox(tr("Custom &icon")))
     , showButton_(new QPushButton(tr("S&how")))
 {
-    // In the order of AlertBox::Level.
+    // The index of each item is its AlertBox::Level.
     levelBox_->addItems({tr("Information"), tr("Error"), tr("Question")});
     for (Buttons const& choice : ButtonChoices()) {
         buttonsBox_->addItem(QCoreApplication::translate("GalleryAlerts", choice.title));
     }
-    titleEdit_->setPlaceholderText(tr("That of the level"));
+    titleEdit_->setPlaceholderText(tr("Default title of the level"));
     widthBox_->setRange(-1, MaximumWidth);
     widthBox_->setValue(-1);
-    widthBox_->setSpecialValueText(tr("As the text needs"));
+    widthBox_->setSpecialValueText(tr("Automatic"));
     widthBox_->setSuffix(tr(" px"));
     spacingBox_->setRange(-1, MaximumSpacing);
     spacingBox_->setValue(-1);
-    spacingBox_->setSpecialValueText(tr("As usual"));
+    spacingBox_->setSpecialValueText(tr("Default"));
     spacingBox_->setSuffix(tr(" px"));
 
     auto* const column = new QVBoxLayout(this);
@@ -117,17 +117,17 @@ AlertsPage::AlertsPage(QWidget* parent)
 QFormLayout* AlertsPage::NewForm()
 {
     auto* const form = new QFormLayout;
-    form->addRow(NewLabelOf(levelBox_, tr("Le&vel")), levelBox_);
-    form->addRow(NewLabelOf(titleEdit_, tr("&Title")), titleEdit_);
-    form->addRow(NewLabelOf(textEdit_, tr("Te&xt")), textEdit_);
-    form->addRow(NewLabelOf(buttonsBox_, tr("&Buttons")), buttonsBox_);
-    form->addRow(NewLabelOf(widthBox_, tr("Least &width")), widthBox_);
-    form->addRow(NewLabelOf(spacingBox_, tr("&Spacing of the buttons")), spacingBox_);
+    form->addRow(NewLabelFor(levelBox_, tr("Le&vel")), levelBox_);
+    form->addRow(NewLabelFor(titleEdit_, tr("&Title")), titleEdit_);
+    form->addRow(NewLabelFor(textEdit_, tr("Te&xt")), textEdit_);
+    form->addRow(NewLabelFor(buttonsBox_, tr("&Buttons")), buttonsBox_);
+    form->addRow(NewLabelFor(widthBox_, tr("Minimum &width")), widthBox_);
+    form->addRow(NewLabelFor(spacingBox_, tr("&Spacing of the buttons")), spacingBox_);
     form->addRow(linkBox_);
     form->addRow(openerBox_);
     form->addRow(ownIconBox_);
-    answerLabel_ = AddValueRow(form, tr("Answer"));
-    linkLabel_ = AddValueRow(form, tr("Link activated"));
+    answerLabel_ = AddValueRow(form, tr("Clicked button"));
+    linkLabel_ = AddValueRow(form, tr("Clicked link"));
     return form;
 }
 
@@ -140,7 +140,7 @@ std::unique_ptr<AlertBox> AlertsPage::NewBox()
         box->SetLearnMoreLink(SampleLink());
     }
     if (openerBox_->isChecked()) {
-        box->SetLinksOpener(std::make_shared<LinkShower>(linkLabel_));
+        box->SetLinksOpener(std::make_shared<LinkDisplay>(linkLabel_));
     }
     if (ownIconBox_->isChecked()) {
         box->setIconPixmap(QPixmap(QStringLiteral(":/icons/export.png")));
@@ -160,7 +160,7 @@ void AlertsPage::ShowBox()
     QPointer<AlertBox> const box = NewBox().release();
     box->Exec();
     if (!alive) {
-        return; // the window went, and the box with it
+        return; // the window was closed, which deleted this page and the box
     }
     answerLabel_->Show(box && box->clickedButton() ? box->clickedButton()->objectName() : tr("none"));
     delete box;
@@ -173,7 +173,7 @@ void AlertsPage::ShowSample()
     linkBox_->setChecked(true);
     openerBox_->setChecked(true);
     answerLabel_->Show(QStringLiteral("buttonOk"));
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 std::vector<SampleDialog> AlertsPage::SampleDialogs()
@@ -183,15 +183,15 @@ std::vector<SampleDialog> AlertsPage::SampleDialogs()
         box->PrepareToShow();
         dialogs.push_back({id, std::move(box)});
     };
-    add("alert-information", std::make_unique<AlertBox>(AlertBox::Information, QString(), tr("The film is exported."),
+    add("alert-information", std::make_unique<AlertBox>(AlertBox::Information, QString(), tr("The film was exported."),
                                                         QMessageBox::Ok, this));
     add("alert-error", NewBox());
     auto question = std::make_unique<AlertBox>(AlertBox::Question, QString(),
-                                               tr("Save the changes to “Holidays 2024” before it is closed?"),
+                                               tr("Save the changes to “Holidays 2024” before closing?"),
                                                QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
     add("alert-question", std::move(question));
     auto wide =
-        std::make_unique<AlertBox>(AlertBox::Question, tr("Replace"), tr("There is a film of this name. Replace it?"),
+        std::make_unique<AlertBox>(AlertBox::Question, tr("Replace"), tr("A film with this name exists. Replace it?"),
                                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Help, this);
     wide->setIconPixmap(QPixmap(QStringLiteral(":/icons/export.png")));
     wide->SetWidth(SampleWidth);

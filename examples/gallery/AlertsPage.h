@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Alerts: message boxes, put together by the user.
+/// The Alerts page: shows message boxes with options that the user sets.
 
 #include "Page.h"
 

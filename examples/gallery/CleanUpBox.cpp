@@ -36,7 +36,7 @@ constexpr int MaxDays = 365;
 
 enum Column { Name, Age, After };
 
-// Without a translation, Qt has no singular of its own.
+// tr() with "%n" chooses a singular form only from a translation, and the gallery has none.
 QString DaysText(int days)
 {
     return days == 1 ? CleanUpBox::tr("1 day") : CleanUpBox::tr("%n days", nullptr, days);
@@ -46,9 +46,9 @@ QString DaysText(int days)
 
 CleanUpBox::CleanUpBox(QWidget* parent)
     : QGroupBox(tr("Clean up old files"), parent)
-    , makeButton_(new QPushButton(tr("&Make Files")))
+    , makeButton_(new QPushButton(tr("C&reate Files")))
     , daysBox_(new QSpinBox)
-    , folderToo_(new QCheckBox(tr("Remove the emptied &folder too")))
+    , folderToo_(new QCheckBox(tr("Also remove the empty &folder")))
     , cleanUpButton_(new QPushButton(tr("&Clean Up")))
     , files_(new QTableWidget)
     , outcomeLabel_(new StatusLabel(tr("Outcome")))
@@ -59,18 +59,18 @@ CleanUpBox::CleanUpBox(QWidget* parent)
     files_->setItemDelegate(new ToneDelegate(files_));
     files_->setAccessibleName(tr("Files before and after the clean-up"));
     cleanUpButton_->setEnabled(false);
-    LayOut();
+    CreateLayout();
     connect(makeButton_, &QPushButton::clicked, this, &CleanUpBox::MakeFiles);
     connect(cleanUpButton_, &QPushButton::clicked, this, &CleanUpBox::CleanUp);
-    outcomeLabel_->Show(tr("Make files of several ages first."));
+    outcomeLabel_->Show(tr("Create files of several ages first."));
 }
 
-void CleanUpBox::LayOut()
+void CleanUpBox::CreateLayout()
 {
     auto* const controls = new QHBoxLayout;
     controls->addWidget(makeButton_);
     controls->addSpacing(2 * Spacing);
-    controls->addWidget(NewLabelOf(daysBox_, tr("&Days old at least")));
+    controls->addWidget(NewLabelFor(daysBox_, tr("Minimum age in &days")));
     controls->addWidget(daysBox_);
     controls->addWidget(folderToo_);
     controls->addStretch();
@@ -95,7 +95,8 @@ void CleanUpBox::MakeFiles()
     }
     files_->setRowCount(0);
     if (!scratch_->isValid() || !QDir().mkpath(Folder())) {
-        outcomeLabel_->Show(tr("The folder for the files cannot be made. %1").arg(scratch_->errorString()), Tone::Bad);
+        outcomeLabel_->Show(tr("The folder for the files cannot be created. %1").arg(scratch_->errorString()),
+                            Tone::Bad);
         return;
     }
     for (SampleFile const& file : SampleFiles) {
@@ -110,7 +111,7 @@ void CleanUpBox::MakeFiles()
     outcomeLabel_->Show(Folder());
 }
 
-// What is wrong with the file, or nothing.
+// Returns an error message, or an empty string if the file was created.
 QString CleanUpBox::MakeFile(QString const& name, int days) const
 {
     QFile file(QDir(Folder()).filePath(name));
@@ -135,8 +136,8 @@ void CleanUpBox::ShowOutcome()
         cell->setText(isThere ? tr("Kept") : tr("Removed"));
         cell->setData(ToneDelegate::ToneRole, static_cast<int>(isThere ? Tone::Good : Tone::Caution));
     }
-    QString const files = tr("%1 of %2 files are gone").arg(removed).arg(files_->rowCount());
-    QString const folder = QDir(Folder()).exists() ? tr("the folder is still there") : tr("the folder is gone too");
+    QString const files = tr("%1 of %2 files were removed").arg(removed).arg(files_->rowCount());
+    QString const folder = QDir(Folder()).exists() ? tr("the folder still exists") : tr("the folder was removed too");
     outcomeLabel_->Show(tr("%1; %2.").arg(files, folder));
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Files of several ages, and the clean-up of the old ones.
+/// A part of the Temporary folder page that creates files of several ages and removes the old ones.
 
 #include <Util/TemporaryDir.h>
 
@@ -23,7 +23,8 @@ namespace Gallery
 
 class StatusLabel;
 
-/// Works in a temporary directory of its own, made with the first files.
+/// Creates sample files in a temporary directory and removes those that have reached a minimum age. The directory is
+/// created together with the first files.
 class CleanUpBox : public QGroupBox
 {
     Q_OBJECT
@@ -31,11 +32,14 @@ class CleanUpBox : public QGroupBox
 public:
     explicit CleanUpBox(QWidget* parent = nullptr);
 
+    /// Creates the sample files with their modification times. Existing ones are overwritten.
     void MakeFiles();
+
+    /// Removes the files that have the chosen age, and the folder if the user has chosen that.
     void CleanUp();
 
 private:
-    void LayOut();
+    void CreateLayout();
     QString Folder() const;
     QString MakeFile(QString const& name, int days) const;
     void ShowOutcome();

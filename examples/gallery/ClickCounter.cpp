@@ -26,18 +26,18 @@ ClickCounter::ClickCounter(QString const& title, Util::SimpleModel* model, QWidg
     column->addWidget(table_);
 
     setCheckable(true);
-    connect(this, &QGroupBox::toggled, this, &ClickCounter::Observe);
-    Observe(true);
+    connect(this, &QGroupBox::toggled, this, &ClickCounter::SetObserving);
+    SetObserving(true);
 }
 
 ClickCounter::~ClickCounter()
 {
     if (model_) {
-        Observe(false);
+        SetObserving(false);
     }
 }
 
-void ClickCounter::Observe(bool isOn)
+void ClickCounter::SetObserving(bool isOn)
 {
     model_->setData(QModelIndex(), QVariant::fromValue<Util::ISimpleModelObserver*>(this),
                     isOn ? SimpleModel::RegisterObserver : SimpleModel::UnregisterObserver);

@@ -18,19 +18,20 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Counts the clicks on each item of a model, as long as its box is checked.
+/// Counts the clicks on each item of a model while its check box is checked.
 class ClickCounter : public QGroupBox, private Util::ISimpleModelObserver
 {
     Q_OBJECT
 
 public:
-    /// \a model is borrowed.
+    /// Creates a checked counter with the title \a title for the items that \a model has now. Does not take ownership
+    /// of \a model, which may be destroyed first.
     ClickCounter(QString const& title, Util::SimpleModel* model, QWidget* parent = nullptr);
     ~ClickCounter() override;
 
 private:
     void OnItemClicked(QString const& uid) override;
-    void Observe(bool isOn);
+    void SetObserving(bool isOn);
 
     QPointer<Util::SimpleModel> model_;
     QTableWidget* table_;

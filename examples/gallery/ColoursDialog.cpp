@@ -40,7 +40,7 @@ ColoursDialog::ColoursDialog(std::vector<Note> const& notes, QAction* undo, QAct
         auto* const button = new QToolButton;
         button->setIcon(Swatch(colour));
         button->setAccessibleName(QColor(colour).name());
-        connect(button, &QToolButton::clicked, this, [this, colour] { ColourSelected(colour); });
+        connect(button, &QToolButton::clicked, this, [this, colour] { SetColourOfSelected(colour); });
         tools->addWidget(button);
     }
     tools->addStretch();
@@ -58,7 +58,7 @@ ColoursDialog::ColoursDialog(std::vector<Note> const& notes, QAction* undo, QAct
     column->addWidget(buttons);
 }
 
-void ColoursDialog::ColourSelected(QColor const& colour)
+void ColoursDialog::SetColourOfSelected(QColor const& colour)
 {
     if (view_->currentIndex().isValid()) {
         commands_.push(NewColourCommand(&notes_, view_->currentIndex().row(), colour));

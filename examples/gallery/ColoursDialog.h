@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A dialog with an undo stack of its own.
+/// A dialog with a separate undo stack.
 
 #include "Notes.h"
 
@@ -18,24 +18,27 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Colours a copy of notes. Each colour is a step on the dialog's own undo stack.
+/// Lets the user colour a copy of the notes. Each change of a colour is a command on the dialog's own undo stack.
 class ColoursDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// \a undo and \a redo are the application's.
+    /// Creates a dialog for a copy of \a notes. Its buttons trigger the actions \a undo and \a redo, which belong to
+    /// the caller and must outlive the dialog.
     ColoursDialog(std::vector<Note> const& notes, QAction* undo, QAction* redo, QWidget* parent = nullptr);
 
     QUndoStack* Commands() { return &commands_; }
-    std::vector<Note> const& Coloured() const { return notes_.All(); }
 
-    /// Colours the note that is selected.
-    void ColourSelected(QColor const& colour);
+    /// Returns the notes with the colours chosen so far.
+    std::vector<Note> const& ColouredNotes() const { return notes_.All(); }
+
+    /// Sets the colour of the selected note.
+    void SetColourOfSelected(QColor const& colour);
 
 private:
     Notes notes_;
-    QUndoStack commands_; // ends before what its commands work on
+    QUndoStack commands_; // declared after notes_, because its commands refer to them
     QListView* view_;
 };
 

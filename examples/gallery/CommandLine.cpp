@@ -20,8 +20,8 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(GalleryCommandLine)
 };
 
-// What follows the "=" of "--option=value", or the whole argument.
-std::string ValueIn(std::string const& argument)
+// Returns the value in "--option=value", or the whole argument if it is not an option.
+std::string OptionValue(std::string const& argument)
 {
     bool const isOption = argument.compare(0, 2, "--") == 0;
     return isOption ? argument.substr(argument.find('=') + 1) : argument;
@@ -33,26 +33,26 @@ CommandLine::CommandLine(int argc, char const* const* argv)
     : native_(argv, argv + argc)
     , report_(QStringLiteral("report"), Text::tr("Print the sizes of the entries of <folder>; needs no display."),
               Text::tr("folder"))
-    , folder_(QStringLiteral("folder"), Text::tr("Propose <folder> in the window."), Text::tr("folder"))
+    , folder_(QStringLiteral("folder"), Text::tr("Start the pages with <folder>."), Text::tr("folder"))
     , screenshots_(QStringLiteral("screenshots"),
-                   Text::tr("Write pictures of all pages into <dir>, light and dark; needs no display. The pages work "
-                            "on the folder given by --folder, or /usr/share."),
+                   Text::tr("Write pictures of all pages into <dir>, light and dark; needs no display. The pages use "
+                            "the folder given by --folder, or /usr/share."),
                    Text::tr("dir"))
     , help_({QStringLiteral("h"), QStringLiteral("help")}, Text::tr("Print this help."))
     , version_({QStringLiteral("v"), QStringLiteral("version")}, Text::tr("Print the version."))
 {
     std::transform(native_.begin(), native_.end(), std::back_inserter(arguments_), Util::Utf8ToQString);
-    parser_.setApplicationDescription(Text::tr("Shows the families of the ZQtUtil library at work."));
+    parser_.setApplicationDescription(Text::tr("Demonstrates the classes and functions of the ZQtUtil library."));
     parser_.addOptions({report_, folder_, screenshots_, help_, version_});
-    isUnderstood_ = parser_.parse(arguments_) && parser_.positionalArguments().isEmpty();
+    isValid_ = parser_.parse(arguments_) && parser_.positionalArguments().isEmpty();
 }
 
 bool CommandLine::WantsWindow() const
 {
-    return isUnderstood_ && !parser_.isSet(report_) && !parser_.isSet(help_) && !parser_.isSet(version_);
+    return isValid_ && !parser_.isSet(report_) && !parser_.isSet(help_) && !parser_.isSet(version_);
 }
 
-void CommandLine::ExitWhenAnswered()
+void CommandLine::ExitIfHandled()
 {
     parser_.process(arguments_);
     if (parser_.isSet(help_)) {
@@ -61,7 +61,7 @@ void CommandLine::ExitWhenAnswered()
     if (parser_.isSet(version_)) {
         parser_.showVersion();
     }
-    if (!isUnderstood_) {
+    if (!isValid_) {
         PrintError(Text::tr("Unexpected argument “%1”.").arg(parser_.positionalArguments().constFirst()));
         std::exit(EXIT_FAILURE);
     }
@@ -69,12 +69,12 @@ void CommandLine::ExitWhenAnswered()
 
 std::optional<ioPath> CommandLine::Report() const
 {
-    return PathOf(report_);
+    return PathValue(report_);
 }
 
 std::optional<ioPath> CommandLine::Folder() const
 {
-    return PathOf(folder_);
+    return PathValue(folder_);
 }
 
 std::optional<QString> CommandLine::Screenshots() const
@@ -82,15 +82,16 @@ std::optional<QString> CommandLine::Screenshots() const
     return parser_.isSet(screenshots_) ? std::make_optional(parser_.value(screenshots_)) : std::nullopt;
 }
 
-// The parser works on text. A path that is no text is found again among the program's own arguments.
-std::optional<ioPath> CommandLine::PathOf(QCommandLineOption const& option) const
+// The parser replaces bytes that are not UTF-8, which changes the path. Returns the original argument with the same
+// text.
+std::optional<ioPath> CommandLine::PathValue(QCommandLineOption const& option) const
 {
     if (!parser_.isSet(option)) {
         return std::nullopt;
     }
     QString const text = parser_.value(option);
     for (std::string const& argument : native_) {
-        std::string const value = ValueIn(argument);
+        std::string const value = OptionValue(argument);
         if (Util::Utf8ToQString(value) == text) {
             return ioPath(value);
         }

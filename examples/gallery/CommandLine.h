@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The program's command line.
+/// The command line of the program.
 
 #include <Base/IoPath.h>
 
@@ -16,28 +16,29 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Read before there is an application, because it decides which kind of application there will be.
+/// Parses the command line before an application object exists: the options decide whether the program needs a
+/// QCoreApplication or a QApplication.
 class CommandLine
 {
 public:
     CommandLine(int argc, char const* const* argv);
 
-    /// Whether the program opens windows. Else it prints something: a report, the help, the version or a mistake.
+    /// Returns true if the program needs windows. Otherwise it only prints a report, the help, the version or an error.
     bool WantsWindow() const;
 
-    /// Prints the help, the version or what is wrong with the command line, and ends the program, if there is cause to.
-    /// Needs an application.
-    void ExitWhenAnswered();
+    /// If the user requested the help or the version, or if the command line has an error, prints the text and exits
+    /// the program. Otherwise does nothing. Requires an application object.
+    void ExitIfHandled();
 
-    /// The folder to report on.
+    /// Returns the folder to report on in the terminal.
     std::optional<ioPath> Report() const;
-    /// The folder to propose in the window.
+    /// Returns the folder that the pages start with.
     std::optional<ioPath> Folder() const;
-    /// Where to write pictures of the pages.
+    /// Returns the folder to write pictures of the pages to.
     std::optional<QString> Screenshots() const;
 
 private:
-    std::optional<ioPath> PathOf(QCommandLineOption const& option) const;
+    std::optional<ioPath> PathValue(QCommandLineOption const& option) const;
 
     std::vector<std::string> native_;
     QStringList arguments_;
@@ -47,7 +48,7 @@ private:
     QCommandLineOption screenshots_;
     QCommandLineOption help_;
     QCommandLineOption version_;
-    bool isUnderstood_;
+    bool isValid_;
 };
 
 } // namespace Gallery

@@ -49,13 +49,13 @@ ConnectionsPage::ConnectionsPage(QWidget* parent)
     , timeline_(new Timeline)
 {
     sideBox_->addItem(tr("Emitter of %1").arg(Signal()));
-    sideBox_->addItem(tr("Receiver by %1").arg(Slot()));
+    sideBox_->addItem(tr("Receiver with %1").arg(Slot()));
     idBox_->setEditable(true);
     idBox_->addItems({QStringLiteral("volume"), QStringLiteral("balance")});
-    queuedBox_->setToolTip(tr("Counts on the side that is registered second."));
+    queuedBox_->setToolTip(tr("Only the side that is registered second decides."));
     SetUpTable(table_, {tr("Name"), tr("Control"), tr("Side"), tr("Queued")});
     table_->setAccessibleName(tr("Registrations"));
-    LayOut();
+    CreateLayout();
     Connect();
     setFocusProxy(controls_.front());
     UpdateButtons();
@@ -66,10 +66,11 @@ void ConnectionsPage::AddControl(QAbstractSlider* control, QString const& name, 
     control->setAccessibleName(name);
     auto* const value = new QLabel(locale().toString(control->value()));
     value->setAlignment(Qt::AlignHCenter);
-    // Before anything is registered, so that a turn of the timeline begins with the control that the user moves.
+    // Connect before anything is registered: slots run in the order of connection, so the timeline lists the control
+    // that the user moves before the receivers that follow it.
     connect(control, &QAbstractSlider::valueChanged, this, [this, name, value](int number) {
         value->setText(locale().toString(number));
-        timeline_->Add(name, tr("is at %1").arg(value->text()));
+        timeline_->Add(name, tr("value %1").arg(value->text()));
     });
 
     auto* const box = new QGroupBox(name);
@@ -96,18 +97,18 @@ QHBoxLayout* ConnectionsPage::NewForm()
 {
     auto* const row = new QHBoxLayout;
     row->setSpacing(Spacing);
-    row->addWidget(NewLabelOf(controlBox_, tr("&Control")));
+    row->addWidget(NewLabelFor(controlBox_, tr("&Control")));
     row->addWidget(controlBox_);
-    row->addWidget(NewLabelOf(sideBox_, tr("&Side")));
+    row->addWidget(NewLabelFor(sideBox_, tr("&Side")));
     row->addWidget(sideBox_);
-    row->addWidget(NewLabelOf(idBox_, tr("&Name")));
+    row->addWidget(NewLabelFor(idBox_, tr("&Name")));
     row->addWidget(idBox_, 1);
     row->addWidget(queuedBox_);
     row->addWidget(registerButton_);
     return row;
 }
 
-void ConnectionsPage::LayOut()
+void ConnectionsPage::CreateLayout()
 {
     auto* const registrations = new QVBoxLayout;
     registrations->setSpacing(Spacing);
@@ -124,8 +125,8 @@ void ConnectionsPage::LayOut()
     column->addLayout(NewControls());
     column->addLayout(NewForm());
     column->addWidget(
-        NewHint(tr("Every emitter of a name drives every receiver of it, whichever is registered first. What is "
-                   "queued arrives in a later turn of the event loop.")));
+        NewHint(tr("Every emitter of a name is connected to every receiver of that name, in whichever order they are "
+                   "registered. Queued signals arrive in a later iteration of the event loop.")));
     column->addLayout(lists, 1);
 }
 
@@ -166,7 +167,7 @@ void ConnectionsPage::UnregisterSelected()
     } else {
         ObjectsConnector::unregisterReceiver(registration.id, control, Slot());
     }
-    // However often it was registered.
+    // ObjectsConnector removes all registrations of the same object, side and name.
     for (int row = table_->rowCount() - 1; row >= 0; --row) {
         auto const at = registrations_.begin() + row;
         if (at->control == registration.control && at->isEmitter == registration.isEmitter &&
@@ -192,7 +193,7 @@ void ConnectionsPage::ShowSample()
     Register({1, false, balance, false});
     Register({3, true, balance, false});
     controls_.front()->setValue(SampleValue);
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 } // namespace Zelkor::Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Connections: sliders and dials, wired by name at run time.
+/// The Connections page: sliders and dials that the user connects by name.
 
 #include "Page.h"
 
@@ -44,7 +44,7 @@ private:
     void AddControl(QAbstractSlider* control, QString const& name, QHBoxLayout* row);
     QHBoxLayout* NewControls();
     QHBoxLayout* NewForm();
-    void LayOut();
+    void CreateLayout();
     void Connect();
     void Register(Registration const& registration);
     void UnregisterSelected();

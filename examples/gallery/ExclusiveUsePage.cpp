@@ -53,9 +53,10 @@ QGroupBox* ExclusiveUsePage::NewPlayer(QString const& name)
         return button;
     };
     QPushButton* const use =
-        addButton(tr("Use"), tr("Takes the device, from whoever holds it."), &ExclusiveClient::use);
-    addButton(tr("Finish"), tr("Lets the device go, if this player holds it."), &ExclusiveClient::finalize);
-    addButton(tr("Break"), tr("Takes the device from whoever holds it, for nobody."), &ExclusiveClient::breakAll);
+        addButton(tr("Use"), tr("Acquires the device. Its current holder loses it."), &ExclusiveClient::use);
+    addButton(tr("Finish"), tr("Releases the device if this player holds it."), &ExclusiveClient::finalize);
+    addButton(tr("Break"), tr("Takes the device away from its current holder and leaves it free."),
+              &ExclusiveClient::breakAll);
     if (players_.empty()) {
         setFocusProxy(use);
     }
@@ -110,7 +111,7 @@ void ExclusiveUsePage::ShowSample()
     players_[1].client->use();
     players_[1].client->finalize();
     players_[2].client->use();
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 } // namespace Zelkor::Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Exclusive use: three players, one device.
+/// The Exclusive use page: three players share one device.
 
 #include "Page.h"
 
@@ -46,7 +46,7 @@ private:
     QString NameOf(QObject const* client) const;
     void Update();
 
-    ExclusiveService device_; // ends before the players, which are child objects
+    ExclusiveService device_; // destroyed before the clients, which are child objects of the page
     std::vector<Player> players_;
     StatusLabel* holderLabel_;
     Timeline* timeline_;

@@ -26,7 +26,7 @@ EntryKind KindOf(fs::directory_entry const& entry)
     return isLink ? EntryKind::LinkToFile : EntryKind::File;
 }
 
-// By their bytes: the order that a path has of its own takes it apart for every comparison.
+// Compares bytes: operator< of boost::filesystem::path is slow, because it splits both paths for every comparison.
 bool IsPathBefore(ioPath const& left, ioPath const& right)
 {
     return left.native() < right.native();
@@ -55,7 +55,7 @@ std::vector<FolderEntry> ListFolder(ioPath const& folder, std::function<void()> 
 
 void MeasureEntry(FolderEntry& entry)
 {
-    entry.state = EntryState::Sizeless;
+    entry.state = EntryState::WithoutSize;
     if (entry.kind == EntryKind::LinkToFolder) {
         return;
     }

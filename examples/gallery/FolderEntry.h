@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The entries of a folder, and how one is measured.
+/// Lists the entries of a folder and measures their sizes.
 
 #include <Base/IoPath.h>
 
@@ -15,27 +15,30 @@ namespace Gallery
 
 enum class EntryKind { File, Folder, LinkToFile, LinkToFolder };
 
-enum class EntryState { Waiting, Measuring, Measured, Sizeless, Cancelled };
+enum class EntryState { Waiting, Measuring, Measured, WithoutSize, Cancelled };
 
-/// One entry of a folder, and what is known of it so far.
+/// One entry of a folder and the result of measuring it.
 struct FolderEntry
 {
     ioPath path;
     EntryKind kind = EntryKind::File;
     EntryState state = EntryState::Waiting;
-    /// Bytes; of what could be measured.
+    /// The size in bytes, without the paths in #unmeasured.
     unsigned long long size = 0;
-    /// How long the measuring took.
+    /// The duration of the measurement in microseconds.
     long long microseconds = 0;
-    /// What has no size, in order: the entry itself, or paths below it.
+    /// The paths that could not be measured, sorted: the entry itself or paths below it.
     std::vector<ioPath> unmeasured;
 };
 
-/// The entries of \a folder, ordered by the bytes of their names. Calls \a onEntry before each, which may throw to end
-/// the listing. Throws `boost::filesystem::filesystem_error` when the folder cannot be read. Any thread.
+/// Returns the entries of \a folder, sorted by the bytes of their paths. Any thread.
+///
+/// Calls \a onEntry before each entry; an exception that it throws stops the function and reaches the caller. Throws
+/// `boost::filesystem::filesystem_error` if the folder cannot be read.
 std::vector<FolderEntry> ListFolder(ioPath const& folder, std::function<void()> const& onEntry);
 
-/// Measures \a entry and fills in what it found. A link to a folder stays sizeless. Any thread.
+/// Measures \a entry and sets its state, size, duration and unmeasured paths. Does not measure a link to a folder. Any
+/// thread.
 void MeasureEntry(FolderEntry& entry);
 
 } // namespace Gallery

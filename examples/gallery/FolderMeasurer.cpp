@@ -15,12 +15,12 @@ namespace Zelkor::Gallery
 
 using Util::AsyncService;
 
-// One measuring. It has a service of its own, so that the next one need not wait for an entry of this one that takes
-// its time, and it lives until that service is empty.
-class FolderMeasurer::Run
+// One measurement of a folder. Each has a separate service, because the next measurement would otherwise wait until the
+// current entry of this one is measured. It is destroyed when its service is empty.
+class FolderMeasurer::Measurement
 {
 public:
-    Run(FolderMeasurer* measurer, ioPath folder)
+    Measurement(FolderMeasurer* measurer, ioPath folder)
         : measurer_(measurer)
         , folder_(std::move(folder))
     {}
@@ -30,7 +30,7 @@ public:
 
     FolderTotals const& Totals() const { return totals_; }
 
-    /// Why the folder could not be read; empty when it could.
+    /// Returns the reason why the folder could not be read, or an empty string.
     QString const& Failure() const { return failure_; }
 
 private:
@@ -41,10 +41,10 @@ private:
     AsyncService::Task* Post(std::function<void(AsyncService::Reporter*)> work);
     void MeasureAll(Entries const& entries);
     void Measure(int row, FolderEntry const& entry);
-    void ReportStart(int row);
-    void ReportEnd(int row, FolderEntry const& entry);
+    void ReportStarted(int row);
+    void ReportFinished(int row, FolderEntry const& entry);
     void Fail(std::exception_ptr const& error);
-    void RetireWhenEmpty();
+    void RemoveWhenEmpty();
 
     FolderMeasurer* measurer_;
     ioPath const folder_;
@@ -55,19 +55,19 @@ private:
     std::chrono::steady_clock::time_point const start_ = std::chrono::steady_clock::now();
 };
 
-void FolderMeasurer::Run::Start()
+void FolderMeasurer::Measurement::Start()
 {
     auto const entries = std::make_shared<Entries>();
     AsyncService::Task* const task = Post([folder = folder_, entries](AsyncService::Reporter* reporter) {
         *entries = ListFolder(folder, [reporter] { reporter->checkCancelled(); });
     });
     task->onFinished = [this, entries] { MeasureAll(*entries); };
-    task->onCancelled = [this] { RetireWhenEmpty(); };
+    task->onCancelled = [this] { RemoveWhenEmpty(); };
     task->onError = [this](std::exception_ptr error) { Fail(error); };
     service_.run(task);
 }
 
-void FolderMeasurer::Run::Cancel()
+void FolderMeasurer::Measurement::Cancel()
 {
     totals_.cancelled = true;
     for (AsyncService::Task* const task : tasks_) {
@@ -75,12 +75,12 @@ void FolderMeasurer::Run::Cancel()
     }
 }
 
-AsyncService::Task* FolderMeasurer::Run::Post(std::function<void(AsyncService::Reporter*)> work)
+AsyncService::Task* FolderMeasurer::Measurement::Post(std::function<void(AsyncService::Reporter*)> work)
 {
     return tasks_.emplace_back(service_.post(std::move(work)));
 }
 
-void FolderMeasurer::Run::MeasureAll(Entries const& entries)
+void FolderMeasurer::Measurement::MeasureAll(Entries const& entries)
 {
     totals_.entries = static_cast<int>(entries.size());
     if (IsCurrent()) {
@@ -92,55 +92,55 @@ void FolderMeasurer::Run::MeasureAll(Entries const& entries)
     for (FolderEntry const& entry : entries) {
         Measure(row++, entry);
     }
-    // The list may have been complete already when somebody cancelled it.
+    // Cancel() may have been called after the job that lists the folder returned. It did not cancel these new tasks.
     if (totals_.cancelled) {
         Cancel();
     }
-    RetireWhenEmpty();
+    RemoveWhenEmpty();
 }
 
-void FolderMeasurer::Run::Measure(int row, FolderEntry const& entry)
+void FolderMeasurer::Measurement::Measure(int row, FolderEntry const& entry)
 {
-    // The job fills it in, and the owner thread reads it when the job has ended.
+    // The job writes the result. The owner thread reads it only after the job has finished.
     auto const result = std::make_shared<FolderEntry>(entry);
     AsyncService::Task* const task = Post([result](AsyncService::Reporter* reporter) {
         reporter->checkCancelled();
         reporter->report(0);
         MeasureEntry(*result);
     });
-    task->onProgress = [this, row](int) { ReportStart(row); };
-    task->onFinished = [this, row, result] { ReportEnd(row, *result); };
+    task->onProgress = [this, row](int) { ReportStarted(row); };
+    task->onFinished = [this, row, result] { ReportFinished(row, *result); };
     task->onCancelled = [this, row, result] {
         result->state = EntryState::Cancelled;
-        ReportEnd(row, *result);
+        ReportFinished(row, *result);
     };
     task->onError = [this, row, result](std::exception_ptr) {
-        result->state = EntryState::Sizeless;
+        result->state = EntryState::WithoutSize;
         result->unmeasured = {result->path};
-        ReportEnd(row, *result);
+        ReportFinished(row, *result);
     };
     service_.run(task);
 }
 
-void FolderMeasurer::Run::ReportStart(int row)
+void FolderMeasurer::Measurement::ReportStarted(int row)
 {
     if (IsCurrent()) {
         Q_EMIT measurer_->EntryStarted(row);
     }
 }
 
-void FolderMeasurer::Run::ReportEnd(int row, FolderEntry const& entry)
+void FolderMeasurer::Measurement::ReportFinished(int row, FolderEntry const& entry)
 {
     totals_.size += entry.size;
     totals_.unmeasured += entry.unmeasured.size();
     totals_.cancelledEntries += entry.state == EntryState::Cancelled;
     if (IsCurrent()) {
-        Q_EMIT measurer_->EntryEnded(row, entry);
+        Q_EMIT measurer_->EntryFinished(row, entry);
     }
-    RetireWhenEmpty();
+    RemoveWhenEmpty();
 }
 
-void FolderMeasurer::Run::Fail(std::exception_ptr const& error)
+void FolderMeasurer::Measurement::Fail(std::exception_ptr const& error)
 {
     try {
         std::rethrow_exception(error);
@@ -149,15 +149,15 @@ void FolderMeasurer::Run::Fail(std::exception_ptr const& error)
     } catch (std::exception const& other) {
         failure_ = UnreadableFolderText(folder_, QString::fromLocal8Bit(other.what()));
     }
-    RetireWhenEmpty();
+    RemoveWhenEmpty();
 }
 
-void FolderMeasurer::Run::RetireWhenEmpty()
+void FolderMeasurer::Measurement::RemoveWhenEmpty()
 {
     if (service_.empty()) {
         totals_.microseconds =
             std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start_).count();
-        measurer_->Retire(this);
+        measurer_->Remove(this);
     }
 }
 
@@ -170,7 +170,7 @@ FolderMeasurer::~FolderMeasurer() = default;
 void FolderMeasurer::Start(ioPath const& folder)
 {
     Cancel();
-    current_ = runs_.emplace_back(std::make_unique<Run>(this, folder)).get();
+    current_ = measurements_.emplace_back(std::make_unique<Measurement>(this, folder)).get();
     current_->Start();
 }
 
@@ -183,25 +183,25 @@ void FolderMeasurer::Cancel()
 
 bool FolderMeasurer::IsBusy() const
 {
-    return !runs_.empty();
+    return !measurements_.empty();
 }
 
-void FolderMeasurer::Retire(Run* run)
+void FolderMeasurer::Remove(Measurement* measurement)
 {
-    auto const position =
-        std::find_if(runs_.begin(), runs_.end(), [run](auto const& candidate) { return candidate.get() == run; });
-    std::unique_ptr<Run> const ended = std::move(*position);
-    runs_.erase(position);
+    auto const position = std::find_if(measurements_.begin(), measurements_.end(),
+                                       [measurement](auto const& known) { return known.get() == measurement; });
+    std::unique_ptr<Measurement> const finished = std::move(*position);
+    measurements_.erase(position);
 
-    if (current_ == run) {
+    if (current_ == measurement) {
         current_ = nullptr;
-        if (ended->Failure().isEmpty()) {
-            Q_EMIT Finished(ended->Totals());
+        if (finished->Failure().isEmpty()) {
+            Q_EMIT Finished(finished->Totals());
         } else {
-            Q_EMIT Failed(ended->Failure());
+            Q_EMIT Failed(finished->Failure());
         }
     }
-    if (runs_.empty()) {
+    if (measurements_.empty()) {
         Q_EMIT BecameIdle();
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The measuring of a folder, entry by entry, without a user interface.
+/// Measures the entries of a folder in the background. Has no user interface.
 
 #include "FolderEntry.h"
 
@@ -16,27 +16,30 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// What a measuring came to.
+/// The result of measuring a folder.
 struct FolderTotals
 {
-    /// Bytes of all entries together.
+    /// The size of all entries in bytes.
     unsigned long long size = 0;
-    /// How many entries the folder has, and how many of them were not measured because of a Cancel().
+    /// The number of entries in the folder.
     int entries = 0;
+    /// The number of entries that were not measured because of FolderMeasurer::Cancel().
     int cancelledEntries = 0;
-    /// How many paths have no size, links to folders among the entries aside.
+    /// The number of paths that could not be measured. Links to folders are not counted.
     std::size_t unmeasured = 0;
-    /// From Start() to the end.
+    /// The time since FolderMeasurer::Start() in microseconds.
     long long microseconds = 0;
-    /// Whether Cancel() was called before the end.
+    /// True if FolderMeasurer::Cancel() was called before the measurement finished.
     bool cancelled = false;
 };
 
 /// Measures the entries of a folder one after another on a worker thread, each as one task of an AsyncService.
 ///
-/// Needs an event loop on its thread, where all signals are emitted. To be destroyed when BecameIdle() has been
-/// emitted, as a window that is closed waits for it. Destroyed while it IsBusy(), it waits for the entry that is being
-/// measured, and the tasks of the others are never freed; it must not be destroyed in a slot of its own signals.
+/// All signals are emitted on the thread of the object, which needs an event loop.
+///
+/// Destroy the object only after BecameIdle(), for example when the closed main window is destroyed. While IsBusy()
+/// returns true, the destructor blocks until the current entry is measured, and the tasks of the other entries leak. Do
+/// not destroy the object in a slot connected to one of its signals.
 class FolderMeasurer : public QObject
 {
     Q_OBJECT
@@ -45,42 +48,42 @@ public:
     explicit FolderMeasurer(QObject* parent = nullptr);
     ~FolderMeasurer() override;
 
-    /// Measures \a folder. Nothing more is heard of an earlier measuring, which is cancelled and need not have ended.
+    /// Starts to measure \a folder. A measurement that is still running is cancelled and emits no more signals.
     void Start(ioPath const& folder);
 
-    /// Asks the current measuring to end: the entries that are still waiting come back as cancelled. The entry that is
-    /// being measured cannot be interrupted, and is reported first.
+    /// Requests the current measurement to stop. The entry that is being measured cannot be interrupted and is reported
+    /// first. The waiting entries are then reported as cancelled.
     void Cancel();
 
-    /// Whether a worker is still at work, be it for the current measuring or for an earlier one.
+    /// Returns true while the current measurement or an earlier one is running.
     bool IsBusy() const;
 
 Q_SIGNALS:
-    /// The folder has been read: \a entries, all of them waiting.
+    /// Emitted when the folder was read. All \a entries are in the state EntryState::Waiting.
     void Listed(std::vector<FolderEntry> const& entries);
 
-    /// The entry at \a row of the list is being measured from now on.
+    /// Emitted when the measurement of the entry at index \a row of the list starts.
     void EntryStarted(int row);
 
-    /// The entry at \a row of the list was measured or cancelled.
-    void EntryEnded(int row, FolderEntry const& entry);
+    /// Emitted when the entry at index \a row of the list was measured or cancelled. \a entry is the result.
+    void EntryFinished(int row, FolderEntry const& entry);
 
-    /// The end of a measuring. Start() may be called again.
+    /// Emitted with the \a totals when all entries were measured or cancelled. The slot may call Start().
     void Finished(FolderTotals const& totals);
 
-    /// The end of a measuring whose folder could not be read, for the reason in \a message.
+    /// Emitted instead of Finished() if the folder could not be read. \a message is the reason for the user.
     void Failed(QString const& message);
 
-    /// IsBusy() has turned false.
+    /// Emitted when IsBusy() has changed to false.
     void BecameIdle();
 
 private:
-    class Run;
+    class Measurement;
 
-    void Retire(Run* run);
+    void Remove(Measurement* measurement);
 
-    std::vector<std::unique_ptr<Run>> runs_; // that have not ended yet
-    Run* current_ = nullptr;
+    std::vector<std::unique_ptr<Measurement>> measurements_; // the running ones
+    Measurement* current_ = nullptr;
 };
 
 } // namespace Gallery

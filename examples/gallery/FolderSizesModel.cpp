@@ -38,7 +38,7 @@ QString ToolTip(FolderEntry const& entry, int column)
     } else if (column == FolderSizesModel::State) {
         text = PathListText(entry.unmeasured, ToolTipPaths);
     }
-    // Names are no markup, even where they look like it.
+    // Qt shows a tool tip as rich text if it looks like markup. Escape the text, because a name may contain "<".
     return text.isEmpty() ? text : QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text.toHtmlEscaped());
 }
 
@@ -75,7 +75,7 @@ void FolderSizesModel::SetEntry(int row, FolderEntry const& entry)
     known = entry;
 }
 
-void FolderSizesModel::Announce()
+void FolderSizesModel::NotifyViews()
 {
     if (!entries_.empty()) {
         Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The entries of a measured folder as a table.
+/// A table model of the entries of a folder with their sizes.
 
 #include "FolderEntry.h"
 
@@ -24,25 +24,29 @@ public:
     enum Column { Name, Size, Time, Share, State, ColumnCount };
 
     enum Role {
-        /// What a column is sorted by: numbers as numbers.
+        /// The value that a column is sorted by. Sizes and times are numbers.
         SortRole = Qt::UserRole,
-        /// The entry's part of the total so far, 0 to 1; invalid when it has no size.
+        /// The size of the entry divided by Total(), 0 to 1. Invalid if the entry is not measured or Total() is zero.
         ShareRole
     };
 
     explicit FolderSizesModel(QObject* parent = nullptr);
 
     void SetEntries(std::vector<FolderEntry> const& entries);
-    /// \name Changes that the views hear of at the next Announce()
-    /// Each one changes the shares of all rows.
+
+    /// \name Changes of one entry
+    /// Each change affects the shares of all rows. The views are not notified before NotifyViews(), because a folder
+    /// may have thousands of changes in a second.
     /// \{
     void SetMeasuring(int row);
     void SetEntry(int row, FolderEntry const& entry);
     /// \}
-    void Announce();
+
+    /// Emits dataChanged() for all rows.
+    void NotifyViews();
 
     FolderEntry const& Entry(int row) const { return entries_[static_cast<std::size_t>(row)]; }
-    /// Bytes of all entries that are measured by now.
+    /// Returns the size in bytes of all entries measured so far.
     unsigned long long Total() const { return total_; }
 
     int rowCount(QModelIndex const& parent = QModelIndex()) const override;

@@ -30,7 +30,7 @@ namespace
 constexpr int RefreshMilliseconds = 150;
 constexpr int ShareBarWidth = 70;
 
-// Longest texts that the columns should show without being cut.
+// The widest text of each column, for its width.
 struct ColumnSample
 {
     FolderSizesModel::Column column;
@@ -58,12 +58,12 @@ FolderSizesPage::FolderSizesPage(QWidget* parent)
 {
     CreateWidgets();
     SetUpTable();
-    LayOut();
+    CreateLayout();
     ConnectWidgets();
     ConnectMeasurer();
     setFocusProxy(folderEdit_);
     FolderSizesPage::SetFolder(Util::QStringToUtf8(QDir::homePath()));
-    summaryLabel_->setText(tr("Choose a folder to see what fills it."));
+    summaryLabel_->setText(tr("Choose a folder to see which entries use the most space."));
     SetPhase(Phase::Idle);
 }
 
@@ -94,14 +94,14 @@ void FolderSizesPage::CreateWidgets()
     summaryLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     summaryLabel_->setAccessibleName(tr("Summary"));
     summaryLabel_->setWordWrap(true);
-    // A long name in it must not widen the window.
+    // Ignored: a long name in the text must not widen the window.
     summaryLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
 void FolderSizesPage::SetUpTable()
 {
     sorted_->setSourceModel(model_);
-    // Refresh() sorts all rows at once.
+    // Refresh() sorts all rows at once, which is faster than sorting after each change.
     sorted_->setDynamicSortFilter(false);
     sorted_->setSortRole(FolderSizesModel::SortRole);
     sorted_->setSortCaseSensitivity(Qt::CaseInsensitive);
@@ -125,7 +125,7 @@ void FolderSizesPage::SetUpTable()
     }
 }
 
-void FolderSizesPage::LayOut()
+void FolderSizesPage::CreateLayout()
 {
     auto* const folderRow = new QHBoxLayout;
     folderRow->addWidget(folderLabel_);
@@ -168,8 +168,8 @@ void FolderSizesPage::ConnectWidgets()
 void FolderSizesPage::ConnectMeasurer()
 {
     connect(measurer_, &FolderMeasurer::Listed, this, &FolderSizesPage::ShowListed);
-    connect(measurer_, &FolderMeasurer::EntryStarted, this, &FolderSizesPage::NoteStart);
-    connect(measurer_, &FolderMeasurer::EntryEnded, this, &FolderSizesPage::NoteEnd);
+    connect(measurer_, &FolderMeasurer::EntryStarted, this, &FolderSizesPage::OnEntryStarted);
+    connect(measurer_, &FolderMeasurer::EntryFinished, this, &FolderSizesPage::OnEntryFinished);
     connect(measurer_, &FolderMeasurer::Finished, this, &FolderSizesPage::ShowTotals);
     connect(measurer_, &FolderMeasurer::Failed, this, &FolderSizesPage::ShowFailure);
     connect(measurer_, &FolderMeasurer::BecameIdle, this, &Page::BecameIdle);
@@ -199,7 +199,7 @@ void FolderSizesPage::Cancel()
     }
     measurer_->Cancel();
     SetPhase(Phase::Cancelling);
-    summaryLabel_->setText(tr("Cancelling; the entry that is being measured ends first…"));
+    summaryLabel_->setText(tr("Cancelling after the current entry…"));
 }
 
 bool FolderSizesPage::IsBusy() const
@@ -207,7 +207,8 @@ bool FolderSizesPage::IsBusy() const
     return measurer_->IsBusy();
 }
 
-// A name that is no text can be proposed, and measured, but not typed.
+// The line edit cannot hold a path that is not valid UTF-8. If its text is unchanged, use the path that it was set
+// from.
 ioPath FolderSizesPage::Folder() const
 {
     QString const text = folderEdit_->text();
@@ -261,21 +262,21 @@ void FolderSizesPage::ShowListed(std::vector<FolderEntry> const& entries)
     progressBar_->setValue(0);
 }
 
-void FolderSizesPage::NoteStart(int row)
+void FolderSizesPage::OnEntryStarted(int row)
 {
     model_->SetMeasuring(row);
     measuring_ = NameText(model_->Entry(row));
     ScheduleRefresh();
 }
 
-void FolderSizesPage::NoteEnd(int row, FolderEntry const& entry)
+void FolderSizesPage::OnEntryFinished(int row, FolderEntry const& entry)
 {
     model_->SetEntry(row, entry);
     measured_ += entry.state != EntryState::Cancelled;
     ScheduleRefresh();
 }
 
-// Entries may end by the thousand in a second, many more than can be drawn and sorted one by one.
+// Thousands of entries may finish in a second. Sorting and painting the table for each of them would be too slow.
 void FolderSizesPage::ScheduleRefresh()
 {
     if (!refreshTimer_->isActive()) {
@@ -286,7 +287,7 @@ void FolderSizesPage::ScheduleRefresh()
 void FolderSizesPage::Refresh()
 {
     refreshTimer_->stop();
-    model_->Announce();
+    model_->NotifyViews();
     sorted_->sort(sorted_->sortColumn(), sorted_->sortOrder());
     progressBar_->setValue(measured_);
     if (phase_ == Phase::Measuring) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page that measures a folder.
+/// The Folder sizes page: measures a folder in the background.
 
 #include "FolderMeasurer.h"
 #include "Page.h"
@@ -40,7 +40,7 @@ private:
 
     void CreateWidgets();
     void SetUpTable();
-    void LayOut();
+    void CreateLayout();
     void ConnectWidgets();
     void ConnectMeasurer();
 
@@ -50,8 +50,8 @@ private:
     void SetPhase(Phase phase);
     void ShowMessage(QString const& message);
     void ShowListed(std::vector<FolderEntry> const& entries);
-    void NoteStart(int row);
-    void NoteEnd(int row, FolderEntry const& entry);
+    void OnEntryStarted(int row);
+    void OnEntryFinished(int row, FolderEntry const& entry);
     void ScheduleRefresh();
     void Refresh();
     void ShowTotals(FolderTotals const& totals);

@@ -26,7 +26,7 @@ using Util::FontDatabase;
 
 constexpr int SampleSize = 18;
 
-/// The choices of the list, in its order.
+/// The choices of the combo box, in its order.
 enum List { Added, System, Scalable };
 
 QStringList FamiliesOf(int list)
@@ -41,7 +41,7 @@ QStringList FamiliesOf(int list)
     }
 }
 
-/// Some font file of the system.
+/// Returns the first font file found in the system's font folders, or an empty string.
 QString AnyFontFile()
 {
     for (QString const& folder : QStandardPaths::standardLocations(QStandardPaths::FontsLocation)) {
@@ -67,11 +67,11 @@ FontsPage::FontsPage(QWidget* parent)
     , sample_(new QLabel(tr("The quick brown fox jumps over the lazy dog")))
 {
     SetUpTable(added_, {tr("Number"), tr("File"), tr("Families")});
-    added_->setAccessibleName(tr("Fonts of the application"));
-    listBox_->addItems({tr("Added by the application"), tr("Of the system"), tr("Scalable")});
+    added_->setAccessibleName(tr("Application fonts"));
+    listBox_->addItems({tr("Added by the application"), tr("System fonts"), tr("Scalable fonts")});
     listBox_->setCurrentIndex(System);
     families_->setAccessibleName(tr("Families"));
-    LayOut();
+    CreateLayout();
     Connect();
     List();
     setFocusProxy(addButton_);
@@ -84,7 +84,7 @@ FontsPage::~FontsPage()
     }
 }
 
-void FontsPage::LayOut()
+void FontsPage::CreateLayout()
 {
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(Spacing);
@@ -93,7 +93,7 @@ void FontsPage::LayOut()
     buttons->addWidget(outcomeLabel_, 1);
     auto* const choice = new QHBoxLayout;
     choice->setSpacing(Spacing);
-    choice->addWidget(NewLabelOf(listBox_, tr("&Families")));
+    choice->addWidget(NewLabelFor(listBox_, tr("&Families")));
     choice->addWidget(listBox_, 1);
     sample_->setAlignment(Qt::AlignCenter);
 
@@ -133,7 +133,7 @@ void FontsPage::AddFont(QString const& file)
     int const id = FontDatabase::addApplicationFont(file);
     QString const name = QFileInfo(file).fileName();
     if (id < 0) {
-        outcomeLabel_->Show(tr("“%1” is no font that can be read").arg(name), Tone::Bad);
+        outcomeLabel_->Show(tr("“%1” is not a readable font file").arg(name), Tone::Bad);
         return;
     }
     int const row = added_->rowCount();
@@ -151,7 +151,8 @@ void FontsPage::RemoveSelected()
 {
     int const row = added_->currentRow();
     bool const isRemoved = FontDatabase::removeApplicationFont(added_->item(row, 0)->data(Qt::UserRole).toInt());
-    outcomeLabel_->Show(isRemoved ? tr("Removed") : tr("It cannot be removed"), isRemoved ? Tone::Good : Tone::Bad);
+    outcomeLabel_->Show(isRemoved ? tr("Removed") : tr("The font cannot be removed"),
+                        isRemoved ? Tone::Good : Tone::Bad);
     if (isRemoved) {
         added_->removeRow(row);
     }
@@ -175,7 +176,7 @@ void FontsPage::ShowFamily()
 void FontsPage::ShowSample()
 {
     AddFont(AnyFontFile());
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 } // namespace Zelkor::Gallery

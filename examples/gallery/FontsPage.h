@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Fonts: those of the application apart from those of the system.
+/// The Fonts page: lists the application's fonts separately from the system's fonts.
 
 #include "Page.h"
 
@@ -31,7 +31,7 @@ public:
     void ShowSample() override;
 
 private:
-    void LayOut();
+    void CreateLayout();
     void Connect();
     void ChooseFile();
     void AddFont(QString const& file);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The house style: a style sheet for light and dark desktops.
+/// The style sheet of the gallery, for light and dark desktops.
 
 #include <QtCore/QtGlobal>
 
@@ -14,7 +14,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Gives the application \a palette and the style sheet in the colours that go with it.
+/// Sets \a palette on the application, and the style sheet in its light or dark colours.
 void UsePalette(QPalette const& palette);
 
 } // namespace Gallery

@@ -44,7 +44,7 @@ HoverAndTimePage::HoverAndTimePage(QWidget* parent)
 
 QGroupBox* HoverAndTimePage::NewTiles()
 {
-    auto* const box = new QGroupBox(tr("Tiles that hover as one"));
+    auto* const box = new QGroupBox(tr("Tiles that share their hover state"));
     auto* const group = new Util::HoverGroup(box);
     auto* const row = new QHBoxLayout(box);
     row->setSpacing(Spacing);
@@ -72,7 +72,7 @@ QLabel* HoverAndTimePage::NewClock(Util::TimeUpdater*& updater, bool isReverse)
 
 QGroupBox* HoverAndTimePage::NewPlayBar()
 {
-    auto* const box = new QGroupBox(tr("Driven by the time of a film"));
+    auto* const box = new QGroupBox(tr("Widgets that follow the time of a film"));
     slider_ = new QSlider(Qt::Horizontal);
     slider_->setRange(0, Length);
     slider_->setAccessibleName(tr("Time"));
@@ -81,7 +81,8 @@ QGroupBox* HoverAndTimePage::NewPlayBar()
     timer_ = new QTimer(this);
     timer_->setInterval(Step);
 
-    auto* const caption = new QLabel(tr("The caption is lit from 10 s to 25 s: a property of the label is switched."));
+    auto* const caption =
+        new QLabel(tr("This caption is enabled from 10 s to 25 s: its property “enabled” is switched."));
     caption->setEnabled(false);
     switcher_ = new Util::PropertyTimeSwitcher("enabled", false, caption);
     switcher_->setRange(CaptionStart, CaptionEnd, true);
@@ -98,8 +99,8 @@ QGroupBox* HoverAndTimePage::NewPlayBar()
     column->addWidget(caption);
 
     connect(slider_, &QSlider::valueChanged, this, &HoverAndTimePage::SetTime);
-    connect(slider_, &QSlider::sliderMoved, this, [this] { Play(playButton_->isChecked()); });
-    connect(playButton_, &QPushButton::toggled, this, &HoverAndTimePage::Play);
+    connect(slider_, &QSlider::sliderMoved, this, [this] { SetPlaying(playButton_->isChecked()); });
+    connect(playButton_, &QPushButton::toggled, this, &HoverAndTimePage::SetPlaying);
     connect(timer_, &QTimer::timeout, this, [this] {
         slider_->setValue(playedFrom_ + static_cast<int>(clock_.elapsed()));
         if (slider_->value() == Length) {
@@ -116,7 +117,7 @@ void HoverAndTimePage::SetTime(int time)
     remaining_->setCurrentTime(time);
 }
 
-void HoverAndTimePage::Play(bool isOn)
+void HoverAndTimePage::SetPlaying(bool isOn)
 {
     if (!isOn) {
         timer_->stop();
@@ -137,7 +138,7 @@ void HoverAndTimePage::ShowSample()
     slider_->setValue(SampleTime);
     QEvent enter(QEvent::Enter);
     QApplication::sendEvent(tiles_.front(), &enter);
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 } // namespace Zelkor::Gallery

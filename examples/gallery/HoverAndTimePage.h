@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// The page Hover and time: tiles that hover as one, and a play bar that drives a property and a text.
+/// The Hover and time page: tiles that share their hover state, and a play bar whose time sets a property and two
+/// texts.
 
 #include "Page.h"
 
@@ -41,7 +42,7 @@ private:
     QGroupBox* NewPlayBar();
     QLabel* NewClock(Util::TimeUpdater*& updater, bool isReverse);
     void SetTime(int time);
-    void Play(bool isOn);
+    void SetPlaying(bool isOn);
 
     QTextDocument elapsedText_;
     QTextDocument remainingText_;

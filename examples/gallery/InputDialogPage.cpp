@@ -42,7 +42,7 @@ InputDialogPage::InputDialogPage(QWidget* parent)
     row->addWidget(outcomeLabel_, 1);
     auto* const column = new QVBoxLayout(this);
     SetUpPageLayout(column);
-    column->addWidget(NewHint(tr("The dialog refuses what is no name of a file, and warns of a name that is taken.")));
+    column->addWidget(NewHint(tr("The dialog rejects invalid file names and warns about names that are in use.")));
     column->addLayout(row);
     column->addWidget(films_, 1);
     connect(addButton_, &QPushButton::clicked, this, &InputDialogPage::AddFilm);
@@ -59,14 +59,14 @@ std::unique_ptr<ValidationInputDialog> InputDialogPage::NewDialog(QString const&
     auto const isName = [](QString const& input, QString& message) {
         bool const isGood = IsFileName(input);
         if (!isGood) {
-            message = input.isEmpty() ? tr("Type a name.") : tr("A file cannot have this name.");
+            message = input.isEmpty() ? tr("Type a name.") : tr("This is not a valid file name.");
         }
         return isGood;
     };
     auto const isFree = [page = QPointer<InputDialogPage>(this)](QString const& input, QString& message) {
         bool const isTaken = page && page->IsTaken(input);
         if (isTaken) {
-            message = tr("There is a film of this name; the new one gets a number.");
+            message = tr("A film with this name exists. A number will be added.");
         }
         return !isTaken;
     };
@@ -79,7 +79,7 @@ void InputDialogPage::AddFilm()
     QPointer<ValidationInputDialog> const dialog = NewDialog(QString()).release();
     bool const isAccepted = dialog->exec() == QDialog::Accepted;
     if (!alive) {
-        return; // the window went, and the dialog with it
+        return; // the window was closed, which deleted this page
     }
     QString const input = dialog ? dialog->inputText() : QString();
     delete dialog;
@@ -99,7 +99,7 @@ void InputDialogPage::ShowSample()
 {
     films_->addItem(tr("The garden"));
     outcomeLabel_->Show(tr("Added “%1”").arg(tr("The garden")), Tone::Good);
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 std::vector<SampleDialog> InputDialogPage::SampleDialogs()

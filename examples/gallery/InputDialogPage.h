@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Input dialog: a name that is checked as it is typed.
+/// The Input dialog page: opens a dialog that validates a name while the user types it.
 
 #include "Page.h"
 

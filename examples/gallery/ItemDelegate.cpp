@@ -13,7 +13,7 @@ using Util::SimpleModel;
 void ItemDelegate::initStyleOption(QStyleOptionViewItem* option, QModelIndex const& index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
-    // Widgets know a resource by its path, QML by its URL.
+    // The icon path is a URL for QML ("qrc:/icons/..."). QIcon needs the resource path (":/icons/...").
     QUrl const icon(index.data(SimpleModel::IconPath).toString());
     option->icon = QIcon(QLatin1Char(':') + icon.path());
     option->text = index.data(SimpleModel::Title).toString();

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// How a view of Qt Widgets shows a SimpleModel.
+/// The item delegate for a SimpleModel in a Qt Widgets view.
 
 #include <QtWidgets/QStyledItemDelegate>
 
@@ -10,7 +10,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Shows the title and the icon of an item, which a SimpleModel has under roles of its own.
+/// Shows the title and the icon of an item. SimpleModel has its own roles for them, which the standard delegate does
+/// not use.
 class ItemDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

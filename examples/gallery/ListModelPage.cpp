@@ -57,8 +57,8 @@ ListModelPage::ListModelPage(QWidget* parent)
 {
     auto* const grid = new QGridLayout(this);
     SetUpPageLayout(grid);
-    grid->addWidget(NewHint(tr("Both lists show one model. A click is written to it, and it tells the counters that "
-                               "are checked.")),
+    grid->addWidget(NewHint(tr("Both lists show the same model. A click is written to the model, which notifies the "
+                               "checked counters.")),
                     0, 0, 1, 2);
     grid->addWidget(NewWidgetView(), 1, 0);
     grid->addWidget(NewQmlView(), 1, 1);
@@ -86,15 +86,15 @@ QWidget* ListModelPage::NewQmlView()
     qmlView_ = new QQuickWidget;
     qmlView_->setAccessibleName(tr("Items in QML"));
     qmlView_->setResizeMode(QQuickWidget::SizeRootObjectToView);
-    // The library's module lies beside the program, in the build folder.
+    // The build folder has the library's QML module in "qml", next to the folder of the program.
     qmlView_->engine()->addImportPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../qml"));
     qmlView_->rootContext()->setContextProperty(QStringLiteral("items"), model_);
-    ColourQmlView();
+    UpdateQmlColours();
     qmlView_->setSource(QUrl(QStringLiteral("qrc:/qml/Items.qml")));
     return Framed(tr("QML"), qmlView_);
 }
 
-void ListModelPage::ColourQmlView()
+void ListModelPage::UpdateQmlColours()
 {
     qmlView_->setClearColor(palette().color(QPalette::Base));
     qmlView_->rootContext()->setContextProperty(
@@ -106,7 +106,7 @@ void ListModelPage::changeEvent(QEvent* event)
 {
     Page::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        ColourQmlView();
+        UpdateQmlColours();
     }
 }
 
@@ -116,7 +116,7 @@ void ListModelPage::ShowSample()
         model_->setData(model_->index(row), true, SimpleModel::Click);
     }
     view_->setCurrentIndex(model_->index(0));
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 } // namespace Zelkor::Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page List model: one model in a view of Qt Widgets and in one of QML.
+/// The List model page: shows one model in a Qt Widgets view and in a QML view.
 
 #include "Page.h"
 
@@ -34,7 +34,7 @@ protected:
 private:
     QWidget* NewWidgetView();
     QWidget* NewQmlView();
-    void ColourQmlView();
+    void UpdateQmlColours();
 
     Util::SimpleModel* model_;
     QListView* view_;

@@ -5,13 +5,13 @@ namespace Zelkor::Gallery
 
 void LogFilter::SetDroppedText(QString const& text)
 {
-    std::lock_guard<std::mutex> const lock(guard_);
+    std::lock_guard<std::mutex> const lock(mutex_);
     text_ = text;
 }
 
 void LogFilter::SetDropped(QtMsgType type, bool isDropped)
 {
-    std::lock_guard<std::mutex> const lock(guard_);
+    std::lock_guard<std::mutex> const lock(mutex_);
     if (isDropped) {
         types_.insert(type);
     } else {
@@ -19,21 +19,21 @@ void LogFilter::SetDropped(QtMsgType type, bool isDropped)
     }
 }
 
-bool LogFilter::LetThrough(QtMsgType type, QString const& message)
+bool LogFilter::Accepts(QtMsgType type, QString const& message)
 {
-    std::lock_guard<std::mutex> const lock(guard_);
-    bool const isDropped = Drops(type, message);
+    std::lock_guard<std::mutex> const lock(mutex_);
+    bool const isDropped = IsDropped(type, message);
     dropped_ += isDropped;
     return !isDropped;
 }
 
-int LogFilter::Dropped() const
+int LogFilter::DroppedCount() const
 {
-    std::lock_guard<std::mutex> const lock(guard_);
+    std::lock_guard<std::mutex> const lock(mutex_);
     return dropped_;
 }
 
-bool LogFilter::Drops(QtMsgType type, QString const& message) const
+bool LogFilter::IsDropped(QtMsgType type, QString const& message) const
 {
     if (type == QtFatalMsg) {
         return false;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Which of Qt's messages the user wants to see.
+/// The filter for Qt messages that the user sets on the Log page.
 
 #include <QtCore/QString>
 #include <QtCore/QtGlobal>
@@ -14,26 +14,26 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Settings that change while messages are filtered. Any thread.
+/// Drops messages by their type or text, and counts them. All functions can be called on any thread.
 class LogFilter
 {
 public:
-    /// Drops messages that contain \a text, whatever their case; none when it is empty.
+    /// Drops messages that contain \a text, ignoring case. An empty \a text drops none.
     void SetDroppedText(QString const& text);
 
     /// Sets whether messages of \a type are dropped.
     void SetDropped(QtMsgType type, bool isDropped);
 
-    /// Whether a message passes; counts those that do not. A fatal one always does.
-    bool LetThrough(QtMsgType type, QString const& message);
+    /// Returns true if the message passes the filter. Fatal messages always pass. Counts the others that do not.
+    bool Accepts(QtMsgType type, QString const& message);
 
-    /// How many messages have been dropped.
-    int Dropped() const;
+    /// Returns the number of dropped messages.
+    int DroppedCount() const;
 
 private:
-    bool Drops(QtMsgType type, QString const& message) const;
+    bool IsDropped(QtMsgType type, QString const& message) const;
 
-    mutable std::mutex guard_;
+    mutable std::mutex mutex_;
     QString text_;
     std::set<QtMsgType> types_;
     int dropped_ = 0;

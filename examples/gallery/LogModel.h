@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// Lines of the log as a table.
+/// A table model of log lines.
 
-#include "GlogLines.h"
+#include "GlogSink.h"
 
 #include <QtCore/QAbstractTableModel>
 
@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Keeps the latest lines.
+/// Keeps the most recent lines, at most 2000.
 class LogModel : public QAbstractTableModel
 {
     Q_OBJECT

@@ -1,6 +1,6 @@
 #include "LogPage.h"
 
-#include "GlogLines.h"
+#include "GlogSink.h"
 #include "LogFilter.h"
 #include "LogModel.h"
 #include "PreviousHandler.h"
@@ -30,13 +30,13 @@ namespace
 constexpr int MaxForwarded = 500;
 constexpr int ForwardedRows = 6;
 
-using Raiser = void (QMessageLogger::*)(char const*, ...) const;
+using LogFunction = void (QMessageLogger::*)(char const*, ...) const;
 
 struct MessageType
 {
     char const* title;
     QtMsgType type;
-    Raiser raise;
+    LogFunction log;
 };
 constexpr MessageType MessageTypes[] = {
     {QT_TRANSLATE_NOOP("Zelkor::Gallery::LogPage", "Debug"), QtDebugMsg, &QMessageLogger::debug},
@@ -54,13 +54,13 @@ enum CategoryIndex { Files, Network, Window };
 LogPage::LogPage(QWidget* parent)
     : Page(parent)
     , filter_(std::make_shared<LogFilter>())
-    , glogLines_(new GlogLines(this))
+    , glogSink_(new GlogSink(this))
     , previousHandler_(new PreviousHandler(this))
     , model_(new LogModel(this))
 {
     CreateWidgets();
     SetUpTable();
-    LayOut();
+    CreateLayout();
     Connect();
     ConnectFilter();
     setFocusProxy(messageEdit_);
@@ -80,14 +80,14 @@ void LogPage::CreateWidgets()
     for (char const* const category : Categories) {
         categoryBox_->addItem(QLatin1String(category));
     }
-    raiseButton_ = new QPushButton(tr("&Raise"));
+    sendButton_ = new QPushButton(tr("&Send"));
 
     droppedTextEdit_ = new QLineEdit;
-    droppedTextEdit_->setPlaceholderText(tr("nothing is dropped for its text"));
+    droppedTextEdit_->setPlaceholderText(tr("no text filter"));
     droppedLabel_ = new StatusLabel(tr("Dropped messages"));
     positionBox_ = new QCheckBox(tr("File and &line before the text"));
     positionBox_->setChecked(true);
-    forwardBox_ = new QCheckBox(tr("Hand on to the &previous handler"));
+    forwardBox_ = new QCheckBox(tr("Forward to the &previous handler"));
     forwardBox_->setChecked(true);
     clearButton_ = new QPushButton(tr("Cl&ear"));
 
@@ -110,7 +110,7 @@ void LogPage::SetUpTable()
                           metrics.horizontalAdvance(QStringLiteral("QtLogHandler.cpp:9999")) + 3 * Spacing);
 }
 
-void LogPage::LayOut()
+void LogPage::CreateLayout()
 {
     auto* const column = new QVBoxLayout(this);
     SetUpPageLayout(column);
@@ -118,29 +118,29 @@ void LogPage::LayOut()
     column->addLayout(NewTextFilterRow());
     column->addLayout(NewTypeFilterRow());
     column->addLayout(NewSwitchRow());
-    column->addWidget(NewLabelOf(table_, tr("Lines in the lo&g")));
+    column->addWidget(NewLabelFor(table_, tr("Lo&g lines")));
     column->addWidget(table_, 1);
-    column->addWidget(NewLabelOf(forwarded_, tr("What the pre&vious handler receives")));
+    column->addWidget(NewLabelFor(forwarded_, tr("Messages received by the pre&vious handler")));
     column->addWidget(forwarded_);
 }
 
 QBoxLayout* LogPage::NewMessageRow()
 {
     auto* const row = new QHBoxLayout;
-    row->addWidget(NewLabelOf(messageEdit_, tr("&Message")));
+    row->addWidget(NewLabelFor(messageEdit_, tr("&Message")));
     row->addWidget(messageEdit_, 1);
-    row->addWidget(NewLabelOf(typeBox_, tr("&Type")));
+    row->addWidget(NewLabelFor(typeBox_, tr("&Type")));
     row->addWidget(typeBox_);
-    row->addWidget(NewLabelOf(categoryBox_, tr("&Category")));
+    row->addWidget(NewLabelFor(categoryBox_, tr("&Category")));
     row->addWidget(categoryBox_);
-    row->addWidget(raiseButton_);
+    row->addWidget(sendButton_);
     return row;
 }
 
 QBoxLayout* LogPage::NewTextFilterRow()
 {
     auto* const row = new QHBoxLayout;
-    row->addWidget(NewLabelOf(droppedTextEdit_, tr("&Drop messages that contain")));
+    row->addWidget(NewLabelFor(droppedTextEdit_, tr("&Drop messages that contain")));
     row->addWidget(droppedTextEdit_, 1);
     return row;
 }
@@ -171,24 +171,24 @@ QBoxLayout* LogPage::NewSwitchRow()
 void LogPage::Connect()
 {
     Util::QtLogHandler& handler = Util::QtLogHandler::GetInstance();
-    connect(messageEdit_, &QLineEdit::returnPressed, raiseButton_, &QPushButton::click);
-    connect(raiseButton_, &QPushButton::clicked, this, &LogPage::Raise);
+    connect(messageEdit_, &QLineEdit::returnPressed, sendButton_, &QPushButton::click);
+    connect(sendButton_, &QPushButton::clicked, this, &LogPage::SendMessage);
     connect(positionBox_, &QCheckBox::toggled, this,
             [&handler](bool isOn) { handler.SetEnabledLogFileNameAndLineNumber(isOn); });
     connect(forwardBox_, &QCheckBox::toggled, this,
             [&handler](bool isOn) { handler.SetEnabledForwardIntoPreviousHandler(isOn); });
     connect(clearButton_, &QPushButton::clicked, this, &LogPage::Clear);
-    connect(glogLines_, &GlogLines::Arrived, this, &LogPage::ShowLines);
-    connect(previousHandler_, &PreviousHandler::Arrived, this, &LogPage::ShowForwarded);
+    connect(glogSink_, &GlogSink::LinesReceived, this, &LogPage::ShowLines);
+    connect(previousHandler_, &PreviousHandler::MessagesReceived, this, &LogPage::ShowForwarded);
 }
 
-// The handler keeps the filter for good, and the page may go before it.
+// Filters cannot be removed from the handler, which outlives the page. Capture a weak pointer instead of this.
 void LogPage::ConnectFilter()
 {
     Util::QtLogHandler::GetInstance().AddFilter(
         [weak = std::weak_ptr<LogFilter>(filter_)](QtMsgType type, QMessageLogContext const&, QString const& message) {
             auto const filter = weak.lock();
-            return !filter || filter->LetThrough(type, message);
+            return !filter || filter->Accepts(type, message);
         });
     connect(droppedTextEdit_, &QLineEdit::textChanged, this,
             [this](QString const& text) { filter_->SetDroppedText(text); });
@@ -203,44 +203,44 @@ void LogPage::ShowSample()
 {
     Clear();
     droppedTextEdit_->setText(tr("heartbeat"));
-    RaiseSample(Debug, Files, tr("Scanning 1208 folders"));
-    RaiseSample(Info, Files, tr("The index was rebuilt in 3.2 s"));
-    RaiseSample(Debug, Network, tr("Heartbeat 4711 sent"));
-    RaiseSample(Warning, Network, tr("No answer; trying again in 30 s"));
-    RaiseSample(Critical, Files, tr("“Trip.mp4” is damaged"));
+    SendSample(Debug, Files, tr("Scanning 1208 folders"));
+    SendSample(Info, Files, tr("The index was rebuilt in 3.2 s"));
+    SendSample(Debug, Network, tr("Heartbeat 4711 sent"));
+    SendSample(Warning, Network, tr("No answer; trying again in 30 s"));
+    SendSample(Critical, Files, tr("“Trip.mp4” is damaged"));
     positionBox_->setChecked(false);
-    RaiseSample(Warning, Window, tr("The theme has no icon for “go-up”"));
-    RaiseSample(Info, Window, tr("The window was restored"));
-    SampleIsComplete();
+    SendSample(Warning, Window, tr("The theme has no icon for “go-up”"));
+    SendSample(Info, Window, tr("The window was restored"));
+    ScheduleSampleShown();
 }
 
-void LogPage::RaiseSample(int type, int category, QString const& text)
+void LogPage::SendSample(int type, int category, QString const& text)
 {
     typeBox_->setCurrentIndex(type);
     categoryBox_->setCurrentIndex(category);
     messageEdit_->setText(text);
-    Raise();
+    SendMessage();
 }
 
-void LogPage::Raise()
+void LogPage::SendMessage()
 {
     MessageType const& type = MessageTypes[typeBox_->currentIndex()];
     char const* const category = Categories[categoryBox_->currentIndex()];
     QMessageLogger const logger(__FILE__, __LINE__, Q_FUNC_INFO, category);
-    (logger.*type.raise)("%s", qUtf8Printable(messageEdit_->text()));
+    (logger.*type.log)("%s", qUtf8Printable(messageEdit_->text()));
     ShowDropped();
 }
 
 void LogPage::ShowDropped()
 {
-    int const count = filter_->Dropped();
-    // Without a translation, Qt has no singular of its own.
+    int const count = filter_->DroppedCount();
+    // tr() with "%n" chooses a singular form only from a translation, and the gallery has none.
     droppedLabel_->Show(count == 1 ? tr("1 message was dropped") : tr("%n messages were dropped", nullptr, count));
 }
 
 void LogPage::ShowLines(std::vector<LogLine> const& lines)
 {
-    // Who has scrolled up is reading.
+    // Scroll only if the last line was visible: a user who has scrolled up is reading.
     QScrollBar const* const bar = table_->verticalScrollBar();
     bool const isAtEnd = bar->value() == bar->maximum();
     model_->Append(lines);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page that raises Qt's messages and shows where they go.
+/// The Log page: sends Qt messages and shows them in glog and in the previous message handler.
 
 #include "Page.h"
 
@@ -23,7 +23,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-class GlogLines;
+class GlogSink;
 class LogFilter;
 class LogModel;
 class PreviousHandler;
@@ -42,7 +42,7 @@ public:
 private:
     void CreateWidgets();
     void SetUpTable();
-    void LayOut();
+    void CreateLayout();
     QBoxLayout* NewMessageRow();
     QBoxLayout* NewTextFilterRow();
     QBoxLayout* NewTypeFilterRow();
@@ -50,24 +50,24 @@ private:
     void Connect();
     void ConnectFilter();
 
-    void Raise();
-    void RaiseSample(int type, int category, QString const& text);
+    void SendMessage();
+    void SendSample(int type, int category, QString const& text);
     void ShowDropped();
     void ShowLines(std::vector<LogLine> const& lines);
     void ShowForwarded(std::vector<QString> const& messages);
     void Clear();
 
     std::shared_ptr<LogFilter> const filter_;
-    GlogLines* glogLines_;
+    GlogSink* glogSink_;
     PreviousHandler* previousHandler_;
     LogModel* model_;
 
     QLineEdit* messageEdit_;
     QComboBox* typeBox_;
     QComboBox* categoryBox_;
-    QPushButton* raiseButton_;
+    QPushButton* sendButton_;
     QLineEdit* droppedTextEdit_;
-    std::vector<QCheckBox*> droppedTypeBoxes_; // in the order of the types
+    std::vector<QCheckBox*> droppedTypeBoxes_; // in the order of MessageTypes in the source
     StatusLabel* droppedLabel_;
     QCheckBox* positionBox_;
     QCheckBox* forwardBox_;

@@ -14,7 +14,8 @@ void StartLogging(char const* program)
     for (google::LogSeverity severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
         google::SetLogDestination(severity, "");
     }
-    // Whatever GLOG_* variables say: errors must reach our sinks, and nothing else.
+    // Override the GLOG_* environment variables: a higher minloglevel would hide records from the log sinks, and the
+    // other flags would write them to the terminal.
     FLAGS_minloglevel = google::GLOG_INFO;
     FLAGS_logtostderr = false;
     FLAGS_alsologtostderr = false;

@@ -1,16 +1,19 @@
 #pragma once
 
 /// \file
-/// The application's use of glog.
+/// Sets up logging for the gallery.
 
 namespace Zelkor
 {
 namespace Gallery
 {
 
-/// Starts glog without log files and, below FATAL, without output: what the library logs is shown where it matters.
-/// Qt's messages go there too, and then where they would have gone.
-/// Called once, with main()'s \a program, which must stay valid.
+/// Initialises glog and installs the message handlers. Call it once, at the start of main().
+///
+/// glog writes no files, and writes to the terminal only at FATAL: the pages show the records through log sinks. Qt
+/// messages go to glog and then to the handler that was installed before.
+///
+/// \param program argv[0]. glog keeps the pointer, so it must stay valid.
 void StartLogging(char const* program);
 
 } // namespace Gallery

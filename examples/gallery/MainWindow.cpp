@@ -61,7 +61,7 @@ MainWindow::MainWindow(QWidget* parent)
 
     AddPages();
     connect(navigation_, &QListWidget::currentRowChanged, stack_, &QStackedWidget::setCurrentIndex);
-    Turn(0);
+    ShowPage(0);
     stack_->currentWidget()->setFocus();
 }
 
@@ -72,7 +72,7 @@ void MainWindow::AddPages()
         auto* const item = new QListWidgetItem(PageTitle(info), navigation_);
         item->setSizeHint(QSize(fontMetrics().horizontalAdvance(item->text()), fontMetrics().height() + Margin));
         stack_->addWidget(WithTitle(page, PageTitle(info)));
-        connect(page, &Page::BecameIdle, this, &MainWindow::EndWhenIdle);
+        connect(page, &Page::BecameIdle, this, &MainWindow::CheckReadyToQuit);
     }
     navigation_->setFixedWidth(navigation_->sizeHintForColumn(0) + 2 * Margin);
 }
@@ -84,7 +84,7 @@ void MainWindow::SetFolder(ioPath const& folder)
     }
 }
 
-void MainWindow::Turn(int index)
+void MainWindow::ShowPage(int index)
 {
     navigation_->setCurrentRow(index);
 }
@@ -101,15 +101,15 @@ void MainWindow::closeEvent(QCloseEvent* event)
         page->Cancel();
     }
     event->accept();
-    EndWhenIdle();
+    CheckReadyToQuit();
 }
 
-void MainWindow::EndWhenIdle()
+void MainWindow::CheckReadyToQuit()
 {
     bool const isBusy = std::any_of(pages_.begin(), pages_.end(), [](Page const* page) { return page->IsBusy(); });
     if (isClosed_ && !isBusy) {
         isClosed_ = false;
-        Q_EMIT Ended();
+        Q_EMIT ReadyToQuit();
     }
 }
 

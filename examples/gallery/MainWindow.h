@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The gallery's window.
+/// The main window of the gallery.
 
 #include <Base/IoPath.h>
 
@@ -21,7 +21,7 @@ namespace Gallery
 
 class Page;
 
-/// A navigation list on the left and the page that is chosen in it on the right.
+/// Shows a navigation list on the left and the selected page on the right.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -29,23 +29,25 @@ class MainWindow : public QMainWindow
 public:
     explicit MainWindow(QWidget* parent = nullptr);
 
-    /// Proposes \a folder on all pages.
+    /// Sets \a folder on all pages that use a folder.
     void SetFolder(ioPath const& folder);
 
-    /// Turns to the page at \a index of Pages().
-    void Turn(int index);
+    /// Shows the page at \a index of Pages().
+    void ShowPage(int index);
+
+    /// Returns the page at \a index of Pages().
     Page* PageAt(int index) const;
 
 Q_SIGNALS:
-    /// The window was closed and no page is busy any more: destroying it does not block.
-    void Ended();
+    /// Emitted when the window is closed and no page is busy. Destroying the window does not block then.
+    void ReadyToQuit();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
     void AddPages();
-    void EndWhenIdle();
+    void CheckReadyToQuit();
 
     QListWidget* navigation_;
     QStackedWidget* stack_;

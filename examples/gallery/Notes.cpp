@@ -10,7 +10,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-/// A command of two functions.
+/// A command that calls a function for redo and another for undo.
 class Command : public QUndoCommand
 {
 public:
@@ -75,7 +75,7 @@ void Notes::Replace(std::vector<Note> notes)
     endResetModel();
 }
 
-void Notes::Colour(int row, QColor const& colour)
+void Notes::SetColour(int row, QColor const& colour)
 {
     notes_[static_cast<std::size_t>(row)].colour = colour;
     Q_EMIT dataChanged(index(row), index(row), {Qt::DecorationRole});
@@ -99,7 +99,7 @@ QUndoCommand* NewColourCommand(Notes* notes, int row, QColor const& colour)
 {
     QColor const before = notes->All()[static_cast<std::size_t>(row)].colour;
     return new Command(
-        Notes::tr("Colour"), [=] { notes->Colour(row, colour); }, [=] { notes->Colour(row, before); });
+        Notes::tr("Colour"), [=] { notes->SetColour(row, colour); }, [=] { notes->SetColour(row, before); });
 }
 
 QUndoCommand* NewReplaceCommand(Notes* notes, std::vector<Note> const& others)

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The document of the page Undo.
+/// The document of the Undo page, and the commands that change it.
 
 #include <QtCore/QAbstractListModel>
 #include <QtGui/QColor>
@@ -23,7 +23,7 @@ struct Note
     QColor colour;
 };
 
-/// Coloured notes, shown by views with their colour as the decoration. They are changed by the commands below.
+/// A list model of notes. The colour of a note is its decoration.
 class Notes : public QAbstractListModel
 {
     Q_OBJECT
@@ -36,21 +36,29 @@ public:
 
     std::vector<Note> const& All() const { return notes_; }
 
+    // Undo commands call these functions. Other code creates a command instead.
     void Insert(int row, Note const& note);
     Note Take(int row);
     void Replace(std::vector<Note> notes);
-    void Colour(int row, QColor const& colour);
+    void SetColour(int row, QColor const& colour);
 
 private:
     std::vector<Note> notes_;
 };
 
-/// Commands on \a notes, which outlives them; for an undo stack, which owns them.
+/// \name Commands
+/// Each function creates a command for an undo stack, which takes ownership. \a notes must outlive the command.
+/// \{
+
+/// Creates a command that appends \a note.
 QUndoCommand* NewAddCommand(Notes* notes, Note const& note);
+/// Creates a command that removes the note at \a row.
 QUndoCommand* NewRemoveCommand(Notes* notes, int row);
+/// Creates a command that sets the colour of the note at \a row.
 QUndoCommand* NewColourCommand(Notes* notes, int row, QColor const& colour);
-/// Puts \a others in the place of all notes.
+/// Creates a command that replaces all notes by \a others.
 QUndoCommand* NewReplaceCommand(Notes* notes, std::vector<Note> const& others);
+/// \}
 
 } // namespace Gallery
 } // namespace Zelkor

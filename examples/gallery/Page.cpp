@@ -17,7 +17,7 @@ bool Page::IsBusy() const
     return false;
 }
 
-void Page::SampleIsComplete()
+void Page::ScheduleSampleShown()
 {
     QMetaObject::invokeMethod(this, &Page::SampleShown, Qt::QueuedConnection);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the main window asks of a page.
+/// The base class of the gallery's pages.
 
 #include <Base/IoPath.h>
 
@@ -15,14 +15,14 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A dialog of a page, for a picture named \a id.
+/// A dialog of a page for the screenshots. #id is its name in file names.
 struct SampleDialog
 {
     char const* id;
     std::unique_ptr<QDialog> dialog;
 };
 
-/// A page of the gallery. One without background work needs to override nothing but ShowSample().
+/// A page of the gallery. A page without background work needs to override only ShowSample().
 class Page : public QWidget
 {
     Q_OBJECT
@@ -30,31 +30,31 @@ class Page : public QWidget
 public:
     using QWidget::QWidget;
 
-    /// Proposes \a folder to the user, where the page works on a folder.
+    /// Sets \a folder as the folder to work on. Pages that do not use a folder ignore it.
     virtual void SetFolder(ioPath const& folder);
 
-    /// Fills the page with what a user would see at work, and emits SampleShown() from the event loop when it is
-    /// complete.
+    /// Fills the page with sample data. SampleShown() is emitted from the event loop when the data is complete.
     virtual void ShowSample() = 0;
 
-    /// The dialogs that the page opens, filled with what a user would see.
+    /// Returns the dialogs that the page opens, filled with sample data.
     virtual std::vector<SampleDialog> SampleDialogs();
 
-    /// Asks the page's work to end, as the window is about to go.
+    /// Cancels the background work of the page. The main window calls it when it is closed.
     virtual void Cancel();
 
-    /// Whether destroying the page now would wait for work.
+    /// Returns true if the destructor would wait for background work.
     virtual bool IsBusy() const;
 
 Q_SIGNALS:
+    /// Emitted when the sample data of ShowSample() is complete.
     void SampleShown();
 
-    /// IsBusy() has turned false.
+    /// Emitted when IsBusy() has changed to false.
     void BecameIdle();
 
 protected:
-    /// Emits SampleShown() when the event loop turns next.
-    void SampleIsComplete();
+    /// Queues the emission of SampleShown().
+    void ScheduleSampleShown();
 };
 
 } // namespace Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The pages of the gallery.
+/// The list of the gallery's pages.
 
 #include "Page.h"
 
@@ -12,21 +12,21 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A page of the table: a new page is one line there.
+/// Describes a page. To add a page, add a line to the table in Pages.cpp.
 struct PageInfo
 {
-    /// The name of the page in file names.
+    /// The name of the page in the file names of screenshots.
     char const* id;
-    /// Its title, to be translated in the context "GalleryPages".
+    /// The untranslated title, in the translation context "GalleryPages".
     char const* title;
-    /// Makes the page, without a parent.
+    /// Creates the page without a parent.
     Page* (*create)();
 };
 
-/// All pages, in the order of the navigation list.
+/// Returns all pages in the order of the navigation list.
 std::vector<PageInfo> const& Pages();
 
-/// The title of \a page in the user's language.
+/// Returns the translated title of \a page.
 QString PageTitle(PageInfo const& page);
 
 } // namespace Gallery

@@ -28,7 +28,7 @@ constexpr int MiddleLightness = 128;
 
 QPalette PaletteOf(Scheme const& scheme)
 {
-    // Derives the shades of bevels from the button's colour.
+    // This constructor derives the colours of bevels from the colour of the button.
     QPalette palette(QColor(scheme.button), QColor(scheme.window));
     palette.setColor(QPalette::WindowText, QColor(scheme.text));
     palette.setColor(QPalette::Base, QColor(scheme.base));

@@ -10,11 +10,13 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// The palettes that the pictures are taken in.
+/// Returns the light palette for the screenshots.
 QPalette LightPalette();
+
+/// Returns the dark palette for the screenshots.
 QPalette DarkPalette();
 
-/// Whether \a palette has light text on dark ground, whoever made it.
+/// Returns true if \a palette, which can be any palette, has a dark background.
 bool IsDark(QPalette const& palette);
 
 } // namespace Gallery

@@ -81,16 +81,16 @@ PathsPage::PathsPage(QWidget* parent)
     checkTimer_->setSingleShot(true);
     checkTimer_->setInterval(CheckDelayMilliseconds);
     ListStandardFolders();
-    LayOut();
+    CreateLayout();
     Connect();
     setFocusProxy(pathEdit_);
     PathsPage::SetFolder(Util::QStringToUtf8(QDir::homePath()));
 }
 
-void PathsPage::LayOut()
+void PathsPage::CreateLayout()
 {
     auto* const pathRow = new QHBoxLayout;
-    pathRow->addWidget(NewLabelOf(pathEdit_, tr("&Destination folder")));
+    pathRow->addWidget(NewLabelFor(pathEdit_, tr("&Destination folder")));
     pathRow->addWidget(pathEdit_, 1);
     pathRow->addWidget(browseButton_);
     pathRow->addWidget(exploreButton_);
@@ -98,11 +98,11 @@ void PathsPage::LayOut()
     auto* const column = new QVBoxLayout(this);
     SetUpPageLayout(column);
     column->addLayout(pathRow);
-    column->addWidget(NewHint(tr("Each check creates the folder and removes it again, and with it parents that are "
-                                 "empty then.")));
+    column->addWidget(NewHint(tr("Each check creates the folder and removes it again, together with parents that are "
+                                 "then empty.")));
     column->addLayout(NewValues());
     column->addSpacing(Spacing);
-    column->addWidget(NewLabelOf(standardFolders_, tr("Standard &folders")));
+    column->addWidget(NewLabelFor(standardFolders_, tr("Standard &folders")));
     column->addWidget(standardFolders_, 1);
 }
 
@@ -147,7 +147,7 @@ void PathsPage::SetFolder(ioPath const& folder)
 void PathsPage::ShowSample()
 {
     Check();
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 void PathsPage::showEvent(QShowEvent* event)
@@ -156,10 +156,10 @@ void PathsPage::showEvent(QShowEvent* event)
     ScheduleCheck();
 }
 
-// A check writes to the disk: none while nobody sees its outcome, and none for each letter.
+// A check writes to the disk. Skip it while the page is hidden, and wait until the user stops typing.
 void PathsPage::ScheduleCheck()
 {
-    fileManagerLabel_->Show(tr("Not asked yet"));
+    fileManagerLabel_->Show(tr("Not opened yet"));
     exploreButton_->setEnabled(!pathEdit_->text().isEmpty());
     if (isVisible()) {
         checkTimer_->start();
@@ -188,11 +188,11 @@ void PathsPage::CheckAccess(QString const& path)
     auto const show = [](StatusLabel* label, bool can) {
         label->Show(can ? tr("Yes") : tr("No"), can ? Tone::Good : Tone::Bad);
     };
-    // An empty path would be the current folder.
+    // These functions would take an empty path for the current folder.
     show(creatableLabel_, !path.isEmpty() && Util::CanCreateFileIn(path));
     show(readableLabel_, !path.isEmpty() && Util::CanReadFileIn(path));
     long long const space = path.isEmpty() ? 0 : Util::GetAvailableDiskSpace(Util::QStringToUtf8(path));
-    spaceLabel_->Show(space > 0 ? SizeText(static_cast<unsigned long long>(space)) : tr("Cannot be told"));
+    spaceLabel_->Show(space > 0 ? SizeText(static_cast<unsigned long long>(space)) : tr("Unknown"));
 }
 
 void PathsPage::Browse()
@@ -205,9 +205,9 @@ void PathsPage::Browse()
 
 void PathsPage::Explore()
 {
-    bool const isAsked = Util::ExploreSingleFile(pathEdit_->text());
-    fileManagerLabel_->Show(isAsked ? tr("Asked to show it") : tr("Nobody could be asked"),
-                            isAsked ? Tone::Good : Tone::Bad);
+    bool const isSent = Util::ExploreSingleFile(pathEdit_->text());
+    fileManagerLabel_->Show(isSent ? tr("Request sent") : tr("No file manager available"),
+                            isSent ? Tone::Good : Tone::Bad);
 }
 
 } // namespace Zelkor::Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page that looks at a destination folder.
+/// The Paths page: checks a destination folder and lists standard folders.
 
 #include "Page.h"
 
@@ -34,7 +34,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    void LayOut();
+    void CreateLayout();
     QFormLayout* NewValues();
     void ListStandardFolders();
     void Connect();

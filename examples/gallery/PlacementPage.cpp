@@ -32,12 +32,12 @@ QString TextOf(QRect const& rect)
 PlacementPage::PlacementPage(QWidget* parent)
     : Page(parent)
     , centreButton_(new QPushButton(tr("Dialog &Centred on This Window")))
-    , parentButton_(new QPushButton(tr("Dialog Whose &Parent Is Found")))
+    , parentButton_(new QPushButton(tr("Dialog with Automatic &Parent")))
     , screens_(new QTableWidget)
 {
     SetUpTable(screens_, {tr("Screen"), tr("Geometry"), tr("Primary")});
     screens_->setAccessibleName(tr("Screens"));
-    LayOut();
+    CreateLayout();
     connect(centreButton_, &QPushButton::clicked, this, [this] {
         auto const dialog = NewDialog();
         Util::ExecDialogInCenterWindow(dialog.get(), this);
@@ -55,7 +55,7 @@ PlacementPage::PlacementPage(QWidget* parent)
     setFocusProxy(centreButton_);
 }
 
-void PlacementPage::LayOut()
+void PlacementPage::CreateLayout()
 {
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(Spacing);
@@ -64,9 +64,9 @@ void PlacementPage::LayOut()
     buttons->addStretch();
     auto* const form = new QFormLayout;
     globalLabel_ = AddValueRow(form, tr("This page on the desktop"));
-    screenLabel_ = AddValueRow(form, tr("The screen that holds its centre"));
-    centreLabel_ = AddValueRow(form, tr("Where it would be centred"));
-    parentLabel_ = AddValueRow(form, tr("Parent of a dialog without one"));
+    screenLabel_ = AddValueRow(form, tr("Screen that contains its centre"));
+    centreLabel_ = AddValueRow(form, tr("Position when centred"));
+    parentLabel_ = AddValueRow(form, tr("Automatic dialog parent"));
     auto* const column = new QVBoxLayout(this);
     SetUpPageLayout(column);
     column->addLayout(buttons);
@@ -132,7 +132,7 @@ bool PlacementPage::eventFilter(QObject* watched, QEvent* event)
 void PlacementPage::ShowSample()
 {
     Update();
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 std::vector<SampleDialog> PlacementPage::SampleDialogs()

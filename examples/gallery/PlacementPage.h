@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Placement: screens, rectangles, and where dialogs go.
+/// The Placement page: shows screen and window geometry, and places dialogs.
 
 #include "Page.h"
 
@@ -32,7 +32,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void LayOut();
+    void CreateLayout();
     std::unique_ptr<QDialog> NewDialog() const;
     void ListScreens();
     void Update();

@@ -9,9 +9,9 @@ namespace Zelkor::Gallery
 namespace
 {
 
-std::mutex g_guard;
+std::mutex g_mutex;
 PreviousHandler* g_latest = nullptr;
-QtMessageHandler g_earlier = nullptr;
+QtMessageHandler g_previous = nullptr;
 
 QString TypeName(QtMsgType type)
 {
@@ -32,27 +32,27 @@ QString TypeName(QtMsgType type)
 
 bool IsDemo(QMessageLogContext const& context)
 {
-    return QLatin1String(context.category).startsWith(QLatin1String(PreviousHandler::DemoCategories));
+    return QLatin1String(context.category).startsWith(QLatin1String(PreviousHandler::DemoCategoryPrefix));
 }
 
 } // namespace
 
 void PreviousHandler::Install()
 {
-    g_earlier = qInstallMessageHandler(&Handle);
+    g_previous = qInstallMessageHandler(&Handle);
 }
 
 PreviousHandler::PreviousHandler(QObject* parent)
     : QObject(parent)
-    , mailbox_(this, [this](std::vector<QString> const& messages) { Q_EMIT Arrived(messages); })
+    , queue_(this, [this](std::vector<QString> const& messages) { Q_EMIT MessagesReceived(messages); })
 {
-    std::lock_guard<std::mutex> const lock(g_guard);
+    std::lock_guard<std::mutex> const lock(g_mutex);
     g_latest = this;
 }
 
 PreviousHandler::~PreviousHandler()
 {
-    std::lock_guard<std::mutex> const lock(g_guard);
+    std::lock_guard<std::mutex> const lock(g_mutex);
     if (g_latest == this) {
         g_latest = nullptr;
     }
@@ -60,12 +60,12 @@ PreviousHandler::~PreviousHandler()
 
 void PreviousHandler::Handle(QtMsgType type, QMessageLogContext const& context, QString const& message)
 {
-    if (g_earlier && !IsDemo(context)) {
-        g_earlier(type, context, message);
+    if (g_previous && !IsDemo(context)) {
+        g_previous(type, context, message);
     }
-    std::lock_guard<std::mutex> const lock(g_guard);
+    std::lock_guard<std::mutex> const lock(g_mutex);
     if (g_latest) {
-        g_latest->mailbox_.Put(
+        g_latest->queue_.Push(
             QStringLiteral("%1  %2  %3").arg(TypeName(type), QLatin1String(context.category), OneLineText(message)));
     }
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// The message handler that QtLogHandler hands messages on to.
+/// The message handler that is installed before QtLogHandler, which forwards messages to it.
 
-#include "Mailbox.h"
+#include "CrossThreadQueue.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
@@ -15,31 +15,31 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Tells of the messages that reach the handler from any thread, on the thread of this object. The latest object gets
-/// them.
+/// Emits the messages that reach the handler on any thread as signals on the thread of this object. If there are
+/// several objects, only the latest receives messages.
 class PreviousHandler : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Messages whose category begins with this are for the window only, and spare the terminal.
-    static constexpr char DemoCategories[] = "gallery.";
+    /// Messages whose category starts with this prefix are shown in the window only, not in the terminal.
+    static constexpr char DemoCategoryPrefix[] = "gallery.";
 
-    /// Installs the handler, which hands messages on to the one that is there. Called once, before there is a
-    /// QtLogHandler.
+    /// Installs the handler. It forwards messages to the handler that was installed before. Call it once, before
+    /// QtLogHandler::GetInstance().
     static void Install();
 
     explicit PreviousHandler(QObject* parent = nullptr);
     ~PreviousHandler() override;
 
 Q_SIGNALS:
-    /// Each of \a messages as "type  category  text".
-    void Arrived(std::vector<QString> const& messages);
+    /// Emitted with the messages since the last emission, each in the form "type  category  text".
+    void MessagesReceived(std::vector<QString> const& messages);
 
 private:
     static void Handle(QtMsgType type, QMessageLogContext const& context, QString const& message);
 
-    Mailbox<QString> mailbox_;
+    CrossThreadQueue<QString> queue_;
 };
 
 } // namespace Gallery

@@ -20,7 +20,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// The usual size on desktops; without a desktop, Qt's own is larger.
+// The usual font size of desktops, in points. The offscreen platform has a larger default.
 constexpr int FontSize = 10;
 
 constexpr std::chrono::milliseconds RedrawTime(50);
@@ -37,7 +37,7 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(GalleryScreenshots)
 };
 
-void Fill(Page* page)
+void FillPage(Page* page)
 {
     QEventLoop loop;
     QObject::connect(page, &Page::SampleShown, &loop, &QEventLoop::quit);
@@ -45,31 +45,32 @@ void Fill(Page* page)
     loop.exec();
 }
 
-/// While it lives, drops what the platform without a display says of every window of a fixed size.
-class PlatformComplaint
+/// During its lifetime, drops a harmless warning: the offscreen platform logs it for every window with a fixed size.
+class SizeHintWarningFilter
 {
 public:
-    PlatformComplaint() { g_next = qInstallMessageHandler(&Handle); }
-    ~PlatformComplaint() { qInstallMessageHandler(g_next); }
+    SizeHintWarningFilter() { next_ = qInstallMessageHandler(&Handle); }
+    ~SizeHintWarningFilter() { qInstallMessageHandler(next_); }
 
-    PlatformComplaint(PlatformComplaint const&) = delete;
-    PlatformComplaint& operator=(PlatformComplaint const&) = delete;
+    SizeHintWarningFilter(SizeHintWarningFilter const&) = delete;
+    SizeHintWarningFilter& operator=(SizeHintWarningFilter const&) = delete;
 
 private:
     static void Handle(QtMsgType type, QMessageLogContext const& context, QString const& message)
     {
         if (message != QLatin1String("This plugin does not support propagateSizeHints()")) {
-            g_next(type, context, message);
+            next_(type, context, message);
         }
     }
 
-    static QtMessageHandler g_next;
+    static QtMessageHandler next_;
 };
 
-QtMessageHandler PlatformComplaint::g_next = nullptr;
+QtMessageHandler SizeHintWarningFilter::next_ = nullptr;
 
-/// Saves \a widget as "\a id-\a look.png".
-bool Save(QWidget& widget, QDir const& folder, char const* id, Look const& look)
+/// Saves a picture of \a widget in \a folder and prints the file name, which consists of \a id and the name of \a look.
+/// Prints an error and returns false if the file cannot be written.
+bool SavePicture(QWidget& widget, QDir const& folder, char const* id, Look const& look)
 {
     QString const name = QStringLiteral("%1-%2.png").arg(QLatin1String(id), QLatin1String(look.name));
     QString const file = folder.filePath(name);
@@ -81,7 +82,8 @@ bool Save(QWidget& widget, QDir const& folder, char const* id, Look const& look)
     return true;
 }
 
-/// Lets the window take on new colours: QML draws itself from a timer, and only when it is shown.
+/// Runs the event loop until the visible page is painted in the new colours. A QML view is painted from a timer, and
+/// only while it is visible.
 void Redraw()
 {
     QEventLoop loop;
@@ -95,7 +97,7 @@ bool SaveDialogs(Page& page, QDir const& folder, Look const& look)
     for (SampleDialog const& sample : page.SampleDialogs()) {
         sample.dialog->show();
         QCoreApplication::processEvents();
-        isSaved = Save(*sample.dialog, folder, sample.id, look) && isSaved;
+        isSaved = SavePicture(*sample.dialog, folder, sample.id, look) && isSaved;
     }
     return isSaved;
 }
@@ -104,32 +106,32 @@ bool SaveDialogs(Page& page, QDir const& folder, Look const& look)
 
 int TakeScreenshots(QString const& target, ioPath const& folder)
 {
-    QDir const folderOfPictures(target);
-    if (!folderOfPictures.mkpath(QStringLiteral("."))) {
-        PrintError(Text::tr("The folder “%1” cannot be made.").arg(target));
+    QDir const pictures(target);
+    if (!pictures.mkpath(QStringLiteral("."))) {
+        PrintError(Text::tr("The folder “%1” cannot be created.").arg(target));
         return EXIT_FAILURE;
     }
     QFont font = QApplication::font();
     font.setPointSize(FontSize);
     QApplication::setFont(font);
-    PlatformComplaint const noComplaint;
+    SizeHintWarningFilter const filter;
     MainWindow window;
     window.SetFolder(folder);
     window.show();
 
     for (int index = 0; index < static_cast<int>(Pages().size()); ++index) {
-        window.Turn(index);
-        Fill(window.PageAt(index));
+        window.ShowPage(index);
+        FillPage(window.PageAt(index));
     }
     bool isSaved = true;
     for (Look const& look : Looks) {
         UsePalette(look.palette());
         int index = 0;
         for (PageInfo const& page : Pages()) {
-            window.Turn(index);
+            window.ShowPage(index);
             Redraw();
-            isSaved = Save(window, folderOfPictures, page.id, look) && isSaved;
-            isSaved = SaveDialogs(*window.PageAt(index++), folderOfPictures, look) && isSaved;
+            isSaved = SavePicture(window, pictures, page.id, look) && isSaved;
+            isSaved = SaveDialogs(*window.PageAt(index++), pictures, look) && isSaved;
         }
     }
     return isSaved ? EXIT_SUCCESS : EXIT_FAILURE;

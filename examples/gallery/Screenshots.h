@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Pictures of the gallery's pages.
+/// Takes screenshots of the gallery's pages.
 
 #include <Base/IoPath.h>
 
@@ -12,9 +12,10 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Writes a picture of the window with every page at work on \a folder, light and dark, into the folder \a target,
-/// which is made, and prints the name of each. Returns the exit code of the program. Turns the application's event
-/// loop.
+/// Writes screenshots of every page and its dialogs, in a light and a dark palette, and prints their file names.
+///
+/// Pages that use a folder show \a folder. The folder \a target is created if it does not exist. Runs nested event
+/// loops. Returns the exit code of the program: 1 if a file cannot be written.
 int TakeScreenshots(QString const& target, ioPath const& folder);
 
 } // namespace Gallery

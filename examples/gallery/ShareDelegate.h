@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A share of a whole as a bar with its text beside it.
+/// An item delegate that draws a share of a total as a bar.
 
 #include <QtWidgets/QStyledItemDelegate>
 
@@ -10,7 +10,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Draws the FolderSizesModel::ShareRole of a cell as a bar, and the cell's text at the right of it.
+/// Draws the FolderSizesModel::ShareRole of a cell as a bar, with the text of the cell to the right of it.
 class ShareDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

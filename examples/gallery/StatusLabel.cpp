@@ -20,19 +20,20 @@ void StatusLabel::Show(QString const& text, Tone tone)
     setText(text);
     setToolTip(text.toHtmlEscaped());
     tone_ = tone;
-    Colour();
+    UpdateColour();
 }
 
 void StatusLabel::changeEvent(QEvent* event)
 {
     QLabel::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        Colour();
+        UpdateColour();
     }
 }
 
-// Setting the palette changes it: only where there is a difference, or this would not end.
-void StatusLabel::Colour()
+// setPalette() sends a PaletteChange event, which calls this function again. Return if the colour is already set, or
+// the recursion would be endless.
+void StatusLabel::UpdateColour()
 {
     QColor const color = ToneColor(tone_, QApplication::palette());
     if (palette().color(QPalette::WindowText) == color) {

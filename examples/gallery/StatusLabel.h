@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A read-only value.
+/// A label that shows a read-only value.
 
 #include "Tone.h"
 
@@ -12,7 +12,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A value that can be selected and copied, in the colour of its tone. A long one does not widen the window.
+/// Shows a value in the colour of its tone. The user can select and copy the text. A long text does not widen the
+/// window.
 class StatusLabel : public QLabel
 {
     Q_OBJECT
@@ -20,13 +21,14 @@ class StatusLabel : public QLabel
 public:
     explicit StatusLabel(QString const& accessibleName, QWidget* parent = nullptr);
 
+    /// Sets the text and the tone of the value.
     void Show(QString const& text, Tone tone = Tone::Neutral);
 
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void Colour();
+    void UpdateColour();
 
     Tone tone_ = Tone::Neutral;
 };

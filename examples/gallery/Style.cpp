@@ -9,7 +9,7 @@ namespace
 
 constexpr int CellMargin = 5;
 constexpr int ArrowShift = 3;
-constexpr int OutlineLightness = 400; // per cent
+constexpr int OutlineLightness = 400; // percent
 
 } // namespace
 
@@ -49,14 +49,14 @@ void Style::drawPrimitive(PrimitiveElement element, QStyleOption const* option, 
     }
 }
 
-// The margin that we add to headers moves the sort arrow above the text's middle.
+// The wider header margin moves the sort arrow up, away from the vertical centre of the text. Move it back.
 void Style::DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidget const* widget) const
 {
     header.rect.translate(0, ArrowShift);
     QProxyStyle::drawPrimitive(PE_IndicatorHeaderArrow, &header, painter, widget);
 }
 
-// Fusion's outline is a darker shade of the window's colour.
+// Fusion draws the outline in a darker shade of the window colour, which is invisible on a dark background.
 void Style::DrawCheckBox(QStyleOptionButton box, QPainter* painter, QWidget const* widget) const
 {
     if (IsDark(box.palette)) {

@@ -11,8 +11,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Fusion with more air between the columns of tables, around the entries of lists and in buttons, and with check boxes
-/// that can be told from a dark background.
+/// The Fusion style with wider margins in tables, lists and push buttons, and with check boxes that are visible on a
+/// dark background.
 class Style : public QProxyStyle
 {
     Q_OBJECT

@@ -25,7 +25,7 @@ namespace
 
 using Util::MessageLevel;
 
-/// A dialog with what FixWidgetStyle names and tags.
+/// Creates a dialog with the kinds of widgets that FixWidgetStyle names and tags.
 std::unique_ptr<QDialog> NewSettingsDialog(QWidget* parent)
 {
     auto dialog = std::make_unique<QDialog>(parent);
@@ -33,7 +33,7 @@ std::unique_ptr<QDialog> NewSettingsDialog(QWidget* parent)
     auto* const quality = new QComboBox;
     quality->addItems({StylePage::tr("Draft"), StylePage::tr("Good"), StylePage::tr("Best")});
     auto* const form = new QFormLayout;
-    form->addRow(NewLabelOf(quality, StylePage::tr("&Quality")), quality);
+    form->addRow(NewLabelFor(quality, StylePage::tr("&Quality")), quality);
     auto* const buttons =
         new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::RestoreDefaults);
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog.get(), &QDialog::accept);
@@ -73,10 +73,10 @@ QGroupBox* StylePage::NewMessages()
     for (int i = 0; i < levels.keyCount(); ++i) {
         levelBox_->addItem(QString::fromLatin1(levels.key(i)), levels.value(i));
     }
-    message_ = new QLabel(tr("The style sheet chooses its look by the property “Level”."));
+    message_ = new QLabel(tr("The style sheet sets its appearance by the property “Level”."));
 
     auto* const form = new QFormLayout;
-    form->addRow(NewLabelOf(levelBox_, tr("&Level")), levelBox_);
+    form->addRow(NewLabelFor(levelBox_, tr("&Level")), levelBox_);
     auto* const column = new QVBoxLayout(box);
     column->setSpacing(Spacing);
     column->addLayout(form);
@@ -138,7 +138,7 @@ QGroupBox* StylePage::NewColours()
     auto* const link = new QLabel(tr("Links are <a href=\"#\">in the link colour</a>."));
     auto* const form = new QFormLayout(box);
     form->addRow(tr("Links:"), NewColourButton("linksColor", tr("Colour of links")));
-    form->addRow(tr("Light:"), NewColourButton("paletteLight", tr("Light of bevels")));
+    form->addRow(tr("Light:"), NewColourButton("paletteLight", tr("Light colour of bevels")));
     form->addRow(link);
     return box;
 }
@@ -146,7 +146,7 @@ QGroupBox* StylePage::NewColours()
 void StylePage::ShowSample()
 {
     levelBox_->setCurrentIndex(levelBox_->findData(static_cast<int>(MessageLevel::Warning)));
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 std::vector<SampleDialog> StylePage::SampleDialogs()

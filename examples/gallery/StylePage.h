@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Style: message levels, rounded pop-ups, colours of the palette.
+/// The Style page: message levels, rounded pop-ups and palette colours.
 
 #include "Page.h"
 

@@ -15,7 +15,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-enum Column { Path, Valid, Files, Error, AutoRemove, Remover, ColumnCount };
+enum Column { Path, Valid, Files, Error, AutoRemove, RemoveButton, ColumnCount };
 
 QTableWidgetItem* NewValidityCell(bool isValid)
 {
@@ -29,7 +29,7 @@ QTableWidgetItem* NewAutoRemoveCell(bool isOn)
     QTableWidgetItem* const cell = NewCell(QString());
     cell->setFlags(cell->flags() | Qt::ItemIsUserCheckable);
     cell->setCheckState(isOn ? Qt::Checked : Qt::Unchecked);
-    cell->setToolTip(TemporaryDirTable::tr("Whether the directory is removed with its object"));
+    cell->setToolTip(TemporaryDirTable::tr("Remove the directory when its object is destroyed"));
     return cell;
 }
 
@@ -57,7 +57,7 @@ Util::TemporaryDir& TemporaryDirTable::AddDir()
     return dir;
 }
 
-Util::TemporaryDir* TemporaryDirTable::Selected() const
+Util::TemporaryDir* TemporaryDirTable::SelectedDir() const
 {
     QModelIndexList const rows = selectionModel()->selectedRows();
     return rows.isEmpty() ? nullptr : dirs_[static_cast<std::size_t>(rows.constFirst().row())].get();
@@ -67,7 +67,7 @@ void TemporaryDirTable::CountFiles()
 {
     for (int row = 0; row < rowCount(); ++row) {
         Util::TemporaryDir const& dir = *dirs_[static_cast<std::size_t>(row)];
-        // Without a directory, its empty path would be the current one.
+        // The path of an invalid object is empty, which QDir would take for the current directory.
         int const count = dir.isValid() ? QDir(dir.path()).entryList(QDir::Files).size() : 0;
         item(row, Files)->setText(QString::number(count));
     }
@@ -88,10 +88,10 @@ void TemporaryDirTable::AddRemoveButton(int row)
 {
     auto* const button = new QPushButton(tr("Remove"));
     button->setAccessibleName(tr("Remove %1").arg(item(row, Path)->text()));
-    // Queued: the button goes with its row.
+    // Queued, because Remove() deletes the button together with its row, which must not happen in its own signal.
     connect(
         button, &QPushButton::clicked, this, [this, dir = dirs_.back().get()] { Remove(dir); }, Qt::QueuedConnection);
-    setCellWidget(row, Remover, button);
+    setCellWidget(row, RemoveButton, button);
 }
 
 void TemporaryDirTable::Remove(Util::TemporaryDir const* dir)
@@ -106,7 +106,8 @@ void TemporaryDirTable::Remove(Util::TemporaryDir const* dir)
         item(row, Error)->setText(tr("Could not be removed"));
         return;
     }
-    // First the object: what hears of the row's end may ask for the selected one.
+    // Erase the object before the row: removeRow() changes the selection, and a slot may then call SelectedDir(), which
+    // needs matching rows.
     dirs_.erase(found);
     removeRow(row);
 }

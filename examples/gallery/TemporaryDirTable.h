@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Temporary directories, each with its object.
+/// A table of temporary directories.
 
 #include <Util/TemporaryDir.h>
 
@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Owns a `Util::TemporaryDir` a row.
+/// Owns one `Util::TemporaryDir` for each row.
 class TemporaryDirTable : public QTableWidget
 {
     Q_OBJECT
@@ -23,13 +23,13 @@ class TemporaryDirTable : public QTableWidget
 public:
     explicit TemporaryDirTable(QWidget* parent = nullptr);
 
-    /// Makes a directory in a new row and selects that.
+    /// Creates a directory in a new row, selects the row and returns the directory.
     Util::TemporaryDir& AddDir();
 
-    /// The directory of the selected row; null when there is none.
-    Util::TemporaryDir* Selected() const;
+    /// Returns the directory of the selected row. Returns null if no row is selected.
+    Util::TemporaryDir* SelectedDir() const;
 
-    /// Counts the files in the directories again.
+    /// Updates the column with the number of files in each directory.
     void CountFiles();
 
 private:

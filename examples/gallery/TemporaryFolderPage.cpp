@@ -46,14 +46,14 @@ TemporaryFolderPage::TemporaryFolderPage(QWidget* parent)
     , cleanUp_(new CleanUpBox)
 {
     dirs_->setAccessibleName(tr("Temporary directories"));
-    LayOut();
+    CreateLayout();
     Connect();
     setFocusProxy(addDirButton_);
-    folderLabel_->Show(tr("Shown with the first directory"));
+    folderLabel_->Show(tr("Shown after the first directory is created"));
     UpdateButtons();
 }
 
-void TemporaryFolderPage::LayOut()
+void TemporaryFolderPage::CreateLayout()
 {
     auto* const form = new QFormLayout;
     folderLabel_ = AddValueRow(form, tr("Folder of the application"));
@@ -87,7 +87,7 @@ void TemporaryFolderPage::ShowSample()
     AddFile();
     cleanUp_->MakeFiles();
     cleanUp_->CleanUp();
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 void TemporaryFolderPage::AddDir()
@@ -101,7 +101,7 @@ void TemporaryFolderPage::AddDir()
 
 void TemporaryFolderPage::AddFile()
 {
-    Util::TemporaryDir const* const dir = dirs_->Selected();
+    Util::TemporaryDir const* const dir = dirs_->SelectedDir();
     if (!dir) {
         return;
     }
@@ -114,7 +114,7 @@ void TemporaryFolderPage::AddFile()
 
 void TemporaryFolderPage::UpdateButtons()
 {
-    Util::TemporaryDir const* const dir = dirs_->Selected();
+    Util::TemporaryDir const* const dir = dirs_->SelectedDir();
     addFileButton_->setEnabled(dir && dir->isValid());
 }
 

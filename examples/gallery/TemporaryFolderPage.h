@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page that makes temporary directories.
+/// The Temporary folder page: creates temporary directories and cleans up old files.
 
 #include "Page.h"
 
@@ -28,7 +28,7 @@ public:
     void ShowSample() override;
 
 private:
-    void LayOut();
+    void CreateLayout();
     void Connect();
     void AddDir();
     void AddFile();

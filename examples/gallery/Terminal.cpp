@@ -11,7 +11,8 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// Names longer than this could wrap the line, even where a letter is two columns wide.
+// The maximum length of a name in characters. A longer name could wrap the line, because some characters are two
+// columns wide.
 constexpr int MaxName = 24;
 constexpr char ClearLine[] = "\r\x1b[K";
 
@@ -54,11 +55,11 @@ ProgressLine::ProgressLine()
     : isTerminal_(isatty(STDERR_FILENO) != 0)
 {}
 
-void ProgressLine::Show(int done, int total, QString const& what)
+void ProgressLine::Show(int done, int total, QString const& name)
 {
     QString const count = Text::tr("%1 of %2 measured").arg(done).arg(total);
     if (isTerminal_) {
-        Write(qerrPtr, QLatin1String(ClearLine) + count + QLatin1String("  ") + Shortened(what));
+        Write(qerrPtr, QLatin1String(ClearLine) + count + QLatin1String("  ") + Shortened(name));
         return;
     }
     constexpr int parts = 4;

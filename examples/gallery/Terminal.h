@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Lines of text on the terminal, through the streams of the application's QtStdStreamsInitializer.
+/// Prints text to the terminal through the streams of QtStdStreamsInitializer, which must exist.
 
 #include <QtCore/QString>
 
@@ -10,29 +10,31 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// What is written is UTF-8 from now on, whatever the locale: so are the names of files.
+/// Makes the streams write UTF-8 in every locale, because the names of files are UTF-8.
 void UseUtf8OnTerminal();
 
-/// Writes \a text and an end of line to the standard output, or to the standard error.
+/// Writes \a text and a line end to the standard output.
 void Print(QString const& text);
+
+/// Writes \a text and a line end to the standard error.
 void PrintError(QString const& text);
 
-/// How far something has come, on the standard error: one line that is rewritten in place where that is a terminal, and
-/// else a line for each quarter.
+/// Shows progress on the standard error. On a terminal, rewrites one line in place. Otherwise prints a new line for
+/// each quarter of the work.
 class ProgressLine
 {
 public:
     ProgressLine();
 
-    /// \a what is going on; \a done of \a total have ended.
-    void Show(int done, int total, QString const& what);
+    /// Shows that \a done of \a total entries are measured. On a terminal, also shows \a name, the current entry.
+    void Show(int done, int total, QString const& name);
 
-    /// Takes the line away.
+    /// Clears the line on a terminal.
     void Clear();
 
 private:
     bool const isTerminal_;
-    int quarters_ = 0; // that have been shown
+    int quarters_ = 0; // quarters printed so far
 };
 
 } // namespace Gallery

@@ -23,7 +23,7 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(GalleryReport)
 };
 
-// The name comes last: how wide a name is on a terminal cannot be told.
+// The name is the last column, because its width on a terminal is unknown and the next column could not be aligned.
 enum Column { Size, Bytes, Time, Name, ColumnCount };
 using Row = std::array<QString, ColumnCount>;
 
@@ -102,7 +102,7 @@ int PrintReport(ioPath const& folder)
     QObject::connect(&measurer, &FolderMeasurer::EntryStarted, [&](int row) {
         progress.Show(done, static_cast<int>(entries.size()), NameText(entries[static_cast<std::size_t>(row)]));
     });
-    QObject::connect(&measurer, &FolderMeasurer::EntryEnded, [&](int row, FolderEntry const& entry) {
+    QObject::connect(&measurer, &FolderMeasurer::EntryFinished, [&](int row, FolderEntry const& entry) {
         entries[static_cast<std::size_t>(row)] = entry;
         progress.Show(++done, static_cast<int>(entries.size()), NameText(entry));
     });

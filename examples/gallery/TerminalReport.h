@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The sizes of a folder's entries on the terminal.
+/// Reports the sizes of a folder's entries in the terminal.
 
 #include "FolderMeasurer.h"
 
@@ -10,11 +10,12 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// The table of \a entries, largest first, with their \a totals and what could not be measured.
+/// Returns a table of \a entries, sorted by size in descending order, with \a totals and a list of the paths that could
+/// not be measured.
 QString ReportText(std::vector<FolderEntry> entries, FolderTotals const& totals);
 
-/// Measures \a folder and prints its ReportText(), with progress on the standard error. Returns the exit code of the
-/// program: 1 when the folder could not be read. Turns the application's event loop, and needs no display.
+/// Measures \a folder and prints its ReportText(), with progress on the standard error. Runs the application's event
+/// loop. Returns the exit code of the program: 1 if the folder cannot be read.
 int PrintReport(ioPath const& folder);
 
 } // namespace Gallery

@@ -69,7 +69,7 @@ QString StateText(FolderEntry const& entry)
         return Text::tr("Measuring…");
     case EntryState::Cancelled:
         return Text::tr("Cancelled");
-    case EntryState::Sizeless:
+    case EntryState::WithoutSize:
         return entry.kind == EntryKind::LinkToFolder ? Text::tr("Link to a folder: no size")
                                                      : Text::tr("Could not be measured");
     case EntryState::Measured:
@@ -78,7 +78,7 @@ QString StateText(FolderEntry const& entry)
     return entry.unmeasured.empty() ? QString() : UnmeasuredText(entry.unmeasured.size());
 }
 
-// Without a translation, Qt has no singular of its own.
+// tr() with "%n" chooses a singular form only from a translation, and the gallery has none.
 QString EntriesText(int count)
 {
     return count == 1 ? Text::tr("1 entry") : Text::tr("%n entries", nullptr, count);
@@ -118,7 +118,7 @@ QString UnreadableFolderText(ioPath const& folder, boost::system::error_code con
 {
     namespace errc = boost::system::errc;
     if (error == errc::no_such_file_or_directory) {
-        return Text::tr("There is no folder “%1”.").arg(PathText(folder));
+        return Text::tr("The folder “%1” does not exist.").arg(PathText(folder));
     }
     if (error == errc::not_a_directory) {
         return Text::tr("“%1” is not a folder.").arg(PathText(folder));

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The texts that the window and the terminal report have in common.
+/// Texts shared by the window and the terminal report.
 
 #include "FolderEntry.h"
 
@@ -19,36 +19,38 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// \a text on one line and without control characters, which are written as in a C string.
+/// Returns \a text on one line. Control characters and line separators are escaped as in a C string.
 QString OneLineText(QString const& text);
 
-/// \a path on one line and without control characters, which are written as in a C string; bytes that are no text
-/// become U+FFFD.
+/// Returns \a path as OneLineText(). Bytes that are not valid UTF-8 become U+FFFD.
 QString PathText(ioPath const& path);
 
-/// The name of \a entry, as PathText().
+/// Returns the file name of \a entry as PathText().
 QString NameText(FolderEntry const& entry);
 
-/// What there is to say about \a entry: a state other than measured, or what could not be measured. Else empty.
+/// Returns the state of \a entry. If it is measured, returns the number of paths that could not be measured, or an
+/// empty string if there are none.
 QString StateText(FolderEntry const& entry);
 
-/// "348 entries".
+/// Returns \a count with its noun: "348 entries".
 QString EntriesText(int count);
 
-/// "3 entries could not be measured".
+/// Returns \a count in a sentence: "3 entries could not be measured".
 QString UnmeasuredText(std::size_t count);
 
-/// \a paths, one a line, in order, the first \a limit of them; then how many more there are.
+/// Returns the first \a limit of \a paths, one in each line, and then a line with the number of the others.
 QString PathListText(std::vector<ioPath> const& paths, std::size_t limit);
 
-/// \a bytes as people read it.
+/// Returns \a bytes as a size with a unit.
 QString SizeText(unsigned long long bytes);
 
-/// \a microseconds as people read them, to the millisecond.
+/// Returns \a microseconds as a duration, precise to milliseconds.
 QString TimeText(long long microseconds);
 
-/// Why \a folder could not be read.
+/// Returns a message for the user that \a folder cannot be read because of \a error.
 QString UnreadableFolderText(ioPath const& folder, boost::system::error_code const& error);
+/// \overload
+/// \a reason is a text that the message includes.
 QString UnreadableFolderText(ioPath const& folder, QString const& reason);
 
 } // namespace Gallery

@@ -9,37 +9,37 @@ namespace Zelkor::Gallery
 Timeline::Timeline(QWidget* parent)
     : QTableWidget(parent)
 {
-    SetUpTable(this, {tr("Turn"), tr("Object"), tr("Event")});
+    SetUpTable(this, {tr("Iteration"), tr("Object"), tr("Event")});
     setItemDelegate(new ToneDelegate(this));
     setAccessibleName(tr("Timeline"));
 }
 
-void Timeline::Add(QString const& who, QString const& what, Tone tone)
+void Timeline::Add(QString const& object, QString const& event, Tone tone)
 {
-    if (!isInTurn_) {
-        isInTurn_ = true;
-        ++turn_;
-        QMetaObject::invokeMethod(this, &Timeline::EndTurn, Qt::QueuedConnection);
+    if (!isInIteration_) {
+        isInIteration_ = true;
+        ++iteration_;
+        QMetaObject::invokeMethod(this, &Timeline::EndIteration, Qt::QueuedConnection);
     }
     int const row = rowCount();
     insertRow(row);
-    setItem(row, 0, NewCell(locale().toString(turn_)));
-    setItem(row, 1, NewCell(who));
-    QTableWidgetItem* const event = NewCell(what);
-    event->setData(ToneDelegate::ToneRole, static_cast<int>(tone));
-    setItem(row, 2, event);
+    setItem(row, 0, NewCell(locale().toString(iteration_)));
+    setItem(row, 1, NewCell(object));
+    QTableWidgetItem* const eventCell = NewCell(event);
+    eventCell->setData(ToneDelegate::ToneRole, static_cast<int>(tone));
+    setItem(row, 2, eventCell);
     scrollToBottom();
 }
 
 void Timeline::Clear()
 {
     setRowCount(0);
-    turn_ = 0;
+    iteration_ = 0;
 }
 
-void Timeline::EndTurn()
+void Timeline::EndIteration()
 {
-    isInTurn_ = false;
+    isInIteration_ = false;
 }
 
 } // namespace Zelkor::Gallery

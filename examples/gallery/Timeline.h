@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What happened, in its order.
+/// A table of events in the order in which they happened.
 
 #include "Tone.h"
 
@@ -12,7 +12,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A table of events, the newest last and in sight. Events that happened within one call of the event loop share a
+/// Lists events and scrolls to the newest, which is last. Events of the same iteration of the event loop have the same
 /// number.
 class Timeline : public QTableWidget
 {
@@ -21,17 +21,17 @@ class Timeline : public QTableWidget
 public:
     explicit Timeline(QWidget* parent = nullptr);
 
-    /// Appends that \a what happened to \a who.
-    void Add(QString const& who, QString const& what, Tone tone = Tone::Neutral);
+    /// Appends the event \a event of the object named \a object, in the colour of \a tone.
+    void Add(QString const& object, QString const& event, Tone tone = Tone::Neutral);
 
-    /// Forgets everything.
+    /// Removes all events and restarts the numbers.
     void Clear();
 
 private:
-    void EndTurn();
+    void EndIteration();
 
-    int turn_ = 0;
-    bool isInTurn_ = false;
+    int iteration_ = 0;
+    bool isInIteration_ = false;
 };
 
 } // namespace Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Colours that tell good from bad.
+/// Text colours for good and bad values.
 
 #include <QtGui/QColor>
 #include <QtGui/QPalette>
@@ -11,9 +11,10 @@ namespace Zelkor
 namespace Gallery
 {
 
+/// How good a value is. The tone sets the colour of its text.
 enum class Tone { Neutral, Good, Caution, Bad };
 
-/// The colour of text of \a tone on the light or dark background of \a palette.
+/// Returns the colour for text of \a tone that is readable on the light or dark background of \a palette.
 QColor ToneColor(Tone tone, QPalette const& palette);
 
 } // namespace Gallery

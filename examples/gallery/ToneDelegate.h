@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Table cells in the colour of their tone.
+/// An item delegate that colours text by its tone.
 
 #include <QtWidgets/QStyledItemDelegate>
 
@@ -10,7 +10,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Draws text in the colour of the Tone that the item has under #ToneRole, as an int.
+/// Draws the text of an item in the colour of its Tone, which the model returns for #ToneRole as an int.
 class ToneDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

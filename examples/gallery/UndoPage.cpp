@@ -119,12 +119,12 @@ void UndoPage::EditColours()
     handlers_.push(dialog->Commands());
     bool const isAccepted = dialog->exec() == QDialog::Accepted;
     if (!alive) {
-        return; // the window went, and the dialog with it
+        return; // the window was closed, which deleted this page and the dialog
     }
     handlers_.pop();
     Update();
     if (isAccepted && dialog && dialog->Commands()->index() > 0) {
-        document_.push(NewReplaceCommand(&notes_, dialog->Coloured()));
+        document_.push(NewReplaceCommand(&notes_, dialog->ColouredNotes()));
     }
     delete dialog;
 }
@@ -147,14 +147,14 @@ void UndoPage::ShowSample()
     handlers_.undo();
     handlers_.redo();
     handlers_.undo();
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 std::vector<SampleDialog> UndoPage::SampleDialogs()
 {
     std::vector<SampleDialog> dialogs;
     auto dialog = NewDialog();
-    dialog->ColourSelected(SampleColour);
+    dialog->SetColourOfSelected(SampleColour);
     dialogs.push_back({"colours", std::move(dialog)});
     return dialogs;
 }

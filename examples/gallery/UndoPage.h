@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page Undo: an editor, and a dialog on top of it that has steps of its own.
+/// The Undo page: an editor of notes, and a dialog with a separate undo stack.
 
 #include "Notes.h"
 #include "Page.h"
@@ -46,7 +46,7 @@ private:
     void Update();
 
     Notes notes_;
-    QUndoStack document_; // ends before what its commands work on
+    QUndoStack document_; // declared after notes_, because its commands refer to them
     Util::UndoHandlerStack handlers_;
     QAction* undo_;
     QAction* redo_;

@@ -8,6 +8,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
+// Misspelled in the library since the first release; log searches depend on it.
 constexpr std::string_view Prefix = "Erorr get size for: ";
 
 } // namespace
@@ -32,9 +33,8 @@ void UnmeasuredPaths::send(google::LogSeverity severity, char const* /*fullFileN
                            int /*line*/, google::LogMessageTime const& /*time*/, char const* message, std::size_t size)
 {
     std::string_view const text(message, size);
-    // glog calls the sink on the thread that logs.
-    bool const isOurs = std::this_thread::get_id() == thread_ && severity == google::GLOG_ERROR;
-    if (isOurs && text.substr(0, Prefix.size()) == Prefix) {
+    bool const isErrorOfThread = std::this_thread::get_id() == thread_ && severity == google::GLOG_ERROR;
+    if (isErrorOfThread && text.substr(0, Prefix.size()) == Prefix) {
         paths_.emplace_back(std::string(text.substr(Prefix.size())));
     }
 }

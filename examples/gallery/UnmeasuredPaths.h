@@ -15,7 +15,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Collects, as long as it lives, what `Util::GetPathSize` logs on this thread. Others may measure on other threads.
+/// Collects the paths that `Util::GetPathSize` logs as unmeasurable on the thread that created the object. Ignores the
+/// records of other threads.
 class UnmeasuredPaths : public google::LogSink
 {
 public:
@@ -25,10 +26,11 @@ public:
     UnmeasuredPaths(UnmeasuredPaths const&) = delete;
     UnmeasuredPaths& operator=(UnmeasuredPaths const&) = delete;
 
-    /// The paths since the last call, in the order they were logged.
+    /// Returns the paths collected since the last call, in the order they were logged.
     std::vector<ioPath> Take();
 
     using google::LogSink::send;
+    /// Adds the path of a matching record. glog calls it on the thread that logs.
     void send(google::LogSeverity severity, char const* fullFileName, char const* baseFileName, int line,
               google::LogMessageTime const& time, char const* message, std::size_t size) override;
 

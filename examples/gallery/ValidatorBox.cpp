@@ -15,13 +15,13 @@ namespace Zelkor::Gallery
 namespace
 {
 
-struct Verdict
+struct Result
 {
     QString name;
     Tone tone;
 };
 
-Verdict VerdictOf(QValidator const& validator, QString text)
+Result Validate(QValidator const& validator, QString text)
 {
     int position = text.size();
     switch (validator.validate(text, position)) {
@@ -44,28 +44,28 @@ ValidatorBox::ValidatorBox(QString const& title, QString const& label, QValidato
     , validator_(validator)
     , edit_(new QLineEdit)
     , stateLabel_(new StatusLabel(tr("State")))
-    , refuseBox_(new QCheckBox(tr("Refuse invalid input")))
+    , rejectBox_(new QCheckBox(tr("Reject invalid input")))
     , table_(new QTableWidget)
 {
     validator_->setParent(this);
-    refuseBox_->setToolTip(tr("Sets the validator on the line edit."));
+    rejectBox_->setToolTip(tr("Sets the validator on the line edit."));
     ListSamples();
-    LayOut(label);
+    CreateLayout(label);
     connect(edit_, &QLineEdit::textChanged, this, &ValidatorBox::Update);
-    connect(refuseBox_, &QCheckBox::toggled, this,
+    connect(rejectBox_, &QCheckBox::toggled, this,
             [this](bool isOn) { edit_->setValidator(isOn ? validator_ : nullptr); });
     connect(table_, &QTableWidget::itemSelectionChanged, this, [this] { Choose(table_->currentRow()); });
     Update();
 }
 
-void ValidatorBox::LayOut(QString const& label)
+void ValidatorBox::CreateLayout(QString const& label)
 {
     auto* const editRow = new QHBoxLayout;
-    editRow->addWidget(NewLabelOf(edit_, label));
+    editRow->addWidget(NewLabelFor(edit_, label));
     editRow->addWidget(edit_, 1);
     auto* const stateRow = new QHBoxLayout;
     stateRow->addWidget(stateLabel_, 1);
-    stateRow->addWidget(refuseBox_);
+    stateRow->addWidget(rejectBox_);
 
     auto* const column = new QVBoxLayout(this);
     column->setSpacing(Spacing);
@@ -82,9 +82,9 @@ void ValidatorBox::ListSamples()
     table_->setRowCount(samples_.size());
     int row = 0;
     for (QString const& sample : samples_) {
-        Verdict const verdict = VerdictOf(*validator_, sample);
-        QTableWidgetItem* const state = NewCell(verdict.name);
-        state->setData(ToneDelegate::ToneRole, static_cast<int>(verdict.tone));
+        Result const result = Validate(*validator_, sample);
+        QTableWidgetItem* const state = NewCell(result.name);
+        state->setData(ToneDelegate::ToneRole, static_cast<int>(result.tone));
         table_->setItem(row, 0, NewCell(sample.isEmpty() ? tr("(empty)") : sample));
         table_->setItem(row++, 1, state);
     }
@@ -97,8 +97,8 @@ void ValidatorBox::Choose(int row)
 
 void ValidatorBox::Update()
 {
-    Verdict const verdict = VerdictOf(*validator_, edit_->text());
-    stateLabel_->Show(verdict.name, verdict.tone);
+    Result const result = Validate(*validator_, edit_->text());
+    stateLabel_->Show(result.name, result.tone);
 }
 
 } // namespace Zelkor::Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A validator at work.
+/// A group box that demonstrates a validator.
 
 #include <QtWidgets/QGroupBox>
 
@@ -19,20 +19,21 @@ namespace Gallery
 
 class StatusLabel;
 
-/// A line edit, what the validator says of its text, and samples to choose from.
+/// Shows a line edit, the validator's state for its text, and a table of sample texts.
 class ValidatorBox : public QGroupBox
 {
     Q_OBJECT
 
 public:
-    /// Takes \a validator over. \a title and \a label may hold mnemonics.
+    /// Creates a box with the title \a title, and with \a label for the line edit, which may contain a mnemonic. Takes
+    /// ownership of \a validator.
     ValidatorBox(QString const& title, QString const& label, QValidator* validator, QStringList const& samples);
 
-    /// Chooses the sample at \a row.
+    /// Sets the sample at \a row as the text of the line edit.
     void Choose(int row);
 
 private:
-    void LayOut(QString const& label);
+    void CreateLayout(QString const& label);
     void ListSamples();
     void Update();
 
@@ -40,7 +41,7 @@ private:
     QValidator* validator_;
     QLineEdit* edit_;
     StatusLabel* stateLabel_;
-    QCheckBox* refuseBox_;
+    QCheckBox* rejectBox_;
     QTableWidget* table_;
 };
 

@@ -37,7 +37,7 @@ VersionBox::VersionBox(QWidget* parent)
     , otherEdit_(new QLineEdit(QStringLiteral("3.10")))
 {
     separatorEdit_->setFixedWidth(SeparatorWidth);
-    LayOut();
+    CreateLayout();
     for (QLineEdit* const edit : {versionEdit_, separatorEdit_, otherEdit_}) {
         connect(edit, &QLineEdit::textChanged, this, &VersionBox::Update);
     }
@@ -45,20 +45,20 @@ VersionBox::VersionBox(QWidget* parent)
     Update();
 }
 
-void VersionBox::LayOut()
+void VersionBox::CreateLayout()
 {
     auto* const edits = new QHBoxLayout;
-    edits->addWidget(NewLabelOf(versionEdit_, tr("&Version")));
+    edits->addWidget(NewLabelFor(versionEdit_, tr("&Version")));
     edits->addWidget(versionEdit_, 1);
-    edits->addWidget(NewLabelOf(separatorEdit_, tr("&Separator")));
+    edits->addWidget(NewLabelFor(separatorEdit_, tr("&Separator")));
     edits->addWidget(separatorEdit_);
-    edits->addWidget(NewLabelOf(otherEdit_, tr("&Compare with")));
+    edits->addWidget(NewLabelFor(otherEdit_, tr("&Compare with")));
     edits->addWidget(otherEdit_, 1);
 
     auto* const form = new QFormLayout;
     componentsLabel_ = AddValueRow(form, tr("Components"));
-    comparisonLabel_ = AddValueRow(form, tr("Order"));
-    visibleLabel_ = AddValueRow(form, tr("As users see it"));
+    comparisonLabel_ = AddValueRow(form, tr("Comparison"));
+    visibleLabel_ = AddValueRow(form, tr("Visible version"));
     auto* const details = new QFormLayout;
     majorLabel_ = AddValueRow(details, tr("Major"));
     majorMinorLabel_ = AddValueRow(details, tr("MajorMinor"));
@@ -101,7 +101,7 @@ QString VersionBox::Comparison(Core::Version const& version) const
     if (version == other) {
         return tr("the same as %1").arg(Write(other, Detail::Full));
     }
-    return (version < other ? tr("before %1") : tr("after %1")).arg(Write(other, Detail::Full));
+    return (version < other ? tr("older than %1") : tr("newer than %1")).arg(Write(other, Detail::Full));
 }
 
 QString VersionBox::Write(Core::Version const& version, Core::Util::VersionToStringDetail detail) const

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A version that is read, compared and written.
+/// A group box that parses, compares and formats versions.
 
 #include <Base/Version.h>
 
@@ -25,10 +25,11 @@ class VersionBox : public QGroupBox
 public:
     explicit VersionBox(QWidget* parent = nullptr);
 
+    /// Sets the texts of both version edits.
     void ShowVersions(QString const& version, QString const& other);
 
 private:
-    void LayOut();
+    void CreateLayout();
     void Update();
     QString Comparison(Core::Version const& version) const;
     QString Write(Core::Version const& version, Core::Util::VersionToStringDetail detail) const;

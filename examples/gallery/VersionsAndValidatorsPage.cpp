@@ -58,7 +58,7 @@ void VersionsAndValidatorsPage::ShowSample()
     versions_->ShowVersions(QStringLiteral("3.1.2.405"), QStringLiteral("3.10"));
     email_->Choose(0);
     fileName_->Choose(FileNameSamples().size() - 1);
-    SampleIsComplete();
+    ScheduleSampleShown();
 }
 
 } // namespace Zelkor::Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The page of versions and validators.
+/// The Versions and validators page.
 
 #include "Page.h"
 

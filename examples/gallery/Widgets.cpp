@@ -79,7 +79,7 @@ StatusLabel* AddValueRow(QFormLayout* form, QString const& title)
     return value;
 }
 
-QLabel* NewLabelOf(QWidget* buddy, QString const& title)
+QLabel* NewLabelFor(QWidget* buddy, QString const& title)
 {
     auto* const label = new QLabel(Text::tr("%1:").arg(title));
     label->setBuddy(buddy);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What the pages' widgets have in common.
+/// Functions that set up the widgets of the pages.
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -25,32 +25,34 @@ namespace Gallery
 
 class StatusLabel;
 
-/// Pixels between widgets.
+/// The distance between widgets in pixels.
 constexpr int Spacing = 8;
 
-/// The layout of a page: the window has the margins.
+/// Sets the margins of the \a layout of a page to zero, because the window has margins, and sets its spacing.
 void SetUpPageLayout(QLayout* layout);
 
-/// A table of rows that are selected as a whole, without a grid.
+/// Sets up \a table without a grid and with the selection of whole rows.
 void SetUpTable(QTableView* table);
 
-/// The same with \a titles, the last column taking what is left, for reading only.
+/// Sets up \a table like the other overload, with the column \a titles and read-only cells. The last column takes the
+/// remaining width.
 void SetUpTable(QTableWidget* table, QStringList const& titles);
 
-/// A cell for reading only.
+/// Creates a read-only cell.
 QTableWidgetItem* NewCell(QString const& text);
 
-/// A button for \a action that shows its text.
+/// Creates a button for \a action that shows only its text.
 QToolButton* NewActionButton(QAction* action);
 
-/// A short explanation, in lines as wide as the page.
+/// Creates a label for an explanation, with word wrap.
 QLabel* NewHint(QString const& text);
 
-/// Appends a row with \a title to \a form and returns the label of its value.
+/// Appends a row with \a title to \a form and returns the label that shows its value.
 StatusLabel* AddValueRow(QFormLayout* form, QString const& title);
 
-/// A label "\a title:" for \a buddy, which also becomes its accessible name. The title may hold a mnemonic.
-QLabel* NewLabelOf(QWidget* buddy, QString const& title);
+/// Creates a label for \a buddy with the text \a title, which may contain a mnemonic, and a colon. Also sets \a title
+/// without the mnemonic as the accessible name of \a buddy.
+QLabel* NewLabelFor(QWidget* buddy, QString const& title);
 
 } // namespace Gallery
 } // namespace Zelkor

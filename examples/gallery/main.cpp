@@ -20,16 +20,16 @@ namespace
 int RunOnTerminal(int& argc, char** argv, CommandLine& commandLine)
 {
     QCoreApplication const application(argc, argv);
-    commandLine.ExitWhenAnswered();
+    commandLine.ExitIfHandled();
     return PrintReport(commandLine.Report().value());
 }
 
 int ShowWindow(CommandLine const& commandLine)
 {
-    // A window that was closed while it is busy is still needed.
+    // Do not quit when the window is closed: a page may still be busy. ReadyToQuit() is emitted afterwards.
     QApplication::setQuitOnLastWindowClosed(false);
     MainWindow window;
-    QObject::connect(&window, &MainWindow::Ended, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    QObject::connect(&window, &MainWindow::ReadyToQuit, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     if (auto const folder = commandLine.Folder()) {
         window.SetFolder(*folder);
     }
@@ -43,7 +43,7 @@ int RunWithWindows(int& argc, char** argv, CommandLine const& commandLine)
     if (screenshots) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-    // The gallery's one view of QML needs no graphics card.
+    // The simple QML view of the List model page does not need OpenGL, which some machines and containers lack.
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     QApplication const application(argc, argv);
     QApplication::setStyle(new Style);

@@ -38,6 +38,6 @@ ListView {
         }
     }
 
-    // The other list, of which this one knows nothing, ends its selection.
+    // ListModelPage registers the Qt Widgets list under the same name, so that it clears its selection.
     Component.onCompleted: ObjectsConnector.registerEmitter("chosen in QML", view, "chosen()")
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Items from any thread for the thread of one object.
+/// A queue that passes items from any thread to the thread of an object.
 
 #include <QtCore/QMetaObject>
 #include <QtCore/QObject>
@@ -16,22 +16,24 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Hands items over in batches, so that many of them are few events. Part of its owner, whose thread gets the items.
+/// Delivers items in batches, so that many items need few events. The queue is a member of its owner and delivers the
+/// items on the owner's thread.
 template <class Item>
-class Mailbox
+class CrossThreadQueue
 {
 public:
     using Delivery = std::function<void(std::vector<Item> const&)>;
 
-    Mailbox(QObject* owner, Delivery deliver)
+    /// Creates a queue that calls \a deliver with each batch on the thread of \a owner, which must outlive the queue.
+    CrossThreadQueue(QObject* owner, Delivery deliver)
         : owner_(owner)
         , deliver_(std::move(deliver))
     {}
 
-    /// Any thread. Reports nothing to any log.
-    void Put(Item item)
+    /// Queues \a item. Any thread. Logs nothing, so log sinks and message handlers can call it.
+    void Push(Item item)
     {
-        std::lock_guard<std::mutex> const lock(guard_);
+        std::lock_guard<std::mutex> const lock(mutex_);
         items_.push_back(std::move(item));
         if (items_.size() == 1) {
             QMetaObject::invokeMethod(
@@ -40,17 +42,17 @@ public:
     }
 
 private:
-    void Deliver() { deliver_(Take()); }
+    void Deliver() { deliver_(TakeAll()); }
 
-    std::vector<Item> Take()
+    std::vector<Item> TakeAll()
     {
-        std::lock_guard<std::mutex> const lock(guard_);
+        std::lock_guard<std::mutex> const lock(mutex_);
         return std::exchange(items_, {});
     }
 
     QObject* const owner_;
     Delivery const deliver_;
-    std::mutex guard_;
+    std::mutex mutex_;
     std::vector<Item> items_;
 };
 

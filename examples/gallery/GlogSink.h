@@ -1,9 +1,9 @@
 #pragma once
 
 /// \file
-/// The lines of the log for the window.
+/// Receives glog records for display in the window.
 
-#include "Mailbox.h"
+#include "CrossThreadQueue.h"
 
 #include <glog/logging.h>
 
@@ -24,24 +24,26 @@ struct LogLine
     QString text;
 };
 
-/// Tells of every line that glog gets from any thread, on the thread of this object.
-class GlogLines : public QObject, public google::LogSink
+/// Receives the records that any thread logs through glog, and emits them as signals on the thread of this object.
+class GlogSink : public QObject, public google::LogSink
 {
     Q_OBJECT
 
 public:
-    explicit GlogLines(QObject* parent = nullptr);
-    ~GlogLines() override;
+    explicit GlogSink(QObject* parent = nullptr);
+    ~GlogSink() override;
 
     using google::LogSink::send;
+    /// Queues the record. glog calls it on the thread that logs.
     void send(google::LogSeverity severity, char const* fullFileName, char const* baseFileName, int line,
               google::LogMessageTime const& time, char const* message, std::size_t size) override;
 
 Q_SIGNALS:
-    void Arrived(std::vector<LogLine> const& lines);
+    /// Emitted with the lines since the last emission, in the order they were logged.
+    void LinesReceived(std::vector<LogLine> const& lines);
 
 private:
-    Mailbox<LogLine> mailbox_;
+    CrossThreadQueue<LogLine> queue_;
 };
 
 } // namespace Gallery
