@@ -1,5 +1,5 @@
-# The public headers, as applications include them. The install, the self-containment test and the documentation are
-# driven by this one list.
+# The public headers, as applications include them. The installation, the test that each header compiles alone, and the
+# reference documentation use this list.
 set(ZQTUTIL_PUBLIC_HEADERS
     Base/AddStack.h
     Base/CallStack.h
@@ -49,6 +49,6 @@ set(ZQTUTIL_PUBLIC_HEADERS
     Util/VersionUtils.h
     Util/WindowUtils.h)
 
-# Made by the build.
+# Public headers that the build generates.
 set(ZQTUTIL_GENERATED_HEADERS
     Base/Export.h)

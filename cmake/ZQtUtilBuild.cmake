@@ -1,4 +1,4 @@
-# What every target of the tree is built with.
+# Compiler settings for all targets.
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -28,8 +28,10 @@ if(ZQTUTIL_PCH AND CMAKE_CXX_COMPILER_ID MATCHES Clang)
     add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
 endif()
 
-# zqtutil_target(<target> [PREFIX <folder>]): warnings, strict Qt, and paths in log lines that start below <folder>
-# (the source tree, when not given), so that nothing of the build machine stands in a message.
+# zqtutil_target(<target> [PREFIX <folder>])
+#
+# Enables warnings and Qt's strict mode for <target>. Makes __FILE__ relative to <folder>, so that log messages do not
+# contain paths of the build machine. The default of <folder> is the source tree.
 function(zqtutil_target target)
     cmake_parse_arguments(arg "" "PREFIX" "" ${ARGN})
     if(NOT arg_PREFIX)
@@ -56,7 +58,9 @@ function(zqtutil_target target)
         QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
 endfunction()
 
-# zqtutil_precompile(<target> <header>...): precompiles the headers when the build asks for it.
+# zqtutil_precompile(<target> <header>...)
+#
+# Precompiles the headers for <target> if ZQTUTIL_PCH is on.
 function(zqtutil_precompile target)
     if(ZQTUTIL_PCH)
         target_precompile_headers(${target} PRIVATE ${ARGN})

@@ -1,4 +1,6 @@
-# The reference, made of the public headers: cmake --build --preset dev --target docs
+# The target "docs" generates the reference documentation from the public headers:
+#
+#     cmake --build --preset dev --target docs
 
 find_package(Doxygen QUIET)
 if(NOT DOXYGEN_FOUND)

@@ -1,7 +1,7 @@
 # zqtutil_render_icons(<target> BASE <folder> SIZES <path>=<pixels>...)
 #
-# Renders the icons <folder>/<path>.svg to PNG, at the given size and twice that for dense screens, and puts them into
-# the resources of <target>, at ":/<path>.png".
+# Renders each icon <folder>/<path>.svg to PNG at <pixels>, and at twice that size for high-resolution screens. Adds the
+# icons to the resources of <target> as ":/<path>.png" and ":/<path>@2x.png".
 find_program(ZQTUTIL_RSVG_CONVERT rsvg-convert)
 
 function(zqtutil_render_icons target)

@@ -1,11 +1,12 @@
-# What is installed, how others find it (CMake and pkg-config), and the archives made of it.
+# Installation, the CMake and pkg-config files for applications, and the packages.
 
 include(CMakePackageConfigHelpers)
 
 set(ZQTUTIL_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZQtUtil")
 set(ZQTUTIL_HEADER_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ZQtUtil")
 
-# Below a prefix, Qt's folder of QML modules as it lies below Qt's own: a package for that prefix is found by any program.
+# Stores Qt's folder of QML modules, relative to Qt's installation prefix, in <result>. If the library is installed with
+# the same prefix as Qt, every QML program finds the module without an import path.
 function(zqtutil_qml_dir_of_qt result)
     get_target_property(qmake Qt5::qmake IMPORTED_LOCATION)
     foreach(name IN ITEMS QT_INSTALL_PREFIX QT_INSTALL_QML)
@@ -40,7 +41,7 @@ foreach(header IN LISTS ZQTUTIL_GENERATED_HEADERS)
     install(FILES "${PROJECT_BINARY_DIR}/include/${header}" DESTINATION "${ZQTUTIL_HEADER_DIR}/${folder}")
 endforeach()
 
-# The plugin finds the library wherever an installed tree is moved to.
+# A relative run path, so that the plugin still finds the library if the installed tree is moved.
 file(RELATIVE_PATH libraries_from_module "/${ZQTUTIL_QML_MODULE_DIR}" "/${CMAKE_INSTALL_LIBDIR}")
 set(origin "$ORIGIN")
 if(APPLE)
@@ -60,7 +61,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/ZQtUtilConfigVersion.cmake"
     DESTINATION ${ZQTUTIL_CMAKE_DIR})
 
-# Relative, so that an installed tree can be moved.
+# A relative prefix, so that the pkg-config file stays valid if the installed tree is moved.
 file(RELATIVE_PATH ZQTUTIL_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/zqtutil.pc.in "${PROJECT_BINARY_DIR}/zqtutil.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zqtutil.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
@@ -74,9 +75,9 @@ set(CPACK_PACKAGE_VENDOR Zelkor)
 set(CPACK_PACKAGE_CONTACT "Zelkor <support@zelkor.example>")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # what others that link the library depend on
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # sets the dependencies of packages that link the library
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qtbase5-dev (>= 5.15), libboost-filesystem-dev (>= 1.74)")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES OFF) # call stacks name functions by the symbol table
+set(CPACK_STRIP_FILES OFF) # call stacks need the symbol table for function names
 include(CPack)

@@ -1,14 +1,16 @@
 #pragma once
 
-// Starting at login on macOS: by login items, else by launch agents.
+// Starts applications at login on macOS, by login items or launch agents.
 
 #include <Util/AutoLauncher.h>
 
 namespace Zelkor::Util
 {
 
-/// Asks the login items first and the launch agents second. Both are read anew before each question, and after each
-/// change that succeeded.
+/// Combines login items and launch agents. Each operation uses the login items first. It uses the launch agents only if
+/// that has failed or found nothing.
+///
+/// Both lists are refreshed before each query and after each successful change. Changes use the lists that are cached.
 class AutoLauncherImpl : public virtual IAutoLauncher
 {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-// Core Foundation's objects, released on every path.
+// Releases Core Foundation objects automatically.
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -9,7 +9,10 @@
 namespace Zelkor::Util
 {
 
-/// Owns an object that a function with Create, Copy or Insert in its name has returned; null is nothing.
+/// Owns a Core Foundation object and releases it on destruction.
+///
+/// The object must be the result of a function with "Create", "Copy" or "Insert" in its name, because only these
+/// functions transfer ownership to the caller. It may be null.
 template <class Ref>
 class CoreFoundationOwner
 {

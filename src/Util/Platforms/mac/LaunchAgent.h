@@ -1,6 +1,6 @@
 #pragma once
 
-// How launch agents are named and found: what is decided without asking the system.
+// Names of launch agents. These functions do not access the system, so they are tested on every platform.
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QString>
@@ -8,18 +8,18 @@
 namespace Zelkor::Util
 {
 
-/// The name of the property list of the application \a identifier; null when that has not four parts.
+/// Returns the file name of the launch agent for the application \a identifier, or a null string if \a identifier does
+/// not have four parts joined by "_".
 ///
-/// There is no dot between the product and the first number of its version, which keeps its case: the agent of
-/// "Zelkor_Studio_3.1.2_Agent" is "com.zelkor.studio3.agent.startup.plist", since the first releases.
+/// Example: the file name for "Zelkor_Studio_3.1.2_Agent" is "com.zelkor.studio3.agent.startup.plist".
 QString LaunchAgentFileName(QString const& identifier);
 
-/// What finds the job \a label at the end of a line of launchctl's list. The label is a pattern itself: its dots match
-/// anything.
+/// Returns a pattern that finds the job \a label at the end of a line in the output of "launchctl list". \a label is
+/// part of the pattern without escaping.
 QRegularExpression LoadedJobPattern(QString const& label);
 
-/// The bundle that the executable at \a executablePath stands in. Of a path outside a bundle the last character goes,
-/// since Qt counts the position -1 of no match from the end.
+/// Returns the path of the bundle that contains the executable at \a executablePath. If the executable is not in a
+/// bundle, returns \a executablePath without its last character.
 QString BundlePathOf(QString const& executablePath);
 
 } // namespace Zelkor::Util

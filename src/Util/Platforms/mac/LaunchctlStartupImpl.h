@@ -1,6 +1,6 @@
 #pragma once
 
-// Starting at login by launch agents: property lists in the user's folder, which launchctl loads.
+// Starts applications at login by launch agents: property lists in the user's folder that launchctl loads.
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -10,35 +10,45 @@
 namespace Zelkor::Util
 {
 
-/// Writes, loads and unloads the launch agents of the user. What it knows of the folder is from the last
-/// UpdatePlistList(). One thread.
+/// Writes, loads and unloads the launch agents of the user.
+///
+/// The object caches the labels and paths of the agents in the user's folder. UpdatePlistList() refreshes this list;
+/// AddToStartup() adds to it. Use an object on one thread at a time.
 class LaunchctlStartupImpl
 {
 public:
-    /// Knows no agents yet.
+    /// Creates an object with an empty list. Does not read the folder.
     LaunchctlStartupImpl();
     ~LaunchctlStartupImpl();
 
     LaunchctlStartupImpl(LaunchctlStartupImpl const&) = delete;
     LaunchctlStartupImpl& operator=(LaunchctlStartupImpl const&) = delete;
 
-    /// Reads the labels of the agents in the user's folder.
+    /// Reads the list of agents from the user's folder.
     void UpdatePlistList();
 
-    /// Whether launchctl lists the job \a appId as loaded. Blocks until launchctl has answered.
-    bool IsInStartup(QString const& appId) const;
+    /// Returns true if launchctl lists the job \a identifier as loaded. Does not use the cached list. Blocks until
+    /// launchctl has closed its output.
+    bool IsInStartup(QString const& identifier) const;
 
-    /// The labels of the known agents that are loaded, in order. Blocks until launchctl has answered.
+    /// Returns the labels of the cached agents that are loaded, in alphabetical order. Blocks until launchctl has
+    /// closed its output.
     QStringList GetAppsInStartup() const;
 
-    /// Writes the agent \a appId, unless it is known and its file there, and has launchctl load it, which is not
-    /// awaited: at login it opens the bundle of \a executablePath with \a arguments. False when \a appId has not four
-    /// parts, which is logged as a warning, and when launchctl cannot be started.
-    bool AddToStartup(QString const& appId, QString const& executablePath, QStringList const& arguments);
+    /// Writes the agent \a identifier and starts "launchctl load" without waiting for its result. Does not write the
+    /// agent if the list contains it and its file exists.
+    ///
+    /// \param identifier      the application; if it does not have four parts, a message is logged at WARNING
+    /// \param executablePath  the path of the executable; at login its bundle is opened
+    /// \param arguments       the arguments of the executable
+    /// \return true if launchctl was started
+    bool AddToStartup(QString const& identifier, QString const& executablePath, QStringList const& arguments);
 
-    /// Has launchctl unload the agent \a appId for good, which is not awaited; its file stays. False when it is not
-    /// known, and when launchctl cannot be started.
-    bool RemoveFromStartup(QString const& appId) const;
+    /// Starts "launchctl unload -w" for the agent \a identifier without waiting for its result. The option "-w" also
+    /// prevents loading at later logins. The file of the agent stays.
+    ///
+    /// \return true if the cached list contains the agent and launchctl was started
+    bool RemoveFromStartup(QString const& identifier) const;
 
 private:
     class Impl;

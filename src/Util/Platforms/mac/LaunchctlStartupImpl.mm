@@ -1,3 +1,12 @@
+// Queries must return the current state, so "launchctl list" runs synchronously and its output is read to the end.
+// NSTask raises an NSException if it cannot run launchctl; the list then counts as empty. Objective-C objects are
+// released manually, inside an autorelease pool.
+//
+// "launchctl load" and "launchctl unload" run detached, because they can take long and their results are not used.
+//
+// The file name, the job pattern and the bundle path are computed by plain functions in LaunchAgent.cpp, which can be
+// tested without a Mac.
+
 #include <Util/Platforms/mac/LaunchctlStartupImpl.h>
 
 #include <Util/Platforms/mac/LaunchAgent.h>
@@ -20,8 +29,7 @@ namespace Zelkor::Util
 namespace
 {
 
-// Where these two records stand in the log since the first releases, whatever moves above them: support searches for
-// them.
+// Line numbers of two log records, fixed since the first release because support searches for them.
 constexpr int ListingFailedLine = 63;
 constexpr int InvalidIdentifierLine = 120;
 
@@ -64,6 +72,7 @@ void WriteAgent(QString const& path, QString const& label, QStringList const& co
     plist.sync();
 }
 
+// Required: found through PATH, unlike the absolute path that GetAppsFromLaunchctl() uses.
 bool StartLaunchctl(QString const& verb, QString const& path)
 {
     return QProcess::startDetached(QStringLiteral("launchctl"), {verb, QStringLiteral("-w"), path});
@@ -74,7 +83,7 @@ bool StartLaunchctl(QString const& verb, QString const& path)
 class LaunchctlStartupImpl::Impl
 {
 public:
-    QMap<QString, QString> paths; // of the property lists, by label
+    QMap<QString, QString> paths; // from the label of an agent to the path of its property list
 };
 
 LaunchctlStartupImpl::LaunchctlStartupImpl()
@@ -95,9 +104,9 @@ void LaunchctlStartupImpl::UpdatePlistList()
     }
 }
 
-bool LaunchctlStartupImpl::IsInStartup(QString const& appId) const
+bool LaunchctlStartupImpl::IsInStartup(QString const& identifier) const
 {
-    return GetAppsFromLaunchctl().contains(LoadedJobPattern(appId));
+    return GetAppsFromLaunchctl().contains(LoadedJobPattern(identifier));
 }
 
 QStringList LaunchctlStartupImpl::GetAppsInStartup() const
@@ -112,28 +121,28 @@ QStringList LaunchctlStartupImpl::GetAppsInStartup() const
     return loaded;
 }
 
-bool LaunchctlStartupImpl::AddToStartup(QString const& appId, QString const& executablePath,
+bool LaunchctlStartupImpl::AddToStartup(QString const& identifier, QString const& executablePath,
                                         QStringList const& arguments)
 {
-    auto const known = impl_->paths.constFind(appId);
+    auto const known = impl_->paths.constFind(identifier);
     if (known == impl_->paths.constEnd() || !QFile::exists(*known)) {
-        QString const name = LaunchAgentFileName(appId);
+        QString const name = LaunchAgentFileName(identifier);
         if (name.isNull()) {
             google::LogMessage(__FILE__, InvalidIdentifierLine, google::GLOG_WARNING).stream()
-                << __PRETTY_FUNCTION__ << ": Invalid application identificator.";
+                << __PRETTY_FUNCTION__ << ": Invalid application identificator."; // misspelled since the first release
             return false;
         }
         QString const path = AgentsFolder().absoluteFilePath(name);
         QStringList const command = {QStringLiteral("open"), BundlePathOf(executablePath), QStringLiteral("--args")};
-        WriteAgent(path, appId, command + arguments);
-        impl_->paths.insert(appId, path);
+        WriteAgent(path, identifier, command + arguments);
+        impl_->paths.insert(identifier, path);
     }
-    return StartLaunchctl(QStringLiteral("load"), impl_->paths.value(appId));
+    return StartLaunchctl(QStringLiteral("load"), impl_->paths.value(identifier));
 }
 
-bool LaunchctlStartupImpl::RemoveFromStartup(QString const& appId) const
+bool LaunchctlStartupImpl::RemoveFromStartup(QString const& identifier) const
 {
-    auto const known = impl_->paths.constFind(appId);
+    auto const known = impl_->paths.constFind(identifier);
     return known != impl_->paths.constEnd() && StartLaunchctl(QStringLiteral("unload"), *known);
 }
 

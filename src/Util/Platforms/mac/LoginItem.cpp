@@ -10,7 +10,7 @@ namespace
 
 constexpr int LeastBundleIdentifierParts = 3;
 constexpr int VersionDots = 2;
-// Contents, Library, LoginItems, the item, and nothing behind the last slash.
+// "Contents", "Library", "LoginItems", the item, and the empty part after the last slash.
 constexpr int PartsInsideMainBundle = 5;
 constexpr int HelperPart = 3;
 
@@ -24,12 +24,14 @@ QString BundleIdentifierPart(QString const& bundleIdentifier, int index)
 
 QString CompletedBundleVersion(QString const& version)
 {
+    // Required: ".0" is appended only once, so "5" becomes "5.0".
     return version.count(QLatin1Char('.')) < VersionDots ? version + QLatin1String(".0") : version;
 }
 
 QString ProductWithoutMajorVersion(QString const& product, QString const& version)
 {
     QString const majorVersion = version.section(QLatin1Char('.'), 0, 0);
+    // Required: all occurrences are removed, not only the last one. Existing identifiers are built in this way.
     return product.endsWith(majorVersion) ? QString(product).remove(majorVersion) : product;
 }
 

@@ -1,3 +1,10 @@
+// A login item does not store the identifier of its application. The identifier is rebuilt from the bundles: maker,
+// product and version of the main bundle, and the product of the helper bundle. It has the same four parts as the
+// identifiers of launch agents.
+//
+// CoreFoundationOwner holds the Core Foundation objects, so that they are released on every path. The functions in
+// LoginItem.cpp compute names and paths, so that these can be tested without a Mac.
+
 #include <Util/Platforms/mac/LoginItemStartupImpl.h>
 
 #include <Base/SystemVersion.h>
@@ -10,7 +17,7 @@
 
 #include <CoreServices/CoreServices.h>
 
-// Deprecated since OS X 10.11, and the only way to the login items that users see in their preferences.
+// Deprecated since OS X 10.11, but it is the only API for the login items that users see in their preferences.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace Zelkor::Util
@@ -23,7 +30,7 @@ using Bundle = CoreFoundationOwner<CFBundleRef>;
 using LoginItems = CoreFoundationOwner<LSSharedFileListRef>;
 using Url = CoreFoundationOwner<CFURLRef>;
 
-/// What is read from a bundle; the first two are the places in its identifier.
+/// A property of a bundle. The values of Maker and Product are indexes of parts in the bundle identifier.
 enum InfoParameter { Maker = 1, Product = 2, BundleVersion = 3 };
 
 QString GetQStringFromCFURL(CFURLRef url)
@@ -84,8 +91,8 @@ Url Resolve(LSSharedFileListItemRef item)
     return status == noErr ? std::move(resolved) : Url();
 }
 
-/// Calls \a visit with each of \a items and its URL, in order, until it returns true; items that lead nowhere are left
-/// out.
+/// Calls \a visit with each of \a items and its URL, in order, until \a visit returns true. Skips items whose URL
+/// cannot be resolved.
 template <class Visit>
 void VisitItems(LoginItems const& items, Visit const& visit)
 {
@@ -102,7 +109,8 @@ void VisitItems(LoginItems const& items, Visit const& visit)
     }
 }
 
-/// The identifier under which an application knows the login item at \a url; null for another maker's.
+/// Returns the application identifier for the login item at \a url. Returns a null string if its maker is not \a maker
+/// or a bundle cannot be read.
 QString IdentifierOf(Url const& url, QString const& maker)
 {
     Bundle const item = CreateBundle(url);
@@ -118,10 +126,11 @@ QString IdentifierOf(Url const& url, QString const& maker)
     return QStringList{maker, product, version, GetBundleInfo(item, Product)}.join(QLatin1Char('_'));
 }
 
-/// The folder of the helper \a product in the main bundle, with "/" at its end; empty when there is none.
+/// Returns the path of the helper \a product in the main bundle, ending with "/". Returns an empty text if there is
+/// none.
 QString HelperPath(QString const& product)
 {
-    CFBundleRef const bundle = CFBundleGetMainBundle(); // not owned
+    CFBundleRef const bundle = CFBundleGetMainBundle(); // not released: a "Get" function keeps the ownership
     Url const mainBundle(bundle ? CFBundleCopyBundleURL(bundle) : nullptr);
     if (!mainBundle) {
         return {};
@@ -142,7 +151,7 @@ QString HelperPath(QString const& product)
 class LoginItemStartupImpl::Impl
 {
 public:
-    QMap<QString, QString> paths; // of the items' bundles, by identifier
+    QMap<QString, QString> paths; // from the identifier of an item to the path of its bundle
 };
 
 LoginItemStartupImpl::LoginItemStartupImpl()
@@ -151,15 +160,15 @@ LoginItemStartupImpl::LoginItemStartupImpl()
 
 LoginItemStartupImpl::~LoginItemStartupImpl() = default;
 
-void LoginItemStartupImpl::UpdateStartupItems(QString const& filter)
+void LoginItemStartupImpl::UpdateStartupItems(QString const& maker)
 {
     impl_->paths.clear();
     LoginItems const items = CreateLoginItems();
     if (!items) {
         return;
     }
-    VisitItems(items, [this, &filter](LSSharedFileListItemRef, Url const& url) {
-        QString const identifier = IdentifierOf(url, filter);
+    VisitItems(items, [this, &maker](LSSharedFileListItemRef, Url const& url) {
+        QString const identifier = IdentifierOf(url, maker);
         if (!identifier.isNull()) {
             impl_->paths.insert(identifier, GetQStringFromCFURL(url.Get()));
         }
@@ -167,9 +176,9 @@ void LoginItemStartupImpl::UpdateStartupItems(QString const& filter)
     });
 }
 
-bool LoginItemStartupImpl::IsInStartup(QString const& appId) const
+bool LoginItemStartupImpl::IsInStartup(QString const& identifier) const
 {
-    return impl_->paths.contains(appId);
+    return impl_->paths.contains(identifier);
 }
 
 QStringList LoginItemStartupImpl::GetItemsAtStartup() const
@@ -177,12 +186,12 @@ QStringList LoginItemStartupImpl::GetItemsAtStartup() const
     return impl_->paths.keys();
 }
 
-bool LoginItemStartupImpl::AddToLoginItems(QString const& appId) const
+bool LoginItemStartupImpl::AddToLoginItems(QString const& identifier) const
 {
-    if (impl_->paths.contains(appId)) {
+    if (impl_->paths.contains(identifier)) {
         return true;
     }
-    QString const helper = HelperPath(HelperProductOf(appId));
+    QString const helper = HelperPath(HelperProductOf(identifier));
     if (helper.isEmpty()) {
         return false;
     }
@@ -199,9 +208,9 @@ bool LoginItemStartupImpl::AddToLoginItems(QString const& appId) const
     return static_cast<bool>(inserted);
 }
 
-bool LoginItemStartupImpl::RemoveFromLoginItems(QString const& appId) const
+bool LoginItemStartupImpl::RemoveFromLoginItems(QString const& identifier) const
 {
-    QString const path = impl_->paths.value(appId);
+    QString const path = impl_->paths.value(identifier);
     if (path.isEmpty()) {
         return false;
     }

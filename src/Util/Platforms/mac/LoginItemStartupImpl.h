@@ -1,6 +1,6 @@
 #pragma once
 
-// Starting at login by login items: helpers that the application carries in its bundle.
+// Starts applications at login by login items: helper applications inside the bundle of the main application.
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -10,32 +10,41 @@
 namespace Zelkor::Util
 {
 
-/// Adds, finds and removes the login items of the maker's applications. What it knows of them is from the last
-/// UpdateStartupItems(). Failures are quiet: an item is skipped, an operation returns false. One thread.
+/// Adds, finds and removes the login items of one maker's applications.
+///
+/// The object caches the identifiers and paths of the login items. Only UpdateStartupItems() refreshes this list.
+/// Nothing is logged or thrown: an item that cannot be read is skipped, and a failed operation returns false. Use an
+/// object on one thread at a time.
 class LoginItemStartupImpl
 {
 public:
-    /// Knows no items yet.
+    /// Creates an object with an empty list. Does not read the login items.
     LoginItemStartupImpl();
     ~LoginItemStartupImpl();
 
     LoginItemStartupImpl(LoginItemStartupImpl const&) = delete;
     LoginItemStartupImpl& operator=(LoginItemStartupImpl const&) = delete;
 
-    /// Reads the session's login items whose bundle identifier has \a filter as its second part.
-    void UpdateStartupItems(QString const& filter);
+    /// Reads the list of login items from the session. Includes only items whose bundle identifier has \a maker as its
+    /// second part.
+    void UpdateStartupItems(QString const& maker);
 
-    /// Whether the item \a appId is known.
-    bool IsInStartup(QString const& appId) const;
+    /// Returns true if the cached list contains the item \a identifier.
+    bool IsInStartup(QString const& identifier) const;
 
-    /// The identifiers of the known items, in order.
+    /// Returns the identifiers in the cached list, in alphabetical order.
     QStringList GetItemsAtStartup() const;
 
-    /// Makes the helper that the main bundle carries for \a appId a login item; true when it is known as one already.
-    bool AddToLoginItems(QString const& appId) const;
+    /// Adds the helper for \a identifier in the main bundle to the login items.
+    ///
+    /// \return true if the helper was added or the cached list contains it; false if there is no helper or the system
+    ///         reports an error
+    bool AddToLoginItems(QString const& identifier) const;
 
-    /// Removes the known item \a appId from the login items.
-    bool RemoveFromLoginItems(QString const& appId) const;
+    /// Removes the item \a identifier from the login items.
+    ///
+    /// \return true if it was removed; false if the cached list does not contain it or the system reports an error
+    bool RemoveFromLoginItems(QString const& identifier) const;
 
 private:
     class Impl;

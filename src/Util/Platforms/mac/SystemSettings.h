@@ -1,13 +1,14 @@
 #pragma once
 
-// What differs between a Mac and the systems that stand in for one when the sources of this folder are built elsewhere.
+// The settings format for property lists. On other systems than macOS, where the tests build the sources of this
+// folder, the test environment defines it.
 
 #include <QtCore/QSettings>
 
 namespace Zelkor::Util
 {
 
-/// Property lists, as QSettings reads and writes them.
+/// Returns the QSettings format that reads and writes property lists.
 #ifdef __APPLE__
 inline QSettings::Format PropertyListFormat()
 {
