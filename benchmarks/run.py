@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Runs the benchmarks of a build and puts them into one table of ratios, ours to each peer.
+"""Runs the benchmarks of a build and writes a table of ratios: the time of the library divided by that of each peer.
 
-A figure counts only beside its peer in the same run. The table goes to the terminal and, with a description of the
-machine, into a Markdown file. A goal that is missed is told last; the exit code tells only whether everything ran.
+Times are comparable only within one run, so every run measures the library and all peers. The script prints the table
+and writes it to a Markdown file, together with a description of the machine. At the end it prints the goals that are
+missed. The exit code is 1 if a benchmark fails. It does not depend on the goals.
 """
 
 import argparse
@@ -27,7 +28,7 @@ COMPARISONS = {"<": operator.lt, "≤": operator.le}
 
 
 class CannotRun(Exception):
-    """A benchmark did not run, or one of its results is not there."""
+    """A benchmark failed, or one of its results is missing."""
 
 
 @dataclass(frozen=True)
@@ -45,7 +46,7 @@ class Goal:
 
 @dataclass(frozen=True)
 class Job:
-    """A job that ours and its peers do; `key` and the peers' names are those of the results."""
+    """A job that the library and its peers do. `key`, `ours` and `peers` form the names of the results: "key/peer"."""
 
     key: str
     title: str
@@ -57,68 +58,82 @@ class Job:
 @dataclass(frozen=True)
 class Peer:
     label: str
-    reason: str
+    description: str
 
 
 PEERS = {
     "PostedEvent": Peer(
-        "bare posted event", "**The floor**: one allocation and one queue entry a functor, which a user writes by hand."
+        "bare posted event", "**Lower bound.** A handwritten event: one allocation and one queue entry per functor."
     ),
     "PostedEvents": Peer(
-        "bare posted events", "**The floor**: one posted event there and one back, without cancelling, errors, order."
+        "bare posted events",
+        "**Lower bound.** One event to the worker and one back, without cancellation, errors or ordering.",
     ),
-    "InvokeMethod": Peer("`invokeMethod`", "What Qt has for this since 5.10."),
-    "SingleShot": Peer("`singleShot(0)`", "The older idiom that many code bases use for it."),
+    "InvokeMethod": Peer("`invokeMethod`", "Qt's own function for this, since Qt 5.10."),
+    "SingleShot": Peer("`singleShot(0)`", "The older idiom in many code bases."),
     "Lean": Peer(
         "lean form",
-        "**What the mechanism costs**: the leanest class that carries a `std::function` in a queued signal.",
+        "**Cost of the mechanism.** The smallest class that passes a `std::function` through a queued signal.",
     ),
-    "ThreadPool": Peer("`QThreadPool`", "Qt's own, with one thread, and a call-back by `invokeMethod`."),
-    "ThreadWeaver": Peer("ThreadWeaver", "KDE's job queues, with one worker: the nearest complete library."),
-    "QtConcurrent": Peer("QtConcurrent", "What Qt's manual suggests: `run()` and a `QFutureWatcher`, on one thread."),
+    "ThreadPool": Peer("`QThreadPool`", "Qt's thread pool with one thread. Results return through `invokeMethod`."),
+    "ThreadWeaver": Peer("ThreadWeaver", "KDE's job queue with one worker: the most similar library."),
+    "QtConcurrent": Peer(
+        "QtConcurrent",
+        "The way that Qt's manual suggests: `run()` and a `QFutureWatcher`, with one thread.",
+    ),
     "FutureResults": Peer(
         "`QFutureInterface` results",
-        "Qt's way to deliver every report. QtConcurrent's own progress is another job: it drops most reports.",
+        "Qt's way to deliver every report. QtConcurrent's progress values are not comparable: most are dropped.",
     ),
-    "QLocale": Peer("`QLocale`", "Qt's own, in the locale's language and with its number format."),
-    "KFormat": Peer("`KFormat`", "KDE's, which has most of the same choices."),
-    "QTime": Peer("`QTime::toString`", "Qt's own, for less than a day and without leaving parts out."),
-    "Snprintf": Peer("`snprintf`, as `QString`", "The C library, in the form that a label takes."),
-    "SnprintfBuffer": Peer("`snprintf` alone", "**The floor**: the C library, into a buffer on the stack."),
+    "QLocale": Peer("`QLocale`", "Qt's function, with the language and the number format of the locale."),
+    "KFormat": Peer("`KFormat`", "KDE's function, with most of the same options."),
+    "QTime": Peer("`QTime::toString`", "Qt's function. It cannot format more than a day or leave parts out."),
+    "Snprintf": Peer("`snprintf`, as `QString`", "The C library, converted to the type that a label accepts."),
+    "SnprintfBuffer": Peer("`snprintf` alone", "**Lower bound.** The C library, into a buffer on the stack."),
     "GetdentsFstatat": Peer(
-        "`getdents`, `fstatat`", "**The floor**: each folder read, each entry looked at once relative to it."
+        "`getdents`, `fstatat`",
+        "**Lower bound.** Reads each folder and queries each entry once, relative to its folder.",
     ),
-    "Du": Peer("`du`", "What a user has at the prompt: `du -s --apparent-size -B1` as a process."),
-    "DuOwn": Peer("`du`, its own time", "The same, less the time of a `du` on an empty folder. The goals ask for this."),
-    "Fts": Peer("`fts`", "The C library's walk."),
-    "StdFilesystem": Peer("`std::filesystem`", "The standard library's recursive iterator."),
-    "BoostFilesystem": Peer("`boost::filesystem`", "The same from the library that the paths come from."),
-    "QDirIterator": Peer("`QDirIterator`", "Qt's own."),
-    "Rm": Peer("`rm -rf`", "What a user has at the prompt; it need not look at a file's age."),
-    "RmOwn": Peer("`rm`, its own time", "The same, less the time of an `rm` of an empty folder."),
-    "RemoveRecursively": Peer("`QDir::removeRecursively`", "Qt's own, which removes files of any age."),
-    "Glog": Peer("glog", "**The floor**: the log that the messages go to, without Qt."),
-    "QtDefault": Peer("Qt's handler", "What Qt does by itself: a line on the standard error, without time and thread."),
-    "Spdlog": Peer("spdlog", "What a project that starts afresh would take; it does not look the time zone up."),
-    "PlainDialog": Peer("plain dialog", "**The floor**: a dialog with a label and a button box."),
-    "QMessageBox": Peer("`QMessageBox`", "Qt's own, which ours is as well."),
-    "KMessageDialog": Peer("`KMessageDialog`", "KDE's, for more than Qt's offers."),
-    "ByHand": Peer("by hand", "What the function stands for: the property, and the style applied again."),
-    "OneByOne": Peer("one by one", "**The floor**: the same events sent to each widget."),
+    "Du": Peer("`du`", "The command at the prompt: `du -s --apparent-size -B1` as a process."),
+    "DuOwn": Peer(
+        "`du` without start-up",
+        "The same, minus the time of `du` on an empty folder. The goals refer to this peer.",
+    ),
+    "Fts": Peer("`fts`", "The tree walk of the C library."),
+    "StdFilesystem": Peer("`std::filesystem`", "The recursive iterator of the standard library."),
+    "BoostFilesystem": Peer(
+        "`boost::filesystem`",
+        "The recursive iterator of Boost, whose path class the library uses.",
+    ),
+    "QDirIterator": Peer("`QDirIterator`", "Qt's recursive iterator."),
+    "Rm": Peer("`rm -rf`", "The command at the prompt. It does not check the age of files."),
+    "RmOwn": Peer("`rm` without start-up", "The same, minus the time of `rm` on an empty folder."),
+    "RemoveRecursively": Peer("`QDir::removeRecursively`", "Qt's function. It removes files of any age."),
+    "Glog": Peer("glog", "**Lower bound.** The log that receives the messages, called directly."),
+    "QtDefault": Peer("Qt's handler", "Qt's default: a line on the standard error stream, without time and thread."),
+    "Spdlog": Peer("spdlog", "A common choice for new projects. It does not look up the time zone."),
+    "PlainDialog": Peer("plain dialog", "**Lower bound.** A dialog with a label and a button box."),
+    "QMessageBox": Peer("`QMessageBox`", "Qt's message box, the base class of ours."),
+    "KMessageDialog": Peer("`KMessageDialog`", "KDE's message box, with more features than Qt's."),
+    "ByHand": Peer("by hand", "The same steps by hand: set the property and apply the style again."),
+    "OneByOne": Peer("one by one", "**Lower bound.** The same events, sent to each widget in a loop."),
     "LockedVector": Peer(
-        "vector under one mutex", "**The floor**: written in a minute; an observer must not register or publish."
+        "vector under one mutex", "**Lower bound.** The simplest list. An observer must not register or publish."
     ),
-    "QtDirect": Peer("Qt direct signal", "What Qt has, for observers that are all objects of Qt."),
-    "Sigc": Peer("sigc++", "The signals of the GTK world, on one thread only."),
-    "Signals2": Peer("`boost::signals2`", "Boost's, for several threads."),
-    "MinimalModel": Peer("minimal model", "**The floor**: a list of texts and two functions."),
-    "QStringListModel": Peer("`QStringListModel`", "Qt's own for texts, without roles."),
-    "QStandardItemModel": Peer("`QStandardItemModel`", "Qt's own for anything."),
-    "OnePass": Peer("one pass", "**The floor**: each character written once into a text of the right length."),
-    "ReplaceAndArg": Peer("`replace` and `arg`", "The first that comes to mind."),
-    "ConnectByHand": Peer("`connect` by hand", "The same connections without a name, each side knowing all of the other."),
-    "KF5CoreAddons": Peer("KF5CoreAddons", "KDE's helpers without widgets: the nearest in kind."),
-    "KF5WidgetsAddons": Peer("KF5WidgetsAddons", "KDE's helpers with widgets."),
+    "QtDirect": Peer("Qt direct signal", "Qt's signals, for observers that are QObjects."),
+    "Sigc": Peer("sigc++", "The signal library of GTK applications, for one thread only."),
+    "Signals2": Peer("`boost::signals2`", "Boost's signals, for several threads."),
+    "MinimalModel": Peer("minimal model", "**Lower bound.** A list of texts and two functions."),
+    "QStringListModel": Peer("`QStringListModel`", "Qt's model for texts, without roles."),
+    "QStandardItemModel": Peer("`QStandardItemModel`", "Qt's general-purpose model."),
+    "OnePass": Peer("one pass", "**Lower bound.** Writes each character once into a text of the final length."),
+    "ReplaceAndArg": Peer("`replace` and `arg`", "The most obvious code."),
+    "ConnectByHand": Peer(
+        "`connect` by hand",
+        "The same connections without a name. Each side must know every object of the other side.",
+    ),
+    "KF5CoreAddons": Peer("KF5CoreAddons", "KDE's utilities without widgets: the most similar library."),
+    "KF5WidgetsAddons": Peer("KF5WidgetsAddons", "KDE's utilities with widgets."),
 }
 
 BOXES = ("PlainDialog", "QMessageBox", "KMessageDialog")
@@ -129,61 +144,61 @@ WALKS = ("GetdentsFstatat", "DuOwn", "Du", "Fts", "StdFilesystem", "QDirIterator
 JOBS = (
     Job(
         "PostSmall",
-        "Post 100 000 small functors from a worker",
+        "Post 100 000 small functors from a worker thread",
         "FunctorExecutionForwarder",
         FORWARDING,
         (Goal("Lean", "≤", 1.05), Goal("InvokeMethod", "≤", 1.35)),
     ),
     Job(
         "PostBig",
-        "The same, 64 bytes captured",
+        "Post 100 000 functors that capture 64 bytes",
         "FunctorExecutionForwarder",
         FORWARDING,
         (Goal("InvokeMethod", "≤", 1.60),),
     ),
-    Job("Drain", "Call 100 000", "FunctorExecutionForwarder", FORWARDING, (Goal("Lean", "≤", 1.05),)),
-    Job("PingPong", "1 000 round trips between two threads, on one core", "FunctorExecutionForwarder", FORWARDING),
+    Job("Drain", "Call 100 000 posted functors", "FunctorExecutionForwarder", FORWARDING, (Goal("Lean", "≤", 1.05),)),
+    Job("PingPong", "Make 1 000 round trips between two threads, on one core", "FunctorExecutionForwarder", FORWARDING),
     Job(
         "Batch",
-        "1 000 jobs in a batch",
+        "Run 1 000 jobs queued together",
         "AsyncService",
         ("PostedEvents", "ThreadPool", "ThreadWeaver", "QtConcurrent"),
         (Goal("ThreadWeaver", "<", 1), Goal("QtConcurrent", "<", 0.25)),
     ),
     Job(
         "OneAfterTheOther",
-        "500 jobs one after the other, on one core",
+        "Run 500 jobs, each posted after the previous one, on one core",
         "AsyncService",
         ("PostedEvents", "ThreadPool", "ThreadWeaver", "QtConcurrent"),
         (Goal("ThreadWeaver", "<", 1), Goal("QtConcurrent", "<", 1)),
     ),
     Job(
         "Progress",
-        "100 jobs with 100 reports each",
+        "Run 100 jobs with 100 progress reports each",
         "AsyncService",
         ("PostedEvents", "ThreadPool", "ThreadWeaver", "FutureResults"),
         (Goal("FutureResults", "≤", 1.20),),
     ),
     Job(
         "FileSizeText",
-        "File size as text",
+        "Format a file size",
         "FormatFileSize",
         ("SnprintfBuffer", "Snprintf", "QLocale", "KFormat"),
         (Goal("KFormat", "≤", 1.40),),
     ),
     Job(
         "DurationText",
-        "Duration as text",
+        "Format a duration",
         "FormatDuration",
         ("SnprintfBuffer", "Snprintf", "QTime", "KFormat"),
         (Goal("Snprintf", "<", 1),),
     ),
-    Job("ManyFolders", "Size of 200 000 files in 2 000 folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
-    Job("DeepChain", "... of a chain of 1 000 folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
-    Job("OneFolder", "... of 100 000 files in one folder", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 0.9),)),
+    Job("ManyFolders", "Measure 200 000 files in 2 000 folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
+    Job("DeepChain", "Measure a chain of 1 000 nested folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
+    Job("OneFolder", "Measure 100 000 files in one folder", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 0.9),)),
     Job(
         "Removal",
-        "Remove 20 000 aged files in 200 folders",
+        "Remove 20 000 old files in 200 folders",
         "RemoveDir",
         ("RmOwn", "Rm", "RemoveRecursively"),
         (Goal("RmOwn", "≤", 1.1),),
@@ -196,33 +211,49 @@ JOBS = (
         (Goal("Glog", "≤", 1.2),),
     ),
     Job("Publish1", "Publish to 1 observer", "EventHandlerList", PUBLISHERS, (Goal("QtDirect", "≤", 1.2),)),
-    Job("Publish10", "... 10 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.8),)),
-    Job("Publish1000", "... 1 000 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.4),)),
+    Job("Publish10", "Publish to 10 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.8),)),
+    Job("Publish1000", "Publish to 1 000 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.4),)),
     Job(
         "ModelUid",
-        "The uids of 100 items of a model",
+        "Read the uids of 100 items of a model",
         "SimpleModel",
         ("MinimalModel", "QStringListModel", "QStandardItemModel"),
         (Goal("QStringListModel", "≤", 1.05),),
     ),
-    Job("IconPath", "... their icon paths", "SimpleModel", ("OnePass", "ReplaceAndArg"), (Goal("OnePass", "≤", 1.2),)),
-    Job("Connect100", "100 emitters and 100 receivers by one name", "ObjectsConnector", ("ConnectByHand",)),
-    Job("Connect1000", "... 1 000 and 1 000", "ObjectsConnector", ("ConnectByHand",)),
+    Job(
+        "IconPath",
+        "Read the icon paths of 100 items of a model",
+        "SimpleModel",
+        ("OnePass", "ReplaceAndArg"),
+        (Goal("OnePass", "≤", 1.2),),
+    ),
+    Job("Connect100", "Connect 100 emitters with 100 receivers by one name", "ObjectsConnector", ("ConnectByHand",)),
+    Job(
+        "Connect1000",
+        "Connect 1 000 emitters with 1 000 receivers by one name",
+        "ObjectsConnector",
+        ("ConnectByHand",),
+    ),
     Job("MessageBox", "Build, show and close a message box", "AlertBox", BOXES, (Goal("QMessageBox", "≤", 2),)),
     Job(
         "StyledMessageBox",
-        "... with a style sheet of the application",
+        "Build, show and close a message box, with a style sheet",
         "AlertBox",
         BOXES,
         (Goal("KMessageDialog", "≤", 1),),
     ),
-    Job("HouseMessageBox", "... with the gallery's house style", "AlertBox", BOXES),
-    Job("StyleProperty", "A style property, 200 widgets deep", "ApplyWidgetStyle", ("ByHand",)),
+    Job(
+        "HouseMessageBox",
+        "Build, show and close a message box, with the style sheet of the gallery",
+        "AlertBox",
+        BOXES,
+    ),
+    Job("StyleProperty", "Set a style property, 200 widgets deep", "ApplyWidgetStyle", ("ByHand",)),
     Job("Hover10", "Hover over a group of 10 widgets", "HoverGroup", ("OneByOne",)),
-    Job("Hover100", "... of 100 widgets", "HoverGroup", ("OneByOne",)),
+    Job("Hover100", "Hover over a group of 100 widgets", "HoverGroup", ("OneByOne",)),
     Job(
         "Load",
-        "Load the library, its dependencies being there",
+        "Load the library, with its dependencies already loaded",
         "ZQtUtil",
         ("KF5CoreAddons", "KF5WidgetsAddons"),
         (Goal("KF5CoreAddons", "<", 1),),
@@ -236,17 +267,19 @@ class Tree:
     entries: int
 
 
-# As PathSizeBenchmark makes them at a scale of 100 percent.
+# The trees that PathSizeBenchmark creates at a scale of 100 percent.
 TREES = {
     "ManyFolders": Tree("200 000 files in 2 000 folders", 202000),
     "DeepChain": Tree("a chain of 1 000 folders", 2000),
     "OneFolder": Tree("100 000 files in one folder", 100000),
 }
 
-# Copies of a functor that Forward() may make: by value and into the queue, into the queue alone, none.
+# The number of copies that Forward() may make of a functor. A variable is copied into the parameter and into the queue,
+# a temporary only into the queue. The call makes no copy.
 COPIES = {"kept": 2, "handed_over": 1, "called": 0}
 
-# The compiler's own, and those of the constants and registries that the tests of the library's file name.
+# The compiler's start-up function and one for each source with constants or registries. tests/frame/library_file.py
+# checks the same number.
 FUNCTIONS_ON_LOAD = 5
 
 
@@ -259,7 +292,7 @@ class Row:
     holds: object = None
 
     def cells(self):
-        verdict = {True: "holds", False: "**misses**", None: ""}[self.holds]
+        verdict = {True: "met", False: "**missed**", None: ""}[self.holds]
         return (self.title, self.ours, self.peers, self.goal, verdict)
 
 
@@ -278,8 +311,9 @@ class Results:
                 raise CannotRun(f"{entry['run_name']}: {entry['error_message']}")
             if entry.get("aggregate_name") != "median":
                 continue
-            # Google Benchmark appends which clock a benchmark goes by; without that it is the processor's.
-            name, _, clock = re.fullmatch(r"(\w+/\w+)(?:/iterations:\d+)?(/(real_time|manual_time))?", entry["run_name"]).groups()
+            # Google Benchmark appends the clock to the name. Without a suffix the clock is processor time.
+            pattern = r"(\w+/\w+)(?:/iterations:\d+)?(/(real_time|manual_time))?"
+            name, _, clock = re.fullmatch(pattern, entry["run_name"]).groups()
             time = entry["real_time"] if clock else entry["cpu_time"]
             self.seconds[name] = time * SECONDS[entry["time_unit"]]
             self.counters[name] = entry
@@ -311,8 +345,8 @@ class Runner:
         except OSError as error:
             raise CannotRun(str(error)) from error
 
-    # A core has slow moments of a second or so, which are not ours. Many short samples meet them in equal shares; few
-    # long ones make a median jump between the two paces.
+    # A core is sometimes slow for about a second, whatever it runs. Many short samples distribute these periods evenly
+    # among the peers. With few long samples the median would jump.
     def benchmark(self, results, name, *arguments, repetitions=201, min_time=0.005):
         print(f"{name} ...", file=sys.stderr, flush=True)
         self.command(
@@ -382,7 +416,7 @@ def job_row(job, results):
     peers = {peer: results.time(job.key, peer) for peer in job.peers}
     holds = all(goal.holds(ours, peers[goal.peer]) for goal in job.goals) if job.goals else None
     goal = ", ".join(goal.text() for goal in job.goals)
-    # Two decimals might round a miss to the goal itself.
+    # Three decimals for a missed goal: rounded to two, the ratio could look equal to the goal.
     return Row(job.title, time_text(ours), ratios_text(ours, peers, 3 if holds is False else 2), goal, holds)
 
 
@@ -395,7 +429,7 @@ def copies_row(results):
 
     ours = copies("FunctorExecutionForwarder")
     goal = list(COPIES.values())
-    title = "Copies of a functor that the caller keeps, hands over; while it is called"
+    title = "Copies of a functor: passed as a variable, passed as a temporary, during its call"
     return Row(title, text(ours), f"lean form {text(copies('Lean'))}", f"= {text(goal)}", ours == goal)
 
 
@@ -405,9 +439,13 @@ def functions_row(results):
 
     ours = functions("ZQtUtil")
     peers = {peer: functions(peer) for peer in ("KF5CoreAddons", "KF5WidgetsAddons")}
-    goal = f"≤ {FUNCTIONS_ON_LOAD}: the compiler's own, and the documented constants and registries"
+    goal = f"≤ {FUNCTIONS_ON_LOAD}: the compiler's start-up function and four sources with constants or registries"
     return Row(
-        "Functions that run when it is loaded", str(ours), ratios_text(ours, peers), goal, ours <= FUNCTIONS_ON_LOAD
+        "Functions that run when the library is loaded",
+        str(ours),
+        ratios_text(ours, peers),
+        goal,
+        ours <= FUNCTIONS_ON_LOAD,
     )
 
 
@@ -416,7 +454,7 @@ def system_call_rows(runner):
         print(f"System calls: {tree.title} ...", file=sys.stderr, flush=True)
         ours = runner.system_calls_an_entry(name, "GetPathSize")
         peers = {peer: runner.system_calls_an_entry(name, peer) for peer in WALKS if peer != "DuOwn"}
-        yield Row(f"System calls an entry, {tree.title}", f"{ours:.2f}", ratios_text(ours, peers))
+        yield Row(f"System calls per entry, {tree.title}", f"{ours:.2f}", ratios_text(ours, peers))
 
 
 def all_rows(runner):
@@ -458,25 +496,31 @@ def table(header, rows):
 
 def document(rows, facts, quick):
     result_table = table(("Job", "Ours", "Ours ÷ peer", "Goal", ""), [row.cells() for row in rows])
-    reasons = [(peer.label, peer.reason) for peer in PEERS.values()]
-    smoke = "\n**A smoke run: a few repetitions on small trees, nothing to judge by.**\n" if quick else ""
+    descriptions = [(peer.label, peer.description) for peer in PEERS.values()]
+    warning = "\n**This was a quick run with few repetitions on small trees. Its times are not representative.**\n"
     return f"""# Benchmarks
 
-Made by `benchmarks/run.py`. Every figure is the median of repetitions that alternate at random with those of its peers;
-below 1.00 ours takes less.
-{smoke}
+This page compares the speed of the library with alternatives that a user could choose, called peers. `./dev bench`
+writes it.
+
+"Ours" is the time of the library. "Ours ÷ peer" divides it by the time of each peer: below 1.00, the library is faster.
+Each time is the median of many repetitions. Repetitions of the library and of its peers alternate at random. A goal is
+a limit for one of the ratios; the last column shows if all goals of the row are met.
+{warning if quick else ""}
 {result_table}
 
 ## How it is measured
 
-Work of one thread is told in that thread's processor time, so that other programs do not count: posting, calling,
-texts, folder walks (for `du`, the process's), loading. Two threads that work together are told in wall-clock time, which
-repeats within 30 % only; the rest does within 5 %. Threads that only wait for each other in turn share one core, since
-what an idle core takes to wake is neither ours nor the peers'.
-
-Functors are posted by a thread of their own while the owner waits. Every way to run jobs has one worker, kept from job
-to job. Folders and files are in the kernel's caches. A library is loaded with `RTLD_NOW` by a new process each time,
-which refuses when anything but the library itself comes with it.
+- **Work on one thread** is measured in processor time of that thread, so that other programs have no influence. The
+  processor time of `du` and `rm` is that of their processes. These results repeat within 5 %.
+- **Work on two threads** is measured in wall-clock time. These results repeat within 30 %.
+- **Two threads that wait for each other in turn** share one core. Otherwise the results would mainly show how long an
+  idle core takes to wake.
+- **Posted functors** come from a second thread while their owner waits.
+- **Jobs** run on one worker thread, which is kept from job to job, for the library and for each peer.
+- **Folders and files** are in the caches of the kernel.
+- **Libraries** are loaded by a new process each time, with `RTLD_NOW`. The benchmark fails if loading a library also
+  loads one of its dependencies.
 
 ## The machine
 
@@ -484,7 +528,7 @@ which refuses when anything but the library itself comes with it.
 
 ## The peers
 
-{table(("Peer", "Why a user would pick it"), reasons)}
+{table(("Peer", "Description"), descriptions)}
 """
 
 
@@ -497,7 +541,7 @@ def report(rows, text, output):
     for row in missed:
         print(f"MISSED: {row.title}: {row.goal}; ours {row.ours}; ours to {row.peers}")
     if not missed:
-        print("Every goal holds.")
+        print("All goals are met.")
 
 
 @contextlib.contextmanager
@@ -506,14 +550,14 @@ def scratch_folder():
     try:
         yield path
     finally:
-        # Deeper than Python's own removal goes.
+        # shutil.rmtree() fails on trees as deep as these.
         subprocess.run(["rm", "-rf", path], check=False)
 
 
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build-dir", type=pathlib.Path, required=True, help="a build with ZQTUTIL_BENCHMARKS=ON")
-    parser.add_argument("--quick", action="store_true", help="only see that everything runs; no file unless --output")
+    parser.add_argument("--quick", action="store_true", help="check that all benchmarks run; write no file by default")
     parser.add_argument("--output", type=pathlib.Path, help="the Markdown file (docs/BENCHMARKS.md)")
     arguments = parser.parse_args()
     if not arguments.output and not arguments.quick:
@@ -528,7 +572,7 @@ def main():
         with scratch_folder() as scratch:
             rows, context = all_rows(Runner(build_dir, scratch, arguments.quick))
     except CannotRun as error:
-        print(f"A benchmark could not run: {error}", file=sys.stderr)
+        print(f"A benchmark failed: {error}", file=sys.stderr)
         return 1
     report(rows, document(rows, machine(build_dir, context), arguments.quick), arguments.output)
     return 0
