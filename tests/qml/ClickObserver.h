@@ -9,7 +9,7 @@
 namespace Zelkor::Testing
 {
 
-/// An observer of a model as an application shows it to QML: a value to be handed on.
+/// Model observer that QML can create and pass to a model.
 class ClickObserver : public QObject, public Util::ISimpleModelObserver
 {
     Q_OBJECT

@@ -11,7 +11,7 @@
 namespace Zelkor::Testing
 {
 
-/// Makes models, which QML cannot do: a singleton of the QML tests.
+/// Singleton of the QML tests that creates models, because QML cannot create them.
 class Models : public QObject
 {
     Q_OBJECT

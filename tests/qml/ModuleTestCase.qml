@@ -1,15 +1,15 @@
 import QtTest 1.15
 import Zelkor.Testing 1.0
 
-// What every test file's case is: a warning of Qt, QML or the library that it does not take fails the test function.
+// Base of all test cases: a test function fails if it leaves a warning of Qt, QML or the library in Warnings.
 TestCase {
     when: windowShown
 
     function initTestCase() {
-        Complaints.watch()
+        Warnings.collect()
     }
 
     function cleanup() {
-        compare(Complaints.take(), "")
+        compare(Warnings.take(), "")
     }
 }

@@ -1,7 +1,7 @@
 #include "ClickObserver.h"
-#include "Complaints.h"
-#include "Dial.h"
 #include "Models.h"
+#include "ValueObject.h"
+#include "Warnings.h"
 
 #include <support/logs/LogCapture.h>
 
@@ -33,10 +33,10 @@ QObject* New(QQmlEngine*, QJSEngine*)
 
 void RegisterTypes(char const* uri)
 {
-    qmlRegisterSingletonType<Complaints>(uri, 1, 0, "Complaints", New<Complaints>);
+    qmlRegisterSingletonType<Warnings>(uri, 1, 0, "Warnings", New<Warnings>);
     qmlRegisterSingletonType<Models>(uri, 1, 0, "Models", New<Models>);
     qmlRegisterType<ClickObserver>(uri, 1, 0, "ClickObserver");
-    qmlRegisterType<Dial>(uri, 1, 0, "Dial");
+    qmlRegisterType<ValueObject>(uri, 1, 0, "ValueObject");
 }
 
 } // namespace
@@ -49,17 +49,17 @@ int main(int argc, char** argv)
     }
     PinEnvironment(folder.path());
     google::AddLogSink(&LogWatch::Instance());
-    Complaints::watch();
+    Warnings::collect();
     RegisterTypes("Zelkor.Testing");
 
     int const failures = quick_test_main(argc, argv, "QmlModuleTest", nullptr);
     google::RemoveLogSink(&LogWatch::Instance());
 
-    // What was said outside the test functions: while a file was loaded, or its objects ended.
-    QString const complaints = Complaints::take();
-    if (complaints.isEmpty()) {
+    // Warnings outside the test functions, during loading or destruction.
+    QString const warnings = Warnings::take();
+    if (warnings.isEmpty()) {
         return failures;
     }
-    std::fprintf(stderr, "Unexpected:\n%s\n", qUtf8Printable(complaints));
+    std::fprintf(stderr, "Unexpected warnings:\n%s\n", qUtf8Printable(warnings));
     return failures + 1;
 }

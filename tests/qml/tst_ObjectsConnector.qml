@@ -7,7 +7,7 @@ ModuleTestCase {
     name: "ObjectsConnector"
 
     Component {
-        id: button
+        id: emitterComponent
 
         QtObject {
             signal clicked()
@@ -17,7 +17,7 @@ ModuleTestCase {
     }
 
     Component {
-        id: lamp
+        id: receiverComponent
 
         QtObject {
             property int toggled: 0
@@ -38,7 +38,7 @@ ModuleTestCase {
     }
 
     Component {
-        id: relay
+        id: emitterAndReceiverComponent
 
         QtObject {
             property int toggled: 0
@@ -52,21 +52,20 @@ ModuleTestCase {
     }
 
     Component {
-        id: dial
+        id: valueComponent
 
-        Dial {}
+        ValueObject {}
     }
 
-    function make(component) {
+    function create(component) {
         return createTemporaryObject(component, testCase)
     }
 
-    // Delivers what is queued.
-    function deliver() {
+    function deliverQueuedSignals() {
         wait(0)
     }
 
-    function test_connectsWhicheverComesFirst_data() {
+    function test_connectsInEitherOrder_data() {
         return [
             { tag: "receiver first", receiverFirst: true, signal: "clicked()", slot: "toggle()" },
             { tag: "emitter first", receiverFirst: false, signal: "clicked()", slot: "toggle()" },
@@ -77,9 +76,9 @@ ModuleTestCase {
         ]
     }
 
-    function test_connectsWhicheverComesFirst(data) {
-        const emitter = make(button)
-        const receiver = make(lamp)
+    function test_connectsInEitherOrder(data) {
+        const emitter = create(emitterComponent)
+        const receiver = create(receiverComponent)
         if (data.receiverFirst) {
             ObjectsConnector.registerReceiver("light", receiver, data.slot)
             ObjectsConnector.registerEmitter("light", emitter, data.signal)
@@ -91,24 +90,24 @@ ModuleTestCase {
         compare(receiver.toggled, 1)
     }
 
-    function test_secondSideDecidesWhatIsQueued_data() {
+    function test_secondRegistrationSelectsTheConnectionType_data() {
         return [
-            { tag: "nobody asks", emitterFirst: true, ofEmitter: false, ofReceiver: false, queued: false },
-            { tag: "emitter, first", emitterFirst: true, ofEmitter: true, ofReceiver: false, queued: false },
-            { tag: "receiver, second", emitterFirst: true, ofEmitter: false, ofReceiver: true, queued: true },
-            { tag: "receiver, first", emitterFirst: false, ofEmitter: false, ofReceiver: true, queued: false },
-            { tag: "emitter, second", emitterFirst: false, ofEmitter: true, ofReceiver: false, queued: true },
-            { tag: "both ask", emitterFirst: true, ofEmitter: true, ofReceiver: true, queued: true },
+            { tag: "neither", emitterFirst: true, emitterQueued: false, receiverQueued: false, queued: false },
+            { tag: "emitter, first", emitterFirst: true, emitterQueued: true, receiverQueued: false, queued: false },
+            { tag: "receiver, second", emitterFirst: true, emitterQueued: false, receiverQueued: true, queued: true },
+            { tag: "receiver, first", emitterFirst: false, emitterQueued: false, receiverQueued: true, queued: false },
+            { tag: "emitter, second", emitterFirst: false, emitterQueued: true, receiverQueued: false, queued: true },
+            { tag: "both", emitterFirst: true, emitterQueued: true, receiverQueued: true, queued: true },
         ]
     }
 
-    function test_secondSideDecidesWhatIsQueued(data) {
-        const emitter = make(button)
-        const receiver = make(lamp)
+    function test_secondRegistrationSelectsTheConnectionType(data) {
+        const emitter = create(emitterComponent)
+        const receiver = create(receiverComponent)
         const registerEmitter = () =>
-            ObjectsConnector.registerEmitter("light", emitter, "clicked()", data.ofEmitter)
+            ObjectsConnector.registerEmitter("light", emitter, "clicked()", data.emitterQueued)
         const registerReceiver = () =>
-            ObjectsConnector.registerReceiver("light", receiver, "toggle()", data.ofReceiver)
+            ObjectsConnector.registerReceiver("light", receiver, "toggle()", data.receiverQueued)
         if (data.emitterFirst) {
             registerEmitter()
             registerReceiver()
@@ -118,13 +117,13 @@ ModuleTestCase {
         }
         emitter.clicked()
         compare(receiver.toggled, data.queued ? 0 : 1)
-        deliver()
+        deliverQueuedSignals()
         compare(receiver.toggled, 1)
     }
 
     function test_connectsEveryEmitterToEveryReceiver() {
-        const emitters = [make(button), make(button)]
-        const receivers = [make(lamp), make(lamp)]
+        const emitters = [create(emitterComponent), create(emitterComponent)]
+        const receivers = [create(receiverComponent), create(receiverComponent)]
         ObjectsConnector.registerEmitter("light", emitters[0], "clicked()")
         ObjectsConnector.registerReceiver("light", receivers[0], "toggle()")
         ObjectsConnector.registerReceiver("light", receivers[1], "toggle()")
@@ -135,18 +134,18 @@ ModuleTestCase {
         compare(receivers.map(receiver => receiver.toggled), [2, 2])
     }
 
-    function test_namesAreApart() {
-        const emitter = make(button)
-        const receiver = make(lamp)
+    function test_namesAreCaseSensitive() {
+        const emitter = create(emitterComponent)
+        const receiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", emitter, "clicked()")
         ObjectsConnector.registerReceiver("Light", receiver, "toggle()")
         emitter.clicked()
         compare(receiver.toggled, 0)
     }
 
-    function test_connectsNoObjectToItself() {
-        const both = make(relay)
-        const receiver = make(lamp)
+    function test_doesNotConnectAnObjectToItself() {
+        const both = create(emitterAndReceiverComponent)
+        const receiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", both, "clicked()")
         ObjectsConnector.registerReceiver("light", both, "toggle()")
         ObjectsConnector.registerReceiver("light", receiver, "toggle()")
@@ -165,8 +164,8 @@ ModuleTestCase {
     }
 
     function test_unregisters(data) {
-        const emitter = make(button)
-        const receiver = make(lamp)
+        const emitter = create(emitterComponent)
+        const receiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", emitter, "clicked()")
         ObjectsConnector.registerReceiver("light", receiver, "toggle()")
         if (data.emitter) {
@@ -177,9 +176,9 @@ ModuleTestCase {
         emitter.clicked()
         compare(receiver.toggled, 0)
 
-        // The other side is still there, this one is not.
-        const newEmitter = make(button)
-        const newReceiver = make(lamp)
+        // Only the unregistered side is removed.
+        const newEmitter = create(emitterComponent)
+        const newReceiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", newEmitter, "clicked()")
         ObjectsConnector.registerReceiver("light", newReceiver, "toggle()")
         emitter.clicked()
@@ -188,39 +187,39 @@ ModuleTestCase {
         compare(receiver.toggled, data.emitter ? 1 : 0)
     }
 
-    function test_forgetsWhatIsDestroyed() {
-        const emitter = make(button)
-        const receiver = lamp.createObject(testCase)
+    function test_removesDestroyedObjects() {
+        const emitter = create(emitterComponent)
+        const receiver = receiverComponent.createObject(testCase)
         ObjectsConnector.registerReceiver("light", receiver, "toggle()")
         receiver.destroy()
-        deliver()
+        deliverQueuedSignals()
         ObjectsConnector.registerEmitter("light", emitter, "clicked()")
         emitter.clicked()
     }
 
-    function test_carriesArguments_data() {
+    function test_passesArguments_data() {
         return [
-            { tag: "int, to C++", signal: "moved(int)", component: dial, slot: "setValue(int)",
+            { tag: "int, to C++", signal: "moved(int)", component: valueComponent, slot: "setValue(int)",
               emit: emitter => emitter.moved(7), received: receiver => receiver.value, expected: 7 },
-            { tag: "var, to QML", signal: "chosen(QVariant)", component: lamp, slot: "show(QVariant)",
+            { tag: "var, to QML", signal: "chosen(QVariant)", component: receiverComponent, slot: "show(QVariant)",
               emit: emitter => emitter.chosen("red"), received: receiver => receiver.shown, expected: "red" },
-            { tag: "int, to QML", signal: "moved(int)", component: lamp, slot: "showNumber(int)",
+            { tag: "int, to QML", signal: "moved(int)", component: receiverComponent, slot: "showNumber(int)",
               emit: emitter => emitter.moved(7), received: receiver => receiver.shown, expected: 7 },
-            { tag: "dropped", signal: "moved(int)", component: lamp, slot: "toggle()",
+            { tag: "dropped", signal: "moved(int)", component: receiverComponent, slot: "toggle()",
               emit: emitter => emitter.moved(7), received: receiver => receiver.toggled, expected: 1 },
         ]
     }
 
-    function test_carriesArguments(data) {
-        const emitter = make(button)
-        const receiver = make(data.component)
+    function test_passesArguments(data) {
+        const emitter = create(emitterComponent)
+        const receiver = create(data.component)
         ObjectsConnector.registerEmitter("value", emitter, data.signal)
         ObjectsConnector.registerReceiver("value", receiver, data.slot)
         data.emit(emitter)
         compare(data.received(receiver), data.expected)
     }
 
-    function test_connectsObjectsOfCpp_data() {
+    function test_connectsCppObjects_data() {
         return [
             { tag: "emitter first", emitterFirst: true, queued: false },
             { tag: "receiver first", emitterFirst: false, queued: false },
@@ -229,9 +228,9 @@ ModuleTestCase {
         ]
     }
 
-    function test_connectsObjectsOfCpp(data) {
-        const emitter = make(dial)
-        const receiver = make(dial)
+    function test_connectsCppObjects(data) {
+        const emitter = create(valueComponent)
+        const receiver = create(valueComponent)
         if (data.emitterFirst) {
             ObjectsConnector.registerEmitter("volume", emitter, "valueChanged(int)")
             ObjectsConnector.registerReceiver("volume", receiver, "setValue(int)", data.queued)
@@ -241,46 +240,46 @@ ModuleTestCase {
         }
         emitter.value = 5
         compare(receiver.value, data.queued ? 0 : 5)
-        deliver()
+        deliverQueuedSignals()
         compare(receiver.value, 5)
 
         ObjectsConnector.unregisterEmitter("volume", emitter, "valueChanged(int)")
         emitter.value = 6
-        deliver()
+        deliverQueuedSignals()
         compare(receiver.value, 5)
     }
 
     function test_sharesTheRegistryWithCpp() {
-        const emitter = make(dial)
-        const receiver = make(lamp)
-        emitter.emitUnder("volume")
+        const emitter = create(valueComponent)
+        const receiver = create(receiverComponent)
+        emitter.registerAsEmitter("volume")
         ObjectsConnector.registerReceiver("volume", receiver, "toggle()")
         emitter.value = 3
         compare(receiver.toggled, 1)
     }
 
-    function test_reportsWhatDoesNotFit_data() {
+    function test_warnsAboutMismatches_data() {
         return [
             { tag: "unknown signal", signal: "pressed()", slot: "toggle()",
-              complaint: /^QObject::connect: No such signal \S+::pressed\(\)/ },
+              warning: /^QObject::connect: No such signal \S+::pressed\(\)/ },
             { tag: "unknown slot", signal: "clicked()", slot: "switchOn()",
-              complaint: /^QObject::connect: No such slot \S+::switchOn\(\)/ },
+              warning: /^QObject::connect: No such slot \S+::switchOn\(\)/ },
             { tag: "other arguments", signal: "moved(int)", slot: "show(QVariant)",
-              complaint: /^QObject::connect: Incompatible sender\/receiver arguments/ },
+              warning: /^QObject::connect: Incompatible sender\/receiver arguments/ },
         ]
     }
 
-    function test_reportsWhatDoesNotFit(data) {
-        ObjectsConnector.registerEmitter("light", make(button), data.signal)
-        ObjectsConnector.registerReceiver("light", make(lamp), data.slot)
-        verify(data.complaint.test(Complaints.take()))
+    function test_warnsAboutMismatches(data) {
+        ObjectsConnector.registerEmitter("light", create(emitterComponent), data.signal)
+        ObjectsConnector.registerReceiver("light", create(receiverComponent), data.slot)
+        verify(data.warning.test(Warnings.take()))
     }
 
-    function test_logsNull() {
+    function test_logsNullObjects() {
         ObjectsConnector.registerEmitter("light", null, "clicked()")
-        compare(Complaints.take(), 'The sender under "light" is null')
+        compare(Warnings.take(), 'The sender under "light" is null')
         ObjectsConnector.unregisterReceiver("light", null, "toggle()")
-        compare(Complaints.take(), 'The receiver under "light" is null')
+        compare(Warnings.take(), 'The receiver under "light" is null')
     }
 
     function test_isASingleton() {
@@ -293,7 +292,7 @@ ModuleTestCase {
         compare(message, "Element is not creatable.")
     }
 
-    function test_showsItsOperationsOnly() {
+    function test_exposesItsOperationsOnly() {
         for (const operation of ["registerEmitter", "registerReceiver", "unregisterEmitter", "unregisterReceiver"]) {
             compare(typeof ObjectsConnector[operation], "function", operation)
         }

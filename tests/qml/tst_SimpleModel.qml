@@ -31,7 +31,7 @@ Item {
             Image {
                 id: image
                 source: IconPath
-                cache: false // what is cached outlives the window, and its texture leaks
+                cache: false // cached images outlive the window and leak their textures
             }
         }
     }
@@ -55,7 +55,7 @@ Item {
         }
 
         function cleanupTestCase() {
-            // Textures of images that are gone are freed by the next frame, and by nothing else.
+            // Only the next frame frees the textures of destroyed images.
             show([])
             wait(0)
             grabImage(view)
@@ -102,7 +102,7 @@ Item {
             compare(data.role, data.number)
         }
 
-        function test_isMadeInCppOnly() {
+        function test_isCreatableInCppOnly() {
             let message = ""
             try {
                 Qt.createQmlObject("import Zelkor.Util 1.0; SimpleModel {}", window)
@@ -117,31 +117,31 @@ Item {
             compare(rows("title"), ["Title of video_trim", "Title of audio", "Title of video_trim_ends"])
         }
 
-        function test_viewShowsNothingOfAnEmptyModel() {
+        function test_viewOfAnEmptyModelIsEmpty() {
             show([])
             compare(view.count, 0)
             compare(view.itemAtIndex(0), null)
         }
 
-        function test_iconsAreUrlsOfResources() {
+        function test_iconPathsAreResourceUrls() {
             compare(rows("iconPath").map(String),
                     ["qrc:/icons/video/trim.png", "qrc:/icons/audio.png", "qrc:/icons/video/trim/ends.png"])
             compare(rows("icon").map(icon => icon.status), [Image.Ready, Image.Ready, Image.Ready])
             compare(rows("icon").map(icon => icon.sourceSize.width), [1, 2, 3])
         }
 
-        function test_standardRolesAreAbsent_data() {
+        function test_hasNoStandardRoles_data() {
             return ["display", "decoration", "edit", "toolTip", "statusTip", "whatsThis"].map(role => ({ tag: role }))
         }
 
-        function test_standardRolesAreAbsent(data) {
+        function test_hasNoStandardRoles(data) {
             const roles = view.itemAtIndex(0).roles
             verify("Uid" in roles)
             verify(!(data.tag in roles))
             compare(roles[data.tag], undefined)
         }
 
-        function test_dataIsReadByRole() {
+        function test_returnsDataByRole() {
             const index = items.index(1, 0)
             compare(items.data(index, SimpleModel.Uid), "audio")
             compare(items.data(index, SimpleModel.Title), "Title of audio")
@@ -176,32 +176,32 @@ Item {
             compare(clicks, ["first:video_trim"])
         }
 
-        function test_clickChangesNothing() {
+        function test_clickDoesNotChangeData() {
             verify(register(first))
             mouseClick(view.itemAtIndex(0))
             compare(rows("title"), ["Title of video_trim", "Title of audio", "Title of video_trim_ends"])
             compare(view.itemAtIndex(0).roles.Click, undefined)
         }
 
-        function test_clickWithoutObserverIsTaken() {
+        function test_acceptsClicksWithoutObserver() {
             mouseClick(view.itemAtIndex(0))
             verify(items.setData(items.index(0, 0), true, SimpleModel.Click))
             compare(clicks, [])
         }
 
-        function test_observersAreToldInTheirOrder() {
+        function test_notifiesObserversInOrderOfRegistration() {
             verify(register(second))
             verify(register(first))
-            verify(register(second)) // it is there already
+            verify(register(second)) // registered already
             mouseClick(view.itemAtIndex(0))
             compare(clicks, ["second:video_trim", "first:video_trim"])
         }
 
-        function test_unregisteredObserverIsNotTold() {
+        function test_doesNotNotifyUnregisteredObservers() {
             verify(register(first))
             verify(register(second))
             verify(unregister(first))
-            verify(unregister(first)) // it is not there any more
+            verify(unregister(first)) // not registered any more
             mouseClick(view.itemAtIndex(0))
             compare(clicks, ["second:video_trim"])
             verify(unregister(second))
@@ -209,7 +209,7 @@ Item {
             compare(clicks, ["second:video_trim"])
         }
 
-        function test_valuesWithoutObserverAreIgnored_data() {
+        function test_ignoresValuesThatAreNotObservers_data() {
             return [
                 { tag: "undefined", value: undefined },
                 { tag: "null", value: null },
@@ -218,14 +218,14 @@ Item {
             ]
         }
 
-        function test_valuesWithoutObserverAreIgnored(data) {
+        function test_ignoresValuesThatAreNotObservers(data) {
             verify(items.setData(noItem(), data.value, SimpleModel.RegisterObserver))
             verify(items.setData(noItem(), data.value, SimpleModel.UnregisterObserver))
             mouseClick(view.itemAtIndex(0))
             compare(clicks, [])
         }
 
-        function test_observersAreNotRegisteredWithAnItem() {
+        function test_rejectsObserversForAnItem() {
             verify(!items.setData(items.index(0, 0), first.observer, SimpleModel.RegisterObserver))
             mouseClick(view.itemAtIndex(0))
             compare(clicks, [])
@@ -236,7 +236,7 @@ Item {
             compare(clicks, ["first:video_trim"])
         }
 
-        function test_nothingElseIsWritten_data() {
+        function test_rejectsOtherWrites_data() {
             return [
                 { tag: "uid of an item", index: () => items.index(0, 0), role: SimpleModel.Uid },
                 { tag: "title of an item", index: () => items.index(0, 0), role: SimpleModel.Title },
@@ -245,7 +245,7 @@ Item {
             ]
         }
 
-        function test_nothingElseIsWritten(data) {
+        function test_rejectsOtherWrites(data) {
             verify(register(first))
             verify(!items.setData(data.index(), "another", data.role))
             compare(clicks, [])

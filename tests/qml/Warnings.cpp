@@ -1,4 +1,4 @@
-#include "Complaints.h"
+#include "Warnings.h"
 
 #include <support/logs/LogCapture.h>
 
@@ -37,23 +37,23 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& /*context*/, QStr
 
 } // namespace
 
-void Complaints::watch()
+void Warnings::collect()
 {
     qInstallMessageHandler(HandleQtMessage);
 }
 
-QString Complaints::take()
+QString Warnings::take()
 {
-    QStringList complaints;
+    QStringList warnings;
     {
         std::lock_guard<std::mutex> const lock(Messages().guard);
-        complaints = std::exchange(Messages().warnings, {});
+        warnings = std::exchange(Messages().warnings, {});
     }
     QVector<LogLine> const logged = LogWatch::Instance().TakeUnexpected();
     for (LogLine const& line : logged) {
-        complaints += line.text;
+        warnings += line.text;
     }
-    return complaints.join(QLatin1Char('\n'));
+    return warnings.join(QLatin1Char('\n'));
 }
 
 } // namespace Zelkor::Testing

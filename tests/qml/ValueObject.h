@@ -8,8 +8,8 @@
 namespace Zelkor::Testing
 {
 
-/// An object of the application's C++ side, with a signal and a slot.
-class Dial : public QObject
+/// C++ object with a signal and a slot.
+class ValueObject : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(int value READ Value WRITE setValue NOTIFY valueChanged)
@@ -17,8 +17,8 @@ class Dial : public QObject
 public:
     int Value() const { return value_; }
 
-    /// Registers from C++ what QML then meets under \a ID.
-    Q_INVOKABLE void emitUnder(QString const& ID)
+    /// Registers this object from C++ as an emitter under \a ID.
+    Q_INVOKABLE void registerAsEmitter(QString const& ID)
     {
         Util::ObjectsConnector::registerEmitter(ID, this, QStringLiteral("valueChanged(int)"));
     }
