@@ -1,7 +1,9 @@
-// What QtLogHandler does to a whole process: at its first use, at its end, and with what Qt aborts for.
+// The life cycle of QtLogHandler: first use, exit and fatal messages. Each test runs in a separate process, because the
+// handler is a singleton that exists until exit.
 
 #include <support/TestCase.h>
-#include <support/processes/Plays.h>
+#include <support/Timeouts.h>
+#include <support/processes/ChildMain.h>
 
 #include <Util/QtLogHandler.h>
 
@@ -12,7 +14,6 @@
 #include <csignal>
 #include <functional>
 #include <future>
-#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,43 +23,44 @@
 
 #include <glog/logging.h>
 
-using Zelkor::Testing::Play;
-using Zelkor::Testing::StartPlay;
+using Zelkor::Testing::ChildMain;
+using Zelkor::Testing::StartChildMain;
+using Zelkor::Testing::TimeoutMs;
 using Zelkor::Util::QtLogHandler;
 
 namespace
 {
 
-constexpr int Timeout = 60000;
+// --- The child processes. They print each log record and each message that a handler receives.
 
-// The plays. Each writes to standard output what is logged and what the handlers get, as it happens.
-
-void Tell(std::string const& line)
+/// Prints a line without buffering, so that the lines of a crashing process are complete.
+void PrintLine(std::string const& text)
 {
-    std::string const whole = line + '\n';
-    if (write(STDOUT_FILENO, whole.data(), whole.size()) != static_cast<ssize_t>(whole.size())) {
+    std::string const line = text + '\n';
+    if (write(STDOUT_FILENO, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
         _exit(2);
     }
 }
 
-class TellingSink : public google::LogSink
+class PrintingSink : public google::LogSink
 {
 public:
     void send(google::LogSeverity severity, char const* /*fullFilename*/, char const* /*baseFilename*/, int /*line*/,
               google::LogMessageTime const& /*time*/, char const* message, size_t messageSize) override
     {
-        Tell(std::string("log ") + google::GetLogSeverityName(severity) + ' ' + std::string(message, messageSize));
+        PrintLine(std::string("log ") + google::GetLogSeverityName(severity) + ": " +
+                  std::string(message, messageSize));
     }
 };
 
 void PreviousHandler(QtMsgType /*type*/, QMessageLogContext const& /*context*/, QString const& text)
 {
-    Tell("previous " + text.toStdString());
+    PrintLine("previous handler: " + text.toStdString());
 }
 
 void OtherHandler(QtMsgType /*type*/, QMessageLogContext const& /*context*/, QString const& text)
 {
-    Tell("other " + text.toStdString());
+    PrintLine("other handler: " + text.toStdString());
 }
 
 void WarningHandler(QtMsgType type, QMessageLogContext const& context, QString const& text)
@@ -73,19 +75,19 @@ void LoggingHandler(QtMsgType type, QMessageLogContext const& context, QString c
     PreviousHandler(type, context, text);
 }
 
-/// Does something when static objects are destroyed.
+/// Calls a function in its destructor. Static objects of this class run code at exit.
 class AtExit
 {
 public:
-    explicit AtExit(std::function<void()> act)
-        : act_(std::move(act))
+    explicit AtExit(std::function<void()> function)
+        : function_(std::move(function))
     {}
-    ~AtExit() { act_(); }
+    ~AtExit() { function_(); }
     AtExit(AtExit const&) = delete;
     AtExit& operator=(AtExit const&) = delete;
 
 private:
-    std::function<void()> act_;
+    std::function<void()> function_;
 };
 
 void Warn(char const* text)
@@ -93,17 +95,17 @@ void Warn(char const* text)
     QMessageLogger().warning("%s", text);
 }
 
-void PlayFirstUse()
+void UseAndUninstall()
 {
     qInstallMessageHandler(PreviousHandler);
-    Warn("before");
+    Warn("before the first use");
     QtLogHandler& handler = QtLogHandler::GetInstance();
-    Warn("after");
+    Warn("after the first use");
     handler.Uninstall();
-    Warn("at the end");
+    Warn("after uninstall");
 }
 
-void PlayFirstUseOnManyThreads()
+void UseOnManyThreads()
 {
     constexpr int Count = 16;
     qInstallMessageHandler(PreviousHandler);
@@ -118,47 +120,48 @@ void PlayFirstUseOnManyThreads()
         }));
     }
     start.set_value();
-    bool same = true;
+    bool isSame = true;
     for (auto& result : results) {
-        same = result.get() == &QtLogHandler::GetInstance() && same;
+        isSame = result.get() == &QtLogHandler::GetInstance() && isSame;
     }
-    Tell(same ? "same" : "different");
-    Warn("after");
+    PrintLine(isSame ? "same instance" : "different instances");
+    Warn("after the first use");
     QtLogHandler::GetInstance().Uninstall();
-    Warn("at the end");
+    Warn("after uninstall");
 }
 
-void PlayNoHandlerBefore()
+void UseWithoutPreviousHandler()
 {
     QtLogHandler::GetInstance();
     Warn("text");
 }
 
-void PlayExit()
+void WarnAtExit()
 {
     qInstallMessageHandler(PreviousHandler);
+    // Constructed before the handler, so destroyed after it.
     static AtExit const afterTheHandler([] {
-        Tell(QCoreApplication::instance() ? "application" : "no application");
+        PrintLine(QCoreApplication::instance() ? "application" : "no application");
         Warn("after the handler");
     });
     QtLogHandler::GetInstance();
     static AtExit const beforeTheHandler([] { Warn("before the handler"); });
-    Warn("while it runs");
+    Warn("before exit");
 }
 
-void PlayExitWithAnotherOnTop()
+void ExitWithOtherHandlerInstalled()
 {
     qInstallMessageHandler(PreviousHandler);
-    static QtMessageHandler replaced = nullptr;
+    static QtMessageHandler replacedHandler = nullptr;
     static AtExit const afterTheHandler([] {
-        Warn("through Qt");
-        replaced(QtWarningMsg, QMessageLogContext(), QStringLiteral("through the other"));
+        Warn("by Qt");
+        replacedHandler(QtWarningMsg, QMessageLogContext(), QStringLiteral("by the other handler"));
     });
     QtLogHandler::GetInstance();
-    replaced = qInstallMessageHandler(OtherHandler);
+    replacedHandler = qInstallMessageHandler(OtherHandler);
 }
 
-void PlayExitUninstalled()
+void ExitAfterUninstall()
 {
     qInstallMessageHandler(PreviousHandler);
     static AtExit const afterTheHandler([] { Warn("after the handler"); });
@@ -166,28 +169,27 @@ void PlayExitUninstalled()
     qInstallMessageHandler(OtherHandler);
 }
 
-/// \a dropped: a filter drops the message.
-void EndFatally(bool dropped)
+void SendFatalMessage(bool isDroppedByAFilter)
 {
-    rlimit const noCore{0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);
+    rlimit const noCoreDump{0, 0};
+    setrlimit(RLIMIT_CORE, &noCoreDump);
     qInstallMessageHandler(PreviousHandler);
-    QtLogHandler::GetInstance().AddFilter([dropped](QString const&) { return !dropped; });
-    static AtExit const atExit([] { Tell("exit"); });
-    QMessageLogger().fatal("the end");
+    QtLogHandler::GetInstance().AddFilter([isDroppedByAFilter](QString const&) { return !isDroppedByAFilter; });
+    static AtExit const atExit([] { PrintLine("exit"); });
+    QMessageLogger().fatal("fatal text");
 }
 
-void PlayFatal()
+void AbortWithFatalMessage()
 {
-    EndFatally(false);
+    SendFatalMessage(false);
 }
 
-void PlayFatalDropped()
+void AbortWithDroppedFatalMessage()
 {
-    EndFatally(true);
+    SendFatalMessage(true);
 }
 
-void PlayWarningTextFilter()
+void WarnInTextFilter()
 {
     qInstallMessageHandler(PreviousHandler);
     QtLogHandler::GetInstance().AddFilter([](QString const&) {
@@ -198,7 +200,7 @@ void PlayWarningTextFilter()
     Warn("text");
 }
 
-void PlayWarningFullFilter()
+void WarnInFullFilter()
 {
     qInstallMessageHandler(PreviousHandler);
     QtLogHandler::GetInstance().AddFilter([](QtMsgType, QMessageLogContext const&, QString const&) {
@@ -209,7 +211,7 @@ void PlayWarningFullFilter()
     Warn("text");
 }
 
-void PlayWarningHandler()
+void WarnInPreviousHandler()
 {
     qInstallMessageHandler(WarningHandler);
     QtLogHandler::GetInstance();
@@ -217,60 +219,64 @@ void PlayWarningHandler()
     Warn("text");
 }
 
-void PlayLoggingHandler()
+void LogInPreviousHandler()
 {
     qInstallMessageHandler(LoggingHandler);
     QtLogHandler::GetInstance();
     Warn("text");
 }
 
-constexpr Play plays[] = {
-    {"first use", PlayFirstUse},
-    {"first use on many threads", PlayFirstUseOnManyThreads},
-    {"no handler before", PlayNoHandlerBefore},
-    {"exit", PlayExit},
-    {"exit with another on top", PlayExitWithAnotherOnTop},
-    {"exit uninstalled", PlayExitUninstalled},
-    {"fatal", PlayFatal},
-    {"fatal dropped", PlayFatalDropped},
-    {"warning text filter", PlayWarningTextFilter},
-    {"warning full filter", PlayWarningFullFilter},
-    {"warning handler", PlayWarningHandler},
-    {"logging handler", PlayLoggingHandler},
+constexpr ChildMain childMains[] = {
+    {"UseAndUninstall", UseAndUninstall},
+    {"UseOnManyThreads", UseOnManyThreads},
+    {"UseWithoutPreviousHandler", UseWithoutPreviousHandler},
+    {"WarnAtExit", WarnAtExit},
+    {"ExitWithOtherHandlerInstalled", ExitWithOtherHandlerInstalled},
+    {"ExitAfterUninstall", ExitAfterUninstall},
+    {"AbortWithFatalMessage", AbortWithFatalMessage},
+    {"AbortWithDroppedFatalMessage", AbortWithDroppedFatalMessage},
+    {"WarnInTextFilter", WarnInTextFilter},
+    {"WarnInFullFilter", WarnInFullFilter},
+    {"WarnInPreviousHandler", WarnInPreviousHandler},
+    {"LogInPreviousHandler", LogInPreviousHandler},
 };
 
-int RunPlay(int argc, char** argv)
+int RunChildMain(int argc, char** argv)
 {
     google::InitGoogleLogging(argv[0]);
     for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
         google::SetLogDestination(severity, "");
     }
     google::SetStderrLogging(google::GLOG_FATAL);
-    static auto* const sink = new TellingSink; // outlives all other static objects
+    static auto* const sink = new PrintingSink; // never destroyed: messages are logged until the end of the process
     google::AddLogSink(sink);
-    return Zelkor::Testing::RunPlay(argc, argv, plays);
+    return Zelkor::Testing::RunChildMain(argc, argv, childMains);
 }
 
-/// What became of a process that ran a play.
-struct Outcome
+// --- The tests
+
+/// The result of a child process.
+struct Result
 {
-    QStringList told;
-    QString errors; // what it wrote to standard error
-    bool crashed;
-    int code;
+    QByteArray output;
+    QByteArray errorOutput;
+    QProcess::ExitStatus exitStatus;
+    int exitCode; // the signal number after a crash
 };
 
-/// Runs a play in a process of its own.
-Outcome Run(char const* play)
+Result RunChildProcess(char const* childMain)
 {
     QProcess process;
-    StartPlay(process, play);
-    if (!process.waitForFinished(Timeout)) {
-        return {{QStringLiteral("hangs")}, QString(), false, -1};
-    }
-    QString const told = QString::fromUtf8(process.readAllStandardOutput());
-    return {told.split(QLatin1Char('\n'), Qt::SkipEmptyParts), QString::fromUtf8(process.readAllStandardError()),
-            process.exitStatus() == QProcess::CrashExit, process.exitCode()};
+    StartChildMain(process, childMain);
+    bool const isFinished = process.waitForFinished(TimeoutMs);
+    return {isFinished ? process.readAllStandardOutput() : QByteArray("timeout"), process.readAllStandardError(),
+            process.exitStatus(), process.exitCode()};
+}
+
+void VerifySuccess(Result const& result)
+{
+    QCOMPARE(result.exitStatus, QProcess::NormalExit);
+    QCOMPARE(result.exitCode, 0);
 }
 
 } // namespace
@@ -280,97 +286,121 @@ class QtLogHandlerProcessTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void worksFromTheFirstUseToTheEnd_data()
+    void installsItselfAtTheFirstUse()
     {
-        QTest::addColumn<QByteArray>("play");
-        QTest::addColumn<QStringList>("told");
-        auto const row = [](char const* name, char const* play, std::initializer_list<char const*> told) {
-            QStringList lines;
-            for (char const* const line : told) {
-                lines += QString::fromLatin1(line);
-            }
-            QTest::newRow(name) << QByteArray(play) << lines;
-        };
-        row("installs itself at the first use", "first use",
-            {"previous before", "log WARNING undefined:0 after", "previous after", "previous at the end"});
-        row("is made once by many threads", "first use on many threads",
-            {"same", "log WARNING undefined:0 after", "previous after", "previous at the end"});
-        row("lets the previous handler log", "logging handler",
-            {"log WARNING undefined:0 text", "log WARNING from the handler", "previous text"});
-        row("works until it is destroyed", "exit",
-            {"log WARNING undefined:0 while it runs", "previous while it runs",
-             "log WARNING undefined:0 before the handler", "previous before the handler", "no application",
-             "previous after the handler"});
-        row("leaves messages after it to the previous handler", "exit with another on top",
-            {"previous through Qt", "previous through the other"});
-        row("leaves another handler when uninstalled", "exit uninstalled", {"other after the handler"});
+        Result const result = RunChildProcess("UseAndUninstall");
+        QCOMPARE(result.output, QByteArray("previous handler: before the first use\n"
+                                           "log WARNING: undefined:0 after the first use\n"
+                                           "previous handler: after the first use\n"
+                                           "previous handler: after uninstall\n"));
+        QCOMPARE(result.errorOutput, QByteArray());
+        VerifySuccess(result);
     }
 
-    void worksFromTheFirstUseToTheEnd()
+    void isCreatedOnceByManyThreads()
     {
-        QFETCH(QByteArray, play);
-        QFETCH(QStringList, told);
-        Outcome const outcome = Run(play.constData());
-        QCOMPARE(outcome.told, told);
-        QCOMPARE(outcome.errors, QString());
-        QVERIFY(!outcome.crashed);
-        QCOMPARE(outcome.code, 0);
+        Result const result = RunChildProcess("UseOnManyThreads");
+        QCOMPARE(result.output, QByteArray("same instance\n"
+                                           "log WARNING: undefined:0 after the first use\n"
+                                           "previous handler: after the first use\n"
+                                           "previous handler: after uninstall\n"));
+        QCOMPARE(result.errorOutput, QByteArray());
+        VerifySuccess(result);
     }
 
-    void handsOnToQtsOwnHandler()
+    void allowsThePreviousHandlerToLog()
     {
-        Outcome const outcome = Run("no handler before");
-        QCOMPARE(outcome.told, QStringList(QStringLiteral("log WARNING undefined:0 text")));
-        QCOMPARE(outcome.errors, QStringLiteral("text\n"));
-        QCOMPARE(outcome.code, 0);
+        Result const result = RunChildProcess("LogInPreviousHandler");
+        QCOMPARE(result.output, QByteArray("log WARNING: undefined:0 text\n"
+                                           "log WARNING: from the handler\n"
+                                           "previous handler: text\n"));
+        QCOMPARE(result.errorOutput, QByteArray());
+        VerifySuccess(result);
     }
 
-    void leavesMessagesOfWhatItCallsToQt_data()
+    void handlesMessagesUntilItsDestruction()
     {
-        QTest::addColumn<QByteArray>("play");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("text filter") << QByteArray("warning text filter") << QStringLiteral("from the filter");
-        QTest::newRow("full filter") << QByteArray("warning full filter") << QStringLiteral("from the filter");
-        QTest::newRow("previous handler") << QByteArray("warning handler") << QStringLiteral("from the handler");
+        Result const result = RunChildProcess("WarnAtExit");
+        QCOMPARE(result.output, QByteArray("log WARNING: undefined:0 before exit\n"
+                                           "previous handler: before exit\n"
+                                           "log WARNING: undefined:0 before the handler\n"
+                                           "previous handler: before the handler\n"
+                                           "no application\n"
+                                           "previous handler: after the handler\n"));
+        QCOMPARE(result.errorOutput, QByteArray());
+        VerifySuccess(result);
     }
 
-    void leavesMessagesOfWhatItCallsToQt()
+    void passesMessagesAfterItsDestructionToThePreviousHandler()
     {
-        QFETCH(QByteArray, play);
-        QFETCH(QString, message);
-        Outcome const outcome = Run(play.constData());
-        QString const logged = QStringLiteral("log WARNING undefined:0 text");
-        QString const forwarded = QStringLiteral("previous text");
-        QCOMPARE(outcome.told, QStringList({logged, forwarded, logged, forwarded}));
-        QCOMPARE(outcome.errors.count(message), 2);
-        QCOMPARE(outcome.code, 0);
+        Result const result = RunChildProcess("ExitWithOtherHandlerInstalled");
+        QCOMPARE(result.output, QByteArray("previous handler: by Qt\n"
+                                           "previous handler: by the other handler\n"));
+        QCOMPARE(result.errorOutput, QByteArray());
+        VerifySuccess(result);
     }
 
-    void leavesItToQtToAbort_data()
+    void keepsAnotherHandlerAtExitAfterUninstall()
     {
-        QTest::addColumn<QByteArray>("play");
-        QTest::addColumn<QStringList>("told");
-        QTest::newRow("logs and forwards before")
-            << QByteArray("fatal")
-            << QStringList({QStringLiteral("log ERROR undefined:0 the end"), QStringLiteral("previous the end")});
-        QTest::newRow("no filter keeps Qt from it") << QByteArray("fatal dropped") << QStringList();
+        Result const result = RunChildProcess("ExitAfterUninstall");
+        QCOMPARE(result.output, QByteArray("other handler: after the handler\n"));
+        QCOMPARE(result.errorOutput, QByteArray());
+        VerifySuccess(result);
     }
 
-    void leavesItToQtToAbort()
+    void forwardsToTheDefaultHandlerOfQt()
     {
-        QFETCH(QByteArray, play);
-        QFETCH(QStringList, told);
-        Outcome const outcome = Run(play.constData());
-        QCOMPARE(outcome.told, told);
-        QVERIFY(outcome.crashed);
-        QCOMPARE(outcome.code, SIGABRT);
+        Result const result = RunChildProcess("UseWithoutPreviousHandler");
+        QCOMPARE(result.output, QByteArray("log WARNING: undefined:0 text\n"));
+        QCOMPARE(result.errorOutput, QByteArray("text\n"));
+        VerifySuccess(result);
+    }
+
+    void doesNotHandleMessagesOfFiltersAndHandlers_data()
+    {
+        QTest::addColumn<QByteArray>("childMain");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("text filter") << QByteArray("WarnInTextFilter") << QByteArray("from the filter");
+        QTest::newRow("full filter") << QByteArray("WarnInFullFilter") << QByteArray("from the filter");
+        QTest::newRow("previous handler") << QByteArray("WarnInPreviousHandler") << QByteArray("from the handler");
+    }
+
+    void doesNotHandleMessagesOfFiltersAndHandlers()
+    {
+        QFETCH(QByteArray, childMain);
+        QFETCH(QByteArray, message);
+        Result const result = RunChildProcess(childMain.constData());
+        QCOMPARE(result.output, QByteArray("log WARNING: undefined:0 text\n"
+                                           "previous handler: text\n"
+                                           "log WARNING: undefined:0 text\n"
+                                           "previous handler: text\n"));
+        QCOMPARE(result.errorOutput.count(message), 2); // Qt prints messages sent inside a message handler
+        VerifySuccess(result);
+    }
+
+    void logsAndForwardsAFatalMessageBeforeQtAborts()
+    {
+        Result const result = RunChildProcess("AbortWithFatalMessage");
+        QCOMPARE(result.output, QByteArray("log ERROR: undefined:0 fatal text\n"
+                                           "previous handler: fatal text\n"));
+        QCOMPARE(result.exitStatus, QProcess::CrashExit);
+        QCOMPARE(result.exitCode, SIGABRT);
+    }
+
+    void doesNotPreventTheAbortByAFilter()
+    {
+        Result const result = RunChildProcess("AbortWithDroppedFatalMessage");
+        QCOMPARE(result.output, QByteArray());
+        QCOMPARE(result.exitStatus, QProcess::CrashExit);
+        QCOMPARE(result.exitCode, SIGABRT);
     }
 };
 
 int main(int argc, char** argv)
 {
-    return Zelkor::Testing::IsPlay(argc, argv) ? RunPlay(argc, argv)
-                                               : Zelkor::Testing::RunTests<QtLogHandlerProcessTest>(argc, argv, false);
+    return Zelkor::Testing::IsChildMain(argc, argv)
+               ? RunChildMain(argc, argv)
+               : Zelkor::Testing::RunTests<QtLogHandlerProcessTest>(argc, argv, false);
 }
 
 #include "QtLogHandlerProcessTest.moc"

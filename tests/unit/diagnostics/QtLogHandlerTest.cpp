@@ -36,10 +36,10 @@ Q_DECLARE_METATYPE(QtMsgType)
 namespace
 {
 
-/// The least type that Qt does not know.
+/// The smallest value that is not a QtMsgType.
 constexpr auto UnknownMsg = static_cast<QtMsgType>(QtInfoMsg + 1);
 
-/// The handler that is installed.
+/// Returns the installed message handler.
 QtMessageHandler InstalledHandler()
 {
     QtMessageHandler const installed = qInstallMessageHandler(nullptr);
@@ -47,9 +47,7 @@ QtMessageHandler InstalledHandler()
     return installed;
 }
 
-// The earlier handler and the filters are the same in all tests and do what a test wishes.
-
-/// A message that was handed on.
+/// A message forwarded to the previous handler or passed to a full filter.
 struct Message
 {
     QtMsgType type;
@@ -58,57 +56,59 @@ struct Message
     QString text;
 };
 
-struct Stage
+// QtLogHandler is a singleton and filters cannot be removed, so all tests share the previous handler and the filters.
+// They record their calls here and call the functions set by the test.
+struct SharedState
 {
     std::mutex guard;
     std::vector<Message> forwarded;
     QStringList filterCalls;
-    std::function<void(Message const&)> atForward;
+    std::function<void(Message const&)> onForward;
     std::function<bool(QString const& filter, QString const& text)> filter;
-    std::function<void(QtMsgType type, QMessageLogContext const& context, QString const& text)> inFullFilter;
+    std::function<void(QtMsgType type, QMessageLogContext const& context, QString const& text)> onFullFilter;
 };
 
-Stage& TheStage()
+SharedState& Shared()
 {
-    static Stage stage;
-    return stage;
+    static SharedState state;
+    return state;
 }
 
 void Record(QtMsgType type, QMessageLogContext const& context, QString const& text)
 {
-    Stage& stage = TheStage();
+    SharedState& state = Shared();
     Message const message{type, &context, &text, text};
-    if (stage.atForward) {
-        stage.atForward(message);
+    if (state.onForward) {
+        state.onForward(message);
     }
-    std::lock_guard<std::mutex> const lock(stage.guard);
-    stage.forwarded.push_back(message);
+    std::lock_guard<std::mutex> const lock(state.guard);
+    state.forwarded.push_back(message);
 }
 
 void IgnoreMessage(QtMsgType /*type*/, QMessageLogContext const& /*context*/, QString const& /*text*/) {}
 
-bool AskFilter(char const* name, QString const& text)
+bool CallFilter(char const* name, QString const& text)
 {
-    Stage& stage = TheStage();
-    if (!stage.filter) {
+    SharedState& state = Shared();
+    if (!state.filter) {
         return true;
     }
-    stage.filterCalls += QString::fromLatin1(name);
-    return stage.filter(QString::fromLatin1(name), text);
+    state.filterCalls += QString::fromLatin1(name);
+    return state.filter(QString::fromLatin1(name), text);
 }
 
 QtLogHandler::TextFilter MakeTextFilter(char const* name)
 {
-    return [name](QString const& text) { return AskFilter(name, text); };
+    return [name](QString const& text) { return CallFilter(name, text); };
 }
 
 QtLogHandler::FullFilter MakeFullFilter(char const* name)
 {
     return [name](QtMsgType type, QMessageLogContext const& context, QString const& text) {
-        if (TheStage().inFullFilter) {
-            TheStage().inFullFilter(type, context, text);
+        if (Shared().onFullFilter) {
+            Shared().onFullFilter(type, context, text);
         }
-        return AskFilter(name, text);
+        return CallFilter(name, text);
     };
 }
 
@@ -138,7 +138,7 @@ QtLogHandler& Handler()
 
 void Send(QtMsgType type, QString const& text)
 {
-    // Straight to the handler: Qt would abort after a fatal one.
+    // Calls the handler directly, because Qt aborts after a fatal message.
     InstalledHandler()(type, QMessageLogContext(), text);
 }
 
@@ -152,7 +152,7 @@ protected:
     void SetUp() override
     {
         Handler().Uninstall();
-        outer_ = qInstallMessageHandler(Record);
+        testHandler_ = qInstallMessageHandler(Record);
         Handler().SetEnabledLogFileNameAndLineNumber(true);
         Handler().SetEnabledForwardIntoPreviousHandler(true);
         Handler().Install();
@@ -161,29 +161,29 @@ protected:
     void TearDown() override
     {
         Handler().Uninstall();
-        qInstallMessageHandler(outer_);
-        Stage& stage = TheStage();
-        stage.forwarded.clear();
-        stage.filterCalls.clear();
-        stage.atForward = nullptr;
-        stage.filter = nullptr;
-        stage.inFullFilter = nullptr;
+        qInstallMessageHandler(testHandler_);
+        SharedState& state = Shared();
+        state.forwarded.clear();
+        state.filterCalls.clear();
+        state.onForward = nullptr;
+        state.filter = nullptr;
+        state.onFullFilter = nullptr;
     }
 
 private:
     static QStringList ForwardedTexts()
     {
         QStringList texts;
-        for (Message const& message : TheStage().forwarded) {
+        for (Message const& message : Shared().forwarded) {
             texts += message.text;
         }
         return texts;
     }
 
-    QtMessageHandler outer_ = nullptr;
+    QtMessageHandler testHandler_ = nullptr;
 
 private Q_SLOTS:
-    void isOneForTheProcess() { QCOMPARE(&QtLogHandler::GetInstance(), &QtLogHandler::GetInstance()); }
+    void isASingleton() { QCOMPARE(&QtLogHandler::GetInstance(), &QtLogHandler::GetInstance()); }
 
     void logsAtTheSeverityOfTheType_data()
     {
@@ -205,12 +205,12 @@ private Q_SLOTS:
         QCOMPARE(log.Lines().size(), 1);
         QCOMPARE(log.Lines().first().severity, severity);
         QCOMPARE(log.Texts(), QStringList(QStringLiteral("undefined:0 text")));
-        QCOMPARE(TheStage().forwarded.size(), std::size_t(1));
-        QCOMPARE(TheStage().forwarded.front().type, type);
-        QCOMPARE(TheStage().forwarded.front().text, QStringLiteral("text"));
+        QCOMPARE(Shared().forwarded.size(), std::size_t(1));
+        QCOMPARE(Shared().forwarded.front().type, type);
+        QCOMPARE(Shared().forwarded.front().text, QStringLiteral("text"));
     }
 
-    void receivesWhatQtsFunctionsReport()
+    void logsMessagesOfTheQtFunctions()
     {
         LogCapture const log;
         QMessageLogger const logger("folder/file.cpp", 42, "function");
@@ -239,10 +239,10 @@ private Q_SLOTS:
         Send(UnknownMsg, QStringLiteral("text"));
         QCOMPARE(log.Texts(), QStringList());
         QCOMPARE(ForwardedTexts(), QStringList(QStringLiteral("text")));
-        QCOMPARE(TheStage().forwarded.front().type, UnknownMsg);
+        QCOMPARE(Shared().forwarded.front().type, UnknownMsg);
     }
 
-    void logsUnderItsOwnPosition()
+    void logsWithItsOwnSourceLocation()
     {
         LogCapture const log;
         QMessageLogger("folder/file.cpp", 42, "function").warning("text");
@@ -251,7 +251,7 @@ private Q_SLOTS:
         QVERIFY(log.Lines().first().line > 0);
     }
 
-    void putsTheMessagesPositionBeforeItsText_data()
+    void prependsTheSourceLocationOfTheMessage_data()
     {
         QTest::addColumn<QByteArray>("file");
         QTest::addColumn<int>("line");
@@ -262,20 +262,20 @@ private Q_SLOTS:
         };
         row("file and line", "main.cpp", 42, "text", "main.cpp:42 text");
         row("file with folders", "../src/a b/main.cpp", 1, "text", "../src/a b/main.cpp:1 text");
-        row("neither", QByteArray(), 0, "text", "undefined:0 text");
+        row("no file and no line", QByteArray(), 0, "text", "undefined:0 text");
         row("line only", QByteArray(), 42, "text", "undefined:42 text");
         row("file only", "main.cpp", 0, "text", "main.cpp:0 text");
         row("large line", "main.cpp", 2147483647, "text", "main.cpp:2147483647 text");
         row("negative line", "main.cpp", -1, "text", "main.cpp:-1 text");
-        row("no text", "main.cpp", 42, "", "main.cpp:42 ");
+        row("empty text", "main.cpp", 42, "", "main.cpp:42 ");
         row("place markers", "%1/%2.cpp", 42, "%1 %2 %3 %n %s", "%1/%2.cpp:42 %1 %2 %3 %n %s");
-        row("beyond ASCII", "\xC3\xA4.cpp", 42, "\xE2\x82\xAC \xF0\x9D\x84\x9E",
+        row("non-ASCII text", "\xC3\xA4.cpp", 42, "\xE2\x82\xAC \xF0\x9D\x84\x9E",
             "\xC3\xA4.cpp:42 \xE2\x82\xAC \xF0\x9D\x84\x9E");
         row("several lines", "main.cpp", 42, "a\nb\n\nc", "main.cpp:42 a\nb\n\nc");
-        row("blanks", "main.cpp", 42, "  text  ", "main.cpp:42   text  ");
+        row("leading and trailing spaces", "main.cpp", 42, "  text  ", "main.cpp:42   text  ");
     }
 
-    void putsTheMessagesPositionBeforeItsText()
+    void prependsTheSourceLocationOfTheMessage()
     {
         QFETCH(QByteArray, file);
         QFETCH(int, line);
@@ -288,7 +288,7 @@ private Q_SLOTS:
         QCOMPARE(ForwardedTexts(), QStringList(text));
     }
 
-    void logsTheTextAloneWhenTold()
+    void logsTheTextOnlyWhenTheLocationIsDisabled()
     {
         LogCapture const log;
         QMessageLogger const logger("main.cpp", 42, "function");
@@ -306,9 +306,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("logged");
-        QTest::newRow("inside") << QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b"))
-                                << QStringLiteral("main.cpp:42 a");
-        QTest::newRow("first") << QString(QChar(0) + QStringLiteral("b")) << QStringLiteral("main.cpp:42 ");
+        QTest::newRow("NUL inside the text")
+            << QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b")) << QStringLiteral("main.cpp:42 a");
+        QTest::newRow("NUL at the start") << QString(QChar(0) + QStringLiteral("b")) << QStringLiteral("main.cpp:42 ");
     }
 
     void logsTheTextUpToANul()
@@ -321,14 +321,14 @@ private Q_SLOTS:
         QCOMPARE(ForwardedTexts(), QStringList(text));
     }
 
-    void forwardsTheMessageItReceived()
+    void forwardsTheReceivedMessage()
     {
         LogCapture const log;
         QMessageLogContext const context("main.cpp", 42, "function", "category");
         QString const text = QStringLiteral("text");
         qt_message_output(QtCriticalMsg, context, text);
-        QCOMPARE(TheStage().forwarded.size(), std::size_t(1));
-        Message const& message = TheStage().forwarded.front();
+        QCOMPARE(Shared().forwarded.size(), std::size_t(1));
+        Message const& message = Shared().forwarded.front();
         QCOMPARE(message.type, QtCriticalMsg);
         QCOMPARE(message.context, &context);
         QCOMPARE(message.address, &text);
@@ -338,12 +338,12 @@ private Q_SLOTS:
     {
         LogCapture const log;
         QStringList loggedBefore;
-        TheStage().atForward = [&](Message const&) { loggedBefore = log.Texts(); };
+        Shared().onForward = [&](Message const&) { loggedBefore = log.Texts(); };
         Send(QtWarningMsg, QStringLiteral("text"));
         QCOMPARE(loggedBefore, QStringList(QStringLiteral("undefined:0 text")));
     }
 
-    void forwardsNothingWhenTold()
+    void doesNotForwardWhenForwardingIsDisabled()
     {
         LogCapture const log;
         Handler().SetEnabledForwardIntoPreviousHandler(false);
@@ -356,29 +356,29 @@ private Q_SLOTS:
         QCOMPARE(log.Texts(), QStringList({QStringLiteral("undefined:0 off"), QStringLiteral("undefined:0 on")}));
     }
 
-    void putsThePreviousHandlerBackWithoutForwarding()
+    void restoresThePreviousHandlerWhenForwardingIsDisabled()
     {
         Handler().SetEnabledForwardIntoPreviousHandler(false);
         Handler().Uninstall();
         QVERIFY(InstalledHandler() == Record);
     }
 
-    void asksFullFiltersThenTextFiltersInTheirOrder()
+    void callsFullFiltersBeforeTextFilters()
     {
         LogCapture const log;
-        TheStage().filter = [](QString const&, QString const&) { return true; };
+        Shared().filter = [](QString const&, QString const&) { return true; };
         Send(QtWarningMsg, QStringLiteral("text"));
-        QCOMPARE(TheStage().filterCalls,
+        QCOMPARE(Shared().filterCalls,
                  QStringList({QStringLiteral("full 1"), QStringLiteral("full 2"), QStringLiteral("full 3"),
                               QStringLiteral("text 1"), QStringLiteral("text 2"), QStringLiteral("text 3")}));
         QCOMPARE(log.Texts(), QStringList(QStringLiteral("undefined:0 text")));
         QCOMPARE(ForwardedTexts(), QStringList(QStringLiteral("text")));
     }
 
-    void endsAtTheFirstFilterThatDrops_data()
+    void stopsAtTheFirstFilterThatDropsTheMessage_data()
     {
         QTest::addColumn<QString>("dropping");
-        QTest::addColumn<int>("asked");
+        QTest::addColumn<int>("callCount");
         QTest::newRow("full 1") << QStringLiteral("full 1") << 1;
         QTest::newRow("full 2") << QStringLiteral("full 2") << 2;
         QTest::newRow("full 3") << QStringLiteral("full 3") << 3;
@@ -387,17 +387,17 @@ private Q_SLOTS:
         QTest::newRow("text 3") << QStringLiteral("text 3") << 6;
     }
 
-    void endsAtTheFirstFilterThatDrops()
+    void stopsAtTheFirstFilterThatDropsTheMessage()
     {
         QFETCH(QString, dropping);
-        QFETCH(int, asked);
+        QFETCH(int, callCount);
         LogCapture const log;
-        TheStage().filter = [&](QString const& filter, QString const& text) {
+        Shared().filter = [&](QString const& filter, QString const& text) {
             return filter != dropping || text != QStringLiteral("dropped");
         };
         Send(QtWarningMsg, QStringLiteral("dropped"));
-        QCOMPARE(TheStage().filterCalls.size(), asked);
-        QCOMPARE(TheStage().filterCalls.last(), dropping);
+        QCOMPARE(Shared().filterCalls.size(), callCount);
+        QCOMPARE(Shared().filterCalls.last(), dropping);
         QCOMPARE(log.Texts(), QStringList());
         QCOMPARE(ForwardedTexts(), QStringList());
         Send(QtWarningMsg, QStringLiteral("kept"));
@@ -405,36 +405,37 @@ private Q_SLOTS:
         QCOMPARE(ForwardedTexts(), QStringList(QStringLiteral("kept")));
     }
 
-    void dropsByTypeBeforeTextFiltersAreAsked()
+    void doesNotCallTextFiltersAfterAFullFilterDropsTheMessage()
     {
         LogCapture const log;
         QtMsgType current = QtDebugMsg;
-        TheStage().inFullFilter = [&](QtMsgType type, QMessageLogContext const&, QString const&) { current = type; };
-        TheStage().filter = [&](QString const&, QString const&) { return current != QtWarningMsg; };
+        Shared().onFullFilter = [&](QtMsgType type, QMessageLogContext const&, QString const&) { current = type; };
+        Shared().filter = [&](QString const&, QString const&) { return current != QtWarningMsg; };
         QMessageLogger().warning("warning");
-        QCOMPARE(TheStage().filterCalls, QStringList(QStringLiteral("full 1")));
+        QCOMPARE(Shared().filterCalls, QStringList(QStringLiteral("full 1")));
         QMessageLogger().critical("critical");
         QCOMPARE(log.Texts(), QStringList(QStringLiteral("undefined:0 critical")));
         QCOMPARE(ForwardedTexts(), QStringList(QStringLiteral("critical")));
     }
 
-    void showsFiltersTheMessageAsItCame()
+    void passesTheMessageToFiltersUnchanged()
     {
         LogCapture const log;
         QMessageLogContext const context("main.cpp", 42, "function", "category");
         QString const text = QStringLiteral("a") + QChar(0) + QStringLiteral("\u20AC%1");
-        std::vector<Message> seen;
+        std::vector<Message> fullFilterMessages;
         QStringList texts;
-        TheStage().inFullFilter = [&](QtMsgType type, QMessageLogContext const& its, QString const& itsText) {
-            seen.push_back({type, &its, &itsText, itsText});
+        Shared().onFullFilter = [&](QtMsgType type, QMessageLogContext const& passedContext,
+                                    QString const& passedText) {
+            fullFilterMessages.push_back({type, &passedContext, &passedText, passedText});
         };
-        TheStage().filter = [&](QString const&, QString const& itsText) {
-            texts += itsText;
+        Shared().filter = [&](QString const&, QString const& passedText) {
+            texts += passedText;
             return true;
         };
         qt_message_output(QtInfoMsg, context, text);
-        QCOMPARE(seen.size(), std::size_t(3));
-        for (Message const& message : seen) {
+        QCOMPARE(fullFilterMessages.size(), std::size_t(3));
+        for (Message const& message : fullFilterMessages) {
             QCOMPARE(message.type, QtInfoMsg);
             QCOMPARE(message.context, &context);
             QCOMPARE(message.text, text);
@@ -442,27 +443,27 @@ private Q_SLOTS:
         QCOMPARE(texts, QStringList({text, text, text, text, text, text}));
     }
 
-    void showsFiltersMessagesOfAnUnknownType()
+    void passesMessagesOfAnUnknownTypeToFilters()
     {
         LogCapture const log;
-        TheStage().filter = [](QString const&, QString const&) { return false; };
+        Shared().filter = [](QString const&, QString const&) { return false; };
         Send(UnknownMsg, QStringLiteral("text"));
-        QCOMPARE(TheStage().filterCalls, QStringList(QStringLiteral("full 1")));
+        QCOMPARE(Shared().filterCalls, QStringList(QStringLiteral("full 1")));
         QCOMPARE(ForwardedTexts(), QStringList());
     }
 
-    void doesNothingMoreWhenUninstalled()
+    void ignoresMessagesAfterUninstall()
     {
         LogCapture const log;
-        TheStage().filter = [](QString const&, QString const&) { return false; };
+        Shared().filter = [](QString const&, QString const&) { return false; };
         Handler().Uninstall();
         QMessageLogger().warning("text");
         QCOMPARE(log.Texts(), QStringList());
-        QCOMPARE(TheStage().filterCalls, QStringList());
+        QCOMPARE(Shared().filterCalls, QStringList());
         QCOMPARE(ForwardedTexts(), QStringList(QStringLiteral("text")));
     }
 
-    void uninstallsOnce()
+    void ignoresASecondUninstall()
     {
         Handler().Uninstall();
         qInstallMessageHandler(IgnoreMessage);
@@ -470,7 +471,7 @@ private Q_SLOTS:
         QVERIFY(InstalledHandler() == IgnoreMessage);
     }
 
-    void installsOnce()
+    void ignoresASecondInstall()
     {
         LogCapture const log;
         Handler().Install();
@@ -482,21 +483,21 @@ private Q_SLOTS:
         QVERIFY(InstalledHandler() == Record);
     }
 
-    void leavesAnotherHandlerWhenInstalledAlready()
+    void doesNotReplaceAnotherHandlerWhenInstalledAlready()
     {
         qInstallMessageHandler(IgnoreMessage);
         Handler().Install();
         QVERIFY(InstalledHandler() == IgnoreMessage);
     }
 
-    void putsThePreviousHandlerInTheOthersPlace()
+    void replacesAnotherHandlerWithThePreviousOneOnUninstall()
     {
         qInstallMessageHandler(IgnoreMessage);
         Handler().Uninstall();
         QVERIFY(InstalledHandler() == Record);
     }
 
-    void keepsThePreviousHandlerForThoseWhoStillCallIt()
+    void forwardsWhenCalledAfterUninstall()
     {
         LogCapture const log;
         QtMessageHandler const handler = InstalledHandler();
@@ -508,7 +509,7 @@ private Q_SLOTS:
         QVERIFY(InstalledHandler() == IgnoreMessage);
     }
 
-    void forwardsToTheHandlerThatItReplacedLast()
+    void forwardsToTheHandlerReplacedLast()
     {
         LogCapture const log;
         Handler().Uninstall();
@@ -521,10 +522,10 @@ private Q_SLOTS:
         QVERIFY(InstalledHandler() == IgnoreMessage);
     }
 
-    void keepsFiltersAndSwitchesOverUninstallAndInstall()
+    void keepsFiltersAndSettingsAfterReinstallation()
     {
         LogCapture const log;
-        TheStage().filter = [](QString const&, QString const& text) { return text != QStringLiteral("dropped"); };
+        Shared().filter = [](QString const&, QString const& text) { return text != QStringLiteral("dropped"); };
         Handler().SetEnabledLogFileNameAndLineNumber(false);
         Handler().SetEnabledForwardIntoPreviousHandler(false);
         Handler().Uninstall();
@@ -535,15 +536,15 @@ private Q_SLOTS:
         QCOMPARE(ForwardedTexts(), QStringList());
     }
 
-    void takesFiltersAndSwitchesWhileUninstalled()
+    void acceptsFiltersAndSettingsWhileUninstalled()
     {
         LogCapture const log;
         Handler().Uninstall();
         Handler().SetEnabledLogFileNameAndLineNumber(false);
         Handler().SetEnabledForwardIntoPreviousHandler(false);
-        Handler().AddFilter([](QString const& text) { return text != QStringLiteral("taken while uninstalled"); });
+        Handler().AddFilter([](QString const& text) { return text != QStringLiteral("dropped by the new filter"); });
         Handler().Install();
-        QMessageLogger().warning("taken while uninstalled");
+        QMessageLogger().warning("dropped by the new filter");
         QMessageLogger().warning("kept");
         QCOMPARE(log.Texts(), QStringList(QStringLiteral("kept")));
         QCOMPARE(ForwardedTexts(), QStringList());
@@ -560,7 +561,7 @@ private Q_SLOTS:
         QCOMPARE(log.Texts(), QStringList(QStringLiteral("undefined:0 text")));
     }
 
-    void handlesMessagesOfManyThreadsAtOnce()
+    void handlesMessagesOfManyThreads()
     {
         constexpr int Threads = 8;
         constexpr int Messages = 100;

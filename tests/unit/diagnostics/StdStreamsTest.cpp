@@ -1,5 +1,7 @@
 #include <support/TestCase.h>
-#include <support/processes/Plays.h>
+#include <support/Timeouts.h>
+#include <support/processes/ChildMain.h>
+#include <support/processes/ChildProcess.h>
 
 #include <Util/StdStreams.h>
 
@@ -58,8 +60,6 @@ static_assert(std::is_same_v<Written<QLatin1String>, QTextStream&>);
 namespace
 {
 
-constexpr int Timeout = 60000;
-
 struct Pointers
 {
     QTextStream* in;
@@ -77,7 +77,7 @@ bool AreNull(Pointers const& pointers)
     return !pointers.in && !pointers.out && !pointers.error;
 }
 
-// Before main(), and so before anybody could make an initializer.
+// Initialized before main(), so before any code can create an initializer.
 Pointers const pointersWhenLoaded = CurrentPointers();
 
 long long SizeOfStandardOutput()
@@ -86,34 +86,16 @@ long long SizeOfStandardOutput()
     return fstat(STDOUT_FILENO, &status) == 0 ? static_cast<long long>(status.st_size) : -1;
 }
 
-// The other processes' side.
+// --- The child processes
 
-void PlayBuffering()
-{
-    std::vector<long long> sizes;
-    {
-        QtStdStreamsInitializer const streams;
-        *qoutPtr << QStringLiteral("text");
-        sizes.push_back(SizeOfStandardOutput());
-        qoutPtr->flush();
-        sizes.push_back(SizeOfStandardOutput());
-        *qoutPtr << QStringLiteral(" more");
-        sizes.push_back(SizeOfStandardOutput());
-    }
-    sizes.push_back(SizeOfStandardOutput());
-    for (long long const size : sizes) {
-        std::fprintf(stderr, "%lld ", size);
-    }
-}
-
-void PlayWritingToBoth()
+void WriteToBoth()
 {
     QtStdStreamsInitializer const streams;
     *qoutPtr << QStringLiteral("to output\n");
     *qerrPtr << QStringLiteral("to error\n");
 }
 
-void PlayEndingWithoutFlush()
+void ExitWithoutFlush()
 {
     QtStdStreamsInitializer const streams;
     *qoutPtr << QStringLiteral("lost");
@@ -121,14 +103,14 @@ void PlayEndingWithoutFlush()
     _exit(0);
 }
 
-void PlayStaticStreams()
+void UseStaticStreams()
 {
     static QtStdStreamsInitializer const streams;
     *qoutPtr << QStringLiteral("to output");
     *qerrPtr << QStringLiteral("to error");
 }
 
-void PlayStreamsTwice()
+void UseStreamsTwice()
 {
     std::printf("a");
     std::fflush(stdout);
@@ -141,7 +123,7 @@ void PlayStreamsTwice()
     std::fprintf(stderr, "d");
 }
 
-void PlayEcho()
+void EchoLines()
 {
     QtStdStreamsInitializer const streams;
     for (QString line; qinPtr->readLineInto(&line);) {
@@ -150,7 +132,7 @@ void PlayEcho()
     }
 }
 
-void PlaySum()
+void PrintSum()
 {
     QtStdStreamsInitializer const streams;
     int first = 0;
@@ -160,7 +142,7 @@ void PlaySum()
     *qoutPtr << QStringLiteral("sum ") << first + second << ' ' << word;
 }
 
-void PlayInputAfterwards()
+void ReadInputAfterwards()
 {
     QString line;
     {
@@ -171,33 +153,34 @@ void PlayInputAfterwards()
     std::printf("%d", next);
 }
 
-constexpr Play plays[] = {
-    {"buffering", PlayBuffering},
-    {"writing to both", PlayWritingToBoth},
-    {"ending without flush", PlayEndingWithoutFlush},
-    {"static streams", PlayStaticStreams},
-    {"streams twice", PlayStreamsTwice},
-    {"echo", PlayEcho},
-    {"sum", PlaySum},
-    {"input afterwards", PlayInputAfterwards},
+constexpr ChildMain childMains[] = {
+    {"WriteToBoth", WriteToBoth},
+    {"ExitWithoutFlush", ExitWithoutFlush},
+    {"UseStaticStreams", UseStaticStreams},
+    {"UseStreamsTwice", UseStreamsTwice},
+    {"EchoLines", EchoLines},
+    {"PrintSum", PrintSum},
+    {"ReadInputAfterwards", ReadInputAfterwards},
 };
 
-bool EndsWell(QProcess& process)
+bool Succeeds(QProcess& process)
 {
-    bool const ended = process.state() == QProcess::NotRunning || process.waitForFinished(Timeout);
-    return ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    bool const isFinished = process.state() == QProcess::NotRunning || process.waitForFinished(TimeoutMs);
+    return isFinished && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
-/// Runs a play that finds \a input on its standard input.
-bool Run(QProcess& process, char const* play, QByteArray const& input = QByteArray())
+// --- The tests
+
+/// Runs a child process with \a input as its standard input. Returns true if it succeeds.
+bool Run(QProcess& process, char const* childMain, QByteArray const& input = QByteArray())
 {
-    StartPlay(process, play);
+    StartChildMain(process, childMain);
     process.write(input);
     process.closeWriteChannel();
-    return EndsWell(process);
+    return Succeeds(process);
 }
 
-/// What came through a file, and the global pointers at that time.
+/// A write to a file, with the global pointers at that time.
 struct Flush
 {
     QByteArray file;
@@ -205,25 +188,25 @@ struct Flush
     Pointers pointers;
 };
 
-/// A file that tells of each write that reaches it.
-class WatchedFile
+/// File that records each write in a list of flushes.
+class RecordingFile
 {
 public:
-    WatchedFile(QByteArray name, std::vector<Flush>& flushes)
+    RecordingFile(QByteArray name, std::vector<Flush>& flushes)
         : name_(std::move(name))
         , flushes_(flushes)
         , file_(fopencookie(this, "w", {nullptr, Write, nullptr, nullptr}))
     {}
-    ~WatchedFile() { std::fclose(file_); }
-    WatchedFile(WatchedFile const&) = delete;
-    WatchedFile& operator=(WatchedFile const&) = delete;
+    ~RecordingFile() { std::fclose(file_); }
+    RecordingFile(RecordingFile const&) = delete;
+    RecordingFile& operator=(RecordingFile const&) = delete;
 
     operator FILE*() const { return file_; }
 
 private:
     static ssize_t Write(void* cookie, char const* text, size_t size)
     {
-        auto const* const self = static_cast<WatchedFile const*>(cookie);
+        auto const* const self = static_cast<RecordingFile const*>(cookie);
         self->flushes_.push_back({self->name_, QByteArray(text, static_cast<int>(size)), CurrentPointers()});
         return static_cast<ssize_t>(size);
     }
@@ -233,11 +216,11 @@ private:
     FILE* file_;
 };
 
-/// Has other files stand for the standard ones.
-class WatchedStandardFiles
+/// Replaces stdout and stderr with recording files during its lifetime.
+class RecordingStandardFiles
 {
 public:
-    explicit WatchedStandardFiles(std::vector<Flush>& flushes)
+    explicit RecordingStandardFiles(std::vector<Flush>& flushes)
         : out_("output", flushes)
         , error_("error", flushes)
     {
@@ -245,17 +228,17 @@ public:
         stdout = out_;
         stderr = error_;
     }
-    ~WatchedStandardFiles()
+    ~RecordingStandardFiles()
     {
         stdout = realOut_;
         stderr = realError_;
     }
-    WatchedStandardFiles(WatchedStandardFiles const&) = delete;
-    WatchedStandardFiles& operator=(WatchedStandardFiles const&) = delete;
+    RecordingStandardFiles(RecordingStandardFiles const&) = delete;
+    RecordingStandardFiles& operator=(RecordingStandardFiles const&) = delete;
 
 private:
-    WatchedFile out_;
-    WatchedFile error_;
+    RecordingFile out_;
+    RecordingFile error_;
     FILE* const realOut_ = stdout;
     FILE* const realError_ = stderr;
 };
@@ -287,7 +270,7 @@ private Q_SLOTS:
         QVERIFY(AreNull(CurrentPointers()));
     }
 
-    void pointersAreSetWhileAnInitializerLives()
+    void pointersAreSetDuringTheLifetimeOfAnInitializer()
     {
         {
             QtStdStreamsInitializer const streams;
@@ -301,7 +284,7 @@ private Q_SLOTS:
         QVERIFY(AreNull(CurrentPointers()));
     }
 
-    void streamsAreMembersInTheirOrder()
+    void streamsAreMembersInDeclarationOrder()
     {
         QtStdStreamsInitializer const streams;
         auto const* const begin = reinterpret_cast<char const*>(&streams);
@@ -326,40 +309,40 @@ private Q_SLOTS:
         QCOMPARE(qerrPtr->device()->openMode(), QIODevice::OpenMode(QIODevice::WriteOnly));
     }
 
-    void aSecondInitializerTakesThePointersOver()
+    void secondInitializerReplacesThePointers()
     {
         QtStdStreamsInitializer const first;
-        Pointers const ofFirst = CurrentPointers();
+        Pointers const firstPointers = CurrentPointers();
         QtStdStreamsInitializer const second;
         QVERIFY(qinPtr && qoutPtr && qerrPtr);
-        QVERIFY(qinPtr != ofFirst.in);
-        QVERIFY(qoutPtr != ofFirst.out);
-        QVERIFY(qerrPtr != ofFirst.error);
+        QVERIFY(qinPtr != firstPointers.in);
+        QVERIFY(qoutPtr != firstPointers.out);
+        QVERIFY(qerrPtr != firstPointers.error);
     }
 
-    void theEndOfEitherInitializerNullsThePointers_data()
+    void destructionOfEitherInitializerResetsThePointers_data()
     {
-        QTest::addColumn<int>("ending");
+        QTest::addColumn<int>("firstDestroyed");
         QTest::newRow("first") << 0;
         QTest::newRow("second") << 1;
     }
 
-    void theEndOfEitherInitializerNullsThePointers()
+    void destructionOfEitherInitializerResetsThePointers()
     {
-        QFETCH(int, ending);
+        QFETCH(int, firstDestroyed);
         std::array<std::optional<QtStdStreamsInitializer>, 2> streams;
         streams[0].emplace();
         streams[1].emplace();
-        streams[static_cast<std::size_t>(ending)].reset();
+        streams[static_cast<std::size_t>(firstDestroyed)].reset();
         QVERIFY(AreNull(CurrentPointers()));
-        streams[static_cast<std::size_t>(1 - ending)].reset();
+        streams[static_cast<std::size_t>(1 - firstDestroyed)].reset();
         QVERIFY(AreNull(CurrentPointers()));
     }
 
-    void theFirstInitializersStreamsGoOnBesideASecond()
+    void streamsOfTheFirstInitializerRemainUsable()
     {
         std::vector<Flush> flushes;
-        WatchedStandardFiles const files(flushes);
+        RecordingStandardFiles const files(flushes);
         {
             QtStdStreamsInitializer const first;
             ConsoleOutputStream* const out = qoutPtr;
@@ -375,7 +358,7 @@ private Q_SLOTS:
     void nothingIsWrittenBeforeAFlush()
     {
         std::vector<Flush> flushes;
-        WatchedStandardFiles const files(flushes);
+        RecordingStandardFiles const files(flushes);
         QtStdStreamsInitializer const streams;
         *qoutPtr << QStringLiteral("to output\n");
         *qerrPtr << QStringLiteral("to error\n");
@@ -390,10 +373,10 @@ private Q_SLOTS:
         QCOMPARE(flushes.back().text, QByteArray("to error\n"));
     }
 
-    void theEndNullsThePointersThenFlushesErrorThenOutput()
+    void destructorResetsThePointersThenFlushesErrorThenOutput()
     {
         std::vector<Flush> flushes;
-        WatchedStandardFiles const files(flushes);
+        RecordingStandardFiles const files(flushes);
         {
             QtStdStreamsInitializer const streams;
             *qoutPtr << QStringLiteral("to output");
@@ -408,14 +391,26 @@ private Q_SLOTS:
         QVERIFY(AreNull(flushes[1].pointers));
     }
 
-    void outputReachesItsFileWithTheFlush()
+    void flushWritesToTheFile()
     {
         QTemporaryDir const folder;
         QString const path = folder.filePath(QStringLiteral("output"));
-        QProcess process;
-        process.setStandardOutputFile(path);
-        QVERIFY(Run(process, "buffering"));
-        QCOMPARE(process.readAllStandardError(), QByteArray("0 4 4 9 "));
+        std::fflush(stdout); // otherwise the child process would write the buffered output too
+        QVector<qlonglong> const sizes = RunInChild([&path] {
+            QVector<qlonglong> sizesInChild;
+            if (std::freopen(QFile::encodeName(path).constData(), "w", stdout)) {
+                QtStdStreamsInitializer const streams;
+                *qoutPtr << QStringLiteral("text");
+                sizesInChild += SizeOfStandardOutput();
+                qoutPtr->flush();
+                sizesInChild += SizeOfStandardOutput();
+                *qoutPtr << QStringLiteral(" more");
+                sizesInChild += SizeOfStandardOutput();
+            }
+            sizesInChild += SizeOfStandardOutput();
+            return sizesInChild;
+        });
+        QCOMPARE(sizes, (QVector<qlonglong>{0, 4, 4, 9}));
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), QByteArray("text more"));
@@ -424,7 +419,7 @@ private Q_SLOTS:
     void outputIsLostWithoutAFlush()
     {
         QProcess process;
-        QVERIFY(Run(process, "ending without flush"));
+        QVERIFY(Run(process, "ExitWithoutFlush"));
         QCOMPARE(process.readAllStandardOutput(), QByteArray());
         QCOMPARE(process.readAllStandardError(), QByteArray());
     }
@@ -432,88 +427,88 @@ private Q_SLOTS:
     void eachStreamWritesToItsOwnFile()
     {
         QProcess process;
-        QVERIFY(Run(process, "writing to both"));
+        QVERIFY(Run(process, "WriteToBoth"));
         QCOMPARE(process.readAllStandardOutput(), QByteArray("to output\n"));
         QCOMPARE(process.readAllStandardError(), QByteArray("to error\n"));
     }
 
-    void errorComesOutBeforeOutput()
+    void errorIsFlushedBeforeOutput()
     {
         QProcess process;
         process.setProcessChannelMode(QProcess::MergedChannels);
-        QVERIFY(Run(process, "writing to both"));
+        QVERIFY(Run(process, "WriteToBoth"));
         QCOMPARE(process.readAllStandardOutput(), QByteArray("to error\nto output\n"));
     }
 
     void staticStreamsAreFlushedAtExit()
     {
         QProcess process;
-        QVERIFY(Run(process, "static streams"));
+        QVERIFY(Run(process, "UseStaticStreams"));
         QCOMPARE(process.readAllStandardOutput(), QByteArray("to output"));
         QCOMPARE(process.readAllStandardError(), QByteArray("to error"));
     }
 
-    void theStandardFilesStayOpen()
+    void standardFilesRemainOpen()
     {
         QProcess process;
-        QVERIFY(Run(process, "streams twice"));
+        QVERIFY(Run(process, "UseStreamsTwice"));
         QCOMPARE(process.readAllStandardOutput(), QByteArray("abcd"));
         QCOMPARE(process.readAllStandardError(), QByteArray("bcd"));
     }
 
-    void standardInputStaysOpen()
+    void standardInputRemainsOpen()
     {
         QProcess process;
-        QVERIFY(Run(process, "input afterwards", "A"));
+        QVERIFY(Run(process, "ReadInputAfterwards", "A"));
         QCOMPARE(process.readAllStandardOutput(), QByteArray("65"));
     }
 
-    void inputIsReadByLines_data()
+    void inputIsReadLineByLine_data()
     {
         QTest::addColumn<QByteArray>("input");
         QTest::addColumn<QByteArray>("output");
-        QTest::newRow("nothing") << QByteArray() << QByteArray();
+        QTest::newRow("empty input") << QByteArray() << QByteArray();
         QTest::newRow("one line") << QByteArray("line\n") << QByteArray("[line]\n");
-        QTest::newRow("last line without an end") << QByteArray("a\nb") << QByteArray("[a]\n[b]\n");
+        QTest::newRow("last line without line feed") << QByteArray("a\nb") << QByteArray("[a]\n[b]\n");
         QTest::newRow("empty lines") << QByteArray("\n\na\n") << QByteArray("[]\n[]\n[a]\n");
-        QTest::newRow("line ends of Windows") << QByteArray("a\r\nb\r\n") << QByteArray("[a]\n[b]\n");
-        QTest::newRow("blanks") << QByteArray(" a  b \n") << QByteArray("[ a  b ]\n");
-        QTest::newRow("beyond ASCII") << QByteArray("\xC3\xA4\xE2\x82\xAC\xF0\x9D\x84\x9E\n")
-                                      << QByteArray("[\xC3\xA4\xE2\x82\xAC\xF0\x9D\x84\x9E]\n");
+        QTest::newRow("Windows line ends") << QByteArray("a\r\nb\r\n") << QByteArray("[a]\n[b]\n");
+        QTest::newRow("spaces") << QByteArray(" a  b \n") << QByteArray("[ a  b ]\n");
+        QTest::newRow("non-ASCII text") << QByteArray("\xC3\xA4\xE2\x82\xAC\xF0\x9D\x84\x9E\n")
+                                        << QByteArray("[\xC3\xA4\xE2\x82\xAC\xF0\x9D\x84\x9E]\n");
         QTest::newRow("long line") << QByteArray(100000, 'x') + '\n' << '[' + QByteArray(100000, 'x') + "]\n";
     }
 
-    void inputIsReadByLines()
+    void inputIsReadLineByLine()
     {
         QFETCH(QByteArray, input);
         QFETCH(QByteArray, output);
         QProcess process;
-        QVERIFY(Run(process, "echo", input));
+        QVERIFY(Run(process, "EchoLines", input));
         QCOMPARE(process.readAllStandardOutput(), output);
     }
 
-    void linesAreReadAsTheyCome()
+    void linesAreReadWhenTheyArrive()
     {
         QProcess process;
-        StartPlay(process, "echo");
+        StartChildMain(process, "EchoLines");
         for (QByteArray const& line : {QByteArray("first"), QByteArray("second"), QByteArray("third")}) {
             process.write(line + '\n');
-            while (!process.canReadLine() && process.waitForReadyRead(Timeout)) {
+            while (!process.canReadLine() && process.waitForReadyRead(TimeoutMs)) {
             }
             QCOMPARE(process.readLine(), '[' + line + "]\n");
         }
         process.closeWriteChannel();
-        QVERIFY(EndsWell(process));
+        QVERIFY(Succeeds(process));
     }
 
-    void inputIsReadByValues()
+    void valuesAreReadFromInput()
     {
         QProcess process;
-        QVERIFY(Run(process, "sum", "40\n 2.5 word"));
+        QVERIFY(Run(process, "PrintSum", "40\n 2.5 word"));
         QCOMPARE(process.readAllStandardOutput(), QByteArray("sum 42.5 word"));
     }
 
-    void writingATextReturnsTheStream()
+    void insertionOfATextReturnsTheStream()
     {
         FileOwner const file(std::tmpfile());
         QVERIFY(file);
@@ -524,7 +519,7 @@ private Q_SLOTS:
         QCOMPARE(&afterNumber, static_cast<QTextStream*>(&stream));
     }
 
-    void textsAndOtherValuesAreChained()
+    void insertionsAreChained()
     {
         FileOwner const file(std::tmpfile());
         QVERIFY(file);
@@ -549,7 +544,7 @@ private Q_SLOTS:
         QCOMPARE(ContentOf(file.get()), QByteArray("   ab   cd"));
     }
 
-    void aStreamWritesToTheFileItIsGivenAndLeavesItOpen()
+    void streamWritesToItsFileAndKeepsItOpen()
     {
         FileOwner const file(std::tmpfile());
         QVERIFY(file);
@@ -562,7 +557,7 @@ private Q_SLOTS:
         QCOMPARE(ContentOf(file.get()), QByteArray("ab"));
     }
 
-    void aStreamIsFlushedThroughItsBase()
+    void destructionThroughTheBaseFlushesTheStream()
     {
         FileOwner const file(std::tmpfile());
         QVERIFY(file);
@@ -576,7 +571,7 @@ private Q_SLOTS:
 
 int main(int argc, char** argv)
 {
-    return IsPlay(argc, argv) ? RunPlay(argc, argv, plays) : RunTests<StdStreamsTest>(argc, argv, false);
+    return IsChildMain(argc, argv) ? RunChildMain(argc, argv, childMains) : RunTests<StdStreamsTest>(argc, argv, false);
 }
 
 #include "StdStreamsTest.moc"
