@@ -25,7 +25,7 @@ class ColoursDialog : public QDialog
 
 public:
     /// Creates a dialog for a copy of \a notes. Its buttons trigger the actions \a undo and \a redo, which belong to
-    /// the caller and must outlive the dialog.
+    /// the caller.
     ColoursDialog(std::vector<Note> const& notes, QAction* undo, QAction* redo, QWidget* parent = nullptr);
 
     QUndoStack* Commands() { return &commands_; }

@@ -82,8 +82,8 @@ std::optional<QString> CommandLine::Screenshots() const
     return parser_.isSet(screenshots_) ? std::make_optional(parser_.value(screenshots_)) : std::nullopt;
 }
 
-// The parser replaces bytes that are not UTF-8, which changes the path. Returns the original argument with the same
-// text.
+// The parser works on QStrings, which cannot hold bytes that are not UTF-8. Returns the path from the original argument
+// that has the same text.
 std::optional<ioPath> CommandLine::PathValue(QCommandLineOption const& option) const
 {
     if (!parser_.isSet(option)) {

@@ -46,7 +46,7 @@ private:
     QString NameOf(QObject const* client) const;
     void Update();
 
-    ExclusiveService device_; // destroyed before the clients, which are child objects of the page
+    ExclusiveService device_; // destroyed before its clients, which are child objects and permit that
     std::vector<Player> players_;
     StatusLabel* holderLabel_;
     Timeline* timeline_;

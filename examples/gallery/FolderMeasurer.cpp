@@ -92,7 +92,7 @@ void FolderMeasurer::Measurement::MeasureAll(Entries const& entries)
     for (FolderEntry const& entry : entries) {
         Measure(row++, entry);
     }
-    // Cancel() may have been called after the job that lists the folder returned. It did not cancel these new tasks.
+    // Cancel() may have been called when the listing job had already returned, and could not cancel these new tasks.
     if (totals_.cancelled) {
         Cancel();
     }

@@ -37,9 +37,9 @@ struct FolderTotals
 ///
 /// All signals are emitted on the thread of the object, which needs an event loop.
 ///
-/// Destroy the object only after BecameIdle(), for example when the closed main window is destroyed. While IsBusy()
-/// returns true, the destructor blocks until the current entry is measured, and the tasks of the other entries leak. Do
-/// not destroy the object in a slot connected to one of its signals.
+/// Destroy the object only while IsBusy() returns false. Otherwise the destructor blocks until the current entry is
+/// measured, and the tasks of the other entries leak. Do not destroy the object in a slot connected to one of its
+/// signals.
 class FolderMeasurer : public QObject
 {
     Q_OBJECT
@@ -51,8 +51,8 @@ public:
     /// Starts to measure \a folder. A measurement that is still running is cancelled and emits no more signals.
     void Start(ioPath const& folder);
 
-    /// Requests the current measurement to stop. The entry that is being measured cannot be interrupted and is reported
-    /// first. The waiting entries are then reported as cancelled.
+    /// Cancels the current measurement. The entry that is being measured cannot be interrupted and is reported first.
+    /// The waiting entries are then reported as cancelled.
     void Cancel();
 
     /// Returns true while the current measurement or an earlier one is running.

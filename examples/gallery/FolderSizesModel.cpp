@@ -38,7 +38,7 @@ QString ToolTip(FolderEntry const& entry, int column)
     } else if (column == FolderSizesModel::State) {
         text = PathListText(entry.unmeasured, ToolTipPaths);
     }
-    // Qt shows a tool tip as rich text if it looks like markup. Escape the text, because a name may contain "<".
+    // Rich text prevents word wrap. Escape the text, because a name may contain "<".
     return text.isEmpty() ? text : QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text.toHtmlEscaped());
 }
 

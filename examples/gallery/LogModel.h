@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Keeps the most recent lines, at most 2000.
+/// Keeps the most recent lines and drops older ones.
 class LogModel : public QAbstractTableModel
 {
     Q_OBJECT

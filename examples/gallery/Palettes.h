@@ -16,7 +16,7 @@ QPalette LightPalette();
 /// Returns the dark palette for the screenshots.
 QPalette DarkPalette();
 
-/// Returns true if \a palette, which can be any palette, has a dark background.
+/// Returns true if \a palette has a dark background. Works for any palette.
 bool IsDark(QPalette const& palette);
 
 } // namespace Gallery

@@ -188,7 +188,7 @@ void PathsPage::CheckAccess(QString const& path)
     auto const show = [](StatusLabel* label, bool can) {
         label->Show(can ? tr("Yes") : tr("No"), can ? Tone::Good : Tone::Bad);
     };
-    // These functions would take an empty path for the current folder.
+    // These functions treat an empty path as the current folder.
     show(creatableLabel_, !path.isEmpty() && Util::CanCreateFileIn(path));
     show(readableLabel_, !path.isEmpty() && Util::CanReadFileIn(path));
     long long const space = path.isEmpty() ? 0 : Util::GetAvailableDiskSpace(Util::QStringToUtf8(path));

@@ -56,7 +56,8 @@ void Style::DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidge
     QProxyStyle::drawPrimitive(PE_IndicatorHeaderArrow, &header, painter, widget);
 }
 
-// Fusion draws the outline in a darker shade of the window colour, which is invisible on a dark background.
+// Fusion draws the outline in a darker shade of the window colour, which is invisible on a dark background. Pass a
+// lighter window colour.
 void Style::DrawCheckBox(QStyleOptionButton box, QPainter* painter, QWidget const* widget) const
 {
     if (IsDark(box.palette)) {

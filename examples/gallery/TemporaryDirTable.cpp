@@ -88,7 +88,7 @@ void TemporaryDirTable::AddRemoveButton(int row)
 {
     auto* const button = new QPushButton(tr("Remove"));
     button->setAccessibleName(tr("Remove %1").arg(item(row, Path)->text()));
-    // Queued, because Remove() deletes the button together with its row, which must not happen in its own signal.
+    // Queued: Remove() deletes the button with its row, which must not happen while the button emits clicked().
     connect(
         button, &QPushButton::clicked, this, [this, dir = dirs_.back().get()] { Remove(dir); }, Qt::QueuedConnection);
     setCellWidget(row, RemoveButton, button);

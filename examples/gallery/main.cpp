@@ -43,7 +43,7 @@ int RunWithWindows(int& argc, char** argv, CommandLine const& commandLine)
     if (screenshots) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-    // The simple QML view of the List model page does not need OpenGL, which some machines and containers lack.
+    // Software rendering is fast enough for the QML view of the List model page, and works without OpenGL.
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     QApplication const application(argc, argv);
     QApplication::setStyle(new Style);
