@@ -387,7 +387,7 @@ private Q_SLOTS:
         QCOMPARE(result.exitCode, SIGABRT);
     }
 
-    void doesNotPreventTheAbortByAFilter()
+    void abortsAlthoughAFilterDropsTheMessage()
     {
         Result const result = RunChildProcess("AbortWithDroppedFatalMessage");
         QCOMPARE(result.output, QByteArray());

@@ -288,7 +288,7 @@ private Q_SLOTS:
         QCOMPARE(ForwardedTexts(), QStringList(text));
     }
 
-    void logsTheTextOnlyWhenTheLocationIsDisabled()
+    void omitsTheSourceLocationWhenDisabled()
     {
         LogCapture const log;
         QMessageLogger const logger("main.cpp", 42, "function");

@@ -163,13 +163,13 @@ constexpr ChildMain childMains[] = {
     {"ReadInputAfterwards", ReadInputAfterwards},
 };
 
-bool Succeeds(QProcess& process)
+// --- The tests
+
+bool WaitForSuccess(QProcess& process)
 {
     bool const isFinished = process.state() == QProcess::NotRunning || process.waitForFinished(TimeoutMs);
     return isFinished && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
-
-// --- The tests
 
 /// Runs a child process with \a input as its standard input. Returns true if it succeeds.
 bool Run(QProcess& process, char const* childMain, QByteArray const& input = QByteArray())
@@ -177,7 +177,7 @@ bool Run(QProcess& process, char const* childMain, QByteArray const& input = QBy
     StartChildMain(process, childMain);
     process.write(input);
     process.closeWriteChannel();
-    return Succeeds(process);
+    return WaitForSuccess(process);
 }
 
 /// A write to a file, with the global pointers at that time.
@@ -498,7 +498,7 @@ private Q_SLOTS:
             QCOMPARE(process.readLine(), '[' + line + "]\n");
         }
         process.closeWriteChannel();
-        QVERIFY(Succeeds(process));
+        QVERIFY(WaitForSuccess(process));
     }
 
     void valuesAreReadFromInput()

@@ -662,7 +662,7 @@ private Q_SLOTS:
         QCOMPARE(result, time);
     }
 
-    void returnsAnInvalidTimeFromADay_data()
+    void returnsAnInvalidTimeForADayOrMore_data()
     {
         QTest::addColumn<long>("seconds");
         QTest::newRow("a day") << 86400L;
@@ -671,7 +671,7 @@ private Q_SLOTS:
         QTest::newRow("longest") << Longest;
     }
 
-    void returnsAnInvalidTimeFromADay()
+    void returnsAnInvalidTimeForADayOrMore()
     {
         QFETCH(long, seconds);
         QVERIFY(!DurationInSecondsToQTime(seconds).isValid());
