@@ -9,17 +9,19 @@
 namespace Zelkor::Testing
 {
 
-/// What an application sees of a mistake that the library complains about by throwing.
+/// The parts of an exception that the library throws for a programming error.
 struct ProgrammingError
 {
-    QString message; // the first line of the text
-    QString callStack;
+    QString message;   // first line of what()
+    QString callStack; // remaining lines of what()
     QString file;
     QString function;
     int line = 0;
 };
 
-/// Calls \a call and returns the complaint, an \a Error thrown with its source location; empty when nothing is thrown.
+/// Calls \a call and returns the parts of the exception that it throws. Returns an empty record if nothing is thrown.
+///
+/// Only exceptions of class \a Error that carry a source location are caught. Others propagate to the caller.
 template <class Error, class Call>
 ProgrammingError CatchProgrammingError(Call const& call)
 {

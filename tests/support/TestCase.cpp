@@ -36,9 +36,9 @@ QtMessages& Messages()
     return messages;
 }
 
-/// What the platform plugins say of windows that are as they should be: the offscreen one of what it does not need, the
-/// one for X11 when a window ends whose frame it was looking for.
-bool IsOfThePlatform(QString const& text)
+/// Returns true for harmless messages of the platform plugins. The offscreen plugin warns about calls that it does not
+/// support. The xcb plugin warns when a window is destroyed while its frame is queried.
+bool IsPlatformNoise(QString const& text)
 {
     static QRegularExpression const pattern(QStringLiteral(
         "^This plugin does not support (propagateSizeHints\\(\\)|raise\\(\\)|grabbing the keyboard)$"
@@ -48,7 +48,7 @@ bool IsOfThePlatform(QString const& text)
 
 void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString const& text)
 {
-    if (IsOfThePlatform(text)) {
+    if (IsPlatformNoise(text)) {
         return;
     }
     QtMessages& messages = Messages();
@@ -68,17 +68,17 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString 
     }
 }
 
-/// That the program runs on the display that its launcher promises, if there is one: without its screens the tests
-/// would pass, and tell nothing of them.
+/// Checks the screens against ZQTUTIL_TEST_SCREENS. Without this check, the tests that need several screens would pass
+/// on one screen and cover nothing.
 void VerifyScreens()
 {
-    int const promised = qEnvironmentVariableIntValue("ZQTUTIL_TEST_SCREENS");
-    if (promised == 0) {
+    int const expected = qEnvironmentVariableIntValue("ZQTUTIL_TEST_SCREENS");
+    if (expected == 0) {
         return;
     }
     QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
     auto const screens = QGuiApplication::screens();
-    QCOMPARE(screens.size(), promised);
+    QCOMPARE(screens.size(), expected);
     for (QScreen const* const screen : screens) {
         QCOMPARE(screen->virtualSiblings(), screens);
         for (QScreen const* const other : screens) {
@@ -107,7 +107,7 @@ void StartLogging(char const* program)
 {
     google::InitGoogleLogging(program);
     for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
-        google::SetLogDestination(severity, ""); // no files
+        google::SetLogDestination(severity, ""); // empty name: no log file
     }
     google::SetStderrLogging(google::GLOG_FATAL);
     google::AddLogSink(&LogWatch::Instance());
@@ -123,7 +123,7 @@ void TestCase::ExpectQtWarning(QRegularExpression const& pattern)
 
 void TestCase::initTestCase()
 {
-    // QtTest has installed its own handler by now, and prints what passes through ours.
+    // QtTest has already installed its own handler. Ours filters the messages and forwards the rest to it.
     Messages().next = qInstallMessageHandler(HandleQtMessage);
     VerifyScreens();
 }
@@ -136,21 +136,21 @@ void TestCase::init()
 void TestCase::cleanup()
 {
     TearDown();
-    QStringList complaints;
+    QStringList failures;
     {
         std::lock_guard<std::mutex> const lock(Messages().guard);
         for (QString const& text : std::exchange(Messages().unexpected, {})) {
-            complaints += QStringLiteral("unexpected Qt warning: ") + text;
+            failures += QStringLiteral("unexpected Qt warning: ") + text;
         }
         for (QRegularExpression const& pattern : std::exchange(Messages().expected, {})) {
-            complaints += QStringLiteral("expected Qt warning did not come: ") + pattern.pattern();
+            failures += QStringLiteral("missing Qt warning: ") + pattern.pattern();
         }
     }
     QVector<LogLine> const unexpected = LogWatch::Instance().TakeUnexpected();
     for (LogLine const& line : unexpected) {
-        complaints += QStringLiteral("unexpected log line: ") + line.text;
+        failures += QStringLiteral("unexpected log line: ") + line.text;
     }
-    QVERIFY2(complaints.isEmpty(), qPrintable(complaints.join(QLatin1Char('\n'))));
+    QVERIFY2(failures.isEmpty(), qPrintable(failures.join(QLatin1Char('\n'))));
 }
 
 void TestCase::cleanupTestCase()

@@ -6,22 +6,29 @@
 namespace Zelkor::Testing
 {
 
-/// What every test of the tree derives from. A Qt warning that was not announced, an announced one that did not come,
-/// and a glog warning or error that no LogCapture was there for fail the test function in which they happen.
+/// Base class of all test classes. A test function fails in each of these cases:
+/// - Qt logs a warning that ExpectQtWarning() did not announce.
+/// - Qt does not log a warning that ExpectQtWarning() announced.
+/// - glog logs a warning or an error while no LogCapture exists.
 ///
-/// With ZQTUTIL_TEST_SCREENS in the environment the program must find that many screens side by side on an X server.
+/// If the environment variable ZQTUTIL_TEST_SCREENS is set, initTestCase() checks that the program runs on an X server
+/// with that number of screens, and that the screens form one desktop and do not overlap.
 ///
-/// QtTest's own slots are taken; a test overrides SetUp() and TearDown() instead.
+/// This class implements QtTest's slots initTestCase(), init(), cleanup() and cleanupTestCase(). Derived classes
+/// override SetUp() and TearDown() instead.
 class TestCase : public QObject
 {
     Q_OBJECT
 
 protected:
-    /// Announces a Qt warning (or worse) that matches \a pattern, on any thread, before the test function ends.
+    /// Announces one Qt message of type warning or critical whose text matches \a pattern. Any thread may log it, at
+    /// any time until TearDown() returns. Can be called from any thread.
     static void ExpectQtWarning(QRegularExpression const& pattern);
 
-    /// Before and after each row of each test function.
+    /// Called before each data row of each test function.
     virtual void SetUp() {}
+
+    /// Called after each data row of each test function, also if the test function failed.
     virtual void TearDown() {}
 
 private Q_SLOTS:
@@ -31,10 +38,17 @@ private Q_SLOTS:
     void cleanupTestCase();
 };
 
-/// Runs the tests of \a test, made after the environment is pinned: locale C.UTF-8, time zone UTC, and a home and a
-/// temporary folder of the program's own, removed at the end.
+/// Runs the tests of one class and returns the number of failures.
+///
+/// Before the test object is created, the function sets a fixed environment: locale C.UTF-8, time zone UTC, and one new
+/// temporary folder that serves as the home, temporary and runtime folder. The folder is removed on return.
+///
+/// \param argc, argv   The arguments of main(). QtTest evaluates them.
+/// \param withWidgets  True to create a QApplication, false to create a QCoreApplication.
+/// \param makeTest     Creates the test object. RunTests() takes ownership.
 int RunTests(int argc, char** argv, bool withWidgets, QObject* (*makeTest)());
 
+/// Overload that default-constructs a test object of class \a Test.
 template <class Test>
 int RunTests(int argc, char** argv, bool withWidgets)
 {
@@ -43,14 +57,14 @@ int RunTests(int argc, char** argv, bool withWidgets)
 
 } // namespace Zelkor::Testing
 
-/// The main function of a test program without widgets.
+/// Defines main() of a test program without widgets.
 #define ZQTUTIL_TEST_MAIN(Test)                                                                                        \
     int main(int argc, char** argv)                                                                                    \
     {                                                                                                                  \
         return Zelkor::Testing::RunTests<Test>(argc, argv, false);                                                     \
     }
 
-/// The main function of a test program with widgets, on the platform plugin that the environment names.
+/// Defines main() of a test program with widgets. QT_QPA_PLATFORM selects the platform plugin.
 #define ZQTUTIL_WIDGET_TEST_MAIN(Test)                                                                                 \
     int main(int argc, char** argv)                                                                                    \
     {                                                                                                                  \

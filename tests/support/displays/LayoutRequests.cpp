@@ -8,7 +8,7 @@
 namespace Zelkor::Testing
 {
 
-bool FollowsItsChildren(QWidget& container)
+bool RequestsLayoutForNewChild(QWidget& container)
 {
     class LayoutRequests : public QObject
     {
@@ -22,7 +22,8 @@ bool FollowsItsChildren(QWidget& container)
         }
     } requests;
 
-    for (int i = 0; i < 10 && container.layout()->activate(); ++i) { // the text finds its height in more than one pass
+    // A label with word wrap needs several passes until its height is stable. The limit prevents an endless loop.
+    for (int i = 0; i < 10 && container.layout()->activate(); ++i) {
     }
     QCoreApplication::removePostedEvents(&container, QEvent::LayoutRequest);
     container.installEventFilter(&requests);

@@ -9,7 +9,8 @@ QT_END_NAMESPACE
 namespace Zelkor::Testing
 {
 
-/// Whether \a container is laid out again when it gets a child that its layout does not know.
-bool FollowsItsChildren(QWidget& container);
+/// Returns true if adding a child object to \a container requests a new layout, although the layout of \a container
+/// does not manage that child. Plain Qt widgets return false; containers with a layout controller return true.
+bool RequestsLayoutForNewChild(QWidget& container);
 
 } // namespace Zelkor::Testing

@@ -1,21 +1,37 @@
 #pragma once
 
 #include <QtCore/QStringList>
+#include <QtCore/QVector>
 #include <QtWidgets/QProxyStyle>
 
-#include <functional>
+#include <initializer_list>
+#include <vector>
 
 namespace Zelkor::Testing
 {
 
-/// Qt's own style, which notes what is polished, each with what a function tells of the widget at that time.
+/// The Fusion style of Qt. Records every call of polish(QWidget*) and unpolish(QWidget*).
 class RecordingStyle : public QProxyStyle
 {
 public:
-    explicit RecordingStyle(std::function<QString(QWidget const& widget)> describe);
+    enum class Operation { Polish, Unpolish };
 
-    /// "polish" or "unpolish", and the description.
-    QStringList log;
+    struct Call
+    {
+        Operation operation;
+        QWidget const* widget; // for comparison only: the widget may have been destroyed since the call
+        QStringList values;    // values of the recorded properties at the time of the call
+    };
+    using Calls = QVector<Call>;
+
+    /// \param properties  Names of the widget properties to record at each call. The names are not copied.
+    explicit RecordingStyle(std::initializer_list<char const*> properties = {});
+
+    /// All calls since construction or the last clear(), in order.
+    Calls calls;
+
+    /// Returns the calls for \a widget, in order.
+    Calls CallsFor(QWidget const* widget) const;
 
     using QProxyStyle::polish;
     using QProxyStyle::unpolish;
@@ -24,7 +40,18 @@ public:
     void unpolish(QWidget* widget) override;
 
 private:
-    std::function<QString(QWidget const& widget)> describe_;
+    void Record(Operation operation, QWidget const* widget);
+
+    std::vector<char const*> properties_;
 };
+
+bool operator==(RecordingStyle::Call const& a, RecordingStyle::Call const& b);
+
+/// Formats \a calls for the failure messages of QCOMPARE. QtTest deletes the returned text.
+char* toString(RecordingStyle::Calls const& calls);
+
+/// Returns the two calls that polish \a widget again: unpolish(), then polish(). Both have the property values \a
+/// values.
+RecordingStyle::Calls Repolishing(QWidget const* widget, QStringList const& values = {});
 
 } // namespace Zelkor::Testing

@@ -7,7 +7,7 @@
 namespace Zelkor::Testing
 {
 
-QVector<QRect> Screens()
+QVector<QRect> ScreenGeometries()
 {
     QVector<QRect> geometries;
     auto const screens = QGuiApplication::screens();
@@ -17,10 +17,10 @@ QVector<QRect> Screens()
     return geometries;
 }
 
-void AddScreens()
+void AddScreenRows()
 {
     QTest::addColumn<QRect>("screen");
-    QVector<QRect> const screens = Screens();
+    QVector<QRect> const screens = ScreenGeometries();
     for (int i = 0; i < screens.size(); ++i) {
         QTest::addRow("screen %d", i) << screens.at(i);
     }

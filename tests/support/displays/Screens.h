@@ -6,10 +6,11 @@
 namespace Zelkor::Testing
 {
 
-/// The geometries of the screens, the primary one first: one on the offscreen platform, several on a display.
-QVector<QRect> Screens();
+/// Returns the geometries of all screens. The first one is the primary screen. The offscreen platform has one screen;
+/// the X server of the tests has several.
+QVector<QRect> ScreenGeometries();
 
-/// The data of a test function with a row for each screen, and its geometry in the column "screen".
-void AddScreens();
+/// Adds the column "screen" of type QRect to the current test data, and one row with the geometry of each screen.
+void AddScreenRows();
 
 } // namespace Zelkor::Testing

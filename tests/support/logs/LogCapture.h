@@ -8,17 +8,19 @@
 namespace Zelkor::Testing
 {
 
-/// A line that went into the log.
+/// One record of the glog log.
 struct LogLine
 {
     google::LogSeverity severity;
-    QString file; // as the source named itself, "Util/FileUtils.cpp"
+    QString file; // source path as passed to the compiler, for example "Util/FileUtils.cpp"
     int line;
     QString text;
 };
 
-/// Keeps what is logged while it lives, on any thread. Warnings and errors logged while none lives fail the test that
-/// runs: see TestCase.
+/// Records all log lines of all threads from its construction to its destruction.
+///
+/// Captures can be nested; each of them records every line. While no capture exists, a warning or an error fails the
+/// current test function (see TestCase).
 class LogCapture
 {
 public:
@@ -27,10 +29,10 @@ public:
     LogCapture(LogCapture const&) = delete;
     LogCapture& operator=(LogCapture const&) = delete;
 
-    /// The lines so far, in order.
+    /// Returns the lines recorded so far, in the order of logging. Can be called from any thread.
     QVector<LogLine> Lines() const;
 
-    /// The texts of the lines so far, in order.
+    /// Returns the texts of the lines recorded so far, in the order of logging. Can be called from any thread.
     QStringList Texts() const;
 
 private:
@@ -38,15 +40,16 @@ private:
     QVector<LogLine> lines_;
 };
 
-/// The one sink behind all captures; installed by the common test main.
+/// The log sink that feeds all captures. RunTests() installs it.
 class LogWatch : public google::LogSink
 {
 public:
     static LogWatch& Instance();
 
-    /// Takes the warnings and errors that no capture was there for.
+    /// Returns the warnings and errors logged while no capture existed, and clears the list.
     QVector<LogLine> TakeUnexpected();
 
+    /// Called by glog for every log line, on the thread that logs.
     void send(google::LogSeverity severity, char const* fullFilename, char const* baseFilename, int line,
               google::LogMessageTime const& time, char const* message, size_t messageSize) override;
 

@@ -8,9 +8,11 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QPushButton>
 
+#include <initializer_list>
 #include <memory>
 
 using Zelkor::Testing::RecordingStyle;
+using Zelkor::Testing::Repolishing;
 using Zelkor::Util::AlertBox;
 
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
@@ -19,7 +21,7 @@ Q_DECLARE_METATYPE(QMessageBox::ButtonRole)
 namespace
 {
 
-/// Keeps the order in which the dynamic properties of an object change.
+/// Records the names of the dynamic properties of an object in the order of their changes.
 class PropertyLog : public QObject
 {
 public:
@@ -36,15 +38,23 @@ public:
     }
 };
 
-/// The tags that a button has.
-QString Tags(QWidget const& widget)
+/// Records the objects whose dynamic properties change, in the order of their first change.
+class ChangeOrder : public QObject
 {
-    QStringList properties;
-    for (char const* const property : {"SubStyle", "styleHint", "buttonRole"}) {
-        properties += widget.property(property).toString();
+public:
+    QObjectList objects;
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::DynamicPropertyChange && !objects.contains(watched)) {
+            objects += watched;
+        }
+        return false;
     }
-    return properties.join(QLatin1Char(','));
-}
+};
+
+/// The dynamic properties that AlertBox sets on its buttons.
+constexpr std::initializer_list<char const*> ButtonProperties = {"SubStyle", "styleHint", "buttonRole"};
 
 std::unique_ptr<AlertBox> CreateBox(QMessageBox::StandardButtons buttons)
 {
@@ -68,7 +78,7 @@ class AlertBoxButtonsTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void standardButtonIsNamedAndTagged_data()
+    void namesStandardButtonsAndSetsTheirProperties_data()
     {
         QTest::addColumn<QMessageBox::StandardButton>("standard");
         QTest::addColumn<QVariant>("subStyle");
@@ -98,7 +108,7 @@ private Q_SLOTS:
         addRow("RestoreDefaults", QMessageBox::RestoreDefaults, nullptr, nullptr, "Reset");
     }
 
-    void standardButtonIsNamedAndTagged()
+    void namesStandardButtonsAndSetsTheirProperties()
     {
         QFETCH(QMessageBox::StandardButton, standard);
         QFETCH(QVariant, subStyle);
@@ -113,7 +123,7 @@ private Q_SLOTS:
         QCOMPARE(button->property("buttonRole"), role);
     }
 
-    void customButtonIsUnknownAndTaggedByItsRole_data()
+    void namesCustomButtonsUnknownAndSetsPropertiesByRole_data()
     {
         QTest::addColumn<QMessageBox::ButtonRole>("role");
         QTest::addColumn<QVariant>("subStyle");
@@ -133,7 +143,7 @@ private Q_SLOTS:
         addRow("Apply", QMessageBox::ApplyRole, nullptr, nullptr);
     }
 
-    void customButtonIsUnknownAndTaggedByItsRole()
+    void namesCustomButtonsUnknownAndSetsPropertiesByRole()
     {
         QFETCH(QMessageBox::ButtonRole, role);
         QFETCH(QVariant, subStyle);
@@ -149,7 +159,7 @@ private Q_SLOTS:
         QCOMPARE(button->property("buttonRole"), Text(QTest::currentDataTag()));
     }
 
-    void buttonOfTheDetailsIsACustomOneForActions()
+    void treatsTheDetailsButtonAsACustomActionButton()
     {
         auto const box = CreateBox(QMessageBox::NoButton);
         box->setDetailedText(QStringLiteral("details"));
@@ -162,7 +172,7 @@ private Q_SLOTS:
         QVERIFY(!button->property("SubStyle").isValid());
     }
 
-    void buttonsOfTheConstructorAreNamedAllOfThem()
+    void namesAllButtonsInTheConstructor()
     {
         auto const box = CreateBox(QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::RestoreDefaults);
         for (char const* const name : {"buttonOk", "buttonCancel", "buttonRestoreDefaults"}) {
@@ -170,7 +180,7 @@ private Q_SLOTS:
         }
     }
 
-    void namesAreGivenAgainToAllButtons()
+    void setDefaultButtonNamesRenamesAllButtons()
     {
         auto const box = CreateBox(QMessageBox::Ok);
         QAbstractButton* const ok = box->button(QMessageBox::Ok);
@@ -186,16 +196,16 @@ private Q_SLOTS:
         QCOMPARE(second->objectName(), QStringLiteral("buttonUnknown"));
     }
 
-    void namingTagsNothing()
+    void setDefaultButtonNamesSetsNoProperties()
     {
         auto const box = CreateBox(QMessageBox::Ok);
         box->SetDefaultButtonNames();
-        for (char const* const property : {"SubStyle", "styleHint", "buttonRole"}) {
+        for (char const* const property : ButtonProperties) {
             QVERIFY2(!box->button(QMessageBox::Ok)->property(property).isValid(), property);
         }
     }
 
-    void taggingNamesNothing()
+    void prepareToShowDoesNotNameButtons()
     {
         AlertBox box;
         QAbstractButton const* const button = box.addButton(QMessageBox::Ok);
@@ -204,7 +214,7 @@ private Q_SLOTS:
         QCOMPARE(button->property("buttonRole"), Text("Accept"));
     }
 
-    void removedButtonsAreLeftAlone()
+    void ignoresRemovedButtons()
     {
         auto const box = CreateBox(QMessageBox::Ok | QMessageBox::Yes);
         std::unique_ptr<QAbstractButton> const button(
@@ -216,7 +226,7 @@ private Q_SLOTS:
         QVERIFY(!button->property("buttonRole").isValid());
     }
 
-    void propertiesAreSetInTheirOrder_data()
+    void setsButtonPropertiesInOrder_data()
     {
         QTest::addColumn<QMessageBox::StandardButton>("standard");
         QTest::addColumn<QByteArrayList>("properties");
@@ -227,7 +237,7 @@ private Q_SLOTS:
         QTest::newRow("Help") << QMessageBox::Help << QByteArrayList{"buttonRole"};
     }
 
-    void propertiesAreSetInTheirOrder()
+    void setsButtonPropertiesInOrder()
     {
         QFETCH(QMessageBox::StandardButton, standard);
         QFETCH(QByteArrayList, properties);
@@ -237,11 +247,11 @@ private Q_SLOTS:
         QCOMPARE(log.names, properties);
     }
 
-    void propertiesAreOverwritten()
+    void overwritesButtonProperties()
     {
         auto const box = CreateBox(QMessageBox::Ok);
         QAbstractButton* const ok = box->button(QMessageBox::Ok);
-        for (char const* const property : {"SubStyle", "styleHint", "buttonRole"}) {
+        for (char const* const property : ButtonProperties) {
             ok->setProperty(property, QStringLiteral("other"));
         }
         box->SetButtonsSubStyle();
@@ -250,7 +260,7 @@ private Q_SLOTS:
         QCOMPARE(ok->property("buttonRole"), Text("Accept"));
     }
 
-    void propertiesThatDoNotBelongToTheButtonStay()
+    void keepsPropertiesThatTheButtonTypeDoesNotDefine()
     {
         auto const box = CreateBox(QMessageBox::Help | QMessageBox::No);
         for (auto const standard : {QMessageBox::Help, QMessageBox::No}) {
@@ -263,91 +273,77 @@ private Q_SLOTS:
         QCOMPARE(box->button(QMessageBox::Help)->property("styleHint"), Text("mine"));
     }
 
-    void buttonsAreTaggedInTheirOrder()
+    void setsPropertiesInTheOrderOfTheButtons()
     {
         auto const box = CreateBox(QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Help);
-        QObjectList tagged;
-        class Order : public QObject
-        {
-        public:
-            explicit Order(QObjectList& objects)
-                : objects_(objects)
-            {}
-
-            bool eventFilter(QObject* watched, QEvent* event) override
-            {
-                if (event->type() == QEvent::DynamicPropertyChange && !objects_.contains(watched)) {
-                    objects_ += watched;
-                }
-                return false;
-            }
-
-        private:
-            QObjectList& objects_;
-        } order(tagged);
+        ChangeOrder changes;
         QObjectList expected;
         auto const buttons = box->buttons();
         for (QAbstractButton* const button : buttons) {
-            button->installEventFilter(&order);
+            button->installEventFilter(&changes);
             expected += button;
         }
         box->SetButtonsSubStyle();
-        QCOMPARE(tagged.size(), 3);
-        QCOMPARE(tagged, expected);
+        QCOMPARE(changes.objects.size(), 3);
+        QCOMPARE(changes.objects, expected);
     }
 
-    void everyPropertyIsPolishedInOnce_data()
+    void repolishesAfterEachProperty_data()
     {
         QTest::addColumn<QMessageBox::StandardButton>("standard");
-        QTest::addColumn<QStringList>("polishes");
-        auto const both = [](QStringList const& states) {
-            QStringList log;
-            for (QString const& state : states) {
-                log << QStringLiteral("unpolish ") + state << QStringLiteral("polish ") + state;
-            }
-            return log;
-        };
+        QTest::addColumn<QVector<QStringList>>("states");
+        QString const none;
+        QString const subStyle = QStringLiteral("Ok");
+        QString const active = QStringLiteral("activeButton");
+        QString const reject = QStringLiteral("rejectButton");
+        QString const yes = QStringLiteral("Yes");
+        QString const cancel = QStringLiteral("Cancel");
         QTest::newRow("Ok") << QMessageBox::Ok
-                            << both({QStringLiteral("Ok,,"), QStringLiteral("Ok,activeButton,"),
-                                     QStringLiteral("Ok,activeButton,Accept")});
+                            << QVector<QStringList>{{subStyle, none, none},
+                                                    {subStyle, active, none},
+                                                    {subStyle, active, QStringLiteral("Accept")}};
         QTest::newRow("Yes") << QMessageBox::Yes
-                             << both({QStringLiteral("Yes,,"), QStringLiteral("Yes,activeButton,"),
-                                      QStringLiteral("Yes,activeButton,Yes")});
+                             << QVector<QStringList>{{yes, none, none}, {yes, active, none}, {yes, active, yes}};
         QTest::newRow("Cancel") << QMessageBox::Cancel
-                                << both({QStringLiteral("Cancel,,"), QStringLiteral("Cancel,rejectButton,"),
-                                         QStringLiteral("Cancel,rejectButton,Reject")});
+                                << QVector<QStringList>{{cancel, none, none},
+                                                        {cancel, reject, none},
+                                                        {cancel, reject, QStringLiteral("Reject")}};
         QTest::newRow("No") << QMessageBox::No
-                            << both({QStringLiteral(",rejectButton,"), QStringLiteral(",rejectButton,No")});
-        QTest::newRow("Reset") << QMessageBox::Reset << both({QStringLiteral(",,Reset")});
+                            << QVector<QStringList>{{none, reject, none}, {none, reject, QStringLiteral("No")}};
+        QTest::newRow("Reset") << QMessageBox::Reset << QVector<QStringList>{{none, none, QStringLiteral("Reset")}};
     }
 
-    void everyPropertyIsPolishedInOnce()
+    void repolishesAfterEachProperty()
     {
         QFETCH(QMessageBox::StandardButton, standard);
-        QFETCH(QStringList, polishes);
-        RecordingStyle style(Tags);
+        QFETCH(QVector<QStringList>, states);
+        RecordingStyle style(ButtonProperties);
         auto const box = CreateBox(standard);
-        box->button(standard)->setStyle(&style);
-        style.log.clear();
+        QAbstractButton* const button = box->button(standard);
+        button->setStyle(&style);
+        style.calls.clear();
         box->SetButtonsSubStyle();
-        QCOMPARE(style.log, polishes);
+        RecordingStyle::Calls expected;
+        for (QStringList const& state : states) {
+            expected += Repolishing(button, state);
+        }
+        QCOMPARE(style.calls, expected);
     }
 
-    void propertiesArePolishedInAgainWhenTaggedAgain()
+    void repolishesAgainForUnchangedProperties()
     {
-        RecordingStyle style(Tags);
+        RecordingStyle style(ButtonProperties);
         auto const box = CreateBox(QMessageBox::Ok);
-        box->button(QMessageBox::Ok)->setStyle(&style);
+        QAbstractButton* const ok = box->button(QMessageBox::Ok);
+        ok->setStyle(&style);
         box->SetButtonsSubStyle();
-        style.log.clear();
+        style.calls.clear();
         box->SetButtonsSubStyle();
-        QString const state = QStringLiteral(" Ok,activeButton,Accept");
-        QCOMPARE(style.log.size(), 6);
-        QCOMPARE(style.log.count(QStringLiteral("unpolish") + state), 3);
-        QCOMPARE(style.log.count(QStringLiteral("polish") + state), 3);
+        QStringList const state{QStringLiteral("Ok"), QStringLiteral("activeButton"), QStringLiteral("Accept")};
+        QCOMPARE(style.calls, Repolishing(ok, state) + Repolishing(ok, state) + Repolishing(ok, state));
     }
 
-    void spacingIsThatOfTheButtonRow()
+    void setSpacingChangesTheButtonLayout()
     {
         auto const box = CreateBox(QMessageBox::Ok | QMessageBox::Cancel);
         box->SetSpacing(37);
@@ -358,7 +354,7 @@ private Q_SLOTS:
         QCOMPARE(ButtonRow(*box)->spacing(), 0);
     }
 
-    void spacingStandsBetweenTheButtons()
+    void spacingSeparatesTheButtons()
     {
         auto const box = CreateBox(QMessageBox::Ok | QMessageBox::Cancel);
         box->SetSpacing(61);
@@ -368,7 +364,7 @@ private Q_SLOTS:
         QCOMPARE(qMax(ok.left(), cancel.left()) - qMin(ok.right(), cancel.right()) - 1, 61);
     }
 
-    void spacingOfAnotherButtonBoxStays()
+    void setSpacingIgnoresOtherButtonBoxes()
     {
         auto const box = CreateBox(QMessageBox::Ok);
         auto* const other = new QDialogButtonBox(QDialogButtonBox::Ok, box.get());
@@ -377,7 +373,7 @@ private Q_SLOTS:
         QCOMPARE(other->layout()->spacing(), 3);
     }
 
-    void spacingOfNoButtonsIsForgotten()
+    void ignoresSpacingWithoutButtons()
     {
         auto const box = CreateBox(QMessageBox::NoButton);
         int const before = ButtonRow(*box)->spacing();
@@ -392,7 +388,7 @@ private Q_SLOTS:
         QCOMPARE(box->GetSpacing(), 13);
     }
 
-    void spacingOfAColumnOfButtonsIsForgotten()
+    void ignoresSpacingForAVerticalButtonBox()
     {
         auto const box = CreateBox(QMessageBox::Ok);
         auto* const buttonBox = box->findChild<QDialogButtonBox*>();

@@ -1,5 +1,4 @@
 #include <support/TestCase.h>
-#include <unit/tasks/Tasks.h>
 
 #include <Util/AlertBox.h>
 
@@ -11,8 +10,8 @@
 #include <functional>
 #include <memory>
 #include <utility>
+#include <vector>
 
-using Zelkor::Testing::Escape;
 using Zelkor::Util::AlertBox;
 
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
@@ -20,7 +19,11 @@ Q_DECLARE_METATYPE(QMessageBox::StandardButton)
 namespace
 {
 
-AlertBox* BoxOf(QWindow const* window)
+struct TestException
+{};
+
+/// Returns the alert box of the native window \a window, or null if the window belongs to another widget.
+AlertBox* FindBox(QWindow const* window)
 {
     auto const widgets = QApplication::topLevelWidgets();
     auto const found = std::find_if(widgets.begin(), widgets.end(),
@@ -28,8 +31,8 @@ AlertBox* BoxOf(QWindow const* window)
     return found != widgets.end() ? qobject_cast<AlertBox*>(*found) : nullptr;
 }
 
-/// Does something to the next alert box that can be seen, in the event loop that runs then. When the box is still open
-/// afterwards it is closed, for no test may hang.
+/// Waits until an alert box is visible on the screen, then runs an action in its event loop. Afterwards closes the box
+/// if it is still open, because an open box would block the test.
 class WhenShown : public QObject
 {
 public:
@@ -41,7 +44,7 @@ public:
         qApp->installEventFilter(this);
     }
 
-    /// Null once the box is gone.
+    /// Null if no box has been shown yet, or if the box has been destroyed.
     QPointer<AlertBox> box;
 
     bool HasRun() const { return hasRun_; }
@@ -49,9 +52,9 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         auto* const window = qobject_cast<QWindow*>(watched);
-        if (!hasSeen_ && window && event->type() == QEvent::Expose && window->isExposed() && BoxOf(window)) {
-            hasSeen_ = true;
-            box = BoxOf(window);
+        if (!wasShown_ && window && event->type() == QEvent::Expose && window->isExposed() && FindBox(window)) {
+            wasShown_ = true;
+            box = FindBox(window);
             QMetaObject::invokeMethod(
                 this, [this] { Run(); }, Qt::QueuedConnection);
         }
@@ -70,7 +73,7 @@ private:
     }
 
     Action action_;
-    bool hasSeen_ = false;
+    bool wasShown_ = false;
     bool hasRun_ = false;
 };
 
@@ -80,14 +83,14 @@ void Click(QAbstractButton* button)
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-/// Throws when something in a visible alert box is told that it has the focus. That is before the event loop runs, out
-/// of which Qt lets no exception.
+/// Throws a TestException when a widget of a visible alert box receives the focus. This happens before the event loop
+/// of the box runs: Qt does not support exceptions that leave an event loop.
 class ThrowsWhenFocused : public QObject
 {
 public:
     ThrowsWhenFocused() { qApp->installEventFilter(this); }
 
-    /// Null once the box is gone.
+    /// Null if no box has been shown yet, or if the box has been destroyed.
     QPointer<AlertBox> box;
 
     bool HasThrown() const { return hasThrown_; }
@@ -98,7 +101,7 @@ public:
             box = qobject_cast<AlertBox*>(static_cast<QWidget*>(watched)->window());
             if (box && box->isVisible()) {
                 hasThrown_ = true;
-                throw Escape();
+                throw TestException();
             }
         }
         return false;
@@ -108,19 +111,19 @@ private:
     bool hasThrown_ = false;
 };
 
-/// Clicks a button of the next alert box.
+/// Returns an action that clicks the standard button \a button.
 WhenShown::Action Clicks(QMessageBox::StandardButton button)
 {
     return [button](AlertBox& box) { Click(box.button(button)); };
 }
 
-QString Tag(QAbstractButton const* button, char const* property)
+QString TextProperty(QAbstractButton const* button, char const* property)
 {
     return button ? button->property(property).toString() : QStringLiteral("no button");
 }
 
-/// A box whose virtual functions are replaced.
-class OwnBox : public AlertBox
+/// An alert box that overrides the virtual functions and records their calls.
+class DerivedBox : public AlertBox
 {
     Q_OBJECT
 
@@ -128,21 +131,23 @@ public:
     using AlertBox::AlertBox;
     using AlertBox::Exec;
 
-    QStringList calls;
+    int dialogExecCalls = 0;      // calls of QDialog::exec()
+    int boxExecCalls = 0;         // calls of AlertBox::Exec()
+    std::vector<bool> shownModal; // the argument of each call of Show()
 
     int exec() override
     {
-        calls += QStringLiteral("exec");
+        ++dialogExecCalls;
         return -7;
     }
     int Exec() override
     {
-        calls += QStringLiteral("Exec");
+        ++boxExecCalls;
         return AlertBox::Exec();
     }
     void Show(bool modal) override
     {
-        calls += modal ? QStringLiteral("Show modal") : QStringLiteral("Show");
+        shownModal.push_back(modal);
         AlertBox::Show(modal);
     }
 };
@@ -159,7 +164,7 @@ class AlertBoxExecTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void resultIsTheClickedButton_data()
+    void returnsTheClickedButton_data()
     {
         QTest::addColumn<QMessageBox::StandardButton>("button");
         QTest::newRow("Ok") << QMessageBox::Ok;
@@ -169,7 +174,7 @@ private Q_SLOTS:
         QTest::newRow("RestoreDefaults") << QMessageBox::RestoreDefaults;
     }
 
-    void resultIsTheClickedButton()
+    void returnsTheClickedButton()
     {
         QFETCH(QMessageBox::StandardButton, button);
         constexpr auto Buttons =
@@ -183,7 +188,7 @@ private Q_SLOTS:
         QCOMPARE(box.clickedButton(), box.button(button));
     }
 
-    void resultOfACustomButtonIsItsPosition()
+    void returnsTheIndexOfACustomButton()
     {
         AlertBox box;
         box.addButton(QStringLiteral("first"), QMessageBox::ActionRole);
@@ -193,13 +198,13 @@ private Q_SLOTS:
         QCOMPARE(box.clickedButton(), second);
     }
 
-    void escapeIsTheButtonThatRejects()
+    void escapeKeyReturnsTheRejectButton()
     {
         WhenShown const shown([](AlertBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
         QCOMPARE(ExecBox(QMessageBox::Ok | QMessageBox::Cancel), static_cast<int>(QMessageBox::Cancel));
     }
 
-    void boxWithoutButtonsGetsOk()
+    void addsAnOkButtonIfThereAreNoButtons()
     {
         WhenShown const shown(Clicks(QMessageBox::Ok));
         QCOMPARE(AlertBox::Exec(AlertBox::Information, QString(), QStringLiteral("text")),
@@ -207,7 +212,7 @@ private Q_SLOTS:
         QVERIFY(shown.HasRun());
     }
 
-    void staticExecShowsABoxOfItsArguments()
+    void staticExecPassesItsArgumentsToTheBox()
     {
         QWidget parent;
         WhenShown const shown([&parent](AlertBox& box) {
@@ -226,15 +231,15 @@ private Q_SLOTS:
         QVERIFY(shown.box.isNull());
     }
 
-    void staticExecShowsAModalTaggedBox()
+    void staticExecShowsAModalBoxWithButtonProperties()
     {
         WhenShown const shown([](AlertBox& box) {
             QVERIFY(box.isModal());
             QCOMPARE(QApplication::activeModalWidget(), &box);
             QAbstractButton* const yes = box.button(QMessageBox::Yes);
-            QCOMPARE(Tag(yes, "SubStyle"), QStringLiteral("Yes"));
-            QCOMPARE(Tag(yes, "styleHint"), QStringLiteral("activeButton"));
-            QCOMPARE(Tag(yes, "buttonRole"), QStringLiteral("Yes"));
+            QCOMPARE(TextProperty(yes, "SubStyle"), QStringLiteral("Yes"));
+            QCOMPARE(TextProperty(yes, "styleHint"), QStringLiteral("activeButton"));
+            QCOMPARE(TextProperty(yes, "buttonRole"), QStringLiteral("Yes"));
             QCOMPARE(yes->objectName(), QStringLiteral("buttonYes"));
             Click(yes);
         });
@@ -251,7 +256,7 @@ private Q_SLOTS:
         QVERIFY(parent.children().isEmpty());
     }
 
-    void staticExecGivesZeroWhenTheParentGoes()
+    void staticExecReturnsZeroIfTheParentIsDestroyed()
     {
         auto* const parent = new QWidget;
         WhenShown const shown([parent](AlertBox& /*box*/) { delete parent; });
@@ -260,26 +265,26 @@ private Q_SLOTS:
         QVERIFY(shown.box.isNull());
     }
 
-    void staticExecGivesZeroWhenTheBoxIsDestroyed()
+    void staticExecReturnsZeroIfTheBoxIsDestroyed()
     {
         WhenShown const shown([](AlertBox& box) { delete &box; });
         QCOMPARE(ExecBox(QMessageBox::Ok), 0);
         QVERIFY(shown.HasRun());
     }
 
-    void staticExecDestroysTheBoxWhenAnExceptionPasses()
+    void staticExecDestroysTheBoxIfAnExceptionIsThrown()
     {
         QWidget parent;
         ThrowsWhenFocused const thrower;
-        WhenShown const shown([](AlertBox& /*box*/) {}); // closes it if nothing is thrown
-        QVERIFY_EXCEPTION_THROWN(ExecBox(QMessageBox::Ok, &parent), Escape);
+        WhenShown const shown([](AlertBox& /*box*/) {}); // closes the box if nothing is thrown
+        QVERIFY_EXCEPTION_THROWN(ExecBox(QMessageBox::Ok, &parent), TestException);
         QVERIFY(thrower.HasThrown());
         QVERIFY(thrower.box.isNull());
         QVERIFY(parent.children().isEmpty());
         QCOMPARE(QApplication::activeModalWidget(), nullptr);
     }
 
-    void execGivesZeroWhenTheParentGoes()
+    void execReturnsZeroIfTheParentIsDestroyed()
     {
         auto* const parent = new QWidget;
         auto* const box = new AlertBox(AlertBox::Error, QString(), QStringLiteral("text"), QMessageBox::Ok, parent);
@@ -296,7 +301,7 @@ private Q_SLOTS:
         WhenShown const shown([&box, ok](AlertBox& shownBox) {
             QCOMPARE(&shownBox, &box);
             QVERIFY(box.isModal());
-            QCOMPARE(Tag(ok, "SubStyle"), QStringLiteral("Ok"));
+            QCOMPARE(TextProperty(ok, "SubStyle"), QStringLiteral("Ok"));
             Click(ok);
         });
         QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::Ok));
@@ -304,7 +309,7 @@ private Q_SLOTS:
         QVERIFY(!box.isVisible());
     }
 
-    void execMayBeCalledAgain()
+    void execCanBeCalledAgain()
     {
         AlertBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes | QMessageBox::No);
         {
@@ -314,48 +319,49 @@ private Q_SLOTS:
         QPushButton const* const later = box.addButton(QStringLiteral("later"), QMessageBox::RejectRole);
         WhenShown const shown(Clicks(QMessageBox::No));
         QCOMPARE(box.Exec(), static_cast<int>(QMessageBox::No));
-        QCOMPARE(Tag(later, "SubStyle"), QStringLiteral("Cancel"));
+        QCOMPARE(TextProperty(later, "SubStyle"), QStringLiteral("Cancel"));
     }
 
-    void execIsVirtualAndRunsTheDialogsOwnLoop()
+    void execIsVirtualAndDoesNotCallTheOverriddenDialogExec()
     {
-        OwnBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
+        DerivedBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
         AlertBox& base = box;
         WhenShown const shown(Clicks(QMessageBox::Yes));
         QCOMPARE(base.Exec(), static_cast<int>(QMessageBox::Yes));
-        QCOMPARE(box.calls, (QStringList{QStringLiteral("Exec")}));
+        QCOMPARE(box.boxExecCalls, 1);
+        QCOMPARE(box.dialogExecCalls, 0);
     }
 
     void showIsVirtual()
     {
-        OwnBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
+        DerivedBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
         AlertBox& base = box;
         base.Show(true);
         base.Show(false);
-        QCOMPARE(box.calls, (QStringList{QStringLiteral("Show modal"), QStringLiteral("Show")}));
+        QCOMPARE(box.shownModal, (std::vector<bool>{true, false}));
     }
 
-    void showReturnsAtOnce_data()
+    void showDoesNotBlock_data()
     {
         QTest::addColumn<bool>("modal");
         QTest::newRow("modal") << true;
         QTest::newRow("not modal") << false;
     }
 
-    void showReturnsAtOnce()
+    void showDoesNotBlock()
     {
         QFETCH(bool, modal);
         AlertBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes | QMessageBox::Cancel);
         box.Show(modal);
         QVERIFY(box.isVisible());
         QCOMPARE(box.isModal(), modal);
-        QCOMPARE(Tag(box.button(QMessageBox::Cancel), "styleHint"), QStringLiteral("rejectButton"));
+        QCOMPARE(TextProperty(box.button(QMessageBox::Cancel), "styleHint"), QStringLiteral("rejectButton"));
         Click(box.button(QMessageBox::Yes));
         QVERIFY(!box.isVisible());
         QCOMPARE(box.result(), static_cast<int>(QMessageBox::Yes));
     }
 
-    void showSetsTheModalityAnew()
+    void showReplacesTheModality()
     {
         AlertBox box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
         box.setModal(true);
@@ -366,7 +372,7 @@ private Q_SLOTS:
         QVERIFY(box.isModal());
     }
 
-    void shownBoxMayBeDestroyed()
+    void aShownBoxCanBeDestroyed()
     {
         auto box = std::make_unique<AlertBox>(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
         box->Show(true);
@@ -375,7 +381,7 @@ private Q_SLOTS:
         QCOMPARE(QApplication::activeModalWidget(), nullptr);
     }
 
-    void shownBoxMayGoWithItsParent()
+    void aShownBoxCanBeDestroyedWithItsParent()
     {
         auto parent = std::make_unique<QWidget>();
         QPointer<AlertBox> const box(

@@ -1,12 +1,11 @@
 #include <support/TestCase.h>
+#include <support/displays/RecordingStyle.h>
 
 #include <Util/AlertBox.h>
 
 #include <QtCore/QBuffer>
 #include <QtCore/QDataStream>
-#include <QtCore/QHash>
 #include <QtCore/QResource>
-#include <QtCore/QScopeGuard>
 #include <QtCore/QTimer>
 #include <QtGui/QImage>
 #include <QtTest/QtTest>
@@ -15,13 +14,12 @@
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QProxyStyle>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QStyleFactory>
 
 #include <algorithm>
-#include <functional>
 #include <memory>
-#include <utility>
 
+using Zelkor::Testing::RecordingStyle;
+using Zelkor::Testing::Repolishing;
 using Zelkor::Util::AlertBox;
 
 Q_DECLARE_METATYPE(Zelkor::Util::AlertBox::Level)
@@ -34,7 +32,7 @@ constexpr auto NoLevel = static_cast<AlertBox::Level>(3);
 QColor const InfoColor(10, 20, 200);
 QColor const ErrorColor(220, 10, 20);
 QColor const QuestionColor(30, 210, 40);
-QColor const OwnColor(1, 2, 3);
+QColor const CustomColor(1, 2, 3);
 
 QPixmap CreatePixmap(QColor const& color)
 {
@@ -59,16 +57,17 @@ QColor ColorOf(QPixmap const& pixmap)
     return pixmap.isNull() ? QColor() : pixmap.toImage().pixelColor(0, 0);
 }
 
-/// The files of one folder, in memory, as an application's resources.
+/// Registers files of one folder as Qt resources until destroyed. Writes version 1 of the binary format of QResource to
+/// memory, so that one test can run with these resources and another one without them.
 class Resources
 {
 public:
     Resources(QString const& folder, QVector<QPair<QString, QByteArray>> files)
     {
-        // Looked up by bisection.
+        // QResource finds files by binary search over the hashes of their names.
         std::sort(files.begin(), files.end(),
                   [](auto const& a, auto const& b) { return Hash(a.first) < Hash(b.first); });
-        AddFolder(1, 1); // the root, which has no name
+        AddFolder(1, 1); // unnamed root folder: one child, at index 1
         AddFolder(static_cast<quint32>(files.size()), 2);
         AddName(folder);
         for (auto const& file : files) {
@@ -124,7 +123,7 @@ private:
         stream << content;
     }
 
-    /// Of the name that is added next.
+    /// Returns the offset of the next name to be added.
     quint32 NameOffset() const { return static_cast<quint32>(names_.size()); }
 
     QByteArray bytes_;
@@ -134,70 +133,66 @@ private:
     bool isRegistered_ = false;
 };
 
-/// Tells what is polished.
-class ReportingStyle : public QProxyStyle
-{
-public:
-    using Report = std::function<void(QLatin1String operation, QWidget* widget)>;
-
-    ReportingStyle()
-        : QProxyStyle(QStyleFactory::create(QStringLiteral("fusion")))
-    {}
-
-    Report report;
-
-    using QProxyStyle::polish;
-    using QProxyStyle::unpolish;
-
-    void polish(QWidget* widget) override
-    {
-        Tell(QLatin1String("polish"), widget);
-        QProxyStyle::polish(widget);
-    }
-
-    void unpolish(QWidget* widget) override
-    {
-        Tell(QLatin1String("unpolish"), widget);
-        QProxyStyle::unpolish(widget);
-    }
-
-private:
-    void Tell(QLatin1String operation, QWidget* widget) const
-    {
-        if (report) {
-            report(operation, widget);
-        }
-    }
-};
-
-QString NameOf(QWidget const* widget)
-{
-    return QLatin1String(widget->metaObject()->className()) + QLatin1Char(' ') + widget->objectName();
-}
-
-/// What a pass over \a box and all in it leaves in the log.
-QStringList PassOver(AlertBox& box)
-{
-    QStringList log{QStringLiteral("unpolish ") + NameOf(&box), QStringLiteral("polish ") + NameOf(&box)};
-    auto const widgets = box.findChildren<QWidget*>();
-    for (QWidget const* const widget : widgets) {
-        log << QStringLiteral("unpolish ") + NameOf(widget) << QStringLiteral("polish ") + NameOf(widget);
-    }
-    return log;
-}
-
-/// Shows a box of level Error, which has to be closed.
-using Shows = std::function<void()>;
-
 std::unique_ptr<AlertBox> CreateBox(AlertBox::Level level)
 {
     return std::make_unique<AlertBox>(level, QStringLiteral("title"), QStringLiteral("text"),
                                       QMessageBox::Ok | QMessageBox::Cancel);
 }
 
-} // namespace
+/// Replaces the application style by a RecordingStyle that records object names. The destructor restores the old style.
+///
+/// The static function AlertBox::Exec() creates its box itself, so a test cannot set the style of that box directly.
+class RecordingApplicationStyle
+{
+public:
+    RecordingApplicationStyle()
+        : nameBefore_(QApplication::style()->objectName())
+        , style_(new RecordingStyle({"objectName"}))
+    {
+        QApplication::setStyle(style_);
+    }
 
-Q_DECLARE_METATYPE(Shows)
+    ~RecordingApplicationStyle() { QApplication::setStyle(nameBefore_); }
+
+    Q_DISABLE_COPY_MOVE(RecordingApplicationStyle)
+
+    /// Returns true if the style has unpolished the text label of a message box. That happens only in Repolish().
+    bool HasRepolishedABox() const
+    {
+        auto const& calls = style_->calls;
+        return std::any_of(calls.begin(), calls.end(), [](RecordingStyle::Call const& call) {
+            return call.operation == RecordingStyle::Operation::Unpolish &&
+                   call.values == QStringList{QStringLiteral("qt_msgbox_label")};
+        });
+    }
+
+private:
+    QString nameBefore_;
+    RecordingStyle* style_; // owned by QApplication
+};
+
+/// Closes the modal alert box from its event loop and saves the color of its icon in \a color.
+void CloseBoxLater(QColor& color)
+{
+    QTimer::singleShot(0, qApp, [&color] {
+        auto* const box = qobject_cast<AlertBox*>(QApplication::activeModalWidget());
+        QVERIFY(box);
+        color = ColorOf(box->iconPixmap());
+        box->done(0);
+    });
+}
+
+int IndexOfFirstCall(RecordingStyle const& style, QWidget const* widget)
+{
+    for (int i = 0; i < style.calls.size(); ++i) {
+        if (style.calls.at(i).widget == widget) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+} // namespace
 
 class AlertBoxIconTest : public Zelkor::Testing::TestCase
 {
@@ -218,7 +213,7 @@ protected:
     void TearDown() override { resources_.reset(); }
 
 private Q_SLOTS:
-    void iconGoesWithTheLevel_data()
+    void iconDependsOnTheLevel_data()
     {
         QTest::addColumn<AlertBox::Level>("level");
         QTest::addColumn<QColor>("color");
@@ -228,7 +223,7 @@ private Q_SLOTS:
         QTest::newRow("no level") << NoLevel << QColor();
     }
 
-    void iconGoesWithTheLevel()
+    void iconDependsOnTheLevel()
     {
         QFETCH(AlertBox::Level, level);
         QFETCH(QColor, color);
@@ -240,7 +235,7 @@ private Q_SLOTS:
         QCOMPARE(box->icon(), QMessageBox::NoIcon);
     }
 
-    void iconIsNullWithoutResource()
+    void iconIsNullIfTheResourceIsMissing()
     {
         resources_.reset();
         QVERIFY(AlertBox::GetPixmapForLevel(AlertBox::Error).isNull());
@@ -249,14 +244,14 @@ private Q_SLOTS:
         QVERIFY(box->iconPixmap().isNull());
     }
 
-    void bareBoxHasTheIconOfInformation()
+    void defaultConstructedBoxUsesTheInformationIcon()
     {
         AlertBox box;
         box.UpdateDefaultIcon();
         QCOMPARE(ColorOf(box.iconPixmap()), InfoColor);
     }
 
-    void iconIsThatOfTheLevelAtConstruction()
+    void setDialogSubStyleDoesNotChangeTheIconLevel()
     {
         auto const box = CreateBox(AlertBox::Error);
         box->SetDialogSubStyle(AlertBox::Question);
@@ -264,17 +259,17 @@ private Q_SLOTS:
         QCOMPARE(ColorOf(box->iconPixmap()), ErrorColor);
     }
 
-    void ownPixmapStays()
+    void keepsACustomPixmap()
     {
         auto const box = CreateBox(AlertBox::Error);
-        box->setIconPixmap(CreatePixmap(OwnColor));
+        box->setIconPixmap(CreatePixmap(CustomColor));
         box->UpdateDefaultIcon();
-        QCOMPARE(ColorOf(box->iconPixmap()), OwnColor);
+        QCOMPARE(ColorOf(box->iconPixmap()), CustomColor);
         box->PrepareToShow();
-        QCOMPARE(ColorOf(box->iconPixmap()), OwnColor);
+        QCOMPARE(ColorOf(box->iconPixmap()), CustomColor);
     }
 
-    void ownStandardIconStays()
+    void keepsACustomStandardIcon()
     {
         auto const box = CreateBox(AlertBox::Error);
         box->setIcon(QMessageBox::Warning);
@@ -285,9 +280,9 @@ private Q_SLOTS:
         QCOMPARE(box->iconPixmap().toImage(), before);
     }
 
-    void ownStandardIconStaysEvenWhenTheStyleHasNoPictureOfIt()
+    void keepsACustomStandardIconWithoutPixmap()
     {
-        class NoPictures : public QProxyStyle
+        class StyleWithoutIcons : public QProxyStyle
         {
         public:
             QIcon standardIcon(StandardPixmap /*icon*/, QStyleOption const* /*option*/,
@@ -305,7 +300,7 @@ private Q_SLOTS:
         QVERIFY(box.iconPixmap().isNull());
     }
 
-    void noIconWhenNotWanted()
+    void setsNoIconIfDisabled()
     {
         auto const box = CreateBox(AlertBox::Error);
         box->SetUseDefaultLevelIcon(false);
@@ -319,7 +314,7 @@ private Q_SLOTS:
         QCOMPARE(ColorOf(box->iconPixmap()), ErrorColor);
     }
 
-    void defaultIconStaysWhenNoLongerWanted()
+    void disablingTheDefaultIconKeepsACurrentIcon()
     {
         auto const box = CreateBox(AlertBox::Error);
         box->UpdateDefaultIcon();
@@ -328,17 +323,17 @@ private Q_SLOTS:
         QCOMPARE(ColorOf(box->iconPixmap()), ErrorColor);
     }
 
-    void iconIsSetOnce()
+    void doesNotSetTheIconAgain()
     {
         auto const box = CreateBox(AlertBox::Error);
         box->UpdateDefaultIcon();
-        QPointer<QLayout> const grid(box->layout()); // each new icon has a new one
+        QPointer<QLayout> const grid(box->layout()); // QMessageBox replaces its layout when an icon is set
         box->UpdateDefaultIcon();
         QVERIFY(!grid.isNull());
         QCOMPARE(box->layout(), grid.data());
     }
 
-    void iconComesBackWhenItWasTakenAway()
+    void setsTheIconAgainAfterItWasCleared()
     {
         auto const box = CreateBox(AlertBox::Question);
         box->UpdateDefaultIcon();
@@ -347,149 +342,125 @@ private Q_SLOTS:
         QCOMPARE(ColorOf(box->iconPixmap()), QuestionColor);
     }
 
-    void polishesTheBoxAndThenAllInItWithTheStyleOfTheBox()
+    void repolishesTheBoxBeforeAllItsDescendants()
     {
-        ReportingStyle style;
+        RecordingStyle style;
         auto const box = CreateBox(AlertBox::Information);
         auto* const outer = new QWidget(box.get());
-        outer->setObjectName(QStringLiteral("outer"));
-        (new QLabel(outer))->setObjectName(QStringLiteral("inner"));
+        auto* const inner = new QLabel(outer);
         box->setStyle(&style);
-        QStringList log;
-        style.report = [&log](QLatin1String operation, QWidget* widget) {
-            log += operation + QLatin1Char(' ') + NameOf(widget);
-        };
+        style.calls.clear();
         box->Repolish();
-        style.report = nullptr;
-        QCOMPARE(log, PassOver(*box));
-        QVERIFY(log.contains(QStringLiteral("polish QLabel inner")));
+
+        RecordingStyle::Calls expected = Repolishing(box.get());
+        auto const widgets = box->findChildren<QWidget*>();
+        for (QWidget const* const widget : widgets) {
+            expected += Repolishing(widget);
+        }
+        QCOMPARE(style.calls, expected);
+        QVERIFY(widgets.contains(inner));
     }
 
-    void polishesAWidgetThatHasAStyleOfItsOwnWithTheStyleOfTheBox()
+    void repolishesWidgetsThatHaveTheirOwnStyleWithTheStyleOfTheBox()
     {
-        ReportingStyle boxStyle;
-        ReportingStyle ownStyle;
-        AlertBox box; // has no style sheet, which would put a style between
+        RecordingStyle boxStyle;
+        RecordingStyle labelStyle;
+        AlertBox box; // without style sheet, which would wrap the style of the box in another one
         QLabel label(&box);
-        label.setStyle(&ownStyle);
+        label.setStyle(&labelStyle);
         box.setStyle(&boxStyle);
-        QCOMPARE(label.style(), &ownStyle);
-        QWidgetList polishedByBox;
-        QWidgetList polishedByOwn;
-        boxStyle.report = [&polishedByBox](QLatin1String /*operation*/, QWidget* widget) { polishedByBox += widget; };
-        ownStyle.report = [&polishedByOwn](QLatin1String /*operation*/, QWidget* widget) { polishedByOwn += widget; };
+        QCOMPARE(label.style(), &labelStyle);
+        boxStyle.calls.clear();
+        labelStyle.calls.clear();
         box.Repolish();
-        boxStyle.report = nullptr;
-        ownStyle.report = nullptr;
-        QCOMPARE(polishedByBox.count(&label), 2);
-        QVERIFY(polishedByOwn.isEmpty());
+        QCOMPARE(boxStyle.CallsFor(&label), Repolishing(&label));
+        QVERIFY(labelStyle.calls.isEmpty());
     }
 
-    void polishingMakesPropertiesShow()
+    void repolishingAppliesStyleSheetRulesForProperties()
     {
         auto const box = CreateBox(AlertBox::Information);
         QAbstractButton* const ok = box->button(QMessageBox::Ok);
-        box->setStyleSheet(QStringLiteral("QPushButton[mine=\"yes\"] { min-width: 234px }"));
+        box->setStyleSheet(QStringLiteral("QPushButton[custom=\"yes\"] { min-width: 234px }"));
         ok->ensurePolished();
-        ok->setProperty("mine", QStringLiteral("yes"));
+        ok->setProperty("custom", QStringLiteral("yes"));
         QVERIFY(ok->minimumWidth() < 234);
         box->Repolish();
         QVERIFY(ok->minimumWidth() >= 234);
     }
 
-    void preparesInOrder()
+    void setsButtonPropertiesThenIconThenRepolishesTheBox()
     {
-        ReportingStyle style;
+        RecordingStyle style;
         auto const box = CreateBox(AlertBox::Error);
         QAbstractButton const* const ok = box->button(QMessageBox::Ok);
         QAbstractButton const* const cancel = box->button(QMessageBox::Cancel);
         box->setStyle(&style);
+        style.calls.clear();
 
-        QStringList steps;
-        auto const addStep = [&steps](char const* text) {
-            if (steps.isEmpty() || steps.constLast() != QLatin1String(text)) {
-                steps += QLatin1String(text);
-            }
-        };
-        style.report = [&](QLatin1String /*operation*/, QWidget* widget) {
-            if (steps.contains(QLatin1String("box is polished"))) {
-                return;
-            }
-            if (widget == box.get()) {
-                addStep("box is polished");
-            } else if (widget == ok || widget == cancel) {
-                addStep("button is polished");
-            }
-        };
+        // QMessageBox replaces its layout when the icon is set.
+        int callsBeforeIcon = -1;
+        bool hadPropertiesBeforeIcon = false;
         connect(box->layout(), &QObject::destroyed, this, [&] {
-            addStep(ok->property("buttonRole").isValid() && cancel->property("buttonRole").isValid()
-                        ? "icon is set, buttons are tagged"
-                        : "icon is set too early");
+            callsBeforeIcon = style.calls.size();
+            hadPropertiesBeforeIcon = ok->property("buttonRole").isValid() && cancel->property("buttonRole").isValid();
         });
         box->PrepareToShow();
-        style.report = nullptr;
-        QCOMPARE(steps,
-                 (QStringList{QStringLiteral("button is polished"), QStringLiteral("icon is set, buttons are tagged"),
-                              QStringLiteral("box is polished")}));
         QCOMPARE(ColorOf(box->iconPixmap()), ErrorColor);
+        QVERIFY(hadPropertiesBeforeIcon);
+
+        int const firstBoxCall = IndexOfFirstCall(style, box.get());
+        QVERIFY(firstBoxCall >= callsBeforeIcon);
+        for (int i = 0; i < firstBoxCall; ++i) {
+            QWidget const* const widget = style.calls.at(i).widget;
+            bool const isButton = widget == ok || widget == cancel;
+            QCOMPARE(isButton, i < callsBeforeIcon);
+        }
     }
 
-    void preparesInOnePassOverTheTaggedBox()
+    void repolishesAPreparedBoxOnce()
     {
-        ReportingStyle style;
+        RecordingStyle style;
         auto const box = CreateBox(AlertBox::Error);
         box->PrepareToShow();
         box->setStyle(&style);
-        QHash<QWidget*, int> polishes;
-        style.report = [&polishes](QLatin1String operation, QWidget* widget) {
-            polishes[widget] += operation == QLatin1String("polish");
-        };
+        style.calls.clear();
         box->PrepareToShow();
-        style.report = nullptr;
-        QCOMPARE(polishes.value(box.get()), 1);
-        QCOMPARE(polishes.value(box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))), 1);
-        QCOMPARE(polishes.value(box->button(QMessageBox::Ok)), 4); // three properties, and the pass
+        QCOMPARE(style.CallsFor(box.get()), Repolishing(box.get()));
+        auto const* const label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+        QCOMPARE(style.CallsFor(label), Repolishing(label));
+        // Once after each of the three properties, and once with the box.
+        QAbstractButton const* const ok = box->button(QMessageBox::Ok);
+        QCOMPARE(style.CallsFor(ok), Repolishing(ok) + Repolishing(ok) + Repolishing(ok) + Repolishing(ok));
     }
 
-    void everyWayOfShowingPreparesTheBox_data()
+    void staticExecPreparesTheBox()
     {
-        QTest::addColumn<Shows>("show");
-        QTest::newRow("static Exec") << Shows(
-            [] { AlertBox::Exec(AlertBox::Error, QStringLiteral("title"), QStringLiteral("text"), QMessageBox::Ok); });
-        QTest::newRow("Exec") << Shows([] { CreateBox(AlertBox::Error)->Exec(); });
-        QTest::newRow("Show") << Shows([] {
-            auto const box = CreateBox(AlertBox::Error);
-            box->Show(true);
-            QTRY_VERIFY(!box->isVisible());
-        });
-    }
-
-    void everyWayOfShowingPreparesTheBox()
-    {
-        QFETCH(Shows, show);
-        // Of the application, for who calls the static function has no box to give a style to.
-        QString const styleBefore = QApplication::style()->objectName();
-        auto* const style = new ReportingStyle;
-        QApplication::setStyle(style);
-        auto const styleEnds = qScopeGuard([style, &styleBefore] {
-            style->report = nullptr;
-            QApplication::setStyle(styleBefore);
-        });
-        bool isPolishedAgain = false;
-        style->report = [&isPolishedAgain](QLatin1String operation, QWidget* widget) {
-            isPolishedAgain |=
-                operation == QLatin1String("unpolish") && widget->objectName() == QLatin1String("qt_msgbox_label");
-        };
+        RecordingApplicationStyle const style;
         QColor color;
-        QTimer::singleShot(0, this, [&color] {
-            auto* const box = qobject_cast<AlertBox*>(QApplication::activeModalWidget());
-            QVERIFY(box);
-            color = ColorOf(box->iconPixmap());
-            box->done(0);
-        });
-        show();
+        CloseBoxLater(color);
+        AlertBox::Exec(AlertBox::Error, QStringLiteral("title"), QStringLiteral("text"), QMessageBox::Ok);
         QCOMPARE(color, ErrorColor);
-        QVERIFY(isPolishedAgain);
+        QVERIFY(style.HasRepolishedABox());
+    }
+
+    void execPreparesTheBox()
+    {
+        RecordingApplicationStyle const style;
+        QColor color;
+        CloseBoxLater(color);
+        CreateBox(AlertBox::Error)->Exec();
+        QCOMPARE(color, ErrorColor);
+        QVERIFY(style.HasRepolishedABox());
+    }
+
+    void showPreparesTheBox()
+    {
+        RecordingApplicationStyle const style;
+        auto const box = CreateBox(AlertBox::Error);
+        box->Show(true);
+        QCOMPARE(ColorOf(box->iconPixmap()), ErrorColor);
+        QVERIFY(style.HasRepolishedABox());
     }
 
 private:

@@ -14,14 +14,14 @@ using Zelkor::Util::AlertBox;
 
 static_assert(std::has_virtual_destructor_v<ILinksOpener> && std::is_abstract_v<ILinksOpener>);
 
-/// Takes the links that Qt would hand to the desktop.
-class Desktop : public QObject
+/// Handles URLs of the scheme "test" that are passed to QDesktopServices, and records them.
+class UrlHandler : public QObject
 {
     Q_OBJECT
 
 public:
-    Desktop() { QDesktopServices::setUrlHandler(QStringLiteral("test"), this, "Open"); }
-    ~Desktop() override { QDesktopServices::unsetUrlHandler(QStringLiteral("test")); }
+    UrlHandler() { QDesktopServices::setUrlHandler(QStringLiteral("test"), this, "Open"); }
+    ~UrlHandler() override { QDesktopServices::unsetUrlHandler(QStringLiteral("test")); }
 
     QStringList links;
 
@@ -31,8 +31,8 @@ public:
 namespace
 {
 
-/// A label that tells how many connections its signal has.
-class OwnLabel : public QLabel
+/// A label that counts the connections to its signal linkActivated().
+class CountingLabel : public QLabel
 {
     Q_OBJECT
 
@@ -42,6 +42,7 @@ public:
     int Connections() const { return receivers(SIGNAL(linkActivated(QString))); }
 };
 
+/// Records the links to open and the thread of the last call.
 class Opener : public ILinksOpener
 {
 public:
@@ -78,7 +79,7 @@ QLabel* LearnMoreLabel(AlertBox const& box)
     return box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
 }
 
-/// Clicks at the start of the text of \a label, which is shown.
+/// Clicks at the beginning of the text of \a label. The label must be visible.
 void ClickLink(QLabel* label)
 {
     QVERIFY(label && label->isVisible());
@@ -96,9 +97,9 @@ class AlertBoxLinksTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void clickedLinksGoToTheOpener()
+    void passesClickedLinksToTheOpener()
     {
-        Desktop const desktop;
+        UrlHandler const desktop;
         auto const opener = std::make_shared<Opener>();
         auto const box = CreateBox();
         box->SetLinksOpener(opener);
@@ -110,9 +111,9 @@ private Q_SLOTS:
         QVERIFY(box->isVisible());
     }
 
-    void clickedLinksGoToTheDesktopWithoutOpener()
+    void passesClickedLinksToTheDesktopWithoutOpener()
     {
-        Desktop const desktop;
+        UrlHandler const desktop;
         auto const opener = std::make_shared<Opener>();
         auto const box = CreateBox();
         box->SetLinksOpener(opener);
@@ -124,7 +125,7 @@ private Q_SLOTS:
         QVERIFY(opener->links.isEmpty());
     }
 
-    void linkIsOpenedByTheKeyboardToo()
+    void passesLinksActivatedByKeyboardToTheOpener()
     {
         auto const opener = std::make_shared<Opener>();
         auto const box = CreateBox();
@@ -137,16 +138,16 @@ private Q_SLOTS:
         QCOMPARE(opener->links, (QStringList{QStringLiteral("test:text")}));
     }
 
-    void linkArrivesAsItIsSpelled_data()
+    void passesLinksUnchanged_data()
     {
         QTest::addColumn<QString>("link");
         QTest::newRow("empty") << QString();
-        QTest::newRow("address") << QStringLiteral("https://example.org/a%20b?c=d&e#f");
-        QTest::newRow("word") << QStringLiteral("learn more");
-        QTest::newRow("beyond Latin") << QStringLiteral("mailto:Грета@example.org");
+        QTest::newRow("encoded URL") << QStringLiteral("https://example.org/a%20b?c=d&e#f");
+        QTest::newRow("plain text") << QStringLiteral("learn more");
+        QTest::newRow("Cyrillic") << QStringLiteral("mailto:Грета@example.org");
     }
 
-    void linkArrivesAsItIsSpelled()
+    void passesLinksUnchanged()
     {
         QFETCH(QString, link);
         auto const opener = std::make_shared<Opener>();
@@ -156,7 +157,7 @@ private Q_SLOTS:
         QCOMPARE(opener->links, (QStringList{link}));
     }
 
-    void everyLabelLeavesItsLinksToTheOpener()
+    void disablesExternalLinksOfAllLabels()
     {
         auto const box = CreateBox();
         auto* const outer = new QWidget(box.get());
@@ -164,13 +165,13 @@ private Q_SLOTS:
         inner->setOpenExternalLinks(true);
         box->SetLinksOpener(std::make_shared<Opener>());
         auto const labels = box->findChildren<QLabel*>();
-        QVERIFY(labels.size() >= 4); // icon, text, informative text, and ours
+        QVERIFY(labels.size() >= 4); // icon, text, informative text, and the label of the test
         for (QLabel const* const label : labels) {
             QVERIFY2(!label->openExternalLinks(), qPrintable(label->objectName()));
         }
     }
 
-    void everyLabelOpensItsLinksWithoutOpener()
+    void enablesExternalLinksOfAllLabelsWithoutOpener()
     {
         auto const box = CreateBox();
         auto* const outer = new QWidget(box.get());
@@ -183,11 +184,11 @@ private Q_SLOTS:
         }
     }
 
-    void everyLabelIsConnectedOnce()
+    void connectsEveryLabelOnce()
     {
         AlertBox box;
         auto* const outer = new QWidget(&box);
-        auto const* const label = new OwnLabel(outer);
+        auto const* const label = new CountingLabel(outer);
         QCOMPARE(label->Connections(), 0);
         box.SetLinksOpener(std::make_shared<Opener>());
         QCOMPARE(label->Connections(), 1);
@@ -197,18 +198,18 @@ private Q_SLOTS:
         QCOMPARE(label->Connections(), 0);
     }
 
-    void connectionsOfOthersGo_data()
+    void removesForeignConnections_data()
     {
         QTest::addColumn<bool>("hasOpener");
         QTest::newRow("opener") << true;
         QTest::newRow("no opener") << false;
     }
 
-    void connectionsOfOthersGo()
+    void removesForeignConnections()
     {
         QFETCH(bool, hasOpener);
         AlertBox box;
-        OwnLabel label(&box);
+        CountingLabel label(&box);
         QStringList links;
         connect(&label, &QLabel::linkActivated, this, [&links](QString const& link) { links += link; });
         connect(&label, &QLabel::linkActivated, [&links](QString const& link) { links += link; });
@@ -218,7 +219,7 @@ private Q_SLOTS:
         QVERIFY(links.isEmpty());
     }
 
-    void connectionsOfOtherSignalsStay()
+    void keepsConnectionsOfOtherSignals()
     {
         AlertBox box;
         QLabel label(&box);
@@ -229,7 +230,7 @@ private Q_SLOTS:
         QCOMPARE(hovers, 1);
     }
 
-    void nextOpenerReplacesTheOneBefore()
+    void aNewOpenerReplacesTheOldOne()
     {
         auto const first = std::make_shared<Opener>();
         auto const second = std::make_shared<Opener>();
@@ -242,12 +243,12 @@ private Q_SLOTS:
         QCOMPARE(first.use_count(), 1);
     }
 
-    void laterLabelsAreNotAffected()
+    void doesNotConnectLabelsAddedLater()
     {
         auto const opener = std::make_shared<Opener>();
         AlertBox box;
         box.SetLinksOpener(opener);
-        OwnLabel label(&box);
+        CountingLabel label(&box);
         label.setOpenExternalLinks(true);
         Q_EMIT label.linkActivated(QStringLiteral("early"));
         QVERIFY(label.openExternalLinks());
@@ -258,7 +259,7 @@ private Q_SLOTS:
         QCOMPARE(opener->links, (QStringList{QStringLiteral("late")}));
     }
 
-    void openerIsShared()
+    void sharesOwnershipOfTheOpener()
     {
         auto opener = std::make_shared<Opener>();
         std::weak_ptr<Opener> const watched = opener;
@@ -272,7 +273,7 @@ private Q_SLOTS:
         QVERIFY(watched.expired());
     }
 
-    void openerIsReleasedWhenThereIsNoneAnyMore()
+    void releasesTheOpenerWhenItIsCleared()
     {
         auto opener = std::make_shared<Opener>();
         std::weak_ptr<Opener> const watched = opener;
@@ -283,7 +284,7 @@ private Q_SLOTS:
         QVERIFY(watched.expired());
     }
 
-    void openerIsReleasedByTheLabelsThatGo()
+    void releasesTheOpenerWhenAllLabelsAreDestroyed()
     {
         auto opener = std::make_shared<Opener>();
         std::weak_ptr<Opener> const watched = opener;
@@ -294,7 +295,7 @@ private Q_SLOTS:
         QVERIFY(watched.expired());
     }
 
-    void labelThatLeavesTheBoxKeepsTheOpener()
+    void aReparentedLabelKeepsTheOpener()
     {
         auto const opener = std::make_shared<Opener>();
         auto box = CreateBox();
@@ -306,7 +307,7 @@ private Q_SLOTS:
         QCOMPARE(opener->links, (QStringList{QStringLiteral("link")}));
     }
 
-    void openerMayDestroyTheBox()
+    void theOpenerCanDestroyTheBox()
     {
         class Destroyer : public ILinksOpener
         {
@@ -335,7 +336,7 @@ private Q_SLOTS:
         QCOMPARE(opener.use_count(), 1);
     }
 
-    void openerIsCalledInTheThreadOfTheSignal()
+    void callsTheOpenerOnTheThreadOfTheSignal()
     {
         auto const opener = std::make_shared<Opener>();
         auto const box = CreateBox();
@@ -347,7 +348,7 @@ private Q_SLOTS:
         QVERIFY(opener->thread == id);
     }
 
-    void boxWithoutLabelsTakesAnOpener()
+    void acceptsAnOpenerWithoutLabels()
     {
         AlertBox box;
         qDeleteAll(box.findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly));

@@ -14,7 +14,7 @@
 #include <cstring>
 #include <type_traits>
 
-using Zelkor::Testing::FollowsItsChildren;
+using Zelkor::Testing::RequestsLayoutForNewChild;
 using Zelkor::Util::AlertBox;
 
 static_assert(std::is_base_of_v<QMessageBox, AlertBox> && std::is_convertible_v<AlertBox*, QMessageBox*>);
@@ -34,7 +34,7 @@ namespace
 
 constexpr auto NoLevel = static_cast<AlertBox::Level>(3);
 
-/// Puts what the alert box has translated into brackets, and nothing else.
+/// Translates the texts of AlertBox by adding brackets. Does not translate other contexts.
 class Translator : public QTranslator
 {
 public:
@@ -49,7 +49,8 @@ public:
     }
 };
 
-/// Where a virtual function stands in the table of its class.
+/// Returns the first word of a pointer to a virtual member function. In the Itanium C++ ABI, functions that are
+/// declared later have larger values, and neighbours in the virtual table differ by the size of a pointer.
 template <class Function>
 std::ptrdiff_t VirtualSlot(Function function)
 {
@@ -66,7 +67,7 @@ class AlertBoxTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasItsNameAndBase()
+    void hasAMetaObject()
     {
         QMetaObject const& metaObject = AlertBox::staticMetaObject;
         QCOMPARE(metaObject.className(), "Zelkor::Util::AlertBox");
@@ -74,14 +75,14 @@ private Q_SLOTS:
         QCOMPARE(AlertBox().metaObject(), &metaObject);
     }
 
-    void hasNoSignalSlotOrEnumeratorOfItsOwn()
+    void declaresNoMethodsAndNoEnumerators()
     {
         QMetaObject const& metaObject = AlertBox::staticMetaObject;
         QCOMPARE(metaObject.methodCount(), metaObject.methodOffset());
         QCOMPARE(metaObject.enumeratorCount(), metaObject.enumeratorOffset());
     }
 
-    void hasThreeProperties_data()
+    void declaresThreeProperties_data()
     {
         QTest::addColumn<int>("position");
         QTest::addColumn<int>("type");
@@ -93,7 +94,7 @@ private Q_SLOTS:
             << 2 << static_cast<int>(QMetaType::Bool) << QVariant(true) << QVariant(false);
     }
 
-    void hasThreeProperties()
+    void declaresThreeProperties()
     {
         QFETCH(int, position);
         QFETCH(int, type);
@@ -115,7 +116,7 @@ private Q_SLOTS:
         QCOMPARE(property.read(&box), next);
     }
 
-    void propertiesAreTheAccessors()
+    void propertiesCallTheAccessors()
     {
         AlertBox box;
         box.addButton(QMessageBox::Ok);
@@ -127,7 +128,7 @@ private Q_SLOTS:
         QVERIFY(!box.GetUseDefaultLevelIcon());
     }
 
-    void addsExecAndShowBehindTheVirtualFunctionsOfTheMessageBox()
+    void appendsExecAndShowToTheVirtualTable()
     {
         auto const exec = VirtualSlot(static_cast<int (AlertBox::*)()>(&AlertBox::Exec));
         auto const show = VirtualSlot(&AlertBox::Show);
@@ -136,7 +137,7 @@ private Q_SLOTS:
         QVERIFY(exec > VirtualSlot(&QDialog::reject));
     }
 
-    void bareBoxIsBare()
+    void defaultConstructedBoxIsEmpty()
     {
         AlertBox box;
         QCOMPARE(box.parent(), nullptr);
@@ -153,7 +154,7 @@ private Q_SLOTS:
         QVERIFY(!box.findChild<QWidget*>(QStringLiteral("widthSpacer")));
     }
 
-    void bareBoxNamesAndTagsNoButtons()
+    void defaultConstructedBoxDoesNotChangeItsButtons()
     {
         AlertBox box;
         QPushButton const* const button = box.addButton(QMessageBox::Ok);
@@ -161,14 +162,14 @@ private Q_SLOTS:
         QVERIFY(button->dynamicPropertyNames().isEmpty());
     }
 
-    void bareBoxDoesNotFollowItsChildren()
+    void defaultConstructedBoxHasNoLayoutController()
     {
         AlertBox box;
-        QVERIFY(!FollowsItsChildren(box));
-        QVERIFY(!FollowsItsChildren(*box.findChild<QDialogButtonBox*>()));
+        QVERIFY(!RequestsLayoutForNewChild(box));
+        QVERIFY(!RequestsLayoutForNewChild(*box.findChild<QDialogButtonBox*>()));
     }
 
-    void takesItsArguments()
+    void appliesItsArguments()
     {
         QWidget parent;
         AlertBox box(AlertBox::Error, QStringLiteral("title"), QStringLiteral("the text"),
@@ -181,14 +182,14 @@ private Q_SLOTS:
         QVERIFY(box.isWindow());
     }
 
-    void startsWithoutIcon()
+    void hasNoInitialIcon()
     {
         AlertBox const box(AlertBox::Error, QStringLiteral("title"), QStringLiteral("text"), QMessageBox::Ok);
         QCOMPARE(box.icon(), QMessageBox::NoIcon);
         QVERIFY(box.iconPixmap().isNull());
     }
 
-    void startsWithTheValuesOfABareBox()
+    void hasTheInitialValuesOfADefaultConstructedBox()
     {
         AlertBox const box(AlertBox::Information, QString(), QStringLiteral("text"));
         QCOMPARE(box.GetSpacing(), 0);
@@ -196,16 +197,16 @@ private Q_SLOTS:
         QCOMPARE(box.GetWidth(), -1);
     }
 
-    void hasNoButtonParentOrUnusualFlagUnlessGiven()
+    void hasTheDefaultArgumentsOfQMessageBox()
     {
         AlertBox const box(AlertBox::Information, QStringLiteral("title"), QStringLiteral("text"));
-        QMessageBox const usual(QMessageBox::NoIcon, QStringLiteral("title"), QStringLiteral("text"));
+        QMessageBox const plain(QMessageBox::NoIcon, QStringLiteral("title"), QStringLiteral("text"));
         QVERIFY(box.buttons().isEmpty());
         QCOMPARE(box.parent(), nullptr);
-        QCOMPARE(box.windowFlags(), usual.windowFlags());
+        QCOMPARE(box.windowFlags(), plain.windowFlags());
     }
 
-    void titleGoesWithTheLevel_data()
+    void titleDependsOnTheLevel_data()
     {
         QTest::addColumn<AlertBox::Level>("level");
         QTest::addColumn<QString>("given");
@@ -214,25 +215,25 @@ private Q_SLOTS:
         QTest::addColumn<int>("width");
         QString const null;
         QString const empty = QLatin1String("");
-        QString const own = QStringLiteral("Own");
+        QString const custom = QStringLiteral("Custom");
         QString const error = QStringLiteral("Error");
-        QTest::newRow("information") << AlertBox::Information << empty << QStringLiteral("Information")
-                                     << QStringLiteral("[Information]") << -1;
-        QTest::newRow("information without title")
+        QTest::newRow("information, empty title")
+            << AlertBox::Information << empty << QStringLiteral("Information") << QStringLiteral("[Information]") << -1;
+        QTest::newRow("information, null title")
             << AlertBox::Information << null << QStringLiteral("Information") << QStringLiteral("[Information]") << -1;
-        QTest::newRow("error") << AlertBox::Error << empty << error << QStringLiteral("[Error]") << -1;
-        QTest::newRow("question") << AlertBox::Question << empty << empty << empty << 300;
-        QTest::newRow("question without title") << AlertBox::Question << null << empty << empty << 300;
-        QTest::newRow("no level") << NoLevel << empty << empty << empty << -1;
-        QTest::newRow("information, own title") << AlertBox::Information << own << own << own << -1;
-        QTest::newRow("error, own title") << AlertBox::Error << own << own << own << -1;
-        QTest::newRow("question, own title") << AlertBox::Question << own << own << own << -1;
-        QTest::newRow("no level, own title") << NoLevel << own << own << own << -1;
-        QTest::newRow("information, own title that is known to translators")
+        QTest::newRow("error, empty title") << AlertBox::Error << empty << error << QStringLiteral("[Error]") << -1;
+        QTest::newRow("question, empty title") << AlertBox::Question << empty << empty << empty << 300;
+        QTest::newRow("question, null title") << AlertBox::Question << null << empty << empty << 300;
+        QTest::newRow("no level, empty title") << NoLevel << empty << empty << empty << -1;
+        QTest::newRow("information, custom title") << AlertBox::Information << custom << custom << custom << -1;
+        QTest::newRow("error, custom title") << AlertBox::Error << custom << custom << custom << -1;
+        QTest::newRow("question, custom title") << AlertBox::Question << custom << custom << custom << -1;
+        QTest::newRow("no level, custom title") << NoLevel << custom << custom << custom << -1;
+        QTest::newRow("information, custom title that has a translation")
             << AlertBox::Information << error << error << error << -1;
     }
 
-    void titleGoesWithTheLevel()
+    void titleDependsOnTheLevel()
     {
         QFETCH(AlertBox::Level, level);
         QFETCH(QString, given);
@@ -251,14 +252,14 @@ private Q_SLOTS:
         QCOMPARE(translatedBox.GetWidth(), width);
     }
 
-    void keepsTheTextInNormalWeight()
+    void setsTheTextToNormalWeight()
     {
         AlertBox const box(AlertBox::Information, QStringLiteral("title"), QStringLiteral("text"));
         QCOMPARE(box.styleSheet(), QStringLiteral("QLabel#qt_msgbox_label { font : normal }"));
         QVERIFY(box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label")));
     }
 
-    void messageLevelGoesWithTheLevel_data()
+    void messageLevelDependsOnTheLevel_data()
     {
         QTest::addColumn<AlertBox::Level>("level");
         QTest::addColumn<QVariant>("messageLevel");
@@ -268,7 +269,7 @@ private Q_SLOTS:
         QTest::newRow("no level") << NoLevel << QVariant();
     }
 
-    void messageLevelGoesWithTheLevel()
+    void messageLevelDependsOnTheLevel()
     {
         QFETCH(AlertBox::Level, level);
         QFETCH(QVariant, messageLevel);
@@ -276,9 +277,9 @@ private Q_SLOTS:
         QCOMPARE(box.property("Level"), messageLevel);
     }
 
-    void dialogSubStyleIsThatOfTheLevel_data() { messageLevelGoesWithTheLevel_data(); }
+    void dialogSubStyleDependsOnTheLevel_data() { messageLevelDependsOnTheLevel_data(); }
 
-    void dialogSubStyleIsThatOfTheLevel()
+    void dialogSubStyleDependsOnTheLevel()
     {
         QFETCH(AlertBox::Level, level);
         QFETCH(QVariant, messageLevel);
@@ -297,14 +298,14 @@ private Q_SLOTS:
         QVERIFY(box.iconPixmap().isNull());
     }
 
-    void dialogSubStyleOfNoLevelLeavesTheOldOne()
+    void dialogSubStyleIsUnchangedForAnUnknownLevel()
     {
         AlertBox box(AlertBox::Error, QString(), QStringLiteral("text"));
         box.SetDialogSubStyle(NoLevel);
         QCOMPARE(box.property("Level").toString(), QStringLiteral("Error"));
     }
 
-    void dialogSubStyleShowsAtOnce()
+    void dialogSubStyleAppliesTheStyleSheet()
     {
         AlertBox box(AlertBox::Information, QString(), QStringLiteral("text"));
         box.setStyleSheet(QStringLiteral("QMessageBox { min-width: 211px } QMessageBox[Level=\"Error\"] { min-width: "
@@ -315,14 +316,14 @@ private Q_SLOTS:
         QCOMPARE(box.minimumWidth(), 233);
     }
 
-    void followsItsChildrenAndItsButtons()
+    void installsLayoutControllers()
     {
         AlertBox box(AlertBox::Information, QString(), QStringLiteral("text"), QMessageBox::Ok);
-        QVERIFY(FollowsItsChildren(box));
-        QVERIFY(FollowsItsChildren(*box.findChild<QDialogButtonBox*>()));
+        QVERIFY(RequestsLayoutForNewChild(box));
+        QVERIFY(RequestsLayoutForNewChild(*box.findChild<QDialogButtonBox*>()));
     }
 
-    void buttonsAreNamedAndNotYetTagged()
+    void namesButtonsAndSetsNoProperties()
     {
         AlertBox const box(AlertBox::Information, QString(), QStringLiteral("text"), QMessageBox::Ok);
         QAbstractButton const* const button = box.button(QMessageBox::Ok);
@@ -345,7 +346,7 @@ private Q_SLOTS:
         QCOMPARE(box.informativeText(), QString());
     }
 
-    void isOwnedByItsParent()
+    void isDestroyedWithItsParent()
     {
         auto parent = std::make_unique<QWidget>();
         QPointer<AlertBox> const box(

@@ -7,21 +7,18 @@
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QVBoxLayout>
 
-#include <functional>
 #include <memory>
 
 using Zelkor::Util::AlertBox;
 
-using Change = std::function<void(AlertBox&)>;
-Q_DECLARE_METATYPE(Change)
-
 namespace
 {
 
-/// Wider than any message box without it.
-constexpr int Wide = 777;
+/// Larger than the natural width of any box in these tests, in pixels.
+constexpr int LargeWidth = 777;
 
-void TurnEventLoop()
+/// Delivers posted events and deferred deletions.
+void ProcessEvents()
 {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -45,8 +42,9 @@ QPixmap CreateIcon()
     return pixmap;
 }
 
-/// Checks that \a box has one spacer of \a width, across the last row of its grid.
-void VerifyHeld(AlertBox const& box, int width)
+/// Checks that \a box has one spacer of \a width pixels, that it spans the last row of the grid layout, and that this
+/// row also contains other items.
+void VerifyWidthIsSet(AlertBox const& box, int width)
 {
     QCOMPARE(box.GetWidth(), width);
     QCOMPARE(Spacers(box).size(), 1);
@@ -78,11 +76,11 @@ void VerifyHeld(AlertBox const& box, int width)
         othersInRow += !isSpacer && row + rowSpan == grid->rowCount();
     }
     QCOMPARE(items, 1);
-    QVERIFY(othersInRow > 0); // it has no row to itself
+    QVERIFY(othersInRow > 0);
 }
 
-/// How many connections wait for the end of \a object.
-int ConnectionsToTheEndOf(QObject const& object)
+/// Returns the number of connections to the signal destroyed() of \a object.
+int DestroyedConnections(QObject const& object)
 {
     class Access : public QObject
     {
@@ -92,7 +90,7 @@ int ConnectionsToTheEndOf(QObject const& object)
     return Access::Count(object);
 }
 
-void VerifyNotHeld(AlertBox const& box)
+void VerifyNoWidthIsSet(AlertBox const& box)
 {
     QCOMPARE(box.GetWidth(), -1);
     QVERIFY(Spacers(box).isEmpty());
@@ -105,43 +103,43 @@ class AlertBoxWidthTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void noWidthAtFirst()
+    void hasNoInitialWidth()
     {
-        VerifyNotHeld(AlertBox());
-        VerifyNotHeld(*CreateBox());
+        VerifyNoWidthIsSet(AlertBox());
+        VerifyNoWidthIsSet(*CreateBox());
     }
 
-    void widthIsHeldByASpacer_data()
+    void addsASpacerOfTheWidth_data()
     {
         QTest::addColumn<int>("width");
-        QTest::newRow("none") << 0;
-        QTest::newRow("one") << 1;
-        QTest::newRow("some") << 240;
-        QTest::newRow("much") << 1234;
+        QTest::newRow("zero") << 0;
+        QTest::newRow("one pixel") << 1;
+        QTest::newRow("typical width") << 240;
+        QTest::newRow("large width") << 1234;
     }
 
-    void widthIsHeldByASpacer()
+    void addsASpacerOfTheWidth()
     {
         QFETCH(int, width);
         auto const box = CreateBox();
         box->SetWidth(width);
-        VerifyHeld(*box, width);
+        VerifyWidthIsSet(*box, width);
     }
 
-    void bareBoxHoldsAWidthToo()
+    void defaultConstructedBoxAcceptsAWidth()
     {
         AlertBox box;
         box.SetWidth(222);
-        VerifyHeld(box, 222);
+        VerifyWidthIsSet(box, 222);
     }
 
-    void questionWithoutTitleIsHeld()
+    void aQuestionWithoutTitleHasAWidth()
     {
         AlertBox const box(AlertBox::Question, QString(), QStringLiteral("text"), QMessageBox::Yes);
-        VerifyHeld(box, 300);
+        VerifyWidthIsSet(box, 300);
     }
 
-    void spacerIsAPlainWidgetOfTheBox()
+    void theSpacerIsAPlainChildWidgetOfTheBox()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
@@ -150,19 +148,19 @@ private Q_SLOTS:
         QCOMPARE(spacer->parentWidget(), box.get());
     }
 
-    void nextWidthReplacesTheOneBefore()
+    void aNewWidthReplacesTheOldOne()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         QWidget const* const spacer = Spacers(*box).constFirst();
         box->SetWidth(450);
-        VerifyHeld(*box, 450);
+        VerifyWidthIsSet(*box, 450);
         QCOMPARE(Spacers(*box).constFirst(), spacer);
         box->SetWidth(120);
-        VerifyHeld(*box, 120);
+        VerifyWidthIsSet(*box, 120);
     }
 
-    void negativeWidthRemovesTheSpacerInTheEventLoop()
+    void aNegativeWidthRemovesTheSpacerInTheEventLoop()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
@@ -172,9 +170,9 @@ private Q_SLOTS:
         QCOMPARE(spacer->maximumSize(), QSize(0, 0));
         QCOMPARE(spacer->minimumSize(), QSize(0, 0));
         QCOMPARE(box->GetWidth(), 0);
-        TurnEventLoop();
+        ProcessEvents();
         QVERIFY(spacer.isNull());
-        VerifyNotHeld(*box);
+        VerifyNoWidthIsSet(*box);
     }
 
     void anyNegativeWidthRemovesTheSpacer()
@@ -182,93 +180,171 @@ private Q_SLOTS:
         auto const box = CreateBox();
         box->SetWidth(200);
         box->SetWidth(-300);
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
     }
 
-    void negativeWidthWithoutSpacerIsNothing()
+    void aNegativeWidthWithoutSpacerHasNoEffect()
     {
         auto const box = CreateBox();
         box->SetWidth(-1);
-        VerifyNotHeld(*box);
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        VerifyNoWidthIsSet(*box);
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
         box->SetWidth(210);
-        TurnEventLoop();
-        VerifyHeld(*box, 210);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 210);
     }
 
-    void negativeWidthMayComeTwice()
+    void aNegativeWidthCanBeSetTwice()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         box->SetWidth(-1);
         box->SetWidth(-1);
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
     }
 
-    void widthThatFollowsANegativeOneAtOnceIsHeld()
+    void setsAWidthDirectlyAfterANegativeOne()
     {
         auto const box = CreateBox();
         box->SetWidth(100);
         box->SetWidth(-1);
         box->SetWidth(200);
         QCOMPARE(box->GetWidth(), 200);
-        TurnEventLoop();
-        VerifyHeld(*box, 200);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 200);
         box->setInformativeText(QStringLiteral("more"));
-        TurnEventLoop();
-        VerifyHeld(*box, 200);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 200);
     }
 
-    void widthThatFollowsANegativeOneLaterIsHeld()
+    void setsAWidthAfterTheSpacerWasRemoved()
     {
         auto const box = CreateBox();
         box->SetWidth(100);
         box->SetWidth(-1);
-        TurnEventLoop();
+        ProcessEvents();
         box->SetWidth(200);
-        TurnEventLoop();
-        VerifyHeld(*box, 200);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 200);
     }
 
-    void widthSurvivesChangesOfTheContents_data()
+    void keepsTheWidthAfterANewText()
     {
-        QTest::addColumn<Change>("change");
-        auto const addRow = [](char const* name, Change const& change) { QTest::newRow(name) << change; };
-        addRow("text", [](AlertBox& box) { box.setText(QStringLiteral("a longer text")); });
-        addRow("informative text", [](AlertBox& box) { box.setInformativeText(QStringLiteral("more")); });
-        addRow("learn more link", [](AlertBox& box) { box.SetLearnMoreLink(QStringLiteral("<a href=\"x\">x</a>")); });
-        addRow("detailed text", [](AlertBox& box) { box.setDetailedText(QStringLiteral("details")); });
-        addRow("pixmap", [](AlertBox& box) { box.setIconPixmap(CreateIcon()); });
-        addRow("standard icon", [](AlertBox& box) { box.setIcon(QMessageBox::Warning); });
-        addRow("button", [](AlertBox& box) { box.addButton(QStringLiteral("more"), QMessageBox::ActionRole); });
-        addRow("check box", [](AlertBox& box) { box.setCheckBox(new QCheckBox); });
-        addRow("two at once", [](AlertBox& box) {
-            box.setInformativeText(QStringLiteral("more"));
-            box.setIconPixmap(CreateIcon());
-        });
-        addRow("two in turn", [](AlertBox& box) {
-            box.setInformativeText(QStringLiteral("more"));
-            TurnEventLoop();
-            box.setInformativeText(QString());
-        });
-        addRow("preparation", [](AlertBox& box) { box.PrepareToShow(); });
-    }
-
-    void widthSurvivesChangesOfTheContents()
-    {
-        QFETCH(Change, change);
         auto const box = CreateBox();
         box->SetWidth(321);
-        change(*box);
+        box->setText(QStringLiteral("a longer text"));
         QCOMPARE(box->GetWidth(), 321);
-        TurnEventLoop();
-        VerifyHeld(*box, 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
     }
 
-    void spacerGoesIntoTheNewGridInTheEventLoop()
+    void keepsTheWidthAfterAnInformativeText()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->setInformativeText(QStringLiteral("more"));
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterALearnMoreLink()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->SetLearnMoreLink(QStringLiteral("<a href=\"x\">x</a>"));
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterADetailedText()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->setDetailedText(QStringLiteral("details"));
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterAPixmap()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->setIconPixmap(CreateIcon());
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterAStandardIcon()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->setIcon(QMessageBox::Warning);
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterAnAddedButton()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->addButton(QStringLiteral("more"), QMessageBox::ActionRole);
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterACheckBox()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->setCheckBox(new QCheckBox);
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterTwoChangesAtOnce()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->setInformativeText(QStringLiteral("more"));
+        box->setIconPixmap(CreateIcon());
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterTwoSuccessiveChanges()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->setInformativeText(QStringLiteral("more"));
+        ProcessEvents();
+        box->setInformativeText(QString());
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void keepsTheWidthAfterPrepareToShow()
+    {
+        auto const box = CreateBox();
+        box->SetWidth(321);
+        box->PrepareToShow();
+        QCOMPARE(box->GetWidth(), 321);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 321);
+    }
+
+    void movesTheSpacerToANewGridInTheEventLoop()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
@@ -276,148 +352,148 @@ private Q_SLOTS:
         box->setInformativeText(QStringLiteral("more"));
         QVERIFY(grid.isNull());
         QVERIFY(box->layout()->indexOf(Spacers(*box).constFirst()) < 0);
-        TurnEventLoop();
-        VerifyHeld(*box, 200);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 200);
     }
 
-    void spacerGoesBackAtTheWidthThatItHasThen()
+    void usesTheCurrentWidthOfTheSpacerForANewGrid()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         box->setInformativeText(QStringLiteral("more"));
         Spacers(*box).constFirst()->setFixedSize(260, 0);
-        TurnEventLoop();
-        VerifyHeld(*box, 260);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 260);
     }
 
-    void widthThatIsSetWhileTheNewGridIsWaitingIsHeld()
+    void setsAWidthWhileTheMoveToANewGridIsPending()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         box->setInformativeText(QStringLiteral("more"));
         box->SetWidth(410);
-        VerifyHeld(*box, 410);
-        TurnEventLoop();
-        VerifyHeld(*box, 410);
+        VerifyWidthIsSet(*box, 410);
+        ProcessEvents();
+        VerifyWidthIsSet(*box, 410);
     }
 
-    void removedWidthDoesNotComeBackWithTheNewGrid()
+    void doesNotRestoreARemovedWidthInANewGrid()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         box->SetWidth(-1);
         box->setInformativeText(QStringLiteral("more"));
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
         box->setInformativeText(QString());
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
     }
 
-    void widthThatIsRemovedWhileTheNewGridIsWaitingDoesNotComeBack()
+    void removesTheWidthWhileTheMoveToANewGridIsPending()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         box->setInformativeText(QStringLiteral("more"));
         box->SetWidth(-1);
-        TurnEventLoop();
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        ProcessEvents();
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
     }
 
-    void gridIsWatchedOnceAsLongAsAWidthIsHeld()
+    void connectsToTheGridOnceWhileAWidthIsSet()
     {
         auto const box = CreateBox();
         QLayout const& grid = *box->layout();
-        int const before = ConnectionsToTheEndOf(grid);
+        int const before = DestroyedConnections(grid);
         box->SetWidth(200);
-        QCOMPARE(ConnectionsToTheEndOf(grid), before + 1);
+        QCOMPARE(DestroyedConnections(grid), before + 1);
         box->SetWidth(210);
-        QCOMPARE(ConnectionsToTheEndOf(grid), before + 1);
+        QCOMPARE(DestroyedConnections(grid), before + 1);
         box->SetWidth(-1);
-        QCOMPARE(ConnectionsToTheEndOf(grid), before);
+        QCOMPARE(DestroyedConnections(grid), before);
     }
 
-    void spacerThatSomebodyDestroysIsForgotten()
+    void recoversFromADestroyedSpacer()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         delete Spacers(*box).constFirst();
         QCOMPARE(box->GetWidth(), -1);
         box->setInformativeText(QStringLiteral("more"));
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
         box->SetWidth(150);
-        VerifyHeld(*box, 150);
+        VerifyWidthIsSet(*box, 150);
     }
 
-    void otherLayoutsAreLeftAlone()
+    void ignoresTheWidthForAnotherLayout()
     {
         auto const box = CreateBox();
         delete box->layout();
         auto* const column = new QVBoxLayout(box.get());
         box->SetWidth(200);
-        VerifyNotHeld(*box);
+        VerifyNoWidthIsSet(*box);
         QCOMPARE(column->count(), 0);
     }
 
-    void missingLayoutIsLeftAlone()
+    void ignoresTheWidthWithoutLayout()
     {
         auto const box = CreateBox();
         delete box->layout();
         box->SetWidth(200);
-        VerifyNotHeld(*box);
+        VerifyNoWidthIsSet(*box);
     }
 
-    void spacerStaysOutOfAnotherLayoutThatReplacesTheGrid()
+    void doesNotMoveTheSpacerToAnotherKindOfLayout()
     {
         auto const box = CreateBox();
         box->SetWidth(200);
         delete box->layout();
         auto* const column = new QVBoxLayout(box.get());
-        TurnEventLoop();
+        ProcessEvents();
         QCOMPARE(column->count(), 0);
         box->SetWidth(250);
         QCOMPARE(box->GetWidth(), 200);
         box->SetWidth(-1);
-        TurnEventLoop();
-        VerifyNotHeld(*box);
+        ProcessEvents();
+        VerifyNoWidthIsSet(*box);
     }
 
-    void shownBoxIsAsWideAtLeast()
+    void aShownBoxHasAtLeastTheWidth()
     {
         auto const box = CreateBox();
-        box->SetWidth(Wide);
+        box->SetWidth(LargeWidth);
         box->Show(false);
-        QTRY_VERIFY(box->width() >= Wide);
+        QTRY_VERIFY(box->width() >= LargeWidth);
     }
 
-    void shownBoxFollowsTheWidth()
+    void aShownBoxAdaptsToANewWidth()
     {
         auto const box = CreateBox();
         box->Show(false);
-        QVERIFY(box->width() < Wide);
-        box->SetWidth(Wide);
-        QTRY_VERIFY(box->width() >= Wide);
+        QVERIFY(box->width() < LargeWidth);
+        box->SetWidth(LargeWidth);
+        QTRY_VERIFY(box->width() >= LargeWidth);
         box->setIconPixmap(CreateIcon());
-        TurnEventLoop();
-        QTRY_VERIFY(box->width() >= Wide);
-        VerifyHeld(*box, Wide);
+        ProcessEvents();
+        QTRY_VERIFY(box->width() >= LargeWidth);
+        VerifyWidthIsSet(*box, LargeWidth);
         box->SetWidth(-1);
-        QTRY_VERIFY(box->width() < Wide);
+        QTRY_VERIFY(box->width() < LargeWidth);
     }
 
-    void spacerTakesNoHeight()
+    void theSpacerHasNoHeight()
     {
         auto const plain = CreateBox();
-        auto const held = CreateBox();
-        held->SetWidth(1);
+        auto const widened = CreateBox();
+        widened->SetWidth(1);
         plain->Show(false);
-        held->Show(false);
-        QCOMPARE(held->height(), plain->height());
+        widened->Show(false);
+        QCOMPARE(widened->height(), plain->height());
     }
 
-    void boxMayEndWhileTheNewGridIsWaiting()
+    void theBoxCanBeDestroyedWhileTheMoveToANewGridIsPending()
     {
         auto box = CreateBox();
         box->SetWidth(200);
@@ -425,7 +501,7 @@ private Q_SLOTS:
         QPointer<QWidget> const spacer(Spacers(*box).constFirst());
         box.reset();
         QVERIFY(spacer.isNull());
-        TurnEventLoop();
+        ProcessEvents();
     }
 };
 

@@ -20,8 +20,9 @@
 #include <memory>
 #include <type_traits>
 
-using Zelkor::Testing::FollowsItsChildren;
 using Zelkor::Testing::RecordingStyle;
+using Zelkor::Testing::Repolishing;
+using Zelkor::Testing::RequestsLayoutForNewChild;
 using Zelkor::Util::FixWidgetStyle;
 
 static_assert(std::is_class_v<FixWidgetStyle> && !std::is_default_constructible_v<FixWidgetStyle>);
@@ -33,35 +34,25 @@ Q_DECLARE_METATYPE(QDialogButtonBox::StandardButton)
 namespace
 {
 
-/// What is polished, and the hint that it has.
-QString NameAndHint(QWidget const& widget)
-{
-    QString action;
-    if (auto const* const menu = qobject_cast<QMenu const*>(&widget)) {
-        action = menu->menuAction()->objectName();
-    }
-    return widget.objectName() + QLatin1Char(' ') + action + widget.property("styleHint").toString();
-}
-
-/// Keeps the order in which widgets get a property.
-class RoundedWidgets : public QObject
+/// Records the objects whose property "roundedEdges" changes, in order. Filters the events of the whole application.
+class RoundedEdgesOrder : public QObject
 {
 public:
-    RoundedWidgets() { qApp->installEventFilter(this); }
+    RoundedEdgesOrder() { qApp->installEventFilter(this); }
 
-    QObjectList order;
+    QObjectList objects;
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() == QEvent::DynamicPropertyChange &&
             static_cast<QDynamicPropertyChangeEvent*>(event)->propertyName() == "roundedEdges") {
-            order += watched;
+            objects += watched;
         }
         return false;
     }
 };
 
-bool IsMarked(QWidget const& widget)
+bool HasRoundedEdgesProperty(QWidget const& widget)
 {
     return widget.property("roundedEdges") == QVariant(true);
 }
@@ -80,7 +71,7 @@ bool IsSquare(QWidget const& widget)
            !widget.windowFlags().testFlag(Qt::NoDropShadowWindowHint);
 }
 
-QWidget* PopUpOf(QComboBox const& comboBox)
+QWidget* FindPopUp(QComboBox const& comboBox)
 {
     return comboBox.view()->window();
 }
@@ -99,9 +90,9 @@ class FixWidgetStyleTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void nullIsIgnored() { FixWidgetStyle::Apply(nullptr); }
+    void ignoresNull() { FixWidgetStyle::Apply(nullptr); }
 
-    void plainWidgetsAreLeftAlone()
+    void doesNotChangePlainWidgets()
     {
         QWidget window;
         QLabel label(&window);
@@ -118,7 +109,7 @@ private Q_SLOTS:
         QCOMPARE(label.windowFlags(), labelFlags);
     }
 
-    void menusOfAMenuBarAreRounded()
+    void roundsAllMenusOfAWindow()
     {
         QMainWindow window;
         QMenu* const file = window.menuBar()->addMenu(QStringLiteral("File"));
@@ -126,62 +117,62 @@ private Q_SLOTS:
         QMenu* const context = AddMenu(&window, QStringLiteral("context"));
         FixWidgetStyle::Apply(&window);
         for (QMenu const* const menu : {file, recent, context}) {
-            QVERIFY(IsMarked(*menu));
+            QVERIFY(HasRoundedEdgesProperty(*menu));
             QVERIFY(IsRounded(*menu));
             QCOMPARE(menu->windowType(), Qt::Popup);
         }
-        QVERIFY(!IsMarked(*window.menuBar()));
+        QVERIFY(!HasRoundedEdgesProperty(*window.menuBar()));
         QVERIFY(IsSquare(*window.menuBar()));
         QVERIFY(IsSquare(window));
     }
 
-    void menuAsRootIsRounded()
+    void roundsAMenuThatIsTheRoot()
     {
         QMenu menu;
         QMenu* const subMenu = menu.addMenu(QStringLiteral("more"));
         FixWidgetStyle::Apply(&menu);
-        QVERIFY(IsMarked(menu) && IsRounded(menu));
-        QVERIFY(IsMarked(*subMenu) && IsRounded(*subMenu));
+        QVERIFY(HasRoundedEdgesProperty(menu) && IsRounded(menu));
+        QVERIFY(HasRoundedEdgesProperty(*subMenu) && IsRounded(*subMenu));
     }
 
-    void menusElsewhereAreLeftAlone()
+    void doesNotChangeMenusOutsideTheRoot()
     {
         QWidget window;
         QMenu const other;
         FixWidgetStyle::Apply(&window);
-        QVERIFY(!IsMarked(other));
+        QVERIFY(!HasRoundedEdgesProperty(other));
         QVERIFY(IsSquare(other));
     }
 
-    void popUpsOfComboBoxesAreRounded()
+    void roundsThePopUpsOfComboBoxes()
     {
         QWidget window;
         auto* const inner = new QWidget(&window);
         auto const* const comboBox = new QComboBox(inner);
         FixWidgetStyle::Apply(&window);
-        QWidget const& popUp = *PopUpOf(*comboBox);
+        QWidget const& popUp = *FindPopUp(*comboBox);
         QVERIFY(&popUp != &window);
-        QVERIFY(IsMarked(popUp));
+        QVERIFY(HasRoundedEdgesProperty(popUp));
         QVERIFY(IsRounded(popUp));
-        QVERIFY(!IsMarked(*comboBox));
+        QVERIFY(!HasRoundedEdgesProperty(*comboBox));
         QVERIFY(IsSquare(*comboBox));
         QVERIFY(IsSquare(*comboBox->view()));
         QVERIFY(IsSquare(window));
     }
 
-    void comboBoxAsRootHasARoundedPopUp()
+    void roundsThePopUpOfAComboBoxThatIsTheRoot()
     {
         QComboBox comboBox;
         FixWidgetStyle::Apply(&comboBox);
-        QVERIFY(IsMarked(*PopUpOf(comboBox)));
-        QVERIFY(IsRounded(*PopUpOf(comboBox)));
-        QVERIFY(!IsMarked(comboBox));
+        QVERIFY(HasRoundedEdgesProperty(*FindPopUp(comboBox)));
+        QVERIFY(IsRounded(*FindPopUp(comboBox)));
+        QVERIFY(!HasRoundedEdgesProperty(comboBox));
         QVERIFY(IsSquare(comboBox));
     }
 
-    void roundedMenuPopsUpWhereItIsAsked_data() { Zelkor::Testing::AddScreens(); }
+    void showsARoundedMenuAtTheGivenPosition_data() { Zelkor::Testing::AddScreenRows(); }
 
-    void roundedMenuPopsUpWhereItIsAsked()
+    void showsARoundedMenuAtTheGivenPosition()
     {
         QFETCH(QRect, screen);
         QWidget window;
@@ -202,9 +193,9 @@ private Q_SLOTS:
         QVERIFY(!menu->isVisible());
     }
 
-    void roundedPopUpOfAComboBoxComesUpOnItsScreen_data() { Zelkor::Testing::AddScreens(); }
+    void showsARoundedPopUpOnTheScreenOfItsComboBox_data() { Zelkor::Testing::AddScreenRows(); }
 
-    void roundedPopUpOfAComboBoxComesUpOnItsScreen()
+    void showsARoundedPopUpOnTheScreenOfItsComboBox()
     {
         QFETCH(QRect, screen);
         QWidget window;
@@ -215,7 +206,7 @@ private Q_SLOTS:
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         comboBox->showPopup();
-        QWidget& popUp = *PopUpOf(*comboBox);
+        QWidget& popUp = *FindPopUp(*comboBox);
         QVERIFY(QTest::qWaitForWindowExposed(&popUp));
         QVERIFY(IsRounded(popUp));
         QCOMPARE(popUp.frameGeometry(), popUp.geometry());
@@ -224,37 +215,37 @@ private Q_SLOTS:
         QTRY_VERIFY(!popUp.isVisible());
     }
 
-    void popUpsAreMarkedInOrderMenusFirst()
+    void marksMenusBeforeComboBoxPopUps()
     {
         QWidget window;
         QComboBox const comboBox(&window);
         QMenu* const first = AddMenu(&window, QStringLiteral("first"));
         QComboBox const otherBox(&window);
         QMenu* const second = AddMenu(&window, QStringLiteral("second"));
-        RoundedWidgets const rounded;
+        RoundedEdgesOrder const rounded;
         FixWidgetStyle::Apply(&window);
-        QCOMPARE(rounded.order, (QObjectList{first, second, PopUpOf(comboBox), PopUpOf(otherBox)}));
+        QCOMPARE(rounded.objects, (QObjectList{first, second, FindPopUp(comboBox), FindPopUp(otherBox)}));
     }
 
-    void rootIsMarkedBehindItsSubMenus()
+    void marksTheRootAfterItsSubMenus()
     {
         QMenu menu;
         QMenu* const subMenu = menu.addMenu(QStringLiteral("more"));
-        RoundedWidgets const rounded;
+        RoundedEdgesOrder const rounded;
         FixWidgetStyle::Apply(&menu);
-        QCOMPARE(rounded.order, (QObjectList{subMenu, &menu}));
+        QCOMPARE(rounded.objects, (QObjectList{subMenu, &menu}));
     }
 
-    void menuThatWasToHaveEdgesIsRoundedAllTheSame()
+    void overwritesAFalseRoundedEdgesProperty()
     {
         QWidget window;
         QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
         menu->setProperty("roundedEdges", false);
         FixWidgetStyle::Apply(&window);
-        QVERIFY(IsMarked(*menu) && IsRounded(*menu));
+        QVERIFY(HasRoundedEdgesProperty(*menu) && IsRounded(*menu));
     }
 
-    void edgesGoWithTheProperty_data()
+    void roundsWidgetsByTheirProperty_data()
     {
         QTest::addColumn<QVariant>("property");
         QTest::addColumn<bool>("rounded");
@@ -264,12 +255,12 @@ private Q_SLOTS:
         QTest::newRow("text true") << QVariant(QStringLiteral("true")) << true;
         QTest::newRow("text false") << QVariant(QStringLiteral("false")) << false;
         QTest::newRow("empty text") << QVariant(QString()) << false;
-        QTest::newRow("one") << QVariant(1) << true;
-        QTest::newRow("zero") << QVariant(0) << false;
-        QTest::newRow("neither") << QVariant(QSize(1, 1)) << false;
+        QTest::newRow("number one") << QVariant(1) << true;
+        QTest::newRow("number zero") << QVariant(0) << false;
+        QTest::newRow("type without conversion to bool") << QVariant(QSize(1, 1)) << false;
     }
 
-    void edgesGoWithTheProperty()
+    void roundsWidgetsByTheirProperty()
     {
         QFETCH(QVariant, property);
         QFETCH(bool, rounded);
@@ -288,7 +279,7 @@ private Q_SLOTS:
         QCOMPARE(child.parentWidget(), &window);
     }
 
-    void edgesOfOneWidgetAreItsOwn()
+    void roundsOnlyTheWidgetThatHasTheProperty()
     {
         QWidget window;
         QWidget rounded(&window);
@@ -300,7 +291,7 @@ private Q_SLOTS:
         QVERIFY(IsSquare(sibling) && IsSquare(child) && IsSquare(window));
     }
 
-    void otherFlagsOfARoundedWindowStay()
+    void keepsOtherFlagsOfARoundedWindow()
     {
         QDialog window(nullptr, Qt::Tool | Qt::WindowStaysOnTopHint);
         window.setProperty("roundedEdges", true);
@@ -310,7 +301,7 @@ private Q_SLOTS:
         QVERIFY(IsRounded(window));
     }
 
-    void helpButtonGoesFromTheRootOnly()
+    void removesTheHelpButtonOfTheRootOnly()
     {
         QDialog dialog(nullptr, Qt::Dialog | Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
         QDialog const inner(&dialog, Qt::Dialog | Qt::WindowContextHelpButtonHint);
@@ -321,7 +312,7 @@ private Q_SLOTS:
         QVERIFY(inner.windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
     }
 
-    void visibleWindowIsHiddenByTheLossOfItsHelpButton()
+    void hidesAVisibleWindowThatLosesItsHelpButton()
     {
         QDialog dialog(nullptr, Qt::Dialog | Qt::WindowContextHelpButtonHint);
         dialog.show();
@@ -330,7 +321,7 @@ private Q_SLOTS:
         QVERIFY(!dialog.isVisible());
     }
 
-    void visibleWindowWhoseFlagsDoNotChangeStays()
+    void keepsAWindowVisibleIfItsFlagsDoNotChange()
     {
         QWidget window;
         window.show();
@@ -338,19 +329,20 @@ private Q_SLOTS:
         QVERIFY(window.isVisible());
     }
 
-    void actionIsNamedAfterItsMenu_data()
+    void namesTheActionAfterItsMenu_data()
     {
         QTest::addColumn<QString>("menuName");
         QTest::addColumn<QString>("actionName");
         QTest::addColumn<QString>("expected");
         QTest::newRow("named menu") << QStringLiteral("file") << QString() << QStringLiteral("action_file");
         QTest::newRow("unnamed menu") << QString() << QString() << QStringLiteral("action_");
-        QTest::newRow("named action") << QStringLiteral("file") << QStringLiteral("own") << QStringLiteral("own");
-        QTest::newRow("named action of an unnamed menu") << QString() << QStringLiteral("own") << QStringLiteral("own");
-        QTest::newRow("format mark") << QStringLiteral("%1") << QString() << QStringLiteral("action_%1");
+        QTest::newRow("named action") << QStringLiteral("file") << QStringLiteral("custom") << QStringLiteral("custom");
+        QTest::newRow("named action of an unnamed menu")
+            << QString() << QStringLiteral("custom") << QStringLiteral("custom");
+        QTest::newRow("format placeholder") << QStringLiteral("%1") << QString() << QStringLiteral("action_%1");
     }
 
-    void actionIsNamedAfterItsMenu()
+    void namesTheActionAfterItsMenu()
     {
         QFETCH(QString, menuName);
         QFETCH(QString, actionName);
@@ -369,22 +361,22 @@ private Q_SLOTS:
         }
     }
 
-    void actionOfTheRootIsNotNamed()
+    void doesNotNameOrRepolishTheRoot()
     {
-        RecordingStyle style(NameAndHint);
+        RecordingStyle style;
         QMenu menu;
         menu.setObjectName(QStringLiteral("root"));
         QMenu* const subMenu = menu.addMenu(QStringLiteral("More"));
         subMenu->setObjectName(QStringLiteral("more"));
         menu.setStyle(&style);
-        style.log.clear();
+        style.calls.clear();
         FixWidgetStyle::Apply(&menu);
         QCOMPARE(menu.menuAction()->objectName(), QString());
         QCOMPARE(subMenu->menuAction()->objectName(), QStringLiteral("action_more"));
-        QVERIFY(style.log.isEmpty());
+        QVERIFY(style.calls.isEmpty());
     }
 
-    void otherActionsKeepTheirNames()
+    void doesNotNameOtherActions()
     {
         QMainWindow window;
         QMenu* const menu = window.menuBar()->addMenu(QStringLiteral("Title"));
@@ -393,31 +385,34 @@ private Q_SLOTS:
         QCOMPARE(action->objectName(), QString());
     }
 
-    void menuIsPolishedOnceAfterTheNaming()
+    void repolishesAMenuOnceAfterNamingItsAction()
     {
-        RecordingStyle style(NameAndHint);
+        RecordingStyle style;
         QWidget window;
         QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
         menu->setStyle(&style);
-        style.log.clear();
+        style.calls.clear();
+        int callsBeforeNaming = -1;
+        connect(menu->menuAction(), &QObject::objectNameChanged, this,
+                [&style, &callsBeforeNaming] { callsBeforeNaming = style.calls.size(); });
         FixWidgetStyle::Apply(&window);
-        QCOMPARE(style.log,
-                 (QStringList{QStringLiteral("unpolish menu action_menu"), QStringLiteral("polish menu action_menu")}));
+        QCOMPARE(callsBeforeNaming, 0);
+        QCOMPARE(style.calls, Repolishing(menu));
     }
 
-    void menuWithANamedActionIsPolishedToo()
+    void repolishesAMenuWithANamedAction()
     {
-        RecordingStyle style(NameAndHint);
+        RecordingStyle style;
         QWidget window;
         QMenu* const menu = AddMenu(&window, QStringLiteral("menu"));
-        menu->menuAction()->setObjectName(QStringLiteral("own"));
+        menu->menuAction()->setObjectName(QStringLiteral("custom"));
         menu->setStyle(&style);
-        style.log.clear();
+        style.calls.clear();
         FixWidgetStyle::Apply(&window);
-        QCOMPARE(style.log, (QStringList{QStringLiteral("unpolish menu own"), QStringLiteral("polish menu own")}));
+        QCOMPARE(style.calls, Repolishing(menu));
     }
 
-    void roundedEdgesOfAMenuReachItsStyleSheet()
+    void appliesStyleSheetRulesForRoundedEdges()
     {
         QWidget window;
         window.setStyleSheet(QStringLiteral("QMenu[roundedEdges=\"true\"] { min-width: 234px }"));
@@ -428,7 +423,7 @@ private Q_SLOTS:
         QCOMPARE(menu->minimumWidth(), 234);
     }
 
-    void standardButtonIsNamedAndTagged_data()
+    void namesStandardButtonsAndSetsTheirHints_data()
     {
         QTest::addColumn<QDialogButtonBox::StandardButton>("standard");
         QTest::addColumn<QString>("name");
@@ -458,7 +453,7 @@ private Q_SLOTS:
         addRow("Reset", QDialogButtonBox::Reset, "", nullptr);
     }
 
-    void standardButtonIsNamedAndTagged()
+    void namesStandardButtonsAndSetsTheirHints()
     {
         QFETCH(QDialogButtonBox::StandardButton, standard);
         QFETCH(QString, name);
@@ -471,33 +466,33 @@ private Q_SLOTS:
         QCOMPARE(box.button(standard)->property("styleHint"), styleHint);
     }
 
-    void ownNameOfAStandardButtonStays_data() { standardButtonIsNamedAndTagged_data(); }
+    void keepsACustomNameOfAStandardButton_data() { namesStandardButtonsAndSetsTheirHints_data(); }
 
-    void ownNameOfAStandardButtonStays()
+    void keepsACustomNameOfAStandardButton()
     {
         QFETCH(QDialogButtonBox::StandardButton, standard);
         QFETCH(QVariant, styleHint);
         QDialog dialog;
         QDialogButtonBox const box(standard, &dialog);
-        box.button(standard)->setObjectName(QStringLiteral("own"));
+        box.button(standard)->setObjectName(QStringLiteral("custom"));
         FixWidgetStyle::Apply(&dialog);
-        QCOMPARE(box.button(standard)->objectName(), QStringLiteral("own"));
+        QCOMPARE(box.button(standard)->objectName(), QStringLiteral("custom"));
         QCOMPARE(box.button(standard)->property("styleHint"), styleHint);
     }
 
-    void ownHintStaysOnlyWhereTheTableHasNone()
+    void keepsACustomHintOfButtonsWithoutDefaultHint()
     {
         QDialog dialog;
         QDialogButtonBox const box(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
         for (QAbstractButton* const button : {box.button(QDialogButtonBox::Ok), box.button(QDialogButtonBox::Cancel)}) {
-            button->setProperty("styleHint", QStringLiteral("own"));
+            button->setProperty("styleHint", QStringLiteral("custom"));
         }
         FixWidgetStyle::Apply(&dialog);
         QCOMPARE(box.button(QDialogButtonBox::Ok)->property("styleHint").toString(), QStringLiteral("activeButton"));
-        QCOMPARE(box.button(QDialogButtonBox::Cancel)->property("styleHint").toString(), QStringLiteral("own"));
+        QCOMPARE(box.button(QDialogButtonBox::Cancel)->property("styleHint").toString(), QStringLiteral("custom"));
     }
 
-    void customButtonsAreNeitherNamedNorTagged()
+    void doesNotChangeCustomButtons()
     {
         QDialog dialog;
         QDialogButtonBox box(&dialog);
@@ -507,7 +502,7 @@ private Q_SLOTS:
         QVERIFY(button->dynamicPropertyNames().isEmpty());
     }
 
-    void everyButtonBoxIsFixed()
+    void changesEveryButtonBoxBelowTheRoot()
     {
         QDialog dialog;
         QDialogButtonBox const first(QDialogButtonBox::Ok, &dialog);
@@ -521,52 +516,54 @@ private Q_SLOTS:
         }
     }
 
-    void buttonBoxAsRootIsNotFixed()
+    void doesNotChangeAButtonBoxThatIsTheRoot()
     {
         QDialogButtonBox outer(QDialogButtonBox::Ok);
         QDialogButtonBox const inner(QDialogButtonBox::Ok, &outer);
         FixWidgetStyle::Apply(&outer);
         QCOMPARE(outer.button(QDialogButtonBox::Ok)->objectName(), QString());
-        QVERIFY(!FollowsItsChildren(outer));
+        QVERIFY(!RequestsLayoutForNewChild(outer));
         QCOMPARE(inner.button(QDialogButtonBox::Ok)->objectName(), QStringLiteral("okButton"));
     }
 
-    void buttonBoxFollowsItsChildren()
+    void installsALayoutControllerInButtonBoxes()
     {
         QDialog dialog;
         QDialogButtonBox box(QDialogButtonBox::Ok, &dialog);
-        QVERIFY(!FollowsItsChildren(box));
+        QVERIFY(!RequestsLayoutForNewChild(box));
         FixWidgetStyle::Apply(&dialog);
-        QVERIFY(FollowsItsChildren(box));
+        QVERIFY(RequestsLayoutForNewChild(box));
     }
 
-    void buttonsArePolishedForTheirHintAndOnceMore()
+    void repolishesButtonsForTheirHintAndOnceMore()
     {
-        RecordingStyle style(NameAndHint);
+        RecordingStyle style({"objectName", "styleHint"});
         QDialog dialog;
         QDialogButtonBox box(QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::RestoreDefaults,
                              &dialog);
+        QPushButton* const ok = box.button(QDialogButtonBox::Ok);
+        QPushButton* const cancel = box.button(QDialogButtonBox::Cancel);
+        QPushButton* const restore = box.button(QDialogButtonBox::RestoreDefaults);
         QPushButton* const custom = box.addButton(QStringLiteral("custom"), QDialogButtonBox::ActionRole);
         custom->setObjectName(QStringLiteral("custom"));
-        QStringList expected{QStringLiteral("unpolish okButton activeButton"),
-                             QStringLiteral("polish okButton activeButton"),
-                             QStringLiteral("unpolish restoreButton highlightedButton"),
-                             QStringLiteral("polish restoreButton highlightedButton")};
-        auto const buttons = box.buttons();
-        for (QAbstractButton* const button : buttons) {
+        for (QPushButton* const button : {ok, cancel, restore, custom}) {
             button->setStyle(&style);
-            QString const state = button == box.button(QDialogButtonBox::Ok) ? QStringLiteral("okButton activeButton")
-                                  : button == box.button(QDialogButtonBox::Cancel) ? QStringLiteral("cancelButton ")
-                                  : button == custom                               ? QStringLiteral("custom ")
-                                                     : QStringLiteral("restoreButton highlightedButton");
-            expected << QStringLiteral("unpolish ") + state << QStringLiteral("polish ") + state;
         }
-        style.log.clear();
+        style.calls.clear();
         FixWidgetStyle::Apply(&dialog);
-        QCOMPARE(style.log, expected);
+
+        auto const okCalls = Repolishing(ok, {QStringLiteral("okButton"), QStringLiteral("activeButton")});
+        auto const restoreCalls =
+            Repolishing(restore, {QStringLiteral("restoreButton"), QStringLiteral("highlightedButton")});
+        QCOMPARE(style.CallsFor(ok), okCalls + okCalls);
+        QCOMPARE(style.CallsFor(restore), restoreCalls + restoreCalls);
+        QCOMPARE(style.CallsFor(cancel), Repolishing(cancel, {QStringLiteral("cancelButton"), QString()}));
+        QCOMPARE(style.CallsFor(custom), Repolishing(custom, {QStringLiteral("custom"), QString()}));
+        // All hints are set before any button is polished once more.
+        QCOMPARE(style.calls.mid(0, 4), okCalls + restoreCalls);
     }
 
-    void nameOfAButtonReachesItsStyleSheet()
+    void appliesStyleSheetRulesForButtonNames()
     {
         QDialog dialog;
         dialog.setStyleSheet(QStringLiteral("QPushButton#cancelButton { min-width: 234px }"));
@@ -578,7 +575,7 @@ private Q_SLOTS:
         QVERIFY(cancel->minimumWidth() >= 234);
     }
 
-    void secondPassChangesNothing()
+    void aSecondCallHasNoFurtherEffect()
     {
         QDialog dialog;
         QDialogButtonBox const box(QDialogButtonBox::Ok, &dialog);

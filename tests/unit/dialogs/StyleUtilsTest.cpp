@@ -10,6 +10,7 @@
 #include <type_traits>
 
 using Zelkor::Testing::RecordingStyle;
+using Zelkor::Testing::Repolishing;
 using Zelkor::Util::ApplyMessageLevel;
 using Zelkor::Util::ApplyWidgetStyle;
 using Zelkor::Util::GetMessageLevel;
@@ -30,13 +31,6 @@ namespace
 
 constexpr char Property[] = "SubStyle";
 
-/// What is polished, and the properties that it has.
-QString NameAndProperties(QWidget const& widget)
-{
-    return widget.objectName() + QLatin1Char(' ') + widget.property(Property).toString() +
-           widget.property("Level").toString();
-}
-
 } // namespace
 
 class StyleUtilsTest : public Zelkor::Testing::TestCase
@@ -44,7 +38,7 @@ class StyleUtilsTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void levelsAreKnownToTheMetaObjectOfTheNamespace()
+    void registersTheLevelsInTheMetaObjectOfTheNamespace()
     {
         QMetaObject const& metaObject = Zelkor::Util::staticMetaObject;
         QCOMPARE(metaObject.className(), "Zelkor::Util");
@@ -57,12 +51,12 @@ private Q_SLOTS:
         QCOMPARE(QMetaEnum::fromType<MessageLevel>().name(), "MessageLevel");
     }
 
-    void levelsHaveAMetaType()
+    void registersAMetaTypeForLevels()
     {
         QCOMPARE(QMetaType::typeName(qMetaTypeId<MessageLevel>()), "Zelkor::Util::MessageLevel");
     }
 
-    void levelIsItsKey_data()
+    void storesALevelAsItsKey_data()
     {
         QTest::addColumn<int>("value");
         QTest::newRow("Question") << 0;
@@ -72,7 +66,7 @@ private Q_SLOTS:
         QTest::newRow("NoMessage") << 4;
     }
 
-    void levelIsItsKey()
+    void storesALevelAsItsKey()
     {
         QFETCH(int, value);
         auto const level = static_cast<MessageLevel>(value);
@@ -86,7 +80,7 @@ private Q_SLOTS:
         QCOMPARE(GetMessageLevel(&widget), level);
     }
 
-    void levelWithoutKeyIsAnEmptyText()
+    void storesAnUnknownLevelAsEmptyText()
     {
         QWidget widget;
         ApplyMessageLevel(&widget, MessageLevel::Error);
@@ -99,7 +93,7 @@ private Q_SLOTS:
         QCOMPARE(widget.property("Level").toString(), QString());
     }
 
-    void levelComesFromTheProperty_data()
+    void readsTheLevelFromTheProperty_data()
     {
         QTest::addColumn<QVariant>("property");
         QTest::addColumn<int>("level");
@@ -110,17 +104,17 @@ private Q_SLOTS:
         addRow("empty", QLatin1String(""), MessageLevel::NoMessage);
         addRow("key", QStringLiteral("Warning"), MessageLevel::Warning);
         addRow("first key", QStringLiteral("Question"), MessageLevel::Question);
-        addRow("bytes", QByteArray("Error"), MessageLevel::Error);
+        addRow("byte array", QByteArray("Error"), MessageLevel::Error);
         addRow("unknown word", QStringLiteral("Disaster"), MessageLevel::NoMessage);
-        addRow("part of a key", QStringLiteral("Err"), MessageLevel::NoMessage);
-        addRow("other case", QStringLiteral("error"), MessageLevel::NoMessage);
-        addRow("space", QStringLiteral("Error "), MessageLevel::NoMessage);
-        addRow("beyond ASCII", QStringLiteral("Erro\u0440"), MessageLevel::NoMessage);
+        addRow("prefix of a key", QStringLiteral("Err"), MessageLevel::NoMessage);
+        addRow("lower case", QStringLiteral("error"), MessageLevel::NoMessage);
+        addRow("trailing space", QStringLiteral("Error "), MessageLevel::NoMessage);
+        addRow("Cyrillic letter", QStringLiteral("Erro\u0440"), MessageLevel::NoMessage);
         addRow("number", 3, MessageLevel::NoMessage);
-        addRow("not a text", QSize(1, 1), MessageLevel::NoMessage);
+        addRow("type without conversion to text", QSize(1, 1), MessageLevel::NoMessage);
     }
 
-    void levelComesFromTheProperty()
+    void readsTheLevelFromTheProperty()
     {
         QFETCH(QVariant, property);
         QFETCH(int, level);
@@ -129,7 +123,7 @@ private Q_SLOTS:
         QCOMPARE(static_cast<int>(GetMessageLevel(&widget)), level);
     }
 
-    void nullWidgetsAreIgnored()
+    void ignoresNullWidgets()
     {
         ApplyWidgetStyle(nullptr, QStringLiteral("value"), Property);
         ApplyMessageLevel(nullptr, MessageLevel::Error);
@@ -137,7 +131,7 @@ private Q_SLOTS:
         QCOMPARE(GetMessageLevel(nullptr), MessageLevel::NoMessage);
     }
 
-    void styleIsATextInADynamicProperty()
+    void storesTheStyleInADynamicProperty()
     {
         QWidget widget;
         ApplyWidgetStyle(&widget, QStringLiteral("value"), Property);
@@ -149,7 +143,7 @@ private Q_SLOTS:
         QCOMPARE(GetWidgetStyle(&widget, Property), QStringLiteral("other"));
     }
 
-    void emptyStyleIsAPropertyToo()
+    void storesAnEmptyStyle()
     {
         QWidget widget;
         ApplyWidgetStyle(&widget, QString(), Property);
@@ -157,7 +151,7 @@ private Q_SLOTS:
         QCOMPARE(GetWidgetStyle(&widget, Property), QString());
     }
 
-    void propertyOfTheClassWillDo()
+    void acceptsAStaticProperty()
     {
         QWidget widget;
         ApplyWidgetStyle(&widget, QStringLiteral("value"), "windowTitle");
@@ -166,18 +160,18 @@ private Q_SLOTS:
         QCOMPARE(GetWidgetStyle(&widget, "windowTitle"), QStringLiteral("value"));
     }
 
-    void styleIsConvertedToText_data()
+    void convertsTheStyleToText_data()
     {
         QTest::addColumn<QVariant>("property");
         QTest::addColumn<QString>("style");
         QTest::newRow("unset") << QVariant() << QString();
         QTest::newRow("number") << QVariant(42) << QStringLiteral("42");
         QTest::newRow("bool") << QVariant(true) << QStringLiteral("true");
-        QTest::newRow("bytes") << QVariant(QByteArray("text")) << QStringLiteral("text");
-        QTest::newRow("not a text") << QVariant(QSize(1, 1)) << QString();
+        QTest::newRow("byte array") << QVariant(QByteArray("text")) << QStringLiteral("text");
+        QTest::newRow("type without conversion to text") << QVariant(QSize(1, 1)) << QString();
     }
 
-    void styleIsConvertedToText()
+    void convertsTheStyleToText()
     {
         QFETCH(QVariant, property);
         QFETCH(QString, style);
@@ -186,58 +180,56 @@ private Q_SLOTS:
         QCOMPARE(GetWidgetStyle(&widget, Property), style);
     }
 
-    void widgetIsPolishedOnceWithItsOwnStyleAfterTheChange()
+    void repolishesOnceWithTheStyleOfTheWidgetAfterTheChange()
     {
-        RecordingStyle style(NameAndProperties);
-        RecordingStyle parentStyle(NameAndProperties);
+        RecordingStyle style({Property, "Level"});
+        RecordingStyle parentStyle;
         QWidget parent;
         parent.setStyle(&parentStyle);
         QLabel widget(&parent);
         QLabel child(&widget);
-        widget.setObjectName(QStringLiteral("widget"));
         widget.setStyle(&style);
-        style.log.clear();
-        parentStyle.log.clear();
+        style.calls.clear();
+        parentStyle.calls.clear();
         ApplyWidgetStyle(&widget, QStringLiteral("value"), Property);
-        QCOMPARE(style.log,
-                 (QStringList{QStringLiteral("unpolish widget value"), QStringLiteral("polish widget value")}));
-        QVERIFY(parentStyle.log.isEmpty());
+        QCOMPARE(style.calls, Repolishing(&widget, {QStringLiteral("value"), QString()}));
+        QVERIFY(parentStyle.calls.isEmpty());
     }
 
-    void widgetIsPolishedEvenWhenNothingChanges()
+    void repolishesForAnUnchangedValue()
     {
-        RecordingStyle style(NameAndProperties);
+        RecordingStyle style({Property, "Level"});
         QWidget widget;
         widget.setStyle(&style);
         ApplyWidgetStyle(&widget, QStringLiteral("value"), Property);
-        style.log.clear();
+        style.calls.clear();
         ApplyWidgetStyle(&widget, QStringLiteral("value"), Property);
-        QCOMPARE(style.log, (QStringList{QStringLiteral("unpolish  value"), QStringLiteral("polish  value")}));
+        QCOMPARE(style.calls, Repolishing(&widget, {QStringLiteral("value"), QString()}));
     }
 
-    void levelIsPolishedInOnce()
+    void repolishesOnceForALevel()
     {
-        RecordingStyle style(NameAndProperties);
+        RecordingStyle style({Property, "Level"});
         QWidget widget;
         widget.setStyle(&style);
-        style.log.clear();
+        style.calls.clear();
         ApplyMessageLevel(&widget, MessageLevel::Warning);
-        QCOMPARE(style.log, (QStringList{QStringLiteral("unpolish  Warning"), QStringLiteral("polish  Warning")}));
+        QCOMPARE(style.calls, Repolishing(&widget, {QString(), QStringLiteral("Warning")}));
     }
 
-    void readingPolishesNothing()
+    void readingDoesNotRepolish()
     {
-        RecordingStyle style(NameAndProperties);
+        RecordingStyle style({Property, "Level"});
         QWidget widget;
         widget.setStyle(&style);
         ApplyMessageLevel(&widget, MessageLevel::Warning);
-        style.log.clear();
+        style.calls.clear();
         GetMessageLevel(&widget);
         GetWidgetStyle(&widget, "Level");
-        QVERIFY(style.log.isEmpty());
+        QVERIFY(style.calls.isEmpty());
     }
 
-    void styleSheetTakesEffectAtOnce()
+    void appliesStyleSheetRules()
     {
         QLabel label;
         label.setStyleSheet(QStringLiteral("QLabel[SubStyle=\"wide\"] { min-width: 234px } "

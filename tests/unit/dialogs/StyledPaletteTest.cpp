@@ -28,7 +28,7 @@ static_assert(std::is_same_v<decltype(&StyledPalette::SetPaletteLight), void (St
 namespace
 {
 
-QColor const Chosen(12, 34, 56, 78);
+QColor const TestColor(12, 34, 56, 78);
 
 void Set(StyledPalette& styledPalette, QPalette::ColorRole role, QColor const& color)
 {
@@ -51,14 +51,14 @@ protected:
     void TearDown() override { QApplication::setPalette(palette_); }
 
 private Q_SLOTS:
-    void hasItsNameAndBase()
+    void hasAMetaObject()
     {
         QMetaObject const& metaObject = StyledPalette::staticMetaObject;
         QCOMPARE(metaObject.className(), "Zelkor::Util::StyledPalette");
         QCOMPARE(metaObject.superClass(), &QWidget::staticMetaObject);
     }
 
-    void hasFourSlotsInOrder_data()
+    void declaresFourSlotsInOrder_data()
     {
         QTest::addColumn<int>("position");
         QTest::addColumn<int>("returnType");
@@ -71,7 +71,7 @@ private Q_SLOTS:
         QTest::newRow("SetPaletteLight(QColor)") << 3 << none << QByteArrayList{"color"};
     }
 
-    void hasFourSlotsInOrder()
+    void declaresFourSlotsInOrder()
     {
         QFETCH(int, position);
         QFETCH(int, returnType);
@@ -86,7 +86,7 @@ private Q_SLOTS:
         QCOMPARE(method.parameterNames(), parameters);
     }
 
-    void hasTwoProperties_data()
+    void declaresTwoProperties_data()
     {
         QTest::addColumn<int>("position");
         QTest::addColumn<int>("role");
@@ -94,7 +94,7 @@ private Q_SLOTS:
         QTest::newRow("paletteLight") << 1 << static_cast<int>(QPalette::Light);
     }
 
-    void hasTwoProperties()
+    void declaresTwoProperties()
     {
         QFETCH(int, position);
         QFETCH(int, role);
@@ -108,12 +108,12 @@ private Q_SLOTS:
         QVERIFY(!property.hasNotifySignal() && !property.isResettable());
 
         StyledPalette styledPalette;
-        QVERIFY(property.write(&styledPalette, Chosen));
-        QCOMPARE(QGuiApplication::palette().color(static_cast<QPalette::ColorRole>(role)), Chosen);
-        QCOMPARE(property.read(&styledPalette).value<QColor>(), Chosen);
+        QVERIFY(property.write(&styledPalette, TestColor));
+        QCOMPARE(QGuiApplication::palette().color(static_cast<QPalette::ColorRole>(role)), TestColor);
+        QCOMPARE(property.read(&styledPalette).value<QColor>(), TestColor);
     }
 
-    void readsThePaletteOfTheApplication()
+    void readsTheActiveColorsOfTheApplicationPalette()
     {
         QPalette palette;
         palette.setColor(QPalette::Active, QPalette::Link, QColor(1, 2, 3));
@@ -131,14 +131,14 @@ private Q_SLOTS:
         QCOMPARE(styledPalette.GetPalleteLight(), QColor(7, 8, 9));
     }
 
-    void setsAllGroupsOfItsRoleAndNothingElse_data()
+    void setsAllColorGroupsOfOneRole_data()
     {
         QTest::addColumn<int>("role");
-        QTest::newRow("links") << static_cast<int>(QPalette::Link);
-        QTest::newRow("light") << static_cast<int>(QPalette::Light);
+        QTest::newRow("link role") << static_cast<int>(QPalette::Link);
+        QTest::newRow("light role") << static_cast<int>(QPalette::Light);
     }
 
-    void setsAllGroupsOfItsRoleAndNothingElse()
+    void setsAllColorGroupsOfOneRole()
     {
         QFETCH(int, role);
         auto const ownRole = static_cast<QPalette::ColorRole>(role);
@@ -146,10 +146,10 @@ private Q_SLOTS:
         before.setBrush(QPalette::Disabled, ownRole, QBrush(Qt::red, Qt::Dense4Pattern));
         QApplication::setPalette(before);
         StyledPalette styledPalette;
-        Set(styledPalette, ownRole, Chosen);
+        Set(styledPalette, ownRole, TestColor);
         QPalette const after = QGuiApplication::palette();
         for (auto const group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-            QCOMPARE(after.brush(group, ownRole), QBrush(Chosen, Qt::SolidPattern));
+            QCOMPARE(after.brush(group, ownRole), QBrush(TestColor, Qt::SolidPattern));
             for (int other = 0; other < QPalette::NColorRoles; ++other) {
                 if (other != role && other != QPalette::NoRole) {
                     auto const otherRole = static_cast<QPalette::ColorRole>(other);
@@ -157,43 +157,43 @@ private Q_SLOTS:
                 }
             }
         }
-        QCOMPARE(Get(styledPalette, ownRole), Chosen);
+        QCOMPARE(Get(styledPalette, ownRole), TestColor);
     }
 
-    void setsThePaletteOfEveryWidget_data() { setsAllGroupsOfItsRoleAndNothingElse_data(); }
+    void changesThePaletteOfAllWidgets_data() { setsAllColorGroupsOfOneRole_data(); }
 
-    void setsThePaletteOfEveryWidget()
+    void changesThePaletteOfAllWidgets()
     {
         QFETCH(int, role);
         auto const ownRole = static_cast<QPalette::ColorRole>(role);
         QLabel const label;
         StyledPalette styledPalette;
-        Set(styledPalette, ownRole, Chosen);
-        QCOMPARE(label.palette().color(ownRole), Chosen);
-        QCOMPARE(QWidget().palette().color(ownRole), Chosen);
-        QCOMPARE(Get(*std::make_unique<StyledPalette>(), ownRole), Chosen);
+        Set(styledPalette, ownRole, TestColor);
+        QCOMPARE(label.palette().color(ownRole), TestColor);
+        QCOMPARE(QWidget().palette().color(ownRole), TestColor);
+        QCOMPARE(Get(*std::make_unique<StyledPalette>(), ownRole), TestColor);
     }
 
-    void lastsLongerThanTheWidget()
+    void keepsTheColorAfterTheWidgetIsDestroyed()
     {
-        std::make_unique<StyledPalette>()->SetLinksColor(Chosen);
-        QCOMPARE(QGuiApplication::palette().color(QPalette::Link), Chosen);
+        std::make_unique<StyledPalette>()->SetLinksColor(TestColor);
+        QCOMPARE(QGuiApplication::palette().color(QPalette::Link), TestColor);
     }
 
-    void isKeptAsGivenForLinksAndAsRgbForLight_data()
+    void keepsTheColorModelForLinksAndConvertsLightToRgb_data()
     {
         QTest::addColumn<QColor>("color");
         QTest::newRow("RGB") << QColor(10, 200, 30);
-        QTest::newRow("RGB, see-through") << QColor(10, 200, 30, 40);
+        QTest::newRow("RGB, translucent") << QColor(10, 200, 30, 40);
         QTest::newRow("HSV") << QColor::fromHsv(120, 200, 150, 90);
         QTest::newRow("HSL") << QColor::fromHsl(200, 100, 150);
         QTest::newRow("CMYK") << QColor::fromCmyk(10, 20, 30, 40, 50);
-        QTest::newRow("16 bits a channel") << QColor::fromRgba64(0x1234, 0x5678, 0x9abc, 0xdef0);
-        QTest::newRow("extended") << QColor::fromRgbF(0.25, 0.5, 0.75).convertTo(QColor::ExtendedRgb);
-        QTest::newRow("none") << QColor();
+        QTest::newRow("16 bits per channel") << QColor::fromRgba64(0x1234, 0x5678, 0x9abc, 0xdef0);
+        QTest::newRow("extended RGB") << QColor::fromRgbF(0.25, 0.5, 0.75).convertTo(QColor::ExtendedRgb);
+        QTest::newRow("invalid") << QColor();
     }
 
-    void isKeptAsGivenForLinksAndAsRgbForLight()
+    void keepsTheColorModelForLinksAndConvertsLightToRgb()
     {
         QFETCH(QColor, color);
         StyledPalette styledPalette;
@@ -205,7 +205,7 @@ private Q_SLOTS:
         QCOMPARE(styledPalette.GetPalleteLight(), QColor(color.red(), color.green(), color.blue(), color.alpha()));
     }
 
-    void styleSheetSetsTheColors()
+    void readsColorsFromAStyleSheet()
     {
         StyledPalette styledPalette;
         styledPalette.setStyleSheet(QStringLiteral(
@@ -215,7 +215,7 @@ private Q_SLOTS:
         QCOMPARE(QGuiApplication::palette().color(QPalette::Light), QColor(0xab, 0xcd, 0xef));
     }
 
-    void isOwnedByItsParent()
+    void isDestroyedWithItsParent()
     {
         auto parent = std::make_unique<QWidget>();
         QPointer<StyledPalette> const styledPalette(new StyledPalette(parent.get()));

@@ -17,7 +17,7 @@
 #include <memory>
 #include <type_traits>
 
-using Zelkor::Testing::FollowsItsChildren;
+using Zelkor::Testing::RequestsLayoutForNewChild;
 using Zelkor::Util::SpontaneousDialog;
 using Zelkor::Util::ValidationInputDialog;
 using Zelkor::Widget::MFrame;
@@ -29,7 +29,8 @@ static_assert(!std::is_copy_constructible_v<ValidationInputDialog> && !std::is_f
 namespace
 {
 
-/// Keeps what is asked for while it lives, each as "context: text".
+/// Records the source texts of the context "ValidationInputDialog" that the application translates. Installed while it
+/// exists.
 class RecordingTranslator : public QTranslator
 {
 public:
@@ -40,33 +41,36 @@ public:
 
     QString translate(char const* context, char const* source, char const* /*disambiguation*/, int /*n*/) const override
     {
-        asked_ += QStringLiteral("%1: %2").arg(QString::fromUtf8(context), QString::fromUtf8(source));
+        if (qstrcmp(context, "ValidationInputDialog") == 0) {
+            sourceTexts_ += source;
+        }
         return {};
     }
 
-    QStringList Asked() const { return asked_; }
+    QByteArrayList SourceTexts() const { return sourceTexts_; }
 
 private:
-    mutable QStringList asked_;
+    mutable QByteArrayList sourceTexts_;
 };
 
-/// Types into \a edit when it is hidden, as an input method does that commits what it has.
-class LateTyping : public QObject
+/// Changes the text of a line edit when the line edit is hidden. Input methods do the same when they commit pending
+/// text.
+class TextChangeOnHide : public QObject
 {
 public:
-    explicit LateTyping(QLineEdit* edit)
+    explicit TextChangeOnHide(QLineEdit* edit)
         : edit_(edit)
     {
         edit->installEventFilter(this);
     }
 
-    bool hasTyped = false;
+    bool hasChanged = false;
 
     bool eventFilter(QObject* /*watched*/, QEvent* event) override
     {
         if (event->type() == QEvent::Hide) {
             edit_->setText(QStringLiteral("late"));
-            hasTyped = true;
+            hasChanged = true;
         }
         return false;
     }
@@ -75,7 +79,7 @@ private:
     QLineEdit* edit_;
 };
 
-/// The names of the widgets right below \a parent, in the order of their creation.
+/// Returns the object names of the direct child widgets of \a parent in the order of their creation.
 QStringList ChildNames(QWidget const* parent)
 {
     QStringList names;
@@ -93,7 +97,7 @@ class ValidationInputDialogTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasItsNameAndNothingElseInItsMetaObject()
+    void declaresNoMethodsAndNoProperties()
     {
         QMetaObject const& meta = ValidationInputDialog::staticMetaObject;
         QCOMPARE(meta.className(), "Zelkor::Util::ValidationInputDialog");
@@ -101,7 +105,7 @@ private Q_SLOTS:
         QCOMPARE(meta.propertyCount(), meta.propertyOffset());
     }
 
-    void isBuiltOfNamedParts()
+    void containsNamedWidgets()
     {
         Open();
         auto* const frame = dialog_->findChild<MFrame*>(QStringLiteral("contentFrame"), Qt::FindDirectChildrenOnly);
@@ -112,7 +116,7 @@ private Q_SLOTS:
         QVERIFY(frame->findChild<QLabel*>(QStringLiteral("errorLabel"), Qt::FindDirectChildrenOnly));
     }
 
-    void makesItsPartsFromTopToBottom()
+    void createsItsWidgetsFromTopToBottom()
     {
         Open();
         QCOMPARE(ChildNames(dialog_.get()), (QStringList{QStringLiteral("contentFrame"), QStringLiteral("buttonBox")}));
@@ -120,14 +124,14 @@ private Q_SLOTS:
                  (QStringList{QStringLiteral("label"), QStringLiteral("lineEdit"), QStringLiteral("errorLabel")}));
     }
 
-    void followsItsChildren()
+    void installsALayoutController()
     {
         Open();
-        QVERIFY(FollowsItsChildren(*dialog_));
-        QVERIFY(!FollowsItsChildren(*dialog_->findChild<MFrame*>()));
+        QVERIFY(RequestsLayoutForNewChild(*dialog_));
+        QVERIFY(!RequestsLayoutForNewChild(*dialog_->findChild<MFrame*>()));
     }
 
-    void isLaidOutWithoutGaps()
+    void hasLayoutsWithoutMarginsAndSpacing()
     {
         Open();
         auto* const frame = dialog_->findChild<MFrame*>();
@@ -148,7 +152,7 @@ private Q_SLOTS:
         QVERIFY(frame->layout()->itemAt(3)->expandingDirections() & Qt::Vertical);
     }
 
-    void showsWhatItIsGiven()
+    void showsItsArguments()
     {
         Open(QStringLiteral("text"));
         QCOMPARE(dialog_->windowTitle(), QStringLiteral("Title"));
@@ -162,88 +166,91 @@ private Q_SLOTS:
         QVERIFY(!(dialog_->windowFlags() & Qt::WindowContextHelpButtonHint));
     }
 
-    void asksForATranslationOfTheUsualLabel()
+    void translatesTheDefaultLabel()
     {
         RecordingTranslator const translator;
         Open();
-        QCOMPARE(translator.Asked().count(QStringLiteral("ValidationInputDialog: Input string:")), 1);
+        QCOMPARE(translator.SourceTexts().count("Input string:"), 1);
     }
 
-    void checksNothingWhenItStartsEmpty()
+    void doesNotCheckAnEmptyInitialText()
     {
         Open();
-        QCOMPARE(log_, QStringList());
+        QCOMPARE(firstCheckInputs_, QStringList());
+        QCOMPARE(secondCheckInputs_, QStringList());
         QVERIFY(Ok()->isEnabled());
         QVERIFY(Error()->isHidden());
         QVERIFY(!Edit()->property("styleHint").isValid());
     }
 
-    void checksOnceWhenItStartsWithText()
+    void checksAnInitialTextOnce()
     {
         Open(QStringLiteral(" a  b "));
-        QCOMPARE(log_, (QStringList{QStringLiteral("first a b"), QStringLiteral("second a b")}));
+        QCOMPARE(firstCheckInputs_, QStringList{QStringLiteral("a b")});
+        QCOMPARE(secondCheckInputs_, QStringList{QStringLiteral("a b")});
     }
 
-    void simplifiesTheInput()
+    void simplifiesTheInputForTheChecks()
     {
         Open();
         Edit()->setText(QStringLiteral("  a  b "));
-        QCOMPARE(log_, (QStringList{QStringLiteral("first a b"), QStringLiteral("second a b")}));
+        QCOMPARE(firstCheckInputs_, QStringList{QStringLiteral("a b")});
+        QCOMPARE(secondCheckInputs_, QStringList{QStringLiteral("a b")});
         QCOMPARE(Edit()->text(), QStringLiteral("  a  b "));
     }
 
-    void showsTheOutcome_data()
+    void showsTheResultOfTheChecks_data()
     {
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<bool>("clean");
-        QTest::addColumn<QStringList>("calls");
+        QTest::addColumn<bool>("firstCheckPasses");
+        QTest::addColumn<bool>("secondCheckPasses");
+        QTest::addColumn<QStringList>("secondCheckInputs");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("hint");
         QTest::addColumn<bool>("showsError");
 
-        QString const first = QStringLiteral("first x");
-        QString const second = QStringLiteral("second x");
-        QTest::newRow("passes") << true << true << QStringList{first, second} << QStringLiteral("12")
-                                << QStringLiteral("normal") << false;
-        QTest::newRow("warned of") << true << false << QStringList{first, second} << QStringLiteral("12")
-                                   << QStringLiteral("error") << true;
-        QTest::newRow("refused") << false << true << QStringList{first} << QStringLiteral("1")
-                                 << QStringLiteral("error") << true;
+        // The first check appends "1" to the message and the second one "2".
+        QTest::newRow("both checks pass") << true << true << QStringList{QStringLiteral("x")} << QStringLiteral("12")
+                                          << QStringLiteral("normal") << false;
+        QTest::newRow("second check fails") << true << false << QStringList{QStringLiteral("x")} << QStringLiteral("12")
+                                            << QStringLiteral("error") << true;
+        QTest::newRow("first check fails")
+            << false << true << QStringList() << QStringLiteral("1") << QStringLiteral("error") << true;
     }
 
-    void showsTheOutcome()
+    void showsTheResultOfTheChecks()
     {
-        QFETCH(bool, valid);
-        QFETCH(bool, clean);
-        QFETCH(QStringList, calls);
+        QFETCH(bool, firstCheckPasses);
+        QFETCH(bool, secondCheckPasses);
+        QFETCH(QStringList, secondCheckInputs);
         QFETCH(QString, message);
         QFETCH(QString, hint);
         QFETCH(bool, showsError);
-        valid_ = valid;
-        clean_ = clean;
+        firstCheckPasses_ = firstCheckPasses;
+        secondCheckPasses_ = secondCheckPasses;
         Open();
         Edit()->setText(QStringLiteral("x"));
-        QCOMPARE(log_, calls);
-        QCOMPARE(Ok()->isEnabled(), valid);
+        QCOMPARE(firstCheckInputs_, QStringList{QStringLiteral("x")});
+        QCOMPARE(secondCheckInputs_, secondCheckInputs);
+        QCOMPARE(Ok()->isEnabled(), firstCheckPasses);
         QCOMPARE(Error()->text(), message);
         QCOMPARE(Error()->isHidden(), !showsError);
         QCOMPARE(Edit()->property("styleHint").toString(), hint);
     }
 
-    void followsTheInput()
+    void checksEveryChangeOfTheInput()
     {
         Open();
-        valid_ = false;
+        firstCheckPasses_ = false;
         Edit()->setText(QStringLiteral("x"));
         QVERIFY(!Ok()->isEnabled());
-        valid_ = true;
+        firstCheckPasses_ = true;
         Edit()->setText(QStringLiteral("y"));
         QVERIFY(Ok()->isEnabled());
         QVERIFY(Error()->isHidden());
         QCOMPARE(Edit()->property("styleHint").toString(), QStringLiteral("normal"));
     }
 
-    void takesTheMessageBackWhenTheInputIsClean()
+    void clearsTheMessageWhenTheInputPasses()
     {
         auto const isNotTaken = [](QString const& input, QString& message) {
             bool const taken = input == QLatin1String("x");
@@ -261,18 +268,18 @@ private Q_SLOTS:
         QCOMPARE(Error()->text(), QString());
     }
 
-    void returnsWhatPassesTheFirstCheck()
+    void inputTextIsEmptyIfTheFirstCheckFails()
     {
         Open(QStringLiteral(" a  b "));
         QCOMPARE(dialog_->inputText(), QStringLiteral("a b"));
-        clean_ = false;
+        secondCheckPasses_ = false;
         QCOMPARE(dialog_->inputText(), QStringLiteral("a b"));
         dialog_->accept();
-        valid_ = false;
+        firstCheckPasses_ = false;
         QCOMPARE(dialog_->inputText(), QString());
     }
 
-    void isAnsweredByItsButtons_data()
+    void returnsTheResultOfItsButtons_data()
     {
         QTest::addColumn<int>("button");
         QTest::addColumn<int>("result");
@@ -280,7 +287,7 @@ private Q_SLOTS:
         QTest::newRow("Cancel") << int(QDialogButtonBox::Cancel) << int(QDialog::Rejected);
     }
 
-    void isAnsweredByItsButtons()
+    void returnsTheResultOfItsButtons()
     {
         QFETCH(int, button);
         QFETCH(int, result);
@@ -290,32 +297,33 @@ private Q_SLOTS:
         QCOMPARE(dialog_->exec(), result);
     }
 
-    void mayEndWhileItIsOpen()
+    void canBeDestroyedWhileItIsOpen()
     {
         Open();
         QTimer::singleShot(0, this, [this] { dialog_.reset(); });
         QCOMPARE(dialog_->exec(), int(QDialog::Rejected));
     }
 
-    void checksNothingThatIsTypedWhileItEnds()
+    void doesNotCheckChangesDuringItsDestruction()
     {
         Open();
         dialog_->show();
         QVERIFY(QTest::qWaitForWindowExposed(dialog_.get()));
-        LateTyping const typing(Edit());
+        TextChangeOnHide const textChange(Edit());
         dialog_.reset();
-        QVERIFY(typing.hasTyped);
-        QCOMPARE(log_, QStringList());
+        QVERIFY(textChange.hasChanged);
+        QCOMPARE(firstCheckInputs_, QStringList());
+        QCOMPARE(secondCheckInputs_, QStringList());
     }
 
-    void emptyChecksThrow()
+    void throwsForEmptyChecks()
     {
         ValidationInputDialog dialog(QString(), QString(), QString(), nullptr, nullptr);
         QVERIFY_EXCEPTION_THROWN(dialog.inputText(), std::bad_function_call);
         QVERIFY_EXCEPTION_THROWN(dialog.findChild<QLineEdit*>()->setText(QStringLiteral("x")), std::bad_function_call);
     }
 
-    void anEmptyFirstCheckThrowsAtOnceWhenThereIsText()
+    void throwsOnConstructionForTextAndAnEmptyFirstCheck()
     {
         auto const pass = [](QString const& /*input*/, QString& /*message*/) { return true; };
         QVERIFY_EXCEPTION_THROWN(
@@ -323,7 +331,7 @@ private Q_SLOTS:
             std::bad_function_call);
     }
 
-    void anEmptySecondCheckThrowsOnlyWhenTheFirstPasses()
+    void throwsForAnEmptySecondCheckOnlyIfTheFirstOnePasses()
     {
         auto const isLong = [](QString const& input, QString& /*message*/) { return input.size() > 1; };
         dialog_ = std::make_unique<ValidationInputDialog>(QString(), QString(), QStringLiteral("x"), isLong,
@@ -331,13 +339,13 @@ private Q_SLOTS:
         QVERIFY(!Ok()->isEnabled());
         QCOMPARE(dialog_->inputText(), QString());
         QVERIFY_EXCEPTION_THROWN(Edit()->setText(QStringLiteral("xy")), std::bad_function_call);
-        QCOMPARE(dialog_->inputText(), QStringLiteral("xy")); // has no need of it
+        QCOMPARE(dialog_->inputText(), QStringLiteral("xy")); // does not run the second check
         QVERIFY_EXCEPTION_THROWN(
             ValidationInputDialog(QString(), QString(), QStringLiteral("xy"), isLong, ValidationInputDialog::Check()),
             std::bad_function_call);
     }
 
-    void hasTheParentOfSpontaneousDialogs()
+    void usesTheParentOfSpontaneousDialogs()
     {
         QWidget window;
         SpontaneousDialog::SetMainWindow(&window);
@@ -350,9 +358,10 @@ private Q_SLOTS:
 protected:
     void SetUp() override
     {
-        valid_ = true;
-        clean_ = true;
-        log_.clear();
+        firstCheckPasses_ = true;
+        secondCheckPasses_ = true;
+        firstCheckInputs_.clear();
+        secondCheckInputs_.clear();
     }
 
     void TearDown() override { dialog_.reset(); }
@@ -363,14 +372,14 @@ private:
         dialog_ = std::make_unique<ValidationInputDialog>(
             QStringLiteral("Title"), QStringLiteral("Label"), text,
             [this](QString const& input, QString& message) {
-                log_ += QLatin1String("first ") + input;
+                firstCheckInputs_ += input;
                 message += QLatin1Char('1');
-                return valid_;
+                return firstCheckPasses_;
             },
             [this](QString const& input, QString& message) {
-                log_ += QLatin1String("second ") + input;
+                secondCheckInputs_ += input;
                 message += QLatin1Char('2');
-                return clean_;
+                return secondCheckPasses_;
             });
     }
 
@@ -380,9 +389,10 @@ private:
     QDialogButtonBox* Buttons() const { return dialog_->findChild<QDialogButtonBox*>(); }
     QPushButton* Ok() const { return Buttons()->button(QDialogButtonBox::Ok); }
 
-    bool valid_ = true;
-    bool clean_ = true;
-    QStringList log_;
+    bool firstCheckPasses_ = true;
+    bool secondCheckPasses_ = true;
+    QStringList firstCheckInputs_;
+    QStringList secondCheckInputs_;
     std::unique_ptr<ValidationInputDialog> dialog_;
 };
 

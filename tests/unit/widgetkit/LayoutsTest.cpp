@@ -16,13 +16,13 @@ using Zelkor::Widget::LayoutHelpers::BoxItem;
 using Zelkor::Widget::LayoutHelpers::SpacerPolicy;
 
 template <class T, class Base>
-constexpr bool IsPlainQObjectClass =
+constexpr bool IsNonCopyableSubclass =
     std::is_convertible_v<T*, Base*>&& std::is_polymorphic_v<T> && !std::is_final_v<T> &&
     !std::is_copy_constructible_v<T> && !std::is_copy_assignable_v<T> && !std::is_move_constructible_v<T> &&
     !std::is_move_assignable_v<T>;
 
-static_assert(IsPlainQObjectClass<MFrame, QFrame> && IsPlainQObjectClass<MBoxLayout, QBoxLayout> &&
-              IsPlainQObjectClass<MVBoxLayout, MBoxLayout>);
+static_assert(IsNonCopyableSubclass<MFrame, QFrame> && IsNonCopyableSubclass<MBoxLayout, QBoxLayout> &&
+              IsNonCopyableSubclass<MVBoxLayout, MBoxLayout>);
 static_assert(std::is_default_constructible_v<MFrame> && !std::is_convertible_v<QWidget*, MFrame>);
 static_assert(std::is_default_constructible_v<MVBoxLayout> && !std::is_convertible_v<QWidget*, MVBoxLayout>);
 static_assert(!std::is_convertible_v<QBoxLayout::Direction, MBoxLayout>);
@@ -40,7 +40,7 @@ Q_DECLARE_METATYPE(QMetaObject const*)
 namespace
 {
 
-/// The widgets in \a layout, in order; null for what is none.
+/// Returns the widget of each item of \a layout, in order. Items without widget give null.
 QWidgetList Widgets(QLayout const& layout)
 {
     QWidgetList widgets;
@@ -57,7 +57,7 @@ class LayoutsTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasItsNameAndBase_data()
+    void hasAMetaObject_data()
     {
         QTest::addColumn<QMetaObject const*>("metaObject");
         QTest::addColumn<QMetaObject const*>("base");
@@ -66,7 +66,7 @@ private Q_SLOTS:
         QTest::newRow("Zelkor::Widget::MVBoxLayout") << &MVBoxLayout::staticMetaObject << &MBoxLayout::staticMetaObject;
     }
 
-    void hasItsNameAndBase()
+    void hasAMetaObject()
     {
         QFETCH(QMetaObject const*, metaObject);
         QFETCH(QMetaObject const*, base);
@@ -74,7 +74,7 @@ private Q_SLOTS:
         QCOMPARE(metaObject->superClass(), base);
     }
 
-    void frameHasNoBorder()
+    void aFrameHasNoBorder()
     {
         QWidget parent;
         MFrame const frame(&parent);
@@ -85,7 +85,7 @@ private Q_SLOTS:
         QCOMPARE(MFrame().parent(), nullptr);
     }
 
-    void layoutIsThatOfItsParent_data()
+    void becomesTheLayoutOfItsParent_data()
     {
         QTest::addColumn<QBoxLayout::Direction>("direction");
         QTest::newRow("left to right") << QBoxLayout::LeftToRight;
@@ -94,7 +94,7 @@ private Q_SLOTS:
         QTest::newRow("bottom to top") << QBoxLayout::BottomToTop;
     }
 
-    void layoutIsThatOfItsParent()
+    void becomesTheLayoutOfItsParent()
     {
         QFETCH(QBoxLayout::Direction, direction);
         QWidget widget;
@@ -105,7 +105,7 @@ private Q_SLOTS:
         QCOMPARE(MBoxLayout(direction).parent(), nullptr);
     }
 
-    void verticalLayoutGoesFromTopToBottom()
+    void aVerticalLayoutRunsFromTopToBottom()
     {
         QWidget widget;
         auto* const layout = new MVBoxLayout(&widget);
@@ -115,7 +115,7 @@ private Q_SLOTS:
         QCOMPARE(MVBoxLayout().parent(), nullptr);
     }
 
-    void itemsAreAppendedInOrderWithTheirStretch()
+    void appendsItemsInOrderWithTheirStretch()
     {
         QWidget widget;
         MVBoxLayout layout(&widget);
@@ -133,14 +133,14 @@ private Q_SLOTS:
         QCOMPARE(third->parentWidget(), &widget);
     }
 
-    void noItemsAreNothing()
+    void acceptsAnEmptyListOfItems()
     {
         MVBoxLayout layout;
         layout.addItems({});
         QCOMPARE(layout.count(), 0);
     }
 
-    void nullWidgetIsLeftOut()
+    void ignoresANullWidget()
     {
         QWidget widget;
         MVBoxLayout layout(&widget);
@@ -150,7 +150,7 @@ private Q_SLOTS:
         QCOMPARE(layout.stretch(0), 1);
     }
 
-    void itemMayBeAppendedByHandAndTwice()
+    void anItemCanBeAppendedSeveralTimes()
     {
         BoxItem const spacer(SpacerPolicy::Fixed, 5);
         QHBoxLayout layout;
@@ -163,7 +163,7 @@ private Q_SLOTS:
         QCOMPARE(layout.itemAt(2)->sizeHint(), QSize(5, 0));
     }
 
-    void itemBorrowsItsWidget()
+    void anItemDoesNotOwnItsWidget()
     {
         QLabel label;
         {
@@ -172,25 +172,25 @@ private Q_SLOTS:
         QCOMPARE(label.parent(), nullptr);
     }
 
-    void spacerLiesAlongTheLayout_data()
+    void orientsASpacerAlongTheLayout_data()
     {
         QTest::addColumn<QBoxLayout::Direction>("direction");
         QTest::addColumn<SpacerPolicy>("policy");
         QTest::addColumn<int>("expanding");
         int const none = 0;
-        int const wide = Qt::Horizontal;
-        int const high = Qt::Vertical;
+        int const horizontal = Qt::Horizontal;
+        int const vertical = Qt::Vertical;
         QTest::newRow("left to right, fixed") << QBoxLayout::LeftToRight << SpacerPolicy::Fixed << none;
-        QTest::newRow("left to right, stretch") << QBoxLayout::LeftToRight << SpacerPolicy::Stretch << wide;
+        QTest::newRow("left to right, stretch") << QBoxLayout::LeftToRight << SpacerPolicy::Stretch << horizontal;
         QTest::newRow("right to left, fixed") << QBoxLayout::RightToLeft << SpacerPolicy::Fixed << none;
-        QTest::newRow("right to left, stretch") << QBoxLayout::RightToLeft << SpacerPolicy::Stretch << wide;
+        QTest::newRow("right to left, stretch") << QBoxLayout::RightToLeft << SpacerPolicy::Stretch << horizontal;
         QTest::newRow("top to bottom, fixed") << QBoxLayout::TopToBottom << SpacerPolicy::Fixed << none;
-        QTest::newRow("top to bottom, stretch") << QBoxLayout::TopToBottom << SpacerPolicy::Stretch << high;
+        QTest::newRow("top to bottom, stretch") << QBoxLayout::TopToBottom << SpacerPolicy::Stretch << vertical;
         QTest::newRow("bottom to top, fixed") << QBoxLayout::BottomToTop << SpacerPolicy::Fixed << none;
-        QTest::newRow("bottom to top, stretch") << QBoxLayout::BottomToTop << SpacerPolicy::Stretch << high;
+        QTest::newRow("bottom to top, stretch") << QBoxLayout::BottomToTop << SpacerPolicy::Stretch << vertical;
     }
 
-    void spacerLiesAlongTheLayout()
+    void orientsASpacerAlongTheLayout()
     {
         QFETCH(QBoxLayout::Direction, direction);
         QFETCH(SpacerPolicy, policy);
@@ -205,13 +205,13 @@ private Q_SLOTS:
         QCOMPARE(item->sizeHint(), size);
         QCOMPARE(item->minimumSize(), size);
         QCOMPARE(static_cast<int>(item->expandingDirections()), expanding);
-        int const most = horizontal ? item->maximumSize().width() : item->maximumSize().height();
-        QVERIFY(expanding ? most >= QLAYOUTSIZE_MAX : most == Size);
-        int const across = horizontal ? item->maximumSize().height() : item->maximumSize().width();
-        QVERIFY(across >= QLAYOUTSIZE_MAX);
+        int const maximumAlong = horizontal ? item->maximumSize().width() : item->maximumSize().height();
+        QVERIFY(expanding ? maximumAlong >= QLAYOUTSIZE_MAX : maximumAlong == Size);
+        int const maximumAcross = horizontal ? item->maximumSize().height() : item->maximumSize().width();
+        QVERIFY(maximumAcross >= QLAYOUTSIZE_MAX);
     }
 
-    void stretchTakesAllTheRoom()
+    void aStretchTakesAllAdditionalSpace()
     {
         QWidget widget;
         MVBoxLayout layout(&widget);
@@ -227,7 +227,7 @@ private Q_SLOTS:
         QCOMPARE(lower->height(), lower->sizeHint().height());
     }
 
-    void layoutOwnsItsSpacersAndWidgetsHaveTheirParents()
+    void destroyingTheLayoutKeepsItsWidgets()
     {
         QWidget widget;
         auto layout = std::make_unique<MVBoxLayout>(&widget);
@@ -238,7 +238,7 @@ private Q_SLOTS:
         QCOMPARE(label->parentWidget(), &widget);
     }
 
-    void fillsItselfWithTheChildrenInOrder()
+    void autoFillAddsTheChildrenInOrder()
     {
         QWidget widget;
         auto* const first = new QLabel(&widget);
@@ -253,7 +253,7 @@ private Q_SLOTS:
         QCOMPARE(layout->stretch(0), 0);
     }
 
-    void fillsItselfBehindWhatIsThere()
+    void autoFillAppendsToExistingItems()
     {
         QWidget widget;
         auto* const first = new QLabel(&widget);
@@ -268,7 +268,7 @@ private Q_SLOTS:
         QCOMPARE(layout->count(), 4);
     }
 
-    void windowsStayOut()
+    void autoFillIgnoresWindows()
     {
         QWidget widget;
         auto* const label = new QLabel(&widget);
@@ -280,21 +280,21 @@ private Q_SLOTS:
         QVERIFY(window->isWindow());
     }
 
-    void whatStandsInALayoutInsideStaysThere()
+    void autoFillIgnoresWidgetsInNestedLayouts()
     {
         QWidget widget;
         auto* const layout = new MVBoxLayout(&widget);
         auto* const row = new QHBoxLayout;
         layout->addLayout(row);
-        auto* const inside = new QLabel(&widget);
-        row->addWidget(inside);
-        auto* const outside = new QLabel(&widget);
+        auto* const nested = new QLabel(&widget);
+        row->addWidget(nested);
+        auto* const direct = new QLabel(&widget);
         layout->autoFill();
-        QCOMPARE(Widgets(*row), QWidgetList{inside});
-        QCOMPARE(Widgets(*layout), (QWidgetList{nullptr, outside}));
+        QCOMPARE(Widgets(*row), QWidgetList{nested});
+        QCOMPARE(Widgets(*layout), (QWidgetList{nullptr, direct}));
     }
 
-    void withoutWidgetNothingIsFilled()
+    void autoFillDoesNothingWithoutParentWidget()
     {
         MVBoxLayout layout;
         layout.autoFill();

@@ -11,6 +11,7 @@
 #include <type_traits>
 
 using Zelkor::Testing::RecordingStyle;
+using Zelkor::Testing::Repolishing;
 using Zelkor::Widget::Util::applyStyleHint;
 using Zelkor::Widget::Util::createSpacer;
 using Zelkor::Widget::Util::installLayoutController;
@@ -24,20 +25,10 @@ static_assert(std::is_same_v<decltype(&installLayoutController), void (*)(QWidge
 namespace
 {
 
-/// What is polished, and the hint that it has.
-QString NameAndHint(QWidget const& widget)
-{
-    return widget.objectName() + QLatin1Char(' ') + widget.property("styleHint").toString();
-}
-
-/// Has margins and a spacing of its own.
-class OwnStyle : public RecordingStyle
+/// A style with a fixed left margin of 43 pixels and a fixed vertical spacing of 71 pixels.
+class CustomMetricsStyle : public QProxyStyle
 {
 public:
-    OwnStyle()
-        : RecordingStyle(NameAndHint)
-    {}
-
     int pixelMetric(PixelMetric metric, QStyleOption const* option, QWidget const* widget) const override
     {
         switch (metric) {
@@ -51,7 +42,7 @@ public:
     }
 };
 
-/// Counts how often it has to forget what it knows.
+/// A layout that counts the calls of invalidate().
 class CountingLayout : public QVBoxLayout
 {
 public:
@@ -80,14 +71,14 @@ class WidgetUtilsTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void nullIsIgnored()
+    void ignoresNull()
     {
         applyStyleHint(nullptr, QStringLiteral("activeButton"));
         repolishWidget(nullptr);
         installLayoutController(nullptr);
     }
 
-    void styleHintIsADynamicProperty()
+    void storesTheStyleHintInADynamicProperty()
     {
         QWidget widget;
         applyStyleHint(&widget, QStringLiteral("activeButton"));
@@ -97,26 +88,24 @@ private Q_SLOTS:
         QCOMPARE(widget.property("styleHint"), QVariant(QString()));
     }
 
-    void styleHintIsPolishedInOnceWithTheStyleOfTheWidget()
+    void repolishesOnceWithTheStyleOfTheWidgetForAStyleHint()
     {
-        OwnStyle parentStyle;
-        OwnStyle style;
+        RecordingStyle parentStyle;
+        RecordingStyle style({"styleHint"});
         QWidget parent;
         parent.setStyle(&parentStyle);
         QWidget widget(&parent);
-        widget.setObjectName(QStringLiteral("widget"));
         widget.setStyle(&style);
         QWidget child(&widget);
         child.setStyle(&style);
-        parentStyle.log.clear();
-        style.log.clear();
+        parentStyle.calls.clear();
+        style.calls.clear();
         applyStyleHint(&widget, QStringLiteral("error"));
-        QCOMPARE(style.log,
-                 (QStringList{QStringLiteral("unpolish widget error"), QStringLiteral("polish widget error")}));
-        QVERIFY(parentStyle.log.isEmpty());
+        QCOMPARE(style.calls, Repolishing(&widget, {QStringLiteral("error")}));
+        QVERIFY(parentStyle.calls.isEmpty());
     }
 
-    void styleHintShowsAtOnce()
+    void appliesStyleSheetRulesForAStyleHint()
     {
         QLabel label;
         label.setStyleSheet(QStringLiteral("QLabel[styleHint=\"wide\"] { min-width: 234px }"));
@@ -128,34 +117,33 @@ private Q_SLOTS:
         QCOMPARE(label.minimumWidth(), 0);
     }
 
-    void polishesTheWidgetAlone()
+    void repolishesOnlyTheWidget()
     {
-        OwnStyle style;
+        RecordingStyle style;
         QWidget parent;
         parent.setStyle(&style);
         QWidget widget(&parent);
-        widget.setObjectName(QStringLiteral("widget"));
         widget.setStyle(&style);
         QWidget child(&widget);
         child.setStyle(&style);
-        style.log.clear();
+        style.calls.clear();
         repolishWidget(&widget);
-        QCOMPARE(style.log, (QStringList{QStringLiteral("unpolish widget "), QStringLiteral("polish widget ")}));
+        QCOMPARE(style.calls, Repolishing(&widget));
         QVERIFY(widget.dynamicPropertyNames().isEmpty());
     }
 
-    void polishingMakesAPropertyShow()
+    void repolishingAppliesStyleSheetRulesForProperties()
     {
         QLabel label;
-        label.setStyleSheet(QStringLiteral("QLabel[mine=\"yes\"] { min-width: 123px }"));
+        label.setStyleSheet(QStringLiteral("QLabel[custom=\"yes\"] { min-width: 123px }"));
         label.ensurePolished();
-        label.setProperty("mine", QStringLiteral("yes"));
+        label.setProperty("custom", QStringLiteral("yes"));
         QCOMPARE(label.minimumWidth(), 0);
         repolishWidget(&label);
         QCOMPARE(label.minimumWidth(), 123);
     }
 
-    void spacerIsAPlainWidgetWithoutSize()
+    void createsASpacerAsPlainWidgetWithoutSize()
     {
         QWidget parent;
         QWidget const* const spacer = createSpacer(&parent, QStringLiteral("gap"));
@@ -170,20 +158,20 @@ private Q_SLOTS:
         QCOMPARE(spacer->layout(), nullptr);
     }
 
-    void spacersAreNewEachTime()
+    void createsANewSpacerEachTime()
     {
         QWidget parent;
         QVERIFY(createSpacer(&parent, QStringLiteral("gap")) != createSpacer(&parent, QStringLiteral("gap")));
     }
 
-    void spacerWithoutParentBelongsToTheCaller()
+    void aSpacerWithoutParentIsOwnedByTheCaller()
     {
         std::unique_ptr<QWidget> const spacer(createSpacer(nullptr, QString()));
         QCOMPARE(spacer->parent(), nullptr);
         QCOMPARE(spacer->objectName(), QString());
     }
 
-    void spacerLetsTheMouseThrough()
+    void aSpacerIsTransparentForTheMouse()
     {
         QWidget parent;
         parent.resize(100, 100);
@@ -196,18 +184,18 @@ private Q_SLOTS:
         QCOMPARE(parent.childAt(50, 50), &below);
     }
 
-    void containerIsLaidOutAgainForEveryChange_data()
+    void theControllerInvalidatesTheLayoutForChangeEvents_data()
     {
         QTest::addColumn<int>("event");
-        QTest::newRow("font") << static_cast<int>(QEvent::FontChange);
-        QTest::newRow("style") << static_cast<int>(QEvent::StyleChange);
-        QTest::newRow("direction") << static_cast<int>(QEvent::LayoutDirectionChange);
+        QTest::newRow("font change") << static_cast<int>(QEvent::FontChange);
+        QTest::newRow("style change") << static_cast<int>(QEvent::StyleChange);
+        QTest::newRow("layout direction change") << static_cast<int>(QEvent::LayoutDirectionChange);
     }
 
-    void containerIsLaidOutAgainForEveryChange()
+    void theControllerInvalidatesTheLayoutForChangeEvents()
     {
         QFETCH(int, event);
-        // What the widget itself does comes after the filters, and does not reach the layout here.
+        // Ignores all events: QWidget would invalidate the layout too, in addition to the controller's event filter.
         class Container : public QWidget
         {
         public:
@@ -224,7 +212,7 @@ private Q_SLOTS:
         QCOMPARE(layout->invalidations, 1);
     }
 
-    void containerIsLaidOutAgainWhenAChildComesOrGoes()
+    void theControllerInvalidatesTheLayoutWhenChildrenAreAddedOrRemoved()
     {
         QWidget container;
         auto* const layout = new CountingLayout(&container);
@@ -236,7 +224,7 @@ private Q_SLOTS:
         QCOMPARE(layout->invalidations, 2);
     }
 
-    void containerWithoutControllerIsNot()
+    void aNewChildDoesNotInvalidateTheLayoutWithoutController()
     {
         QWidget container;
         auto* const layout = new CountingLayout(&container);
@@ -245,7 +233,7 @@ private Q_SLOTS:
         QCOMPARE(layout->invalidations, 0);
     }
 
-    void containerIsLaidOutAgainAtFirst()
+    void installingTheControllerInvalidatesTheLayout()
     {
         QWidget container;
         auto* const layout = new CountingLayout(&container);
@@ -254,7 +242,7 @@ private Q_SLOTS:
         QVERIFY(layout->invalidations > 0);
     }
 
-    void changesOfChildrenAreTheirs()
+    void theControllerIgnoresChangesOfChildren()
     {
         QWidget container;
         auto* const layout = new CountingLayout(&container);
@@ -265,7 +253,7 @@ private Q_SLOTS:
         QCOMPARE(layout->invalidations, 0);
     }
 
-    void secondCallIsIgnored()
+    void installingTheControllerAgainHasNoEffect()
     {
         QWidget container;
         auto* const layout = new CountingLayout(&container);
@@ -279,7 +267,7 @@ private Q_SLOTS:
         QCOMPARE(layout->invalidations, 1);
     }
 
-    void controllerOfAChildDoesNotCount()
+    void aControllerOfAChildDoesNotReplaceTheControllerOfTheContainer()
     {
         QWidget container;
         auto* const layout = new CountingLayout(&container);
@@ -290,7 +278,7 @@ private Q_SLOTS:
         QCOMPARE(layout->invalidations, 1);
     }
 
-    void layoutMayComeLaterOrNever()
+    void theControllerAcceptsAMissingLayout()
     {
         QWidget container;
         installLayoutController(&container);
@@ -304,7 +292,7 @@ private Q_SLOTS:
         QCOMPARE(container.layout(), nullptr);
     }
 
-    void followsTheLayoutThatTheContainerHasNow()
+    void theControllerUsesTheCurrentLayout()
     {
         QWidget container;
         auto* const first = new CountingLayout(&container);
@@ -316,9 +304,9 @@ private Q_SLOTS:
         QCOMPARE(second->invalidations, 1);
     }
 
-    void gapsThatNobodySetAreThoseOfTheStyle()
+    void theControllerUpdatesDefaultMarginsAndSpacingFromTheStyle()
     {
-        OwnStyle style;
+        CustomMetricsStyle style;
         QWidget container;
         auto* const layout = new QVBoxLayout(&container);
         QWidget* const upper = AddChild(*layout);
@@ -332,9 +320,9 @@ private Q_SLOTS:
         QCOMPARE(lower->y() - upper->geometry().bottom() - 1, 71);
     }
 
-    void gapsThatAreSetStay()
+    void theControllerKeepsExplicitMarginsAndSpacing()
     {
-        OwnStyle style;
+        CustomMetricsStyle style;
         QWidget container;
         auto* const layout = new QVBoxLayout(&container);
         layout->setContentsMargins(5, 6, 7, 8);
@@ -345,7 +333,7 @@ private Q_SLOTS:
         QCOMPARE(layout->spacing(), 9);
     }
 
-    void controllerEndsWithItsContainer()
+    void theControllerIsDestroyedWithItsContainer()
     {
         auto container = std::make_unique<QWidget>();
         auto* const layout = new CountingLayout(container.get());

@@ -18,24 +18,25 @@ static_assert(std::is_empty_v<FontDatabase>);
 namespace
 {
 
-QString FontFile(QString const& name)
+QString FindFontFile(QString const& name)
 {
     QDirIterator fonts(QStringLiteral("/usr/share/fonts"), {name}, QDir::Files, QDirIterator::Subdirectories);
     return fonts.hasNext() ? fonts.next() : QString();
 }
 
-QString Sans()
+QString SansFile()
 {
-    return FontFile(QStringLiteral("DejaVuSans.ttf"));
+    return FindFontFile(QStringLiteral("DejaVuSans.ttf"));
 }
 
-QString Mono()
+QString MonoFile()
 {
-    return FontFile(QStringLiteral("DejaVuSansMono.ttf"));
+    return FindFontFile(QStringLiteral("DejaVuSansMono.ttf"));
 }
 
-/// A font of \a family in \a folder that is made of the letter A alone, in dots, and cannot be scaled.
-QString MakeDotFont(QTemporaryDir const& folder, QByteArray const& family)
+/// Creates a bitmap font in \a folder and returns the path of its file. The font has the family name \a family,
+/// contains only the letter A, and is not scalable.
+QString CreateBitmapFont(QTemporaryDir const& folder, QByteArray const& family)
 {
     QFile file(folder.filePath(QString::fromLatin1(family) + QLatin1String(".bdf")));
     file.open(QIODevice::WriteOnly);
@@ -78,7 +79,7 @@ class FontDatabaseTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void knowsNoAddedFontAtFirst()
+    void isInitiallyEmpty()
     {
         QCOMPARE(FontDatabase::addedFontFamilies(), QStringList());
         QCOMPARE(FontDatabase::systemFontFamilies(), QFontDatabase().families());
@@ -86,7 +87,7 @@ private Q_SLOTS:
 
     void addsAFont()
     {
-        int const id = Add(Sans());
+        int const id = Add(SansFile());
         QVERIFY(id >= 0);
         QCOMPARE(FontDatabase::applicationFontFamilies(id), QStringList{SansFamily});
         QCOMPARE(FontDatabase::applicationFontFamilies(id), QFontDatabase::applicationFontFamilies(id));
@@ -95,8 +96,8 @@ private Q_SLOTS:
 
     void listsAFamilyOnce()
     {
-        int const first = Add(Sans());
-        int const second = Add(Sans());
+        int const first = Add(SansFile());
+        int const second = Add(SansFile());
         QVERIFY(first != second);
         QCOMPARE(FontDatabase::addedFontFamilies(), QStringList{SansFamily});
         Remove(first);
@@ -107,24 +108,24 @@ private Q_SLOTS:
 
     void sortsTheFamilies()
     {
-        Add(Mono());
-        Add(Sans());
+        Add(MonoFile());
+        Add(SansFile());
         QCOMPARE(FontDatabase::addedFontFamilies(), (QStringList{SansFamily, MonoFamily}));
     }
 
     void sortsCapitalsFirst()
     {
-        Add(MakeDotFont(folder_, "beta"));
-        Add(MakeDotFont(folder_, "Gamma"));
-        Add(MakeDotFont(folder_, "alpha"));
-        Add(MakeDotFont(folder_, "Delta"));
+        Add(CreateBitmapFont(folder_, "beta"));
+        Add(CreateBitmapFont(folder_, "Gamma"));
+        Add(CreateBitmapFont(folder_, "alpha"));
+        Add(CreateBitmapFont(folder_, "Delta"));
         QCOMPARE(FontDatabase::addedFontFamilies(), (QStringList{QStringLiteral("Delta"), QStringLiteral("Gamma"),
                                                                  QStringLiteral("alpha"), QStringLiteral("beta")}));
     }
 
-    void keepsAddedFamiliesFromTheSystems()
+    void excludesAddedFamiliesFromTheSystemFamilies()
     {
-        int const id = Add(Sans());
+        int const id = Add(SansFile());
         QStringList const system = FontDatabase::systemFontFamilies();
         QVERIFY(!system.contains(SansFamily));
         QStringList expected = QFontDatabase().families();
@@ -135,34 +136,34 @@ private Q_SLOTS:
         QCOMPARE(FontDatabase::systemFontFamilies(), QFontDatabase().families());
     }
 
-    void takesAFamilyForAnotherWhenItIsWrittenInAnotherWay()
+    void comparesFamilyNamesCaseSensitively()
     {
-        // Added by others, which makes it one of the system's.
-        int const id = QFontDatabase::addApplicationFont(MakeDotFont(folder_, "Dots"));
+        // Added through Qt instead of FontDatabase, so FontDatabase treats the family as a system font.
+        int const id = QFontDatabase::addApplicationFont(CreateBitmapFont(folder_, "Dots"));
         QStringList const before = FontDatabase::systemFontFamilies();
         QVERIFY(before.contains(QStringLiteral("Dots")));
-        Add(MakeDotFont(folder_, "dOTS"));
+        Add(CreateBitmapFont(folder_, "dOTS"));
         QCOMPARE(FontDatabase::addedFontFamilies(), QStringList{QStringLiteral("dOTS")});
         QCOMPARE(FontDatabase::systemFontFamilies(), before);
-        Add(MakeDotFont(folder_, "Dot"));
+        Add(CreateBitmapFont(folder_, "Dot"));
         QCOMPARE(FontDatabase::systemFontFamilies(), before);
         QVERIFY(QFontDatabase::removeApplicationFont(id));
     }
 
-    void leavesFamiliesOutThatCannotBeScaled()
+    void excludesBitmapFontsFromTheScalableFamilies()
     {
         QString const family = QStringLiteral("Dots");
-        Add(MakeDotFont(folder_, family.toLatin1()));
+        Add(CreateBitmapFont(folder_, family.toLatin1()));
         QVERIFY(QFontDatabase().families().contains(family));
         QStringList const scalable = FontDatabase::scalableFontFamilies();
         QVERIFY(!scalable.contains(family));
-        Add(Sans());
+        Add(SansFile());
         QVERIFY(FontDatabase::scalableFontFamilies().contains(SansFamily));
     }
 
-    void keepsScalableFamilies()
+    void listsAllScalableFamilies()
     {
-        Add(Sans());
+        Add(SansFile());
         QStringList expected;
         auto const families = QFontDatabase().families();
         for (QString const& family : families) {
@@ -174,9 +175,9 @@ private Q_SLOTS:
         QCOMPARE(FontDatabase::scalableFontFamilies(), expected);
     }
 
-    void aFailureChangesNoList()
+    void keepsItsListsAfterAFailure()
     {
-        int const sans = Add(Sans());
+        int const sans = Add(SansFile());
         QCOMPARE(FontDatabase::addApplicationFont(QStringLiteral("/no/such/font.ttf")), -1);
         QCOMPARE(FontDatabase::applicationFontFamilies(-1), QStringList());
         QCOMPARE(FontDatabase::addedFontFamilies(), QStringList{SansFamily});
@@ -184,14 +185,14 @@ private Q_SLOTS:
         QCOMPARE(FontDatabase::addedFontFamilies(), QStringList());
     }
 
-    void removesNothingUnknown()
+    void rejectsAnUnknownIdOnRemoval()
     {
-        Add(Sans());
+        Add(SansFile());
         QVERIFY(!FontDatabase::removeApplicationFont(12345));
         QCOMPARE(FontDatabase::addedFontFamilies(), QStringList{SansFamily});
     }
 
-    void tellsOfThreads()
+    void supportsThreadedFontRendering()
     {
         QT_WARNING_PUSH
         QT_WARNING_DISABLE_DEPRECATED

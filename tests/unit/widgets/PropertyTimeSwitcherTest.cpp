@@ -13,7 +13,7 @@ using Zelkor::Util::PropertyTimeSwitcher;
 static_assert(std::is_base_of_v<QObject, PropertyTimeSwitcher>);
 static_assert(!std::is_copy_constructible_v<PropertyTimeSwitcher> && !std::is_final_v<PropertyTimeSwitcher>);
 
-/// Has a property, and counts how often it is written.
+/// An object with one property. Counts the write accesses to it.
 class Controlled : public QObject
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ class PropertyTimeSwitcherTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasItsNameAndOneSlot()
+    void declaresOneSlotAndNoProperty()
     {
         QMetaObject const& meta = PropertyTimeSwitcher::staticMetaObject;
         QCOMPARE(meta.className(), "Zelkor::Util::PropertyTimeSwitcher");
@@ -51,7 +51,7 @@ private Q_SLOTS:
         QCOMPARE(meta.propertyCount(), meta.propertyOffset());
     }
 
-    void writesNothingAtFirst()
+    void doesNotWriteOnConstruction()
     {
         Controlled controlled;
         auto const* const switcher = new PropertyTimeSwitcher("level", 1, &controlled);
@@ -60,20 +60,20 @@ private Q_SLOTS:
         QCOMPARE(controlled.Level(), 7);
     }
 
-    void switchesInTheRange_data()
+    void writesTheRangeValueInsideTheRange_data()
     {
         QTest::addColumn<int>("time");
         QTest::addColumn<int>("level");
-        QTest::newRow("before") << 99 << 1;
+        QTest::newRow("one before the start") << 99 << 1;
         QTest::newRow("start") << 100 << 5;
-        QTest::newRow("last") << 199 << 5;
+        QTest::newRow("last time inside") << 199 << 5;
         QTest::newRow("end") << 200 << 1;
         QTest::newRow("negative") << -1 << 1;
-        QTest::newRow("least") << std::numeric_limits<int>::min() << 1;
-        QTest::newRow("most") << std::numeric_limits<int>::max() << 1;
+        QTest::newRow("smallest int") << std::numeric_limits<int>::min() << 1;
+        QTest::newRow("largest int") << std::numeric_limits<int>::max() << 1;
     }
 
-    void switchesInTheRange()
+    void writesTheRangeValueInsideTheRange()
     {
         QFETCH(int, time);
         QFETCH(int, level);
@@ -84,15 +84,15 @@ private Q_SLOTS:
         QCOMPARE(controlled.Level(), level);
     }
 
-    void hasNoRangeAtFirst_data()
+    void hasNoInitialRange_data()
     {
         QTest::addColumn<int>("time");
-        QTest::newRow("start") << 0;
-        QTest::newRow("later") << 1;
-        QTest::newRow("before") << -1;
+        QTest::newRow("zero") << 0;
+        QTest::newRow("positive") << 1;
+        QTest::newRow("negative") << -1;
     }
 
-    void hasNoRangeAtFirst()
+    void hasNoInitialRange()
     {
         QFETCH(int, time);
         Controlled controlled;
@@ -101,7 +101,7 @@ private Q_SLOTS:
         QCOMPARE(controlled.Level(), 1);
     }
 
-    void aRangeTakesEffectAtOnce()
+    void setRangeUpdatesTheProperty()
     {
         Controlled controlled;
         PropertyTimeSwitcher switcher("level", 1, &controlled);
@@ -113,7 +113,7 @@ private Q_SLOTS:
         QCOMPARE(controlled.Level(), 6);
     }
 
-    void aRangeBackwardsHoldsNoTime()
+    void aReversedRangeContainsNoTime()
     {
         Controlled controlled;
         PropertyTimeSwitcher switcher("level", 1, &controlled);
@@ -122,7 +122,7 @@ private Q_SLOTS:
         QCOMPARE(controlled.Level(), 1);
     }
 
-    void writesOnlyWhatDiffers()
+    void writesOnlyChangedValues()
     {
         Controlled controlled;
         PropertyTimeSwitcher switcher("level", 1, &controlled);
@@ -137,16 +137,16 @@ private Q_SLOTS:
         QCOMPARE(controlled.Level(), 5);
     }
 
-    void doesNotWriteWhatIsEqualInAnotherType_data()
+    void doesNotWriteAnEqualValueOfAnotherType_data()
     {
         QTest::addColumn<QVariant>("wanted");
         QTest::newRow("text") << QVariant(QStringLiteral("7"));
-        QTest::newRow("bytes") << QVariant(QByteArray("7"));
-        QTest::newRow("real number") << QVariant(7.0);
+        QTest::newRow("byte array") << QVariant(QByteArray("7"));
+        QTest::newRow("floating point") << QVariant(7.0);
         QTest::newRow("unsigned") << QVariant(7U);
     }
 
-    void doesNotWriteWhatIsEqualInAnotherType()
+    void doesNotWriteAnEqualValueOfAnotherType()
     {
         QFETCH(QVariant, wanted);
         Controlled controlled;
@@ -156,7 +156,7 @@ private Q_SLOTS:
         QCOMPARE(controlled.writes, 0);
     }
 
-    void warnsOfAPropertyThatIsNotThere()
+    void warnsAboutAMissingProperty()
     {
         ExpectQtWarning(QRegularExpression(QStringLiteral(
             "^PropertyTimeSwitcher: you're trying to control a non-existing property absent of your QObject$")));
@@ -182,7 +182,7 @@ private Q_SLOTS:
         QCOMPARE(category, QByteArray("default"));
     }
 
-    void takesADynamicProperty()
+    void writesADynamicProperty()
     {
         QObject controlled;
         controlled.setProperty("level", 3);
@@ -191,7 +191,7 @@ private Q_SLOTS:
         QCOMPARE(controlled.property("level"), QVariant(1));
     }
 
-    void worksWithoutParent()
+    void acceptsANullParent()
     {
         PropertyTimeSwitcher switcher("level", 1, nullptr);
         switcher.setRange(0, 10, 5);
@@ -199,7 +199,7 @@ private Q_SLOTS:
         QCOMPARE(switcher.parent(), nullptr);
     }
 
-    void followsItsParent()
+    void writesToTheCurrentParent()
     {
         Controlled first;
         Controlled second;

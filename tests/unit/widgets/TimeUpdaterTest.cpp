@@ -19,8 +19,8 @@ static_assert(!std::is_copy_constructible_v<TimeUpdater> && !std::is_final_v<Tim
 namespace
 {
 
-constexpr int Least = std::numeric_limits<int>::min();
-constexpr int Most = std::numeric_limits<int>::max();
+constexpr int Smallest = std::numeric_limits<int>::min();
+constexpr int Largest = std::numeric_limits<int>::max();
 
 QString const Format = QStringLiteral("mm:ss.zzz");
 
@@ -31,7 +31,7 @@ class TimeUpdaterTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasItsNameAndOneProperty()
+    void declaresOneProperty()
     {
         QMetaObject const& meta = TimeUpdater::staticMetaObject;
         QCOMPARE(meta.className(), "Zelkor::Util::TimeUpdater");
@@ -43,7 +43,7 @@ private Q_SLOTS:
         QVERIFY(property.isReadable() && property.isWritable() && !property.hasNotifySignal());
     }
 
-    void isOwnedByItsDocument()
+    void isDestroyedWithItsDocument()
     {
         auto document = std::make_unique<QTextDocument>();
         QPointer<TimeUpdater> const updater = new TimeUpdater(0, 1000, 5000, Format, document.get(), false);
@@ -52,7 +52,7 @@ private Q_SLOTS:
         QVERIFY(!updater);
     }
 
-    void startsAtTheStartOfTheInputAndWritesNothing()
+    void startsAtTheInputStartAndDoesNotWrite()
     {
         QTextDocument document(QStringLiteral("text"));
         TimeUpdater const updater(0, 1000, 5000, Format, &document, false);
@@ -60,7 +60,7 @@ private Q_SLOTS:
         QCOMPARE(document.toPlainText(), QStringLiteral("text"));
     }
 
-    void calculates_data()
+    void calculatesTheOutputTime_data()
     {
         QTest::addColumn<int>("outputStart");
         QTest::addColumn<int>("inputStart");
@@ -72,26 +72,27 @@ private Q_SLOTS:
         QTest::newRow("start") << 0 << 1000 << 5000 << false << 1000 << 0;
         QTest::newRow("middle") << 0 << 1000 << 5000 << false << 3000 << 2000;
         QTest::newRow("end") << 0 << 1000 << 5000 << false << 5000 << 4000;
-        QTest::newRow("after") << 0 << 1000 << 5000 << false << 6000 << 4000;
-        QTest::newRow("before") << 0 << 1000 << 5000 << false << 0 << 0;
-        QTest::newRow("later output") << 500 << 1000 << 5000 << false << 3000 << 2500;
-        QTest::newRow("later output, before") << 500 << 1000 << 5000 << false << 0 << 500;
+        QTest::newRow("after the end") << 0 << 1000 << 5000 << false << 6000 << 4000;
+        QTest::newRow("before the start") << 0 << 1000 << 5000 << false << 0 << 0;
+        QTest::newRow("output offset") << 500 << 1000 << 5000 << false << 3000 << 2500;
+        QTest::newRow("output offset, before the start") << 500 << 1000 << 5000 << false << 0 << 500;
         QTest::newRow("reverse, start") << 0 << 1000 << 5000 << true << 1000 << 4000;
         QTest::newRow("reverse, middle") << 0 << 1000 << 5000 << true << 2000 << 3000;
         QTest::newRow("reverse, end") << 0 << 1000 << 5000 << true << 5000 << 0;
-        QTest::newRow("reverse, before") << 0 << 1000 << 5000 << true << 0 << 4000;
-        QTest::newRow("reverse, after") << 0 << 1000 << 5000 << true << 6000 << 0;
-        QTest::newRow("reverse, later output") << 500 << 1000 << 5000 << true << 2000 << 3500;
-        QTest::newRow("negative") << -3000 << 1000 << 5000 << false << 2000 << 0;
-        QTest::newRow("negative start, positive now") << -3000 << 1000 << 5000 << false << 4500 << 500;
-        QTest::newRow("input backwards") << 100 << 5000 << 1000 << false << 3000 << 100;
-        QTest::newRow("no input") << 100 << 1000 << 1000 << false << 3000 << 100;
-        QTest::newRow("extremes") << 0 << Least << Most << false << Most << Most;
-        QTest::newRow("extremes, start") << 0 << Least << Most << false << Least << 0;
-        QTest::newRow("extremes, reverse") << Most << 0 << Most << true << Least << Most;
+        QTest::newRow("reverse, before the start") << 0 << 1000 << 5000 << true << 0 << 4000;
+        QTest::newRow("reverse, after the end") << 0 << 1000 << 5000 << true << 6000 << 0;
+        QTest::newRow("reverse, output offset") << 500 << 1000 << 5000 << true << 2000 << 3500;
+        QTest::newRow("negative output offset, negative sum") << -3000 << 1000 << 5000 << false << 2000 << 0;
+        QTest::newRow("negative output offset, positive sum") << -3000 << 1000 << 5000 << false << 4500 << 500;
+        QTest::newRow("reversed input range") << 100 << 5000 << 1000 << false << 3000 << 100;
+        QTest::newRow("empty input range") << 100 << 1000 << 1000 << false << 3000 << 100;
+        QTest::newRow("full int range, end") << 0 << Smallest << Largest << false << Largest << Largest;
+        QTest::newRow("full int range, start") << 0 << Smallest << Largest << false << Smallest << 0;
+        QTest::newRow("output offset of the largest int, reverse")
+            << Largest << 0 << Largest << true << Smallest << Largest;
     }
 
-    void calculates()
+    void calculatesTheOutputTime()
     {
         QFETCH(int, outputStart);
         QFETCH(int, inputStart);
@@ -105,7 +106,7 @@ private Q_SLOTS:
         QCOMPARE(updater.currentTime(), inputStart);
     }
 
-    void writesTheTime()
+    void writesTheFormattedTime()
     {
         QTextDocument document(QStringLiteral("text\nof two lines"));
         TimeUpdater updater(0, 1000, 5000, Format, &document, false);
@@ -114,19 +115,19 @@ private Q_SLOTS:
         QCOMPARE(updater.currentTime(), 3500);
 
         QVERIFY(updater.setProperty("currentTime", 99999));
-        QCOMPARE(updater.property("currentTime").toInt(), 99999); // as it was given, not as it is shown
+        QCOMPARE(updater.property("currentTime").toInt(), 99999); // not limited to the input range
         QCOMPARE(document.toPlainText(), QStringLiteral("00:04.000"));
     }
 
-    void wrapsAtMidnight()
+    void wrapsAfterTwentyFourHours()
     {
         QTextDocument document;
-        TimeUpdater updater(0, 0, Most, QStringLiteral("hh:mm:ss"), &document, false);
+        TimeUpdater updater(0, 0, Largest, QStringLiteral("hh:mm:ss"), &document, false);
         updater.setCurrentTime(25 * 60 * 60 * 1000);
         QCOMPARE(document.toPlainText(), QStringLiteral("01:00:00"));
     }
 
-    void writesEqualTextsOnce()
+    void doesNotWriteAnUnchangedText()
     {
         QTextDocument document;
         TimeUpdater updater(0, 0, 60000, QStringLiteral("mm:ss"), &document, false);
@@ -134,14 +135,14 @@ private Q_SLOTS:
         updater.setCurrentTime(3000);
         QCOMPARE(changes.count(), 1);
         updater.setCurrentTime(3000);
-        updater.setCurrentTime(3400); // the same second
+        updater.setCurrentTime(3400); // still formatted as 00:03
         QCOMPARE(changes.count(), 1);
         QCOMPARE(updater.currentTime(), 3400);
         updater.setCurrentTime(4000);
         QCOMPARE(changes.count(), 2);
     }
 
-    void leavesTheHistoryAloneWhenNothingChanges()
+    void addsNoUndoStepForAnUnchangedText()
     {
         QTextDocument document(QStringLiteral("00:03"));
         document.clearUndoRedoStacks();
@@ -152,7 +153,7 @@ private Q_SLOTS:
         QVERIFY(document.isUndoAvailable());
     }
 
-    void writesInOneEdit()
+    void replacesTheTextInOneUndoStep()
     {
         QString const before = QStringLiteral("text\nof two lines");
         QTextDocument document(before);
@@ -165,7 +166,7 @@ private Q_SLOTS:
         QVERIFY(!document.isUndoAvailable());
     }
 
-    void onlyComputesWithoutADocument()
+    void calculatesWithoutADocument()
     {
         TimeUpdater updater(100, 0, 1000, Format, nullptr, false);
         QCOMPARE(updater.parent(), nullptr);

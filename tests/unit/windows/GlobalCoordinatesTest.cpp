@@ -14,14 +14,14 @@ class GlobalCoordinatesTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void tellsWhereAWindowIs()
+    void returnsTheGlobalRectangleOfAWindow()
     {
         QWidget window;
         window.setGeometry(100, 150, 320, 240);
         QCOMPARE(GetGlobalWidgetRect(&window), QRect(window.mapToGlobal(QPoint(0, 0)), QSize(320, 240)));
     }
 
-    void tellsWhereAChildIs()
+    void returnsTheGlobalRectangleOfAChild()
     {
         QWidget window;
         window.setGeometry(100, 150, 320, 240);
@@ -30,7 +30,7 @@ private Q_SLOTS:
         QCOMPARE(GetGlobalWidgetRect(&child), QRect(window.mapToGlobal(QPoint(10, 20)), QSize(30, 40)));
     }
 
-    void isUndoneByItsCounterpart()
+    void mapsGlobalRectanglesBackToWidgets()
     {
         QWidget window;
         window.setGeometry(100, 150, 320, 240);
@@ -40,9 +40,9 @@ private Q_SLOTS:
         QCOMPARE(GetWidgetRect(&window, GetGlobalWidgetRect(&child)), QRect(10, 20, 30, 40));
     }
 
-    void followsAShownWindow_data() { Zelkor::Testing::AddScreens(); }
+    void returnsTheRectanglesOfAShownWindow_data() { Zelkor::Testing::AddScreenRows(); }
 
-    void followsAShownWindow()
+    void returnsTheRectanglesOfAShownWindow()
     {
         QFETCH(QRect, screen);
         QWidget window;
@@ -51,7 +51,7 @@ private Q_SLOTS:
         child.setGeometry(10, 20, 30, 40);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
-        QCOMPARE(GetGlobalWidgetRect(&window), window.geometry()); // the frame is not of it
+        QCOMPARE(GetGlobalWidgetRect(&window), window.geometry()); // without the window frame
         QCOMPARE(GetGlobalWidgetRect(&child), child.geometry().translated(window.geometry().topLeft()));
         QVERIFY(screen.contains(GetGlobalWidgetRect(&child)));
 
@@ -61,7 +61,7 @@ private Q_SLOTS:
         QCOMPARE(GetWidgetRect(&window, GetGlobalWidgetRect(&child)), child.geometry());
     }
 
-    void takesAnyRectangle_data()
+    void mapsAnyRectangle_data()
     {
         QTest::addColumn<QRect>("rect");
         QTest::newRow("null") << QRect();
@@ -69,7 +69,7 @@ private Q_SLOTS:
         QTest::newRow("outside") << QRect(-500, -400, 100, 50);
     }
 
-    void takesAnyRectangle()
+    void mapsAnyRectangle()
     {
         QFETCH(QRect, rect);
         QWidget window;
@@ -78,7 +78,7 @@ private Q_SLOTS:
         QCOMPARE(GetWidgetRect(&window, rect), rect.translated(-origin));
     }
 
-    void hasNoRectangleForNull()
+    void returnsANullRectangleForANullWidget()
     {
         QCOMPARE(GetGlobalWidgetRect(nullptr), QRect());
         QCOMPARE(GetWidgetRect(nullptr, QRect(1, 2, 3, 4)), QRect());

@@ -23,28 +23,28 @@ static_assert(!std::is_copy_constructible_v<QmlWindowFocusWorkaround>);
 namespace
 {
 
-/// Keeps why a widget gets the focus.
+/// Records the reasons of the focus-in events of a widget.
 class FocusReasons : public QObject
 {
 public:
     explicit FocusReasons(QWidget* widget) { widget->installEventFilter(this); }
 
-    std::vector<Qt::FocusReason> seen;
+    std::vector<Qt::FocusReason> recorded;
 
     bool eventFilter(QObject* /*watched*/, QEvent* event) override
     {
         if (event->type() == QEvent::FocusIn) {
-            seen.push_back(static_cast<QFocusEvent*>(event)->reason());
+            recorded.push_back(static_cast<QFocusEvent*>(event)->reason());
         }
         return false;
     }
 };
 
-/// Destroys a widget that is raised.
-class EndsWhenRaised : public QObject
+/// Destroys a widget when it is raised.
+class DestroysWhenRaised : public QObject
 {
 public:
-    explicit EndsWhenRaised(QWidget* widget) { widget->installEventFilter(this); }
+    explicit DestroysWhenRaised(QWidget* widget) { widget->installEventFilter(this); }
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
@@ -63,49 +63,50 @@ class QmlWindowFocusWorkaroundTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void findsNoContainerWithoutNativeWindow()
+    void returnsNoContainerWithoutNativeWindow()
     {
         QCOMPARE(findQmlContainer(nullptr), nullptr);
         QCOMPARE(findQmlContainer(window_.get()), nullptr);
     }
 
-    void findsTheWidgetItself()
+    void returnsANativeWidgetItself()
     {
         container_->setAttribute(Qt::WA_NativeWindow);
         QCOMPARE(findQmlContainer(container_), container_);
     }
 
-    void findsTheFirstOneBelow()
+    void returnsTheFirstNativeDescendant()
     {
         auto* const deep = new QWidget(outer_);
         deep->setAttribute(Qt::WA_NativeWindow);
         container_->setAttribute(Qt::WA_NativeWindow);
-        outer_->setAttribute(Qt::WA_NativeWindow, false); // Qt makes those around a native widget native too
+        // Qt also makes the ancestors of a native widget native.
+        outer_->setAttribute(Qt::WA_NativeWindow, false);
         window_->setAttribute(Qt::WA_NativeWindow, false);
         QCOMPARE(findQmlContainer(window_.get()), deep);
         QCOMPARE(findQmlContainer(outer_), deep);
     }
 
-    void isAppliedToWindowsWithAContainerOnly()
+    void appliesOnlyToWindowsWithAContainer()
     {
         ApplyQmlWindowFocusWorkaround(nullptr, container_);
         ApplyQmlWindowFocusWorkaround(window_.get(), nullptr);
         ApplyQmlWindowFocusWorkaround(window_.get(), container_);
-        QCOMPARE(Workarounds(window_.get()), 0);
+        QCOMPARE(CountWorkarounds(window_.get()), 0);
 
         container_->setAttribute(Qt::WA_NativeWindow);
-        ApplyQmlWindowFocusWorkaround(outer_, container_); // no window
-        QCOMPARE(Workarounds(outer_), 0);
+        ApplyQmlWindowFocusWorkaround(outer_, container_); // not a window
+        QCOMPARE(CountWorkarounds(outer_), 0);
         QCOMPARE(container_->focusPolicy(), Qt::NoFocus);
 
         ApplyQmlWindowFocusWorkaround(window_.get(), container_);
-        QCOMPARE(Workarounds(window_.get()), 1);
+        QCOMPARE(CountWorkarounds(window_.get()), 1);
         QCOMPARE(container_->focusPolicy(), Qt::StrongFocus);
         ApplyQmlWindowFocusWorkaround(window_.get(), container_);
-        QCOMPARE(Workarounds(window_.get()), 2);
+        QCOMPARE(CountWorkarounds(window_.get()), 2);
     }
 
-    void handsTheFocusOverWhenTheWindowIsActivated()
+    void focusesTheTargetWhenTheWindowIsActivated()
     {
         Show();
         container_->setFocusPolicy(Qt::StrongFocus);
@@ -115,7 +116,7 @@ private Q_SLOTS:
         QVERIFY(container_->hasFocus());
     }
 
-    void handsTheFocusToTheWidgetAroundTheContainer()
+    void focusesTheParentOfTheContainer()
     {
         container_->setParent(outer_);
         container_->setAttribute(Qt::WA_NativeWindow);
@@ -136,24 +137,24 @@ private Q_SLOTS:
         QCOMPARE(window_->children().constLast(), outer_);
     }
 
-    void saysThatTheFocusComesWithTheWindow()
+    void usesTheActiveWindowFocusReason()
     {
         Show();
         new QmlWindowFocusWorkaround(window_.get(), container_);
         edit_->setFocus();
         FocusReasons const reasons(container_);
         QVERIFY(!SendActivationChange());
-        QCOMPARE(reasons.seen, std::vector<Qt::FocusReason>{Qt::ActiveWindowFocusReason});
+        QCOMPARE(reasons.recorded, std::vector<Qt::FocusReason>{Qt::ActiveWindowFocusReason});
     }
 
-    void handsTheFocusOverEachTimeTheWindowComesBack_data()
+    void focusesTheTargetAtEachActivation_data()
     {
         QTest::addColumn<bool>("native");
-        QTest::newRow("to a plain widget") << false;
-        QTest::newRow("to one with a native window") << true;
+        QTest::newRow("widget without native window") << false;
+        QTest::newRow("widget with native window") << true;
     }
 
-    void handsTheFocusOverEachTimeTheWindowComesBack()
+    void focusesTheTargetAtEachActivation()
     {
         QFETCH(bool, native);
         container_->setAttribute(Qt::WA_NativeWindow, native);
@@ -175,7 +176,7 @@ private Q_SLOTS:
         }
     }
 
-    void leavesOtherEventsAlone()
+    void ignoresOtherEvents()
     {
         Show();
         container_->setFocusPolicy(Qt::StrongFocus);
@@ -187,14 +188,14 @@ private Q_SLOTS:
         QVERIFY(edit_->hasFocus());
     }
 
-    void doesNothingForAHiddenWindow()
+    void ignoresAHiddenWindow()
     {
         container_->setFocusPolicy(Qt::StrongFocus);
         new QmlWindowFocusWorkaround(window_.get(), container_);
         QVERIFY(SendActivationChange());
     }
 
-    void doesNothingForAWindowThatIsNotActive()
+    void ignoresAnInactiveWindow()
     {
         Show();
         edit_->setFocus();
@@ -209,21 +210,22 @@ private Q_SLOTS:
         QVERIFY(window_->children().indexOf(outer_) < window_->children().indexOf(edit_));
     }
 
-    void theTargetMayEndWhenItIsRaised()
+    void theTargetCanBeDestroyedWhenItIsRaised()
     {
         Show();
         new QmlWindowFocusWorkaround(window_.get(), outer_);
         edit_->setFocus();
-        EndsWhenRaised const ends(outer_);
+        DestroysWhenRaised const filter(outer_);
         QPointer<QWidget> const target(outer_);
         QVERIFY(!SendActivationChange());
         QVERIFY(!target);
         QVERIFY(edit_->hasFocus());
     }
 
-    void theTargetMayEndWhenItIsActivated()
+    void theTargetCanBeDestroyedWhenItIsActivated()
     {
-        // Before the events are processed, all that comes of activating a window is what Qt says of such a one.
+        // The warning of Qt for WindowDoesNotAcceptFocus is the only callback during activateWindow(). All other
+        // effects are delivered later as events. The message handler therefore destroys the target.
         static QPointer<QWidget> target;
         static QtMessageHandler previous = nullptr;
         target = container_;
@@ -243,7 +245,7 @@ private Q_SLOTS:
         QVERIFY(edit_->hasFocus());
     }
 
-    void doesNothingWhenTheTargetIsGone()
+    void ignoresADestroyedTarget()
     {
         Show();
         new QmlWindowFocusWorkaround(window_.get(), container_);
@@ -253,7 +255,7 @@ private Q_SLOTS:
         QVERIFY(edit_->hasFocus());
     }
 
-    void swallowsNothing()
+    void doesNotFilterEvents()
     {
         Show();
         QmlWindowFocusWorkaround workaround(window_.get(), container_);
@@ -283,7 +285,7 @@ private:
         QVERIFY(QTest::qWaitForWindowActive(window_.get()));
     }
 
-    /// Whether the event was left accepted.
+    /// Returns true if the event is still accepted after delivery.
     bool SendActivationChange()
     {
         QEvent event(QEvent::ActivationChange);
@@ -291,7 +293,7 @@ private:
         return event.isAccepted();
     }
 
-    static int Workarounds(QWidget const* window)
+    static int CountWorkarounds(QWidget const* window)
     {
         int count = 0;
         for (QObject* const child : window->children()) {

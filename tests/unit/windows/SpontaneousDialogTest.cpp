@@ -19,13 +19,13 @@ class SpontaneousDialogTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void findsNothingWhereNothingIs()
+    void returnsNullWithoutWindows()
     {
         QCOMPARE(SpontaneousDialog::findParent(), nullptr);
         QCOMPARE(SpontaneousDialog::GetMainWindow(), nullptr);
     }
 
-    void findsTheMainWindow()
+    void returnsTheMainWindow()
     {
         SpontaneousDialog::SetMainWindow(main_.get());
         QCOMPARE(SpontaneousDialog::findParent(), main_.get());
@@ -40,7 +40,7 @@ private Q_SLOTS:
         QCOMPARE(SpontaneousDialog::GetMainWindow(), main_.get());
     }
 
-    void passesOverAWindowThatDeletesItself()
+    void ignoresAnActiveWindowThatIsDeletedOnClose()
     {
         Activate(active_.get());
         active_->setAttribute(Qt::WA_DeleteOnClose);
@@ -65,7 +65,7 @@ private Q_SLOTS:
         modal.setAttribute(Qt::WA_DeleteOnClose, false);
     }
 
-    void forgetsAMainWindowThatEnds()
+    void forgetsADestroyedMainWindow()
     {
         SpontaneousDialog::SetMainWindow(main_.get());
         Activate(active_.get());

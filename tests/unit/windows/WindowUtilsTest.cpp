@@ -13,7 +13,8 @@
 #include <functional>
 #include <memory>
 
-using Zelkor::Testing::Screens;
+using Zelkor::Testing::AddScreenRows;
+using Zelkor::Testing::ScreenGeometries;
 using Zelkor::Util::ExecDialogInCenterWindow;
 using Zelkor::Util::GetCurrentScreenRect;
 using Zelkor::Util::GetWidgetPosOnCurrentScreenCenter;
@@ -21,7 +22,7 @@ using Zelkor::Util::GetWidgetPosOnCurrentScreenCenter;
 namespace
 {
 
-QRect Primary()
+QRect PrimaryScreen()
 {
     return QGuiApplication::primaryScreen()->geometry();
 }
@@ -31,15 +32,21 @@ QPoint MiddleOf(QRect const& rect)
     return {(rect.left() + rect.right()) / 2, (rect.top() + rect.bottom()) / 2};
 }
 
-/// What is placed by its centre pixel, which an odd size has.
+/// Returns a rectangle whose middle pixel is \a centre.
 QRect Around(QPoint centre)
 {
-    QRect rect(0, 0, 101, 101);
-    rect.moveCenter(centre);
-    return rect;
+    return {centre - QPoint(50, 50), QSize(101, 101)};
 }
 
-/// Of a fixed size; calls back when it is shown modally.
+constexpr QSize DialogSize(121, 81);
+
+/// Returns the expected geometry of a dialog of DialogSize. Half of an odd size is rounded up.
+QRect DialogGeometry(QPoint middle)
+{
+    return {middle - QPoint(61, 41), DialogSize};
+}
+
+/// A dialog that records its geometry when exec() is called, and then runs a callback in its event loop.
 class Dialog : public QDialog
 {
 public:
@@ -49,12 +56,12 @@ public:
 
     int exec() override
     {
-        placed = QRect(pos(), size());
+        geometryOnExec = QRect(pos(), size());
         QTimer::singleShot(0, this, [this] { onExec(); });
         return QDialog::exec();
     }
 
-    QRect placed;
+    QRect geometryOnExec;
 };
 
 } // namespace
@@ -64,24 +71,26 @@ class WindowUtilsTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void aScreenWithoutWidgetIsThePrimaryOne() { QCOMPARE(GetCurrentScreenRect(nullptr), Primary()); }
+    void returnsThePrimaryScreenForNull() { QCOMPARE(GetCurrentScreenRect(nullptr), PrimaryScreen()); }
 
-    void findsTheScreenOfTheCentre_data()
+    void returnsTheScreenOfTheCentre_data()
     {
         QTest::addColumn<QRect>("geometry");
         QTest::addColumn<QRect>("screen");
-        QTest::newRow("inside") << QRect(Primary().topLeft() + QPoint(10, 10), QSize(100, 100)) << Primary();
-        QTest::newRow("outside all screens") << QRect(100000, 100000, 100, 100) << Primary();
-        QTest::newRow("half outside") << QRect(Primary().topLeft() - QPoint(49, 49), QSize(100, 100)) << Primary();
-        for (QRect const& screen : Screens()) {
-            int const number = Screens().indexOf(screen);
+        QTest::newRow("inside the primary screen")
+            << QRect(PrimaryScreen().topLeft() + QPoint(10, 10), QSize(100, 100)) << PrimaryScreen();
+        QTest::newRow("outside all screens") << QRect(100000, 100000, 100, 100) << PrimaryScreen();
+        QTest::newRow("half outside") << QRect(PrimaryScreen().topLeft() - QPoint(49, 49), QSize(100, 100))
+                                      << PrimaryScreen();
+        for (QRect const& screen : ScreenGeometries()) {
+            int const number = ScreenGeometries().indexOf(screen);
             QTest::addRow("middle of screen %d", number) << Around(screen.center()) << screen;
             QTest::addRow("first pixel of screen %d", number) << Around(screen.topLeft()) << screen;
             QTest::addRow("last pixel of screen %d", number) << Around(screen.bottomRight()) << screen;
         }
     }
 
-    void findsTheScreenOfTheCentre()
+    void returnsTheScreenOfTheCentre()
     {
         QFETCH(QRect, geometry);
         QFETCH(QRect, screen);
@@ -90,9 +99,9 @@ private Q_SLOTS:
         QCOMPARE(GetCurrentScreenRect(&window), screen);
     }
 
-    void findsTheScreenOfAShownWindow_data() { Zelkor::Testing::AddScreens(); }
+    void returnsTheScreenOfAShownWindow_data() { AddScreenRows(); }
 
-    void findsTheScreenOfAShownWindow()
+    void returnsTheScreenOfAShownWindow()
     {
         QFETCH(QRect, screen);
         QWidget window;
@@ -100,31 +109,31 @@ private Q_SLOTS:
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         QCOMPARE(GetCurrentScreenRect(&window), screen);
-        for (QRect const& next : Screens()) {
+        for (QRect const& next : ScreenGeometries()) {
             window.move(next.center());
             QTRY_COMPARE(GetCurrentScreenRect(&window), next);
         }
     }
 
-    void locatesAChildByItsGlobalPosition_data()
+    void returnsTheScreenOfAChildByItsGlobalPosition_data()
     {
-        QTest::addColumn<QRect>("screenOfTheWindow");
+        QTest::addColumn<QRect>("windowScreen");
         QTest::addColumn<QRect>("screen");
-        for (QRect const& screenOfTheWindow : Screens()) {
-            for (QRect const& screen : Screens()) {
-                QTest::addRow("on screen %d, its window on screen %d", Screens().indexOf(screen),
-                              Screens().indexOf(screenOfTheWindow))
-                    << screenOfTheWindow << screen;
+        for (QRect const& windowScreen : ScreenGeometries()) {
+            for (QRect const& screen : ScreenGeometries()) {
+                QTest::addRow("child on screen %d, window on screen %d", ScreenGeometries().indexOf(screen),
+                              ScreenGeometries().indexOf(windowScreen))
+                    << windowScreen << screen;
             }
         }
     }
 
-    void locatesAChildByItsGlobalPosition()
+    void returnsTheScreenOfAChildByItsGlobalPosition()
     {
-        QFETCH(QRect, screenOfTheWindow);
+        QFETCH(QRect, windowScreen);
         QFETCH(QRect, screen);
         QWidget window;
-        window.setGeometry(QRect(screenOfTheWindow.topLeft() + QPoint(20, 20), QSize(200, 200)));
+        window.setGeometry(QRect(windowScreen.topLeft() + QPoint(20, 20), QSize(200, 200)));
         QWidget child(&window);
         child.setGeometry(QRect(window.mapFromGlobal(screen.topLeft()), QSize(10, 10)));
         QCOMPARE(GetCurrentScreenRect(&child), screen);
@@ -134,10 +143,10 @@ private Q_SLOTS:
     {
         QWidget window;
         window.resize(101, 51);
-        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredIn(Primary(), window));
+        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredPosition(PrimaryScreen(), window));
     }
 
-    void centresOnTheScreenOfTheParent_data() { Zelkor::Testing::AddScreens(); }
+    void centresOnTheScreenOfTheParent_data() { AddScreenRows(); }
 
     void centresOnTheScreenOfTheParent()
     {
@@ -145,13 +154,13 @@ private Q_SLOTS:
         QWidget parent;
         parent.setGeometry(Around(screen.bottomRight()));
         QWidget window(&parent, Qt::Window);
-        window.setGeometry(QRect(Primary().topLeft(), QSize(101, 51)));
-        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredIn(screen, window));
-        window.setGeometry(QRect(Primary().topLeft(), QSize(100, 50)));
-        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredIn(screen, window));
+        window.setGeometry(QRect(PrimaryScreen().topLeft(), QSize(101, 51)));
+        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredPosition(screen, window));
+        window.setGeometry(QRect(PrimaryScreen().topLeft(), QSize(100, 50)));
+        QCOMPARE(GetWidgetPosOnCurrentScreenCenter(window), CentredPosition(screen, window));
     }
 
-    void centresAShownWindowWithItsFrame_data() { Zelkor::Testing::AddScreens(); }
+    void centresAShownWindowWithItsFrame_data() { AddScreenRows(); }
 
     void centresAShownWindowWithItsFrame()
     {
@@ -163,67 +172,91 @@ private Q_SLOTS:
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         window.move(GetWidgetPosOnCurrentScreenCenter(window));
-        QTRY_COMPARE(window.pos(), CentredIn(screen, window));
+        QTRY_COMPARE(window.pos(), CentredPosition(screen, window));
         QCOMPARE(GetCurrentScreenRect(&window), screen);
     }
 
-    void showsNothingWithoutDialog()
+    void returnsZeroForANullDialog()
     {
         QWidget parent;
         QCOMPARE(ExecDialogInCenterWindow(nullptr, &parent), 0);
         QVERIFY(!parent.isVisible());
     }
 
-    void centresTheDialog_data()
+    void centresTheDialogOnTheGivenParent_data() { AddScreenRows(); }
+
+    void centresTheDialogOnTheGivenParent()
     {
-        QTest::addColumn<QString>("around");
-        QTest::addColumn<QRect>("screen");
-        for (QRect const& screen : Screens()) {
-            auto const addRow = [&screen](char const* name, char const* around) {
-                QTest::addRow("%s, screen %d", name, Screens().indexOf(screen))
-                    << QString::fromLatin1(around) << screen;
-            };
-            addRow("the parent given", "given");
-            addRow("the window of the child given", "child");
-            addRow("its own parent", "own");
-            addRow("the screen", "screen");
-        }
-        QTest::newRow("the screen, before it is anywhere") << QStringLiteral("nowhere") << Primary();
+        QFETCH(QRect, screen);
+        QWidget window;
+        window.setGeometry(QRect(screen.topLeft() + QPoint(150, 120), QSize(401, 301)));
+        Dialog dialog;
+        dialog.setFixedSize(DialogSize);
+        QCOMPARE(ExecDialogInCenterWindow(&dialog, &window), 7);
+        QCOMPARE(dialog.geometryOnExec, DialogGeometry(MiddleOf(window.geometry())));
     }
 
-    void centresTheDialog()
+    void centresTheDialogOnTheWindowOfAGivenChild_data() { AddScreenRows(); }
+
+    void centresTheDialogOnTheWindowOfAGivenChild()
     {
-        QFETCH(QString, around);
         QFETCH(QRect, screen);
         QWidget window;
         window.setGeometry(QRect(screen.topLeft() + QPoint(150, 120), QSize(401, 301)));
         QWidget child(&window);
         child.setGeometry(0, 0, 50, 50);
-        Dialog dialog(around == QLatin1String("own") ? &child : nullptr);
-        dialog.setFixedSize(121, 81);
-        if (around == QLatin1String("screen")) {
-            dialog.move(screen.topLeft() + QPoint(1, 1));
-        }
-
-        QWidget* const parent = around == QLatin1String("given")   ? &window
-                                : around == QLatin1String("child") ? &child
-                                                                   : nullptr;
-        bool const hasWindow = parent || dialog.parent();
-        QPoint const middle = MiddleOf(hasWindow ? window.geometry() : screen);
-        QCOMPARE(ExecDialogInCenterWindow(&dialog, parent), 7);
-        QCOMPARE(dialog.placed, QRect(middle - QPoint(61, 41), QSize(121, 81)));
+        Dialog dialog;
+        dialog.setFixedSize(DialogSize);
+        QCOMPARE(ExecDialogInCenterWindow(&dialog, &child), 7);
+        QCOMPARE(dialog.geometryOnExec, DialogGeometry(MiddleOf(window.geometry())));
     }
 
-    void centresTheDialogAroundAPixelThatIsRoundedTowardZero_data()
+    void centresTheDialogOnTheWindowOfItsParent_data() { AddScreenRows(); }
+
+    void centresTheDialogOnTheWindowOfItsParent()
+    {
+        QFETCH(QRect, screen);
+        QWidget window;
+        window.setGeometry(QRect(screen.topLeft() + QPoint(150, 120), QSize(401, 301)));
+        QWidget child(&window);
+        child.setGeometry(0, 0, 50, 50);
+        Dialog dialog(&child);
+        dialog.setFixedSize(DialogSize);
+        QCOMPARE(ExecDialogInCenterWindow(&dialog, nullptr), 7);
+        QCOMPARE(dialog.geometryOnExec, DialogGeometry(MiddleOf(window.geometry())));
+    }
+
+    void centresTheDialogOnItsScreenWithoutParent_data() { AddScreenRows(); }
+
+    void centresTheDialogOnItsScreenWithoutParent()
+    {
+        QFETCH(QRect, screen);
+        Dialog dialog;
+        dialog.setFixedSize(DialogSize);
+        dialog.move(screen.topLeft() + QPoint(1, 1));
+        QCOMPARE(ExecDialogInCenterWindow(&dialog, nullptr), 7);
+        QCOMPARE(dialog.geometryOnExec, DialogGeometry(MiddleOf(screen)));
+    }
+
+    void centresADialogWithoutPositionOnThePrimaryScreen()
+    {
+        Dialog dialog;
+        dialog.setFixedSize(DialogSize);
+        QCOMPARE(ExecDialogInCenterWindow(&dialog, nullptr), 7);
+        QCOMPARE(dialog.geometryOnExec, DialogGeometry(MiddleOf(PrimaryScreen())));
+    }
+
+    void roundsTheCentreTowardZero_data()
     {
         QTest::addColumn<QRect>("window");
         QTest::addColumn<QPoint>("middle");
-        QTest::newRow("before zero") << QRect(-500, -300, 400, 200) << QPoint(-300, -200); // -300.5, -200.5
-        QTest::newRow("across zero") << QRect(-300, -200, 400, 300) << QPoint(-100, -50);  // -100.5, -50.5
-        QTest::newRow("after zero") << QRect(300, 200, 400, 300) << QPoint(499, 349);      // 499.5, 349.5
+        QTest::newRow("negative coordinates") << QRect(-500, -300, 400, 200) << QPoint(-300, -200); // -300.5, -200.5
+        QTest::newRow("negative centre across zero")
+            << QRect(-300, -200, 400, 300) << QPoint(-100, -50);                                // -100.5, -50.5
+        QTest::newRow("positive coordinates") << QRect(300, 200, 400, 300) << QPoint(499, 349); // 499.5, 349.5
     }
 
-    void centresTheDialogAroundAPixelThatIsRoundedTowardZero()
+    void roundsTheCentreTowardZero()
     {
         QFETCH(QRect, window);
         QFETCH(QPoint, middle);
@@ -232,12 +265,12 @@ private Q_SLOTS:
         Dialog dialog;
         dialog.setFixedSize(120, 80);
         QCOMPARE(ExecDialogInCenterWindow(&dialog, &parent), 7);
-        QCOMPARE(dialog.placed, QRect(middle - QPoint(60, 40), QSize(120, 80)));
+        QCOMPARE(dialog.geometryOnExec, QRect(middle - QPoint(60, 40), QSize(120, 80)));
     }
 
-    void theDialogStaysWhereItIsPlaced_data() { Zelkor::Testing::AddScreens(); }
+    void keepsTheDialogAtItsPosition_data() { AddScreenRows(); }
 
-    void theDialogStaysWhereItIsPlaced()
+    void keepsTheDialogAtItsPosition()
     {
         QFETCH(QRect, screen);
         QWidget window;
@@ -245,21 +278,21 @@ private Q_SLOTS:
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         Dialog dialog(&window);
-        dialog.setFixedSize(121, 81);
-        QPoint settled;
-        dialog.onExec = [&dialog, &settled] {
-            // Active: the window manager is done with it.
+        dialog.setFixedSize(DialogSize);
+        QPoint finalPosition;
+        dialog.onExec = [&dialog, &finalPosition] {
+            // The window manager activates a window after it has placed it.
             if (QTest::qWaitForWindowActive(&dialog)) {
-                settled = dialog.pos();
+                finalPosition = dialog.pos();
             }
             dialog.done(7);
         };
         QPoint const middle = MiddleOf(window.geometry());
         QCOMPARE(ExecDialogInCenterWindow(&dialog, nullptr), 7);
-        QCOMPARE(settled, middle - QPoint(61, 41));
+        QCOMPARE(finalPosition, DialogGeometry(middle).topLeft());
     }
 
-    void passesTheResultOn()
+    void returnsTheResultOfTheDialog()
     {
         Dialog dialog;
         dialog.onExec = [&dialog] { dialog.reject(); };
@@ -268,15 +301,15 @@ private Q_SLOTS:
         QCOMPARE(ExecDialogInCenterWindow(&dialog, nullptr), int(QDialog::Accepted));
     }
 
-    void aDialogMayEndBeforeItRuns()
+    void returnsZeroIfTheDialogIsDestroyedBeforeExec()
     {
         QPointer<Dialog> const dialog = new Dialog;
-        QTimer::singleShot(0, dialog.data(), [ending = dialog.data()] { delete ending; });
+        QTimer::singleShot(0, dialog.data(), [pointer = dialog.data()] { delete pointer; });
         QCOMPARE(ExecDialogInCenterWindow(dialog, nullptr), 0);
         QVERIFY(!dialog);
     }
 
-    void aDialogMayEndWhileItRuns()
+    void returnsZeroIfTheDialogIsDestroyedDuringExec()
     {
         auto parent = std::make_unique<QWidget>();
         QPointer<Dialog> const dialog = new Dialog(parent.get());
@@ -286,7 +319,8 @@ private Q_SLOTS:
     }
 
 private:
-    static QPoint CentredIn(QRect const& screen, QWidget const& window)
+    /// Returns the position at which \a window with its frame is centred in \a screen.
+    static QPoint CentredPosition(QRect const& screen, QWidget const& window)
     {
         QSize const frame = window.frameGeometry().size();
         return MiddleOf(screen) - QPoint(frame.width() / 2, frame.height() / 2);
