@@ -1,3 +1,5 @@
+// Replaces QObject::connect() with signatures as text: Qt has no hook to let the connection of valid signatures fail.
+
 #include <support/overrides/ConnectionRefusal.h>
 
 #include <support/overrides/NextFunction.h>
@@ -33,7 +35,6 @@ bool ConnectionRefusal::Allows(ConnectionRequest const& request)
 
 } // namespace Zelkor::Testing
 
-// Stands before Qt's own in the order of symbols, also for the library under test.
 QMetaObject::Connection QObject::connect(QObject const* sender, char const* signal, QObject const* receiver,
                                          char const* slot, Qt::ConnectionType type)
 {

@@ -9,7 +9,7 @@
 namespace Zelkor::Testing
 {
 
-/// A connection that somebody asked Qt for by name.
+/// The arguments of a call of QObject::connect() with signatures as text.
 struct ConnectionRequest
 {
     QObject const* sender;
@@ -19,18 +19,20 @@ struct ConnectionRequest
     Qt::ConnectionType type;
 };
 
-/// Keeps the connections that this thread asks for by name while it lives, and lets Qt make the first \a allowed only.
+/// While an object of this class exists, records the calls of QObject::connect() with signatures as text on this
+/// thread, and lets all calls after the first ones fail. Only one object may exist on a thread at a time.
 class ConnectionRefusal
 {
 public:
+    /// \param allowed  number of calls that reach Qt
     explicit ConnectionRefusal(std::size_t allowed = 0);
     ~ConnectionRefusal();
     Q_DISABLE_COPY_MOVE(ConnectionRefusal)
 
-    /// Keeps \a request for the one that lives on this thread, if any, and returns whether Qt is to make it.
+    /// Records \a request in the object of this thread, if any. Returns true if the call may reach Qt.
     static bool Allows(ConnectionRequest const& request);
 
-    std::vector<ConnectionRequest> requests;
+    std::vector<ConnectionRequest> requests; ///< All recorded calls, including those that failed.
 
 private:
     std::size_t allowed_;

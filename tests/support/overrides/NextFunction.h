@@ -1,11 +1,14 @@
 #pragma once
 
+// Replaces nothing itself: the replacements call the original through it, because the linker binds the name to them.
+
 #include <dlfcn.h>
 
 namespace Zelkor::Testing
 {
 
-/// The next definition of a C or C++ function after this program's, which stands in its way.
+/// Returns the function \a symbol that a replacement in this program hides. \a symbol is the mangled name of a C++
+/// function. Null if there is no such function.
 template <class Function>
 Function NextFunction(char const* symbol)
 {

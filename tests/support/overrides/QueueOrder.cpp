@@ -1,3 +1,5 @@
+// Replaces QThread::wait() under the thread sanitizer: Qt has no hook there, and a suppression would hide real races.
+
 #include <support/overrides/QueueOrder.h>
 
 #include <QtCore/qglobal.h>
@@ -10,15 +12,16 @@
 
 #ifdef ZQTUTIL_THREAD_SANITIZER
 
+#include <support/overrides/NextFunction.h>
+
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QEvent>
 #include <QtCore/QObject>
 #include <QtCore/QThread>
 
-#include <dlfcn.h>
 #include <sanitizer/tsan_interface.h>
 
-// Exported by Qt's core for its own test library (qobject_p.h).
+// Declared in the private header qobject_p.h. Qt's core library exports the function for Qt's test library.
 struct QSignalSpyCallbackSet
 {
     using BeginCallback = void (*)(QObject* caller, int index, void** arguments);
@@ -38,7 +41,7 @@ void BeforeEmission(QObject* sender, int, void**)
     __tsan_release(sender);
 }
 
-// data: the receiver, the event, and the result.
+// data contains the receiver, the event and the result.
 bool BeforeDelivery(void** data)
 {
     if (static_cast<QEvent*>(data[1])->type() == QEvent::MetaCall) {
@@ -49,16 +52,16 @@ bool BeforeDelivery(void** data)
 
 } // namespace
 
-// Comes before Qt's own function, for the library too. The thread emitted finished() at its end.
+// The thread emits finished() last, so BeforeEmission() has released the same object.
 bool QThread::wait(QDeadlineTimer deadline)
 {
-    using Wait = bool (*)(QThread*, QDeadlineTimer);
-    static auto const wait = reinterpret_cast<Wait>(dlsym(RTLD_NEXT, "_ZN7QThread4waitE14QDeadlineTimer"));
-    bool const hasEnded = wait(this, deadline);
-    if (hasEnded) {
+    static auto const next =
+        Zelkor::Testing::NextFunction<bool (*)(QThread*, QDeadlineTimer)>("_ZN7QThread4waitE14QDeadlineTimer");
+    bool const hasFinished = next(this, deadline);
+    if (hasFinished) {
         __tsan_acquire(this);
     }
-    return hasEnded;
+    return hasFinished;
 }
 
 void Zelkor::Testing::TellQueueOrderToThreadSanitizer()

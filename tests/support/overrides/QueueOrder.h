@@ -3,10 +3,11 @@
 namespace Zelkor::Testing
 {
 
-/// Debian's Qt is not built with the thread sanitizer, which therefore cannot see that a signal is emitted before the
-/// queued slot runs on the other thread, and that a thread has ended when QThread::wait() returns. This tells it
-/// exactly that, for a signal of an object to its own slot, and nothing more. Does nothing in a build without the
-/// sanitizer.
+/// Describes two orders of Qt to the thread sanitizer. It cannot see them, because Debian's Qt is not built with it:
+/// - an object emits a signal before a queued slot of the same object runs on another thread;
+/// - a thread finishes before QThread::wait() returns true.
+///
+/// Does nothing in a build without the thread sanitizer.
 void TellQueueOrderToThreadSanitizer();
 
 } // namespace Zelkor::Testing

@@ -9,50 +9,45 @@ using Zelkor::Util::ObjectsConnector;
 namespace Zelkor::Testing
 {
 
-void ConnectorTestCase::RegisterEmitter(Party& party, QString const& signal)
+void ConnectorTestCase::RegisterEmitter(TestObject& object, QString const& signal)
 {
-    ObjectsConnector::registerEmitter(Id, &party, signal);
+    ObjectsConnector::registerEmitter(Id, &object, signal);
 }
 
-void ConnectorTestCase::RegisterReceiver(Party& party, QString const& slot)
+void ConnectorTestCase::RegisterReceiver(TestObject& object, QString const& slot)
 {
-    ObjectsConnector::registerReceiver(Id, &party, slot);
+    ObjectsConnector::registerReceiver(Id, &object, slot);
 }
 
-void ConnectorTestCase::UnregisterEmitter(Party& party, QString const& signal)
+void ConnectorTestCase::UnregisterEmitter(TestObject& object, QString const& signal)
 {
-    ObjectsConnector::unregisterEmitter(Id, &party, signal);
+    ObjectsConnector::unregisterEmitter(Id, &object, signal);
 }
 
-void ConnectorTestCase::UnregisterReceiver(Party& party, QString const& slot)
+void ConnectorTestCase::UnregisterReceiver(TestObject& object, QString const& slot)
 {
-    ObjectsConnector::unregisterReceiver(Id, &party, slot);
+    ObjectsConnector::unregisterReceiver(Id, &object, slot);
 }
 
-QStringList ConnectorTestCase::Heard(Party& party)
+QByteArrayList ConnectorTestCase::EmitChanged(TestObject& emitter)
 {
-    Party::log.clear();
-    Q_EMIT party.Changed();
-    return std::exchange(Party::log, {});
+    log_.clear();
+    Q_EMIT emitter.Changed();
+    return std::exchange(log_, {});
 }
 
-QStringList ConnectorTestCase::Words(char const* words)
-{
-    return QString::fromLatin1(words).split(QLatin1Char(' '));
-}
-
-void ConnectorTestCase::AddSides(char const* emitter, char const* receiver)
+void ConnectorTestCase::AddEmitterAndReceiverRows(char const* emitterRow, char const* receiverRow)
 {
     QTest::addColumn<bool>("isEmitter");
-    QTest::newRow(emitter) << true;
-    QTest::newRow(receiver) << false;
+    QTest::newRow(emitterRow) << true;
+    QTest::newRow(receiverRow) << false;
 }
 
 void ConnectorTestCase::SetUp()
 {
-    Party::log.clear();
-    emitter_.emplace("emitter");
-    receiver_.emplace("receiver");
+    log_.clear();
+    emitter_.emplace(log_, "emitter");
+    receiver_.emplace(log_, "receiver");
 }
 
 void ConnectorTestCase::TearDown()

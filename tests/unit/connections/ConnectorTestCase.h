@@ -4,86 +4,94 @@
 
 #include <Util/ObjectsConnector.h>
 
+#include <QtCore/QByteArrayList>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
 #include <optional>
+#include <utility>
 
 namespace Zelkor::Testing
 {
 
-/// Sends and receives, and notes what it receives and which of its signals become connected and disconnected.
-class Party : public QObject
+/// Emits and receives signals. Records the calls of its slots in a log that it shares with other objects, and the
+/// signals of its own that are connected and disconnected.
+class TestObject : public QObject
 {
     Q_OBJECT
 
 public:
-    static inline QStringList log; // of what all of them receive
-
-    Party(char const* name)
-        : name_(QString::fromLatin1(name))
+    /// \a log must outlive this object.
+    TestObject(QByteArrayList& log, QByteArray name)
+        : log_(log)
+        , name_(std::move(name))
     {}
 
-    QStringList const& Connected() const { return connected_; }
-    QStringList const& Disconnected() const { return disconnected_; }
-    int DestructionHandlers() const { return receivers(SIGNAL(destroyed(QObject*))); }
+    /// Returns the signatures of the signals that have been connected, one for each connection.
+    QStringList const& ConnectedSignals() const { return connectedSignals_; }
+
+    /// Returns the signatures of the signals that have been disconnected.
+    QStringList const& DisconnectedSignals() const { return disconnectedSignals_; }
+
+    int DestroyedConnectionCount() const { return receivers(SIGNAL(destroyed(QObject*))); }
 
 Q_SIGNALS:
     void Changed();
     void ValueChanged(int value);
 
 public Q_SLOTS:
-    void Note() { log += name_; }
-    void Set(int value) { log += name_ + QLatin1Char('=') + QString::number(value); }
+    void Receive() { log_ += name_; }
+    void ReceiveValue(int value) { log_ += name_ + '=' + QByteArray::number(value); }
 
 protected:
-    void connectNotify(QMetaMethod const& signal) override { Add(connected_, signal); }
-    void disconnectNotify(QMetaMethod const& signal) override { Add(disconnected_, signal); }
+    void connectNotify(QMetaMethod const& signal) override { Record(connectedSignals_, signal); }
+    void disconnectNotify(QMetaMethod const& signal) override { Record(disconnectedSignals_, signal); }
 
 private:
-    static void Add(QStringList& list, QMetaMethod const& signal)
+    static void Record(QStringList& signatures, QMetaMethod const& signal)
     {
         if (signal.enclosingMetaObject() == &staticMetaObject) {
-            list += QString::fromUtf8(signal.methodSignature());
+            signatures += QString::fromUtf8(signal.methodSignature());
         }
     }
 
-    QString name_;
-    QStringList connected_;
-    QStringList disconnected_;
+    QByteArrayList& log_;
+    QByteArray name_;
+    QStringList connectedSignals_;
+    QStringList disconnectedSignals_;
 };
 
-/// Tests of connections by name between an emitter and a receiver, and whatever a test adds.
+/// Base of the tests of ObjectsConnector: an emitter, a receiver, and a log of the slots that are called.
 class ConnectorTestCase : public TestCase
 {
     Q_OBJECT
 
 protected:
     static inline QString const Id = QStringLiteral("volume");
-    static inline QString const Changed = QStringLiteral("Changed()");
-    static inline QString const ValueChanged = QStringLiteral("ValueChanged(int)");
-    static inline QString const Note = QStringLiteral("Note()");
-    static inline QString const Set = QStringLiteral("Set(int)");
+    static inline QString const OtherId = QStringLiteral("balance");
+    static inline QString const ChangedSignal = QStringLiteral("Changed()");
+    static inline QString const ValueChangedSignal = QStringLiteral("ValueChanged(int)");
+    static inline QString const ReceiveSlot = QStringLiteral("Receive()");
+    static inline QString const ReceiveValueSlot = QStringLiteral("ReceiveValue(int)");
 
-    static void RegisterEmitter(Party& party, QString const& signal = Changed);
-    static void RegisterReceiver(Party& party, QString const& slot = Note);
-    static void UnregisterEmitter(Party& party, QString const& signal = Changed);
-    static void UnregisterReceiver(Party& party, QString const& slot = Note);
+    static void RegisterEmitter(TestObject& object, QString const& signal = ChangedSignal);
+    static void RegisterReceiver(TestObject& object, QString const& slot = ReceiveSlot);
+    static void UnregisterEmitter(TestObject& object, QString const& signal = ChangedSignal);
+    static void UnregisterReceiver(TestObject& object, QString const& slot = ReceiveSlot);
 
-    /// What arrives at the slots, in order, when \a party sends.
-    static QStringList Heard(Party& party);
+    /// Emits Changed() of \a emitter. Returns the log entries of the slots that this calls directly, in call order.
+    QByteArrayList EmitChanged(TestObject& emitter);
 
-    static QStringList Words(char const* words);
-
-    /// The column "isEmitter", and a row for either side.
-    static void AddSides(char const* emitter, char const* receiver);
+    /// Adds the column "isEmitter" with the row \a emitterRow for true and \a receiverRow for false.
+    static void AddEmitterAndReceiverRows(char const* emitterRow = "emitter", char const* receiverRow = "receiver");
 
     void SetUp() override;
     void TearDown() override;
 
-    std::optional<Party> emitter_;
-    std::optional<Party> receiver_;
+    QByteArrayList log_;
+    std::optional<TestObject> emitter_;
+    std::optional<TestObject> receiver_;
 };
 
 } // namespace Zelkor::Testing

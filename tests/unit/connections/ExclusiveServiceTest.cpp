@@ -2,7 +2,9 @@
 
 #include <Util/ExclusiveService.h>
 
+#include <QtCore/QByteArrayList>
 #include <QtCore/QMetaMethod>
+#include <QtCore/QPointer>
 #include <QtTest/QtTest>
 
 #include <functional>
@@ -23,36 +25,37 @@ static_assert(std::is_same_v<decltype(&ExclusiveService::clientAboutToBeChanged)
                              void (ExclusiveService::*)(QObject*, QObject*)>);
 static_assert(std::is_same_v<decltype(&ExclusiveService::clientChanged), void (ExclusiveService::*)(QObject*)>);
 
-/// Who wants the service without being one of its client objects.
-class User : public QObject
+/// Requests a service by a signal.
+class Requester : public QObject
 {
     Q_OBJECT
 
 Q_SIGNALS:
-    void Wanted(QObject* by);
+    void Requested(QObject* client);
 };
 
 namespace
 {
 
-struct CannotRun
+struct SlotError
 {};
 
-QObject* Named(char const* name, QObject* parent)
+QObject* MakeClient(QString const& name, QObject* parent)
 {
     auto* const object = new QObject(parent);
-    object->setObjectName(QString::fromLatin1(name));
+    object->setObjectName(name);
     return object;
 }
 
-QString NameOf(QObject const* object)
+QByteArray NameOf(QObject const* object)
 {
-    return object ? object->objectName() : QStringLiteral("nobody");
+    return object ? object->objectName().toLatin1() : QByteArray("nobody");
 }
 
 } // namespace
 
-/// A service with users A, B and C; what it signals is noted, with who is its client at the time.
+/// Uses a service and three objects A, B and C as its clients. Every signal of the service is logged, with the current
+/// client at the time of its emission.
 class ExclusiveServiceTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT
@@ -101,158 +104,176 @@ private Q_SLOTS:
         QVERIFY(owned.isNull());
     }
 
-    void hasNoClientAtFirst() { QCOMPARE(ExclusiveService(nullptr).currentClient(), nullptr); }
+    void hasNoClientInitially() { QCOMPARE(ExclusiveService(nullptr).currentClient(), nullptr); }
 
-    void handsOver_data()
+    void takesAFirstClient()
     {
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::addColumn<QStringList>("events");
-        QString const nobody = QStringLiteral("nobody");
-        QString const a = QStringLiteral("A");
-        QString const b = QStringLiteral("B");
-        QTest::newRow("from nobody") << nobody << a
-                                     << QStringList{QStringLiteral("nobody > A (nobody)"), QStringLiteral("A (A)")};
-        QTest::newRow("from one to the other")
-            << a << b << QStringList{QStringLiteral("A > B (nobody)"), QStringLiteral("B (B)")};
-        QTest::newRow("to nobody") << a << nobody
-                                   << QStringList{QStringLiteral("A > nobody (nobody)"),
-                                                  QStringLiteral("nobody (nobody)")};
-        QTest::newRow("to the same") << a << a << QStringList();
-        QTest::newRow("from nobody to nobody") << nobody << nobody << QStringList();
+        service_->setClient(a_);
+
+        QCOMPARE(log_, (QByteArrayList{"announced nobody -> A, current nobody", "changed to A, current A"}));
+        QCOMPARE(service_->currentClient(), a_.data());
     }
 
-    void handsOver()
+    void replacesTheClient()
     {
-        QFETCH(QString, from);
-        QFETCH(QString, to);
-        QFETCH(QStringList, events);
-        service_->setClient(UserOf(from));
-        events_.clear();
-        service_->setClient(UserOf(to));
-        QCOMPARE(events_, events);
-        QCOMPARE(service_->currentClient(), UserOf(to));
+        service_->setClient(a_);
+        log_.clear();
+
+        service_->setClient(b_);
+
+        QCOMPARE(log_, (QByteArrayList{"announced A -> B, current nobody", "changed to B, current B"}));
+        QCOMPARE(service_->currentClient(), b_.data());
     }
 
-    void isHandedOverByASignal()
+    void removesTheClient()
     {
-        User user;
-        QVERIFY(QObject::connect(&user, SIGNAL(Wanted(QObject*)), service_.get(), SLOT(setClient(QObject*))));
-        Q_EMIT user.Wanted(&user);
-        QCOMPARE(service_->currentClient(), &user);
-        Q_EMIT user.Wanted(nullptr);
+        service_->setClient(a_);
+        log_.clear();
+
+        service_->setClient(nullptr);
+
+        QCOMPARE(log_, (QByteArrayList{"announced A -> nobody, current nobody", "changed to nobody, current nobody"}));
         QCOMPARE(service_->currentClient(), nullptr);
     }
 
-    void forgetsAClientThatIsDestroyed()
+    void settingTheSameClientEmitsNothing()
     {
         service_->setClient(a_);
-        events_.clear();
+        log_.clear();
+
+        service_->setClient(a_);
+
+        QCOMPARE(log_, QByteArrayList());
+        QCOMPARE(service_->currentClient(), a_.data());
+    }
+
+    void removingTheClientOfAFreeServiceEmitsNothing()
+    {
+        service_->setClient(nullptr);
+
+        QCOMPARE(log_, QByteArrayList());
+        QCOMPARE(service_->currentClient(), nullptr);
+    }
+
+    void setClientCanBeConnectedByName()
+    {
+        Requester requester;
+        QVERIFY(QObject::connect(&requester, SIGNAL(Requested(QObject*)), service_.get(), SLOT(setClient(QObject*))));
+        Q_EMIT requester.Requested(&requester);
+        QCOMPARE(service_->currentClient(), &requester);
+        Q_EMIT requester.Requested(nullptr);
+        QCOMPARE(service_->currentClient(), nullptr);
+    }
+
+    void hasNoClientAfterItsClientIsDestroyed()
+    {
+        service_->setClient(a_);
+        log_.clear();
         delete a_;
         QCOMPARE(service_->currentClient(), nullptr);
         service_->setClient(nullptr);
-        QCOMPARE(events_, QStringList());
+        QCOMPARE(log_, QByteArrayList());
         service_->setClient(b_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("nobody > B (nobody)"), QStringLiteral("B (B)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced nobody -> B, current nobody", "changed to B, current B"}));
     }
 
-    void saysNothingAtItsEnd()
+    void emitsNothingWhenDestroyed()
     {
         service_->setClient(a_);
-        events_.clear();
+        log_.clear();
         service_.reset();
-        QCOMPARE(events_, QStringList());
+        QCOMPARE(log_, QByteArrayList());
         QVERIFY(a_);
     }
 
-    void theNewClientMayEndDuringTheAnnouncement()
+    void newClientMayBeDestroyedDuringTheAnnouncement()
     {
         service_->setClient(a_);
-        events_.clear();
+        log_.clear();
         OnceAnnounced([this] { delete b_; });
         service_->setClient(b_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("A > B (nobody)"), QStringLiteral("nobody (nobody)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced A -> B, current nobody", "changed to nobody, current nobody"}));
         QCOMPARE(service_->currentClient(), nullptr);
     }
 
-    void theOldClientMayEndDuringTheAnnouncement()
+    void oldClientMayBeDestroyedDuringTheAnnouncement()
     {
         service_->setClient(a_);
-        events_.clear();
+        log_.clear();
         OnceAnnounced([this] { delete a_; });
         service_->setClient(b_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("A > B (nobody)"), QStringLiteral("B (B)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced A -> B, current nobody", "changed to B, current B"}));
     }
 
-    void theClientMayEndDuringTheChange()
+    void newClientMayBeDestroyedDuringTheChange()
     {
         OnceChanged([this] { delete a_; });
         service_->setClient(a_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("nobody > A (nobody)"), QStringLiteral("A (A)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced nobody -> A, current nobody", "changed to A, current A"}));
         QCOMPARE(service_->currentClient(), nullptr);
     }
 
-    void theServiceMayEndDuringTheAnnouncement()
+    void mayBeDestroyedDuringTheAnnouncement()
     {
         OnceAnnounced([this] { service_.reset(); });
         service_->setClient(a_);
-        QCOMPARE(events_, QStringList{QStringLiteral("nobody > A (nobody)")});
+        QCOMPARE(log_, QByteArrayList{"announced nobody -> A, current nobody"});
         QVERIFY(!service_);
     }
 
-    void theServiceMayEndDuringTheChange()
+    void mayBeDestroyedDuringTheChange()
     {
         OnceChanged([this] { service_.reset(); });
         service_->setClient(a_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("nobody > A (nobody)"), QStringLiteral("A (A)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced nobody -> A, current nobody", "changed to A, current A"}));
         QVERIFY(!service_);
     }
 
-    void aHandOverInTheAnnouncementIsOverruled()
+    void overridesAClientSetDuringTheAnnouncement()
     {
         service_->setClient(a_);
-        events_.clear();
+        log_.clear();
         OnceAnnounced([this] { service_->setClient(c_); });
         service_->setClient(b_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("A > B (nobody)"), QStringLiteral("nobody > C (nobody)"),
-                                       QStringLiteral("C (C)"), QStringLiteral("B (B)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced A -> B, current nobody", "announced nobody -> C, current nobody",
+                                       "changed to C, current C", "changed to B, current B"}));
         QCOMPARE(service_->currentClient(), b_.data());
     }
 
-    void nobodyIsTheClientDuringTheAnnouncement()
+    void removingTheClientDuringTheAnnouncementChangesNothing()
     {
         service_->setClient(a_);
-        events_.clear();
+        log_.clear();
         OnceAnnounced([this] { service_->setClient(nullptr); });
         service_->setClient(b_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("A > B (nobody)"), QStringLiteral("B (B)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced A -> B, current nobody", "changed to B, current B"}));
     }
 
-    void aHandOverInTheChangeIsTheLast()
+    void keepsAClientSetDuringTheChange()
     {
         OnceChanged([this] { service_->setClient(b_); });
         service_->setClient(a_);
-        QCOMPARE(events_, (QStringList{QStringLiteral("nobody > A (nobody)"), QStringLiteral("A (A)"),
-                                       QStringLiteral("A > B (nobody)"), QStringLiteral("B (B)")}));
+        QCOMPARE(log_, (QByteArrayList{"announced nobody -> A, current nobody", "changed to A, current A",
+                                       "announced A -> B, current nobody", "changed to B, current B"}));
         QCOMPARE(service_->currentClient(), b_.data());
     }
 
-    void nobodyIsTheClientAfterAThrowInTheAnnouncement()
+    void hasNoClientAfterAThrowInTheAnnouncement()
     {
         service_->setClient(a_);
-        events_.clear();
-        OnceAnnounced([] { throw CannotRun(); });
-        QVERIFY_EXCEPTION_THROWN(service_->setClient(b_), CannotRun);
-        QCOMPARE(events_, QStringList{QStringLiteral("A > B (nobody)")});
+        log_.clear();
+        OnceAnnounced([] { throw SlotError(); });
+        QVERIFY_EXCEPTION_THROWN(service_->setClient(b_), SlotError);
+        QCOMPARE(log_, QByteArrayList{"announced A -> B, current nobody"});
         QCOMPARE(service_->currentClient(), nullptr);
         service_->setClient(a_);
         QCOMPARE(service_->currentClient(), a_.data());
     }
 
-    void theClientIsTheNewOneAfterAThrowInTheChange()
+    void hasTheNewClientAfterAThrowInTheChange()
     {
-        OnceChanged([] { throw CannotRun(); });
-        QVERIFY_EXCEPTION_THROWN(service_->setClient(a_), CannotRun);
+        OnceChanged([] { throw SlotError(); });
+        QVERIFY_EXCEPTION_THROWN(service_->setClient(a_), SlotError);
         QCOMPARE(service_->currentClient(), a_.data());
     }
 
@@ -260,56 +281,53 @@ protected:
     void SetUp() override
     {
         service_ = std::make_unique<ExclusiveService>(nullptr);
-        users_ = std::make_unique<QObject>();
-        a_ = Named("A", users_.get());
-        b_ = Named("B", users_.get());
-        c_ = Named("C", users_.get());
-        events_.clear();
+        clients_ = std::make_unique<QObject>();
+        a_ = MakeClient(QStringLiteral("A"), clients_.get());
+        b_ = MakeClient(QStringLiteral("B"), clients_.get());
+        c_ = MakeClient(QStringLiteral("C"), clients_.get());
+        log_.clear();
         ExclusiveService const* const service = service_.get();
-        QObject::connect(
-            service, &ExclusiveService::clientAboutToBeChanged, users_.get(),
-            [this, service](QObject* from, QObject* to) {
-                events_ +=
-                    QStringLiteral("%1 > %2 (%3)").arg(NameOf(from), NameOf(to), NameOf(service->currentClient()));
-                Act(onceAnnounced_);
-            });
-        QObject::connect(service, &ExclusiveService::clientChanged, users_.get(), [this, service](QObject* client) {
-            events_ += QStringLiteral("%1 (%2)").arg(NameOf(client), NameOf(service->currentClient()));
-            Act(onceChanged_);
+        QObject::connect(service, &ExclusiveService::clientAboutToBeChanged, clients_.get(),
+                         [this, service](QObject* from, QObject* to) {
+                             log_ += "announced " + NameOf(from) + " -> " + NameOf(to) + ", current " +
+                                     NameOf(service->currentClient());
+                             RunOnce(onAnnounced_);
+                         });
+        QObject::connect(service, &ExclusiveService::clientChanged, clients_.get(), [this, service](QObject* client) {
+            log_ += "changed to " + NameOf(client) + ", current " + NameOf(service->currentClient());
+            RunOnce(onChanged_);
         });
     }
 
     void TearDown() override
     {
         service_.reset();
-        users_.reset();
-        onceAnnounced_ = nullptr;
-        onceChanged_ = nullptr;
+        clients_.reset();
+        onAnnounced_ = nullptr;
+        onChanged_ = nullptr;
     }
 
 private:
     using Action = std::function<void()>;
 
-    static void Act(Action& action)
+    static void RunOnce(Action& action)
     {
         if (Action const taken = std::exchange(action, nullptr)) {
             taken();
         }
     }
 
-    void OnceAnnounced(Action action) { onceAnnounced_ = std::move(action); }
-    void OnceChanged(Action action) { onceChanged_ = std::move(action); }
-
-    QObject* UserOf(QString const& name) const { return users_->findChild<QObject*>(name); }
+    void OnceAnnounced(Action action) { onAnnounced_ = std::move(action); }
+    void OnceChanged(Action action) { onChanged_ = std::move(action); }
 
     std::unique_ptr<ExclusiveService> service_;
-    std::unique_ptr<QObject> users_;
+    std::unique_ptr<QObject> clients_;
     QPointer<QObject> a_;
     QPointer<QObject> b_;
     QPointer<QObject> c_;
-    QStringList events_;
-    Action onceAnnounced_;
-    Action onceChanged_;
+    QByteArrayList log_;
+    Action onAnnounced_;
+    Action onChanged_;
 };
 
 ZQTUTIL_TEST_MAIN(ExclusiveServiceTest)

@@ -11,8 +11,8 @@
 
 using Zelkor::Util::ObjectsConnector;
 
-/// An emitter that does something when Qt tells it that its signal was connected or disconnected.
-class Meddler : public QObject
+/// Runs a callback when its signal is connected or disconnected.
+class Emitter : public QObject
 {
     Q_OBJECT
 
@@ -30,14 +30,14 @@ protected:
 private:
     static void Call(std::function<void()> function, QMetaMethod const& signal)
     {
-        if (signal == QMetaMethod::fromSignal(&Meddler::Changed)) {
+        if (signal == QMetaMethod::fromSignal(&Emitter::Changed)) {
             function();
         }
     }
 };
 
-/// Counts calls of its slot.
-class Counter : public QObject
+/// Counts the calls of its slot.
+class Receiver : public QObject
 {
     Q_OBJECT
 
@@ -45,37 +45,37 @@ public:
     int count = 0;
 
 public Q_SLOTS:
-    void Count() { ++count; }
+    void Receive() { ++count; }
 };
 
 namespace
 {
 
 QString const Id = QStringLiteral("volume");
-QString const Changed = QStringLiteral("Changed()");
-QString const Count = QStringLiteral("Count()");
+QString const ChangedSignal = QStringLiteral("Changed()");
+QString const ReceiveSlot = QStringLiteral("Receive()");
 
-void RegisterEmitter(Meddler& emitter)
+void RegisterEmitter(Emitter& emitter)
 {
-    ObjectsConnector::registerEmitter(Id, &emitter, Changed);
+    ObjectsConnector::registerEmitter(Id, &emitter, ChangedSignal);
 }
 
-void RegisterReceiver(Counter& receiver)
+void RegisterReceiver(Receiver& receiver)
 {
-    ObjectsConnector::registerReceiver(Id, &receiver, Count);
+    ObjectsConnector::registerReceiver(Id, &receiver, ReceiveSlot);
 }
 
 } // namespace
 
-/// What an object does to the registry from inside the registry's own calls to Qt.
+/// Objects that change the registry, or are destroyed, while the registry connects, disconnects or removes them.
 class ObjectsConnectorReentryTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aReceiverThatIsForgottenMeanwhileIsStillConnected()
+    void connectsAReceiverThatIsUnregisteredMeanwhile()
     {
-        emitter_->onConnected = [this] { ObjectsConnector::unregisterReceiver(Id, second_.get(), Count); };
+        emitter_->onConnected = [this] { ObjectsConnector::unregisterReceiver(Id, second_.get(), ReceiveSlot); };
         RegisterReceiver(*first_);
         RegisterReceiver(*second_);
         RegisterEmitter(*emitter_);
@@ -85,7 +85,7 @@ private Q_SLOTS:
         QCOMPARE(second_->count, 1);
     }
 
-    void aReceiverThatEndsMeanwhileIsLeftOut()
+    void skipsAReceiverThatIsDestroyedMeanwhile()
     {
         emitter_->onConnected = [this] { second_.reset(); };
         RegisterReceiver(*first_);
@@ -98,92 +98,93 @@ private Q_SLOTS:
         QCOMPARE(third_->count, 1);
     }
 
-    void anEmitterThatEndsMeanwhileIsNotRecorded()
+    void doesNotRecordAnEmitterThatIsDestroyedMeanwhile()
     {
         emitter_->onConnected = [this] { emitter_.reset(); };
         RegisterReceiver(*first_);
         RegisterReceiver(*second_);
         RegisterEmitter(*emitter_);
 
-        Counter late;
-        RegisterReceiver(late); // which would be connected to what has ended
+        Receiver late;
+        RegisterReceiver(late); // a recorded emitter would be a dangling pointer here
         QVERIFY(!emitter_);
     }
 
-    void aReceiverThatEndsWhileItIsRegisteredIsNotRecorded()
+    void doesNotRecordAReceiverThatIsDestroyedMeanwhile()
     {
         RegisterEmitter(*emitter_);
         emitter_->onConnected = [this] { first_.reset(); };
         RegisterReceiver(*first_);
 
-        Meddler late;
+        Emitter late;
         RegisterEmitter(late);
         QVERIFY(!first_);
     }
 
-    void whoEndsWhenItIsDisconnectedEndsTheWalk()
+    void stopsWhenTheUnregisteredEmitterIsDestroyedMeanwhile()
     {
         RegisterReceiver(*first_);
         RegisterReceiver(*second_);
         RegisterEmitter(*emitter_);
         emitter_->onDisconnected = [this] { emitter_.reset(); };
 
-        ObjectsConnector::unregisterEmitter(Id, emitter_.get(), Changed);
+        ObjectsConnector::unregisterEmitter(Id, emitter_.get(), ChangedSignal);
         QVERIFY(!emitter_);
     }
 
-    void anObjectMayBeForgottenAsItEnds_data()
+    void objectMayBeUnregisteredInDestroyed_data()
     {
         QTest::addColumn<bool>("isEmitter");
-        QTest::addColumn<bool>("hearsFirst");
+        QTest::addColumn<bool>("beforeRegistry");
         for (bool const isEmitter : {false, true}) {
-            QTest::addRow("%s, before the registry hears of it", isEmitter ? "emitter" : "receiver")
+            QTest::addRow("%s, before the handler of the registry", isEmitter ? "emitter" : "receiver")
                 << isEmitter << true;
-            QTest::addRow("%s, after that", isEmitter ? "emitter" : "receiver") << isEmitter << false;
+            QTest::addRow("%s, after the handler of the registry", isEmitter ? "emitter" : "receiver")
+                << isEmitter << false;
         }
     }
 
-    void anObjectMayBeForgottenAsItEnds()
+    void objectMayBeUnregisteredInDestroyed()
     {
         QFETCH(bool, isEmitter);
-        QFETCH(bool, hearsFirst);
-        QObject* const ending = isEmitter ? static_cast<QObject*>(emitter_.get()) : first_.get();
-        auto const hear = [&] {
-            connect(ending, &QObject::destroyed, this, [isEmitter](QObject* object) {
-                isEmitter ? ObjectsConnector::unregisterEmitter(Id, object, Changed)
-                          : ObjectsConnector::unregisterReceiver(Id, object, Count);
+        QFETCH(bool, beforeRegistry);
+        QObject* const object = isEmitter ? static_cast<QObject*>(emitter_.get()) : first_.get();
+        auto const unregisterInDestroyed = [&] {
+            connect(object, &QObject::destroyed, this, [isEmitter](QObject* destroyed) {
+                isEmitter ? ObjectsConnector::unregisterEmitter(Id, destroyed, ChangedSignal)
+                          : ObjectsConnector::unregisterReceiver(Id, destroyed, ReceiveSlot);
             });
         };
-        if (hearsFirst) {
-            hear();
+        if (beforeRegistry) {
+            unregisterInDestroyed();
         }
         RegisterEmitter(*emitter_);
         RegisterReceiver(*first_);
-        if (!hearsFirst) {
-            hear();
+        if (!beforeRegistry) {
+            unregisterInDestroyed();
         }
 
-        // By then Qt knows no more than a QObject.
+        // destroyed() is emitted by ~QObject(), when the signals and slots of derived classes no longer exist.
         ExpectQtWarning(
-            QRegularExpression(QStringLiteral("No such (signal QObject::Changed|slot QObject::Count)\\(\\)")));
+            QRegularExpression(QStringLiteral("No such (signal QObject::Changed|slot QObject::Receive)\\(\\)")));
         isEmitter ? emitter_.reset() : first_.reset();
 
-        Meddler lateEmitter;
-        Counter lateReceiver;
+        Emitter lateEmitter;
+        Receiver lateReceiver;
         RegisterEmitter(lateEmitter);
         RegisterReceiver(lateReceiver);
         Q_EMIT lateEmitter.Changed();
         QCOMPARE(lateReceiver.count, 1);
     }
 
-    void othersMayBeRegisteredAsAnObjectEnds()
+    void otherObjectsMayBeRegisteredInDestroyed()
     {
-        Meddler late;
+        Emitter late;
         connect(first_.get(), &QObject::destroyed, this, [&late] { RegisterEmitter(late); });
         RegisterReceiver(*first_);
         RegisterReceiver(*second_);
 
-        ExpectQtWarning(QRegularExpression(QStringLiteral("No such slot QObject::Count\\(\\)")));
+        ExpectQtWarning(QRegularExpression(QStringLiteral("No such slot QObject::Receive\\(\\)")));
         first_.reset();
         Q_EMIT late.Changed();
         QCOMPARE(second_->count, 1);
@@ -192,10 +193,10 @@ private Q_SLOTS:
 protected:
     void SetUp() override
     {
-        emitter_ = std::make_unique<Meddler>();
-        first_ = std::make_unique<Counter>();
-        second_ = std::make_unique<Counter>();
-        third_ = std::make_unique<Counter>();
+        emitter_ = std::make_unique<Emitter>();
+        first_ = std::make_unique<Receiver>();
+        second_ = std::make_unique<Receiver>();
+        third_ = std::make_unique<Receiver>();
     }
 
     void TearDown() override
@@ -210,10 +211,10 @@ protected:
     }
 
 private:
-    std::unique_ptr<Meddler> emitter_;
-    std::unique_ptr<Counter> first_;
-    std::unique_ptr<Counter> second_;
-    std::unique_ptr<Counter> third_;
+    std::unique_ptr<Emitter> emitter_;
+    std::unique_ptr<Receiver> first_;
+    std::unique_ptr<Receiver> second_;
+    std::unique_ptr<Receiver> third_;
 };
 
 ZQTUTIL_TEST_MAIN(ObjectsConnectorReentryTest)

@@ -1,5 +1,7 @@
-// What the registry forgets: what is unregistered, and what ends.
+// Removal of entries from the registry: objects that are unregistered, and objects that are destroyed.
 
+#include <support/Timeouts.h>
+#include <support/processes/ChildMain.h>
 #include <unit/connections/ConnectorTestCase.h>
 
 #include <Util/ObjectsConnector.h>
@@ -7,162 +9,160 @@
 #include <QtCore/QProcess>
 #include <QtTest/QtTest>
 
-#include <chrono>
 #include <cstdlib>
 #include <thread>
 
 #include <unistd.h>
 
-using Zelkor::Testing::Party;
+using namespace Zelkor::Testing;
 using Zelkor::Util::ObjectsConnector;
 
 namespace
 {
 
-constexpr auto Patience = std::chrono::seconds(10);
-constexpr auto LastObjectVariable = "ZQTUTIL_TEST_LAST_OBJECT";
-
 QObject* lastObject = nullptr;
 
-/// The program that ends with an object that is destroyed when the libraries have ended.
-int RegisterAnObjectThatEndsLast()
+/// Registers an object that is destroyed after the static objects of all libraries.
+void RegisterObjectDestroyedLast()
 {
     lastObject = new QObject;
     ObjectsConnector::registerReceiver(QStringLiteral("volume"), lastObject, QStringLiteral("deleteLater()"));
     ObjectsConnector::registerEmitter(QStringLiteral("volume"), lastObject,
                                       QStringLiteral("objectNameChanged(QString)"));
     QObject::connect(lastObject, &QObject::destroyed, lastObject, [] {
-        constexpr char text[] = {'g', 'o', 'n', 'e'};
+        constexpr char text[] = {'d', 'e', 's', 't', 'r', 'o', 'y', 'e', 'd'};
         if (write(STDOUT_FILENO, text, sizeof text) != sizeof text) {
             std::_Exit(EXIT_FAILURE);
         }
     });
-    return EXIT_SUCCESS;
 }
 
-// Runs before the libraries end; what it registers runs after them.
-[[gnu::destructor]] void DestroyTheLastObjectAtTheVeryEnd()
+// Runs before the destructors of the libraries. A handler that is registered at this point runs after them.
+[[gnu::destructor]] void DestroyLastObjectAtExit()
 {
     if (lastObject) {
         on_exit([](int, void* object) { delete static_cast<QObject*>(object); }, lastObject);
     }
 }
 
+constexpr ChildMain childMains[] = {{"object destroyed last", RegisterObjectDestroyedLast}};
+
 } // namespace
 
-class ObjectsConnectorRemovalTest : public Zelkor::Testing::ConnectorTestCase
+class ObjectsConnectorRemovalTest : public ConnectorTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void neverDisconnectsAnObjectFromItself()
     {
-        Party both("both");
+        TestObject both(log_, "both");
         RegisterEmitter(both);
         RegisterReceiver(both);
-        QVERIFY(QObject::connect(&both, SIGNAL(Changed()), &both, SLOT(Note())));
+        QVERIFY(QObject::connect(&both, SIGNAL(Changed()), &both, SLOT(Receive())));
         UnregisterReceiver(both);
         RegisterReceiver(both);
         UnregisterEmitter(both);
-        QCOMPARE(both.Disconnected(), QStringList());
-        QCOMPARE(Heard(both), Words("both"));
+        QCOMPARE(both.DisconnectedSignals(), QStringList());
+        QCOMPARE(EmitChanged(both), QByteArrayList{"both"});
     }
 
-    void unregisteringDisconnectsAndForgets_data() { AddSides("emitter", "receiver"); }
+    void unregisteringDisconnectsAndRemovesTheEntry_data() { AddEmitterAndReceiverRows(); }
 
-    void unregisteringDisconnectsAndForgets()
+    void unregisteringDisconnectsAndRemovesTheEntry()
     {
         QFETCH(bool, isEmitter);
-        Party receivers[] = {{"receiver1"}, {"receiver2"}};
-        Party emitters[] = {{"emitter1"}, {"emitter2"}};
+        TestObject receivers[] = {{log_, "receiver1"}, {log_, "receiver2"}};
+        TestObject emitters[] = {{log_, "emitter1"}, {log_, "emitter2"}};
         for (int i : {0, 1}) {
             RegisterReceiver(receivers[i]);
             RegisterEmitter(emitters[i]);
         }
         isEmitter ? UnregisterEmitter(emitters[0]) : UnregisterReceiver(receivers[0]);
-        QStringList const all = Words("receiver1 receiver2");
-        QStringList const second = Words("receiver2");
-        QCOMPARE(Heard(emitters[0]), isEmitter ? QStringList() : second);
-        QCOMPARE(Heard(emitters[1]), isEmitter ? all : second);
+        QByteArrayList const all{"receiver1", "receiver2"};
+        QByteArrayList const second{"receiver2"};
+        QCOMPARE(EmitChanged(emitters[0]), isEmitter ? QByteArrayList() : second);
+        QCOMPARE(EmitChanged(emitters[1]), isEmitter ? all : second);
 
-        Party newEmitter("newemitter");
-        Party newReceiver("newreceiver");
+        TestObject newEmitter(log_, "new emitter");
+        TestObject newReceiver(log_, "new receiver");
         RegisterEmitter(newEmitter);
-        QCOMPARE(Heard(newEmitter), isEmitter ? all : second);
+        QCOMPARE(EmitChanged(newEmitter), isEmitter ? all : second);
         RegisterReceiver(newReceiver);
-        QCOMPARE(emitters[0].Connected().size(), isEmitter ? 2 : 3);
-        QCOMPARE(emitters[1].Connected().size(), 3);
+        QCOMPARE(emitters[0].ConnectedSignals().size(), isEmitter ? 2 : 3);
+        QCOMPARE(emitters[1].ConnectedSignals().size(), 3);
     }
 
-    void unregisteringLeavesOtherSignaturesAlone()
+    void unregisteringKeepsOtherSignatures()
     {
-        RegisterEmitter(*emitter_, Changed);
-        RegisterEmitter(*emitter_, ValueChanged);
-        RegisterReceiver(*receiver_, Note);
-        UnregisterEmitter(*emitter_, ValueChanged);
-        QCOMPARE(emitter_->Disconnected(), QStringList{ValueChanged});
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-        ExpectQtWarning(QRegularExpression(QStringLiteral("Changed\\(\\) --> Zelkor::Testing::Party::Set\\(int\\)$")));
-        RegisterReceiver(*receiver_, Set);
-        UnregisterReceiver(*receiver_, Set);
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-        Party late("late");
+        RegisterEmitter(*emitter_, ChangedSignal);
+        RegisterEmitter(*emitter_, ValueChangedSignal);
+        RegisterReceiver(*receiver_, ReceiveSlot);
+        UnregisterEmitter(*emitter_, ValueChangedSignal);
+        QCOMPARE(emitter_->DisconnectedSignals(), QStringList{ValueChangedSignal});
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList{"receiver"});
+        ExpectQtWarning(QRegularExpression(
+            QStringLiteral("Changed\\(\\) --> Zelkor::Testing::TestObject::ReceiveValue\\(int\\)$")));
+        RegisterReceiver(*receiver_, ReceiveValueSlot);
+        UnregisterReceiver(*receiver_, ReceiveValueSlot);
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList{"receiver"});
+        TestObject late(log_, "late");
         RegisterEmitter(late);
-        QCOMPARE(Heard(late), Words("receiver"));
+        QCOMPARE(EmitChanged(late), QByteArrayList{"receiver"});
     }
 
-    void unregisteringAStrangerChangesNothing()
+    void unregisteringAnUnknownObjectChangesNothing()
     {
-        Party stranger("stranger");
+        TestObject unknown(log_, "unknown");
         RegisterReceiver(*receiver_);
         RegisterEmitter(*emitter_);
-        UnregisterReceiver(stranger);
-        UnregisterEmitter(stranger);
+        UnregisterReceiver(unknown);
+        UnregisterEmitter(unknown);
         UnregisterReceiver(*emitter_);
         UnregisterEmitter(*receiver_);
-        QCOMPARE(emitter_->Disconnected(), QStringList());
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
-        Party late("late");
+        QCOMPARE(emitter_->DisconnectedSignals(), QStringList());
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList{"receiver"});
+        TestObject late(log_, "late");
         RegisterEmitter(late);
         RegisterReceiver(late);
-        QCOMPARE(Heard(late), Words("receiver"));
-        QCOMPARE(Heard(*emitter_), Words("receiver late"));
+        QCOMPARE(EmitChanged(late), QByteArrayList{"receiver"});
+        QCOMPARE(EmitChanged(*emitter_), (QByteArrayList{"receiver", "late"}));
     }
 
-    void unregisteringAStrangerDisconnectsIt_data() { AddSides("emitter", "receiver"); }
+    void unregisteringAnUnknownObjectDisconnectsIt_data() { AddEmitterAndReceiverRows(); }
 
-    void unregisteringAStrangerDisconnectsIt()
+    void unregisteringAnUnknownObjectDisconnectsIt()
     {
         QFETCH(bool, isEmitter);
-        Party stranger("stranger");
+        TestObject unknown(log_, "unknown");
         if (isEmitter) {
             RegisterReceiver(*receiver_);
-            QVERIFY(connect(&stranger, SIGNAL(Changed()), &*receiver_, SLOT(Note())));
-            UnregisterEmitter(stranger);
-            QCOMPARE(Heard(stranger), QStringList());
+            QVERIFY(connect(&unknown, SIGNAL(Changed()), &*receiver_, SLOT(Receive())));
+            UnregisterEmitter(unknown);
+            QCOMPARE(EmitChanged(unknown), QByteArrayList());
         } else {
             RegisterEmitter(*emitter_);
-            QVERIFY(connect(&*emitter_, SIGNAL(Changed()), &stranger, SLOT(Note())));
-            UnregisterReceiver(stranger);
-            QCOMPARE(Heard(*emitter_), QStringList());
+            QVERIFY(connect(&*emitter_, SIGNAL(Changed()), &unknown, SLOT(Receive())));
+            UnregisterReceiver(unknown);
+            QCOMPARE(EmitChanged(*emitter_), QByteArrayList());
         }
     }
 
-    void registersAgainAfterUnregistering()
+    void connectsAgainAfterUnregistering()
     {
         RegisterReceiver(*receiver_);
         RegisterEmitter(*emitter_);
         UnregisterEmitter(*emitter_);
         RegisterEmitter(*emitter_);
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList{"receiver"});
         UnregisterReceiver(*receiver_);
         RegisterReceiver(*receiver_);
-        QCOMPARE(Heard(*emitter_), Words("receiver"));
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList{"receiver"});
     }
 
-    void unregisteringOnceForgetsDuplicates_data() { AddSides("emitter", "receiver"); }
+    void unregisteringRemovesDuplicateEntries_data() { AddEmitterAndReceiverRows(); }
 
-    void unregisteringOnceForgetsDuplicates()
+    void unregisteringRemovesDuplicateEntries()
     {
         QFETCH(bool, isEmitter);
         for (int times = 0; times < 2; ++times) {
@@ -170,107 +170,105 @@ private Q_SLOTS:
             RegisterEmitter(*emitter_);
         }
         isEmitter ? UnregisterEmitter(*emitter_) : UnregisterReceiver(*receiver_);
-        QCOMPARE(Heard(*emitter_), QStringList());
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList());
         isEmitter ? RegisterReceiver(*receiver_) : RegisterEmitter(*emitter_);
-        QCOMPARE(Heard(*emitter_), QStringList());
-        QCOMPARE(emitter_->Connected().size(), 1);
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList());
+        QCOMPARE(emitter_->ConnectedSignals().size(), 1);
     }
 
-    void watchesForTheEndOncePerRegistration()
+    void connectsToDestroyedOncePerRegistration()
     {
-        Party party("party");
-        int const none = party.DestructionHandlers();
-        RegisterReceiver(party);
-        QCOMPARE(party.DestructionHandlers(), none + 1);
-        RegisterReceiver(party);
-        QCOMPARE(party.DestructionHandlers(), none + 2);
-        UnregisterReceiver(party);
-        QCOMPARE(party.DestructionHandlers(), none + 2);
-        RegisterEmitter(party);
-        UnregisterEmitter(party);
-        QCOMPARE(party.DestructionHandlers(), none + 3);
+        TestObject object(log_, "object");
+        int const before = object.DestroyedConnectionCount();
+        RegisterReceiver(object);
+        QCOMPARE(object.DestroyedConnectionCount(), before + 1);
+        RegisterReceiver(object);
+        QCOMPARE(object.DestroyedConnectionCount(), before + 2);
+        UnregisterReceiver(object);
+        QCOMPARE(object.DestroyedConnectionCount(), before + 2);
+        RegisterEmitter(object);
+        UnregisterEmitter(object);
+        QCOMPARE(object.DestroyedConnectionCount(), before + 3);
     }
 
-    // A successor at the same address would be taken for the object that was destroyed.
-    void forgetsADestroyedReceiver()
+    // The new object has the same address. A stale entry would connect it.
+    void removesADestroyedReceiver()
     {
-        Party survivor("survivor");
+        TestObject survivor(log_, "survivor");
         RegisterReceiver(*receiver_);
-        RegisterReceiver(*receiver_, Set);
+        RegisterReceiver(*receiver_, ReceiveValueSlot);
         RegisterReceiver(*receiver_);
         RegisterReceiver(survivor);
         receiver_.reset();
-        receiver_.emplace("successor");
+        receiver_.emplace(log_, "new object");
         RegisterEmitter(*emitter_);
-        QCOMPARE(emitter_->Connected(), QStringList{Changed});
-        QCOMPARE(Heard(*emitter_), Words("survivor"));
+        QCOMPARE(emitter_->ConnectedSignals(), QStringList{ChangedSignal});
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList{"survivor"});
     }
 
-    void forgetsADestroyedEmitter()
+    void removesADestroyedEmitter()
     {
-        Party survivor("survivor");
+        TestObject survivor(log_, "survivor");
         RegisterEmitter(*emitter_);
-        RegisterEmitter(*emitter_, ValueChanged);
+        RegisterEmitter(*emitter_, ValueChangedSignal);
         RegisterEmitter(survivor);
-        ObjectsConnector::registerEmitter(QStringLiteral("balance"), &*emitter_, Changed);
+        ObjectsConnector::registerEmitter(OtherId, &*emitter_, ChangedSignal);
         emitter_.reset();
-        emitter_.emplace("successor");
+        emitter_.emplace(log_, "new object");
         RegisterReceiver(*receiver_);
-        ObjectsConnector::registerReceiver(QStringLiteral("balance"), &*receiver_, Note);
-        QCOMPARE(emitter_->Connected(), QStringList());
-        QCOMPARE(survivor.Connected(), QStringList{Changed});
+        ObjectsConnector::registerReceiver(OtherId, &*receiver_, ReceiveSlot);
+        QCOMPARE(emitter_->ConnectedSignals(), QStringList());
+        QCOMPARE(survivor.ConnectedSignals(), QStringList{ChangedSignal});
     }
 
-    void forgetsADestroyedObjectThatWasUnregistered()
+    void keepsOtherEntriesWhenAnUnregisteredObjectIsDestroyed()
     {
-        Party survivor("survivor");
+        TestObject survivor(log_, "survivor");
         RegisterReceiver(survivor);
         RegisterReceiver(*receiver_);
         UnregisterReceiver(*receiver_);
         receiver_.reset();
         RegisterEmitter(*emitter_);
-        QCOMPARE(Heard(*emitter_), Words("survivor"));
+        QCOMPARE(EmitChanged(*emitter_), QByteArrayList{"survivor"});
     }
 
-    void forgetsAnObjectBeforeLaterHandlersOfItsEnd()
+    void removesADestroyedObjectBeforeLaterHandlersOfDestroyed()
     {
         RegisterReceiver(*receiver_);
         QObject::connect(&*receiver_, &QObject::destroyed, this, [this] { RegisterEmitter(*emitter_); });
-        receiver_.reset(); // an attempt to connect would be warned of: what is left has no slots
-        QCOMPARE(emitter_->Connected(), QStringList());
+        receiver_.reset(); // an attempt to connect would warn: only a QObject without the slot is left
+        QCOMPARE(emitter_->ConnectedSignals(), QStringList());
     }
 
-    // It stays with its own thread, to which a queued call would go.
-    void forgetsAnObjectThatAnotherThreadDestroys()
+    // The object belongs to this thread: an automatic connection to destroyed() would be queued and never delivered.
+    void removesAnObjectThatAnotherThreadDestroys()
     {
         RegisterReceiver(*receiver_);
         std::thread([this] { receiver_.reset(); }).join();
-        receiver_.emplace("successor");
+        receiver_.emplace(log_, "new object");
         RegisterEmitter(*emitter_);
-        QCOMPARE(emitter_->Connected(), QStringList());
+        QCOMPARE(emitter_->ConnectedSignals(), QStringList());
     }
 
-    void outlivesTheRegistryQuietly()
+    void mayBeDestroyedAfterTheRegistry()
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(LastObjectVariable), QStringLiteral("1"));
-        environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165")); // nothing freed looks alive
+        environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165")); // overwrites freed memory
         process.setProcessEnvironment(environment);
-        process.start(QCoreApplication::applicationFilePath(), QStringList());
-        QVERIFY(process.waitForFinished(static_cast<int>(std::chrono::milliseconds(Patience).count())));
+        StartChildMain(process, "object destroyed last");
+        QVERIFY(process.waitForFinished(TimeoutMs));
         QVERIFY2(process.exitStatus() == QProcess::NormalExit, process.readAllStandardError().constData());
         QCOMPARE(process.exitCode(), 0);
         QCOMPARE(process.readAllStandardError(), QByteArray());
-        QCOMPARE(process.readAllStandardOutput(), QByteArray("gone"));
+        QCOMPARE(process.readAllStandardOutput(), QByteArray("destroyed"));
     }
 };
 
 int main(int argc, char** argv)
 {
-    return qEnvironmentVariableIsSet(LastObjectVariable)
-               ? RegisterAnObjectThatEndsLast()
-               : Zelkor::Testing::RunTests<ObjectsConnectorRemovalTest>(argc, argv, false);
+    return IsChildMain(argc, argv) ? RunChildMain(argc, argv, childMains)
+                                   : RunTests<ObjectsConnectorRemovalTest>(argc, argv, false);
 }
 
 #include "ObjectsConnectorRemovalTest.moc"

@@ -4,6 +4,7 @@
 
 #include <Util/AsyncService.h>
 
+#include <QtCore/QByteArrayList>
 #include <QtCore/QThread>
 #include <QtTest/QtTest>
 
@@ -28,50 +29,52 @@ struct Failure : std::runtime_error
     int number;
 };
 
-/// A cancellation of the application's own.
-class Abandoned : public Cancelled
+/// A cancellation exception that an application defines.
+class CustomCancelled : public Cancelled
 {};
 
-/// Gives a task a job, and the call-back of that job's outcome.
-using Ending = void (*)(Task* task, std::function<void()> callBack);
+/// Sets the job of a task, and the callback for the outcome of this job.
+using SetUpTask = void (*)(Task* task, std::function<void()> callback);
 
 } // namespace
 
 Q_DECLARE_METATYPE(Job)
-Q_DECLARE_METATYPE(Ending)
+Q_DECLARE_METATYPE(SetUpTask)
 
 class AsyncServiceCompletionTest : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void outcomeCallsOneCallBack_data();
-    void outcomeCallsOneCallBack();
-    void errorIsTheExceptionThatEscaped();
+    void outcomeCallsOneCallback_data();
+    void outcomeCallsOneCallback();
+    void errorIsTheThrownException();
     void errorOfAnyTypeIsKept();
-    void errorWithoutCallBackStaysInTheTaskAndOutOfTheLog();
-    void errorIsEmptyWithoutException_data();
-    void errorIsEmptyWithoutException();
-    void callBacksAreLookedUpAtCompletion();
-    void callBacksMayPostAndRun();
-    void callBacksAreDestroyedInReverseOrderAfterTheCall();
-    void callBackThatThrowsStillFreesItsTask_data();
-    void callBackThatThrowsStillFreesItsTask();
-    void lastCallBackMayDestroyTheService_data();
-    void lastCallBackMayDestroyTheService();
+    void errorWithoutCallbackIsStoredButNotLogged();
+    void errorIsNullWithoutException_data();
+    void errorIsNullWithoutException();
+    void callbacksMayBeSetUntilTheCompletion();
+    void callbacksMayPostAndRun();
+    void callbacksAreDestroyedInReverseOrderAfterTheCall();
+    void throwingCallbackStillFreesItsTask_data();
+    void throwingCallbackStillFreesItsTask();
+    void lastCallbackMayDestroyTheService_data();
+    void lastCallbackMayDestroyTheService();
 
-    // Call-backs with an event loop of their own
-    void othersCompleteInsideACallBack_data();
-    void othersCompleteInsideACallBack();
-    void serviceMayGoInsideALoopOfACallBack_data();
-    void serviceMayGoInsideALoopOfACallBack();
+    // Callbacks that run a nested event loop
+    void otherTasksCompleteInsideACallback_data();
+    void otherTasksCompleteInsideACallback();
+    void serviceMayBeDestroyedInTheEventLoopOfACallback_data();
+    void serviceMayBeDestroyedInTheEventLoopOfACallback();
 };
 
-void AsyncServiceCompletionTest::outcomeCallsOneCallBack_data()
+void AsyncServiceCompletionTest::outcomeCallsOneCallback_data()
 {
     QTest::addColumn<Job>("job");
-    QTest::addColumn<QString>("set");
-    QTest::addColumn<QString>("called");
+    QTest::addColumn<bool>("hasOnFinished");
+    QTest::addColumn<bool>("hasOnCancelled");
+    QTest::addColumn<bool>("hasOnError");
+    QTest::addColumn<QByteArrayList>("called");
 
     enum Outcome { Returns, Cancels, Throws };
     struct
@@ -89,80 +92,94 @@ void AsyncServiceCompletionTest::outcomeCallsOneCallBack_data()
          },
          Throws},
         {"throws Cancelled", [](Reporter*) { throw Cancelled(); }, Cancels},
-        {"throws a class of Cancelled", [](Reporter*) { throw Abandoned(); }, Cancels},
+        {"throws a subclass of Cancelled", [](Reporter*) { throw CustomCancelled(); }, Cancels},
         {"throws an exception", [](Reporter*) { throw std::runtime_error("error"); }, Throws},
-        {"throws an exception that is none of the standard", [](Reporter*) { throw 5; }, Throws},
+        {"throws an exception that is no std::exception", [](Reporter*) { throw 5; }, Throws},
         {"throws a pointer to Cancelled", [](Reporter*) { throw static_cast<Cancelled*>(nullptr); }, Throws},
         {"is empty", Job(), Throws},
     };
-    // The call-backs that are set, by initials, and the one called after each outcome.
+    QByteArrayList const none;
+    QByteArrayList const finished{"onFinished"};
+    QByteArrayList const cancelled{"onCancelled"};
+    QByteArrayList const error{"onError"};
     struct
     {
-        char const* set;
-        char const* called[3]; // Returns, Cancels, Throws
+        char const* callbacks;
+        bool hasOnFinished;
+        bool hasOnCancelled;
+        bool hasOnError;
+        QByteArrayList called[3]; // Returns, Cancels, Throws
     } const table[] = {
-        {"", {"", "", ""}},      {"F", {"F", "F", "F"}},  {"C", {"", "C", ""}},   {"E", {"", "", "E"}},
-        {"FC", {"F", "C", "F"}}, {"FE", {"F", "F", "E"}}, {"CE", {"", "C", "E"}}, {"FCE", {"F", "C", "E"}},
+        {"no callback", false, false, false, {none, none, none}},
+        {"onFinished", true, false, false, {finished, finished, finished}},
+        {"onCancelled", false, true, false, {none, cancelled, none}},
+        {"onError", false, false, true, {none, none, error}},
+        {"onFinished and onCancelled", true, true, false, {finished, cancelled, finished}},
+        {"onFinished and onError", true, false, true, {finished, finished, error}},
+        {"onCancelled and onError", false, true, true, {none, cancelled, error}},
+        {"all callbacks", true, true, true, {finished, cancelled, error}},
     };
     for (auto const& job : jobs) {
         for (auto const& row : table) {
-            QTest::addRow("%s, set: %s", job.name, *row.set ? row.set : "none")
-                << job.job << QString::fromLatin1(row.set) << QString::fromLatin1(row.called[job.outcome]);
+            QTest::addRow("%s, %s", job.name, row.callbacks)
+                << job.job << row.hasOnFinished << row.hasOnCancelled << row.hasOnError << row.called[job.outcome];
         }
     }
 }
 
-void AsyncServiceCompletionTest::outcomeCallsOneCallBack()
+void AsyncServiceCompletionTest::outcomeCallsOneCallback()
 {
     QFETCH(Job, job);
-    QFETCH(QString, set);
-    QFETCH(QString, called);
+    QFETCH(bool, hasOnFinished);
+    QFETCH(bool, hasOnCancelled);
+    QFETCH(bool, hasOnError);
+    QFETCH(QByteArrayList, called);
     AsyncService service;
-    QStringList deaths;
-    QString calls;
+    QStringList destroyed;
+    QByteArrayList calls;
     bool registeredInside = false;
     bool onAnotherThread = false;
     Task* task = nullptr;
-    auto const call = [&](char name) {
-        calls += QLatin1Char(name);
+    auto const recordCall = [&](char const* name) {
+        calls += name;
         registeredInside = service.contains(task) || !service.empty();
         onAnotherThread = QThread::currentThread() != thread();
     };
     task = service.post(job);
-    auto witness = MakeWitness(deaths, "task");
-    if (set.contains(QLatin1Char('F'))) {
-        task->onFinished = [&, witness] { call('F'); };
+    auto logger = MakeDestructionLogger(destroyed, "task");
+    if (hasOnFinished) {
+        task->onFinished = [&, logger] { recordCall("onFinished"); };
     }
-    if (set.contains(QLatin1Char('C'))) {
-        task->onCancelled = [&, witness] { call('C'); };
+    if (hasOnCancelled) {
+        task->onCancelled = [&, logger] { recordCall("onCancelled"); };
     }
-    if (set.contains(QLatin1Char('E'))) {
-        task->onError = [&, witness](std::exception_ptr const&) { call('E'); };
+    if (hasOnError) {
+        task->onError = [&, logger](std::exception_ptr const&) { recordCall("onError"); };
     }
-    task->onProgress = [witness](int) {};
-    std::weak_ptr<void> const alive = witness;
-    witness.reset();
+    task->onProgress = [logger](int) {};
+    std::weak_ptr<void> const alive = logger;
+    logger.reset();
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
-    DeliverQueued();
+    QVERIFY(WaitUntilEmpty(service));
+    DeliverQueuedEvents();
 
     QCOMPARE(calls, called);
     QVERIFY(!registeredInside);
     QVERIFY(!onAnotherThread);
-    QVERIFY2(alive.expired(), "The task is not freed");
+    QVERIFY2(alive.expired(), "The task is not deleted");
 }
 
-void AsyncServiceCompletionTest::errorIsTheExceptionThatEscaped()
+void AsyncServiceCompletionTest::errorIsTheThrownException()
 {
     AsyncService service;
     int number = 0;
-    bool same = false;
-    bool cleanTask = false;
+    bool isTaskError = false;
+    bool isTaskIntact = false;
     Task* const task = service.post([](Reporter*) { throw Failure(42); });
     task->onError = [&](std::exception_ptr const& error) {
-        same = error == task->error;
-        cleanTask = task->service == &service && task->work;
+        isTaskError = error == task->error;
+        isTaskIntact = task->service == &service && task->work;
         try {
             std::rethrow_exception(error);
         } catch (Failure const& failure) {
@@ -171,11 +188,11 @@ void AsyncServiceCompletionTest::errorIsTheExceptionThatEscaped()
     };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(number, 42);
-    QVERIFY(same);
-    QVERIFY(cleanTask);
+    QVERIFY(isTaskError);
+    QVERIFY(isTaskIntact);
 }
 
 void AsyncServiceCompletionTest::errorOfAnyTypeIsKept()
@@ -187,14 +204,14 @@ void AsyncServiceCompletionTest::errorOfAnyTypeIsKept()
         task->onError = [&](std::exception_ptr const& error) { errors.push_back(error); };
         service.run(task);
     }
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(errors.size(), std::size_t{2});
     QVERIFY_EXCEPTION_THROWN(std::rethrow_exception(errors[0]), int);
     QVERIFY_EXCEPTION_THROWN(std::rethrow_exception(errors[1]), std::bad_function_call);
 }
 
-void AsyncServiceCompletionTest::errorWithoutCallBackStaysInTheTaskAndOutOfTheLog()
+void AsyncServiceCompletionTest::errorWithoutCallbackIsStoredButNotLogged()
 {
     LogCapture const capture;
     AsyncService service;
@@ -203,40 +220,40 @@ void AsyncServiceCompletionTest::errorWithoutCallBackStaysInTheTaskAndOutOfTheLo
     task->onFinished = [&] { error = task->error; };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(error);
     QVERIFY_EXCEPTION_THROWN(std::rethrow_exception(error), Failure);
     QCOMPARE(capture.Texts(), QStringList());
 }
 
-void AsyncServiceCompletionTest::errorIsEmptyWithoutException_data()
+void AsyncServiceCompletionTest::errorIsNullWithoutException_data()
 {
     QTest::addColumn<Job>("job");
     QTest::newRow("returns") << Job([](Reporter*) {});
     QTest::newRow("throws Cancelled") << Job([](Reporter*) { throw Cancelled(); });
 }
 
-void AsyncServiceCompletionTest::errorIsEmptyWithoutException()
+void AsyncServiceCompletionTest::errorIsNullWithoutException()
 {
     QFETCH(Job, job);
     AsyncService service;
     bool called = false;
-    bool empty = false;
+    bool isErrorNull = false;
     Task* const task = service.post(job);
     task->onFinished = [&] {
         called = true;
-        empty = !task->error;
+        isErrorNull = !task->error;
     };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(called);
-    QVERIFY(empty);
+    QVERIFY(isErrorNull);
 }
 
-void AsyncServiceCompletionTest::callBacksAreLookedUpAtCompletion()
+void AsyncServiceCompletionTest::callbacksMayBeSetUntilTheCompletion()
 {
     AsyncService service;
     QStringList calls;
@@ -245,16 +262,16 @@ void AsyncServiceCompletionTest::callBacksAreLookedUpAtCompletion()
     first->onFinished = [&] { calls += QStringLiteral("early"); };
     service.run(first);
     service.run(second);
-    LetWorkerFinish(service);
+    WaitForWorker(service);
 
     first->onFinished = [&] { calls += QStringLiteral("finished"); };
     second->onCancelled = [&] { calls += QStringLiteral("cancelled"); };
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(calls, (QStringList{QStringLiteral("finished"), QStringLiteral("cancelled")}));
 }
 
-void AsyncServiceCompletionTest::callBacksMayPostAndRun()
+void AsyncServiceCompletionTest::callbacksMayPostAndRun()
 {
     AsyncService service;
     QStringList calls;
@@ -273,43 +290,45 @@ void AsyncServiceCompletionTest::callBacksMayPostAndRun()
     };
 
     service.run(first);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
-    QCOMPARE(calls.join(QLatin1Char(' ')), QStringLiteral("finished registered cancelled error"));
+    QCOMPARE(calls, (QStringList{QStringLiteral("finished"), QStringLiteral("registered"), QStringLiteral("cancelled"),
+                                 QStringLiteral("error")}));
 }
 
-void AsyncServiceCompletionTest::callBacksAreDestroyedInReverseOrderAfterTheCall()
+void AsyncServiceCompletionTest::callbacksAreDestroyedInReverseOrderAfterTheCall()
 {
-    struct Fatal
+    struct LoggingError
     {
-        std::shared_ptr<void> witness;
+        std::shared_ptr<void> logger;
     };
     AsyncService service;
-    QStringList deaths;
-    QStringList deathsAtTheCall;
-    // In no thread but the owner's hands once the job has thrown.
-    auto* const thrown = new std::shared_ptr<void>(MakeWitness(deaths, "error"));
+    QStringList destroyed;
+    QStringList destroyedAtTheCall;
+    // The job moves the logger into the exception. After that only the owner thread holds it.
+    auto* const exceptionLogger = new std::shared_ptr<void>(MakeDestructionLogger(destroyed, "error"));
     auto const capture = [&](char const* name) {
-        return [witness = MakeWitness(deaths, name)] { static_cast<void>(witness); };
+        return [logger = MakeDestructionLogger(destroyed, name)] { static_cast<void>(logger); };
     };
-    Task* const task = service.post([thrown, hold = capture("work")](Reporter*) {
-        Fatal const fatal{std::move(*thrown)};
-        delete thrown;
-        throw fatal;
+    Task* const task = service.post([exceptionLogger, hold = capture("work")](Reporter*) {
+        LoggingError const error{std::move(*exceptionLogger)};
+        delete exceptionLogger;
+        throw error;
     });
     task->onFinished = capture("finished");
     task->onCancelled = capture("cancelled");
     task->onProgress = [hold = capture("progress")](int) {};
-    task->onError = [&, hold = capture("onError")](std::exception_ptr const&) { deathsAtTheCall = deaths; };
+    task->onError = [&, hold = capture("onError")](std::exception_ptr const&) { destroyedAtTheCall = destroyed; };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
-    QCOMPARE(deathsAtTheCall, QStringList());
-    QCOMPARE(deaths.join(QLatin1Char(' ')), QStringLiteral("onError progress cancelled finished work error"));
+    QCOMPARE(destroyedAtTheCall, QStringList());
+    QCOMPARE(destroyed, (QStringList{QStringLiteral("onError"), QStringLiteral("progress"), QStringLiteral("cancelled"),
+                                     QStringLiteral("finished"), QStringLiteral("work"), QStringLiteral("error")}));
 }
 
-void AsyncServiceCompletionTest::callBackThatThrowsStillFreesItsTask_data()
+void AsyncServiceCompletionTest::throwingCallbackStillFreesItsTask_data()
 {
     QTest::addColumn<Job>("job");
     QTest::newRow("onFinished") << Job([](Reporter*) {});
@@ -317,135 +336,145 @@ void AsyncServiceCompletionTest::callBackThatThrowsStillFreesItsTask_data()
     QTest::newRow("onError") << Job([](Reporter*) { throw Failure(1); });
 }
 
-void AsyncServiceCompletionTest::callBackThatThrowsStillFreesItsTask()
+void AsyncServiceCompletionTest::throwingCallbackStillFreesItsTask()
 {
     QFETCH(Job, job);
     AsyncService service;
-    QStringList deaths;
+    QStringList destroyed;
     Task* const task = service.post(job);
-    task->onProgress = [witness = MakeWitness(deaths, "task")](int) {};
+    task->onProgress = [logger = MakeDestructionLogger(destroyed, "task")](int) {};
     task->onFinished = [] { throw Escape(); };
     task->onCancelled = [] { throw Escape(); };
     task->onError = [](std::exception_ptr const&) { throw Escape(); };
 
     service.run(task);
-    QVERIFY(TurnUntilThrown<Escape>());
+    QVERIFY(WaitUntilThrown<Escape>());
 
-    QCOMPARE(deaths, QStringList{QStringLiteral("task")});
+    QCOMPARE(destroyed, QStringList{QStringLiteral("task")});
     QVERIFY(service.empty());
     bool finished = false;
     Task* const next = service.post([](Reporter*) {});
     next->onFinished = [&] { finished = true; };
     service.run(next);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
     QVERIFY(finished);
 }
 
-void AsyncServiceCompletionTest::lastCallBackMayDestroyTheService_data()
+void AsyncServiceCompletionTest::lastCallbackMayDestroyTheService_data()
 {
-    callBackThatThrowsStillFreesItsTask_data();
+    throwingCallbackStillFreesItsTask_data();
 }
 
-void AsyncServiceCompletionTest::lastCallBackMayDestroyTheService()
+void AsyncServiceCompletionTest::lastCallbackMayDestroyTheService()
 {
     QFETCH(Job, job);
     auto service = std::make_unique<AsyncService>();
-    QStringList deaths;
-    QStringList deathsInside{QStringLiteral("not called")};
+    QStringList destroyed;
+    QStringList destroyedInside{QStringLiteral("not called")};
     auto const destroy = [&] {
         service.reset();
-        deathsInside = deaths;
+        destroyedInside = destroyed;
     };
     Task* const task = service->post(job);
-    task->onProgress = [witness = MakeWitness(deaths, "task")](int) {};
+    task->onProgress = [logger = MakeDestructionLogger(destroyed, "task")](int) {};
     task->onFinished = destroy;
     task->onCancelled = destroy;
     task->onError = [&](std::exception_ptr const&) { destroy(); };
 
     service->run(task);
-    QVERIFY(QTest::qWaitFor([&] { return !service; }, Patience));
-    DeliverQueued();
+    QVERIFY(QTest::qWaitFor([&] { return !service; }, TimeoutMs));
+    DeliverQueuedEvents();
 
-    QCOMPARE(deathsInside, QStringList());
-    QCOMPARE(deaths, QStringList{QStringLiteral("task")});
+    QCOMPARE(destroyedInside, QStringList());
+    QCOMPARE(destroyed, QStringList{QStringLiteral("task")});
 }
 
-void AsyncServiceCompletionTest::othersCompleteInsideACallBack_data()
+void AsyncServiceCompletionTest::otherTasksCompleteInsideACallback_data()
 {
-    QTest::addColumn<Ending>("ending");
-    auto const add = [](char const* name, Ending ending) { QTest::newRow(name) << ending; };
-    add("onFinished", [](Task* task, std::function<void()> callBack) {
+    QTest::addColumn<SetUpTask>("setUpTask");
+    auto const add = [](char const* name, SetUpTask setUpTask) { QTest::newRow(name) << setUpTask; };
+    add("onFinished", [](Task* task, std::function<void()> callback) {
         task->work = [](Reporter*) {};
-        task->onFinished = std::move(callBack);
+        task->onFinished = std::move(callback);
     });
-    add("onCancelled", [](Task* task, std::function<void()> callBack) {
+    add("onCancelled", [](Task* task, std::function<void()> callback) {
         task->work = [](Reporter*) { throw Cancelled(); };
-        task->onCancelled = std::move(callBack);
+        task->onCancelled = std::move(callback);
     });
-    add("onError", [](Task* task, std::function<void()> callBack) {
+    add("onError", [](Task* task, std::function<void()> callback) {
         task->work = [](Reporter*) { throw Failure(1); };
-        task->onError = [callBack = std::move(callBack)](std::exception_ptr const&) { callBack(); };
+        task->onError = [callback = std::move(callback)](std::exception_ptr const&) { callback(); };
     });
 }
 
-void AsyncServiceCompletionTest::othersCompleteInsideACallBack()
+void AsyncServiceCompletionTest::otherTasksCompleteInsideACallback()
 {
-    QFETCH(Ending, ending);
+    QFETCH(SetUpTask, setUpTask);
     AsyncService service;
-    QStringList deaths;
+    QStringList destroyed;
     QStringList calls;
     Task* const task = service.post(Job());
     Task* const queued = service.post([](Reporter* reporter) { reporter->report(1); });
     queued->onProgress = [&](int) { calls += QStringLiteral("progress"); };
-    queued->onFinished = [&, witness = MakeWitness(deaths, "queued")] { calls += QStringLiteral("finished"); };
-    ending(task, [&, witness = MakeWitness(deaths, "task")] {
-        bool const registered = service.contains(task);
+    queued->onFinished = [&, logger = MakeDestructionLogger(destroyed, "queued")] {
+        calls += QStringLiteral("finished");
+    };
+    bool isRegisteredInside = true;
+    bool didOthersComplete = false;
+    QStringList destroyedInside;
+    setUpTask(task, [&, logger = MakeDestructionLogger(destroyed, "task")] {
+        isRegisteredInside = service.contains(task);
         Task* const added = service.post([](Reporter*) { throw Cancelled(); });
-        added->onCancelled = [&, other = MakeWitness(deaths, "added")] { calls += QStringLiteral("cancelled"); };
+        added->onCancelled = [&, other = MakeDestructionLogger(destroyed, "added")] {
+            calls += QStringLiteral("cancelled");
+        };
         service.run(added);
-        bool const completed = TurnUntilEmpty(service);
-        calls += QStringLiteral("end, registered: %1, others completed: %2, dead: %3")
-                     .arg(registered)
-                     .arg(completed)
-                     .arg(deaths.join(QLatin1Char(' ')));
+        didOthersComplete = WaitUntilEmpty(service);
+        calls += QStringLiteral("end");
+        destroyedInside = destroyed;
     });
 
     service.run(task);
     service.run(queued);
-    QVERIFY(QTest::qWaitFor([&] { return deaths.size() == 3; }, Patience));
+    QVERIFY(QTest::qWaitFor([&] { return destroyed.size() == 3; }, TimeoutMs));
 
     QCOMPARE(calls, (QStringList{QStringLiteral("progress"), QStringLiteral("finished"), QStringLiteral("cancelled"),
-                                 QStringLiteral("end, registered: 0, others completed: 1, dead: queued added")}));
-    QCOMPARE(deaths.join(QLatin1Char(' ')), QStringLiteral("queued added task"));
+                                 QStringLiteral("end")}));
+    QVERIFY(!isRegisteredInside);
+    QVERIFY(didOthersComplete);
+    QCOMPARE(destroyedInside, (QStringList{QStringLiteral("queued"), QStringLiteral("added")}));
+    QCOMPARE(destroyed, (QStringList{QStringLiteral("queued"), QStringLiteral("added"), QStringLiteral("task")}));
     QVERIFY(service.empty());
 }
 
-void AsyncServiceCompletionTest::serviceMayGoInsideALoopOfACallBack_data()
+void AsyncServiceCompletionTest::serviceMayBeDestroyedInTheEventLoopOfACallback_data()
 {
-    othersCompleteInsideACallBack_data();
+    otherTasksCompleteInsideACallback_data();
 }
 
-void AsyncServiceCompletionTest::serviceMayGoInsideALoopOfACallBack()
+void AsyncServiceCompletionTest::serviceMayBeDestroyedInTheEventLoopOfACallback()
 {
-    QFETCH(Ending, ending);
+    QFETCH(SetUpTask, setUpTask);
     auto service = std::make_unique<AsyncService>();
-    QStringList deaths;
-    QStringList calls;
+    QStringList destroyed;
+    bool isServiceDestroyedInside = false;
+    QStringList destroyedInside;
     Task* const task = service->post(Job());
-    ending(task, [&, witness = MakeWitness(deaths, "task")] {
+    setUpTask(task, [&, logger = MakeDestructionLogger(destroyed, "task")] {
         Task* const added = service->post([](Reporter*) {});
-        added->onFinished = [&, other = MakeWitness(deaths, "added")] { service.reset(); };
+        added->onFinished = [&, other = MakeDestructionLogger(destroyed, "added")] { service.reset(); };
         service->run(added);
-        bool const gone = QTest::qWaitFor([&] { return !service; }, Patience);
-        calls += QStringLiteral("end, service gone: %1, dead: %2").arg(gone).arg(deaths.join(QLatin1Char(' ')));
+        isServiceDestroyedInside = QTest::qWaitFor([&] { return !service; }, TimeoutMs);
+        destroyedInside = destroyed;
     });
 
     service->run(task);
-    QVERIFY(QTest::qWaitFor([&] { return deaths.size() == 2; }, Patience));
-    DeliverQueued();
+    QVERIFY(QTest::qWaitFor([&] { return destroyed.size() == 2; }, TimeoutMs));
+    DeliverQueuedEvents();
 
-    QCOMPARE(calls, QStringList{QStringLiteral("end, service gone: 1, dead: added")});
-    QCOMPARE(deaths.join(QLatin1Char(' ')), QStringLiteral("added task"));
+    QVERIFY(isServiceDestroyedInside);
+    QCOMPARE(destroyedInside, QStringList{QStringLiteral("added")});
+    QCOMPARE(destroyed, (QStringList{QStringLiteral("added"), QStringLiteral("task")}));
 }
 
 ZQTUTIL_TEST_MAIN(AsyncServiceCompletionTest)

@@ -20,37 +20,37 @@ class AsyncServiceProgressTest : public TestCase
 
 private Q_SLOTS:
     // Progress
-    void progressIsPassedThroughInOrder();
+    void progressIsDeliveredInOrder();
     void progressIsDeliveredWhileTheJobRuns();
-    void progressWithoutCallBackIsDropped();
+    void progressWithoutCallbackIsDropped();
     void progressIsQueuedOnTheOwnerThreadToo();
-    void progressCallBackIsLookedUpAtDelivery_data();
-    void progressCallBackIsLookedUpAtDelivery();
+    void progressCallbackMayBeSetUntilTheDelivery_data();
+    void progressCallbackMayBeSetUntilTheDelivery();
     void progressOfATaskThatIsNotRunningIsDelivered();
-    void progressBehindTheCompletionIsDropped();
+    void progressQueuedBehindTheCompletionIsDropped();
     void progressAfterTheCompletionIsDropped();
     void progressOfUnknownTasksIsDropped();
-    void progressGoesToTheServiceOfItsTask_data();
-    void progressGoesToTheServiceOfItsTask();
-    void progressComesFromAnyThread();
-    void progressCallBackMayPostAndRun();
-    void progressCallBackThatThrowsLeavesTheTaskRegistered();
+    void progressIsDeliveredByTheServiceOfItsTask_data();
+    void progressIsDeliveredByTheServiceOfItsTask();
+    void progressMayBeReportedOnAnyThread();
+    void progressCallbackMayPostAndRun();
+    void throwingProgressCallbackKeepsTheTaskRegistered();
 
-    // Progress call-backs with an event loop of their own
-    void taskLivesUntilItsProgressCallBackReturns();
-    void taskLivesUntilItsOutermostProgressCallBackReturns();
+    // Progress callbacks that run a nested event loop
+    void taskLivesUntilItsProgressCallbackReturns();
+    void taskLivesUntilItsOutermostProgressCallbackReturns();
     void taskLivesThroughProgressOfAnother();
-    void otherTaskCompletesInsideAProgressCallBack();
-    void serviceMayGoInsideAProgressCallBack_data();
-    void serviceMayGoInsideAProgressCallBack();
+    void otherTaskCompletesInsideAProgressCallback();
+    void serviceMayBeDestroyedInsideAProgressCallback_data();
+    void serviceMayBeDestroyedInsideAProgressCallback();
 };
 
-void AsyncServiceProgressTest::progressIsPassedThroughInOrder()
+void AsyncServiceProgressTest::progressIsDeliveredInOrder()
 {
     AsyncService service;
     QVector<int> const reported{5, 50, 100, 100, 100, 0, -1, INT_MIN, INT_MAX, 101, 5};
     QVector<int> values;
-    int valuesAtTheEnd = 0;
+    int valuesAtCompletion = 0;
     bool onAnotherThread = false;
     bool unregistered = false;
     Task* const task = service.post([&](Reporter* reporter) {
@@ -63,14 +63,14 @@ void AsyncServiceProgressTest::progressIsPassedThroughInOrder()
         onAnotherThread = onAnotherThread || QThread::currentThread() != thread();
         unregistered = unregistered || !service.contains(task);
     };
-    task->onFinished = [&] { valuesAtTheEnd = values.size(); };
+    task->onFinished = [&] { valuesAtCompletion = values.size(); };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
-    DeliverQueued();
+    QVERIFY(WaitUntilEmpty(service));
+    DeliverQueuedEvents();
 
     QCOMPARE(values, reported);
-    QCOMPARE(valuesAtTheEnd, reported.size());
+    QCOMPARE(valuesAtCompletion, reported.size());
     QVERIFY(!onAnotherThread);
     QVERIFY(!unregistered);
 }
@@ -88,12 +88,12 @@ void AsyncServiceProgressTest::progressIsDeliveredWhileTheJobRuns()
     task->onProgress = [&](int) { delivered.Open(); };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(passed);
 }
 
-void AsyncServiceProgressTest::progressWithoutCallBackIsDropped()
+void AsyncServiceProgressTest::progressWithoutCallbackIsDropped()
 {
     AsyncService service;
     bool finished = false;
@@ -101,7 +101,7 @@ void AsyncServiceProgressTest::progressWithoutCallBackIsDropped()
     task->onFinished = [&] { finished = true; };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(finished);
 }
@@ -115,14 +115,14 @@ void AsyncServiceProgressTest::progressIsQueuedOnTheOwnerThreadToo()
 
     service.report(task, 3);
     QCOMPARE(values, QVector<int>());
-    DeliverQueued();
+    DeliverQueuedEvents();
     QCOMPARE(values, QVector<int>{3});
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 }
 
-void AsyncServiceProgressTest::progressCallBackIsLookedUpAtDelivery_data()
+void AsyncServiceProgressTest::progressCallbackMayBeSetUntilTheDelivery_data()
 {
     QTest::addColumn<bool>("before");
     QTest::addColumn<bool>("after");
@@ -132,7 +132,7 @@ void AsyncServiceProgressTest::progressCallBackIsLookedUpAtDelivery_data()
     QTest::newRow("cleared after the report") << true << false << QString();
 }
 
-void AsyncServiceProgressTest::progressCallBackIsLookedUpAtDelivery()
+void AsyncServiceProgressTest::progressCallbackMayBeSetUntilTheDelivery()
 {
     QFETCH(bool, before);
     QFETCH(bool, after);
@@ -144,13 +144,13 @@ void AsyncServiceProgressTest::progressCallBackIsLookedUpAtDelivery()
         task->onProgress = [&](int) { calls += QStringLiteral("before"); };
     }
     service.run(task);
-    LetWorkerFinish(service);
+    WaitForWorker(service);
 
     task->onProgress = nullptr;
     if (after) {
         task->onProgress = [&](int) { calls += QStringLiteral("after"); };
     }
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(calls, called);
 }
@@ -165,18 +165,18 @@ void AsyncServiceProgressTest::progressOfATaskThatIsNotRunningIsDelivered()
     task->onProgress = [&](int value) { values += value; };
 
     service.report(task, 1);
-    DeliverQueued();
+    DeliverQueuedEvents();
     service.run(blocker);
     service.run(task);
     service.report(task, 2);
-    DeliverQueued();
+    DeliverQueuedEvents();
 
     QCOMPARE(values, (QVector<int>{1, 2}));
     go.Open();
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 }
 
-void AsyncServiceProgressTest::progressBehindTheCompletionIsDropped()
+void AsyncServiceProgressTest::progressQueuedBehindTheCompletionIsDropped()
 {
     AsyncService service;
     QVector<int> values;
@@ -185,13 +185,13 @@ void AsyncServiceProgressTest::progressBehindTheCompletionIsDropped()
     task->onProgress = [&](int value) { values += value; };
     task->onFinished = [&] { finished = true; };
     service.run(task);
-    LetWorkerFinish(service);
+    WaitForWorker(service);
 
     std::thread([&] { service.report(task, 2); }).join();
     service.report(task, 3);
     QVERIFY(service.contains(task));
-    QVERIFY(TurnUntilEmpty(service));
-    DeliverQueued();
+    QVERIFY(WaitUntilEmpty(service));
+    DeliverQueuedEvents();
 
     QVERIFY(finished);
     QCOMPARE(values, QVector<int>{1});
@@ -204,10 +204,10 @@ void AsyncServiceProgressTest::progressAfterTheCompletionIsDropped()
     Task* const task = service.post([](Reporter*) {});
     task->onProgress = [&](int value) { values += value; };
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     std::thread([&] { service.report(task, 1); }).join();
-    DeliverQueued();
+    DeliverQueuedEvents();
 
     QCOMPARE(values, QVector<int>());
     QVERIFY(service.empty());
@@ -222,50 +222,50 @@ void AsyncServiceProgressTest::progressOfUnknownTasksIsDropped()
 
     service.report(&task, 1);
     service.report(nullptr, 1);
-    DeliverQueued();
+    DeliverQueuedEvents();
 
     QCOMPARE(values, QVector<int>());
     QVERIFY(service.empty());
 }
 
-void AsyncServiceProgressTest::progressGoesToTheServiceOfItsTask_data()
+void AsyncServiceProgressTest::progressIsDeliveredByTheServiceOfItsTask_data()
 {
     QTest::addColumn<bool>("isNested");
-    QTest::newRow("one after the other") << false;
-    QTest::newRow("inside a call-back of the other") << true;
+    QTest::newRow("consecutive deliveries") << false;
+    QTest::newRow("nested deliveries") << true;
 }
 
-void AsyncServiceProgressTest::progressGoesToTheServiceOfItsTask()
+void AsyncServiceProgressTest::progressIsDeliveredByTheServiceOfItsTask()
 {
     QFETCH(bool, isNested);
     AsyncService first;
     AsyncService second;
     QStringList values;
-    auto const note = [&](char const* service) {
+    auto const record = [&](char const* service) {
         return [&values, isNested, service](int value) {
             values += QStringLiteral("%1 %2").arg(QLatin1String(service)).arg(value);
             if (isNested) {
-                DeliverQueued();
+                DeliverQueuedEvents();
             }
         };
     };
     Task* const one = first.post([](Reporter*) {});
     Task* const two = second.post([](Reporter*) {});
-    one->onProgress = note("first");
-    two->onProgress = note("second");
+    one->onProgress = record("first");
+    two->onProgress = record("second");
 
     first.report(one, 1);
     second.report(two, 2);
     first.report(one, 3);
-    DeliverQueued();
+    DeliverQueuedEvents();
 
     QCOMPARE(values, (QStringList{QStringLiteral("first 1"), QStringLiteral("second 2"), QStringLiteral("first 3")}));
     first.run(one);
     second.run(two);
-    QVERIFY(TurnUntilEmpty(first) && TurnUntilEmpty(second));
+    QVERIFY(WaitUntilEmpty(first) && WaitUntilEmpty(second));
 }
 
-void AsyncServiceProgressTest::progressComesFromAnyThread()
+void AsyncServiceProgressTest::progressMayBeReportedOnAnyThread()
 {
     constexpr int Threads = 4;
     constexpr int Values = 500;
@@ -288,14 +288,14 @@ void AsyncServiceProgressTest::progressComesFromAnyThread()
     task->onProgress = [&](int value) { values[value / Values] += value % Values; };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVector<int> expected(Values);
     std::iota(expected.begin(), expected.end(), 0);
     QCOMPARE(values, QVector<QVector<int>>(Threads, expected));
 }
 
-void AsyncServiceProgressTest::progressCallBackMayPostAndRun()
+void AsyncServiceProgressTest::progressCallbackMayPostAndRun()
 {
     AsyncService service;
     QStringList calls;
@@ -308,15 +308,15 @@ void AsyncServiceProgressTest::progressCallBackMayPostAndRun()
     task->onFinished = [&] { calls += QStringLiteral("first"); };
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(calls, (QStringList{QStringLiteral("first"), QStringLiteral("next")}));
 }
 
-void AsyncServiceProgressTest::progressCallBackThatThrowsLeavesTheTaskRegistered()
+void AsyncServiceProgressTest::throwingProgressCallbackKeepsTheTaskRegistered()
 {
     AsyncService service;
-    QStringList deaths;
+    QStringList destroyed;
     Gate go;
     QVector<int> values;
     bool finished = false;
@@ -325,7 +325,7 @@ void AsyncServiceProgressTest::progressCallBackThatThrowsLeavesTheTaskRegistered
         go.Pass();
         reporter->report(2);
     });
-    task->onProgress = [&, witness = MakeWitness(deaths, "task")](int value) {
+    task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
         values += value;
         if (value == 1) {
             throw Escape();
@@ -334,154 +334,157 @@ void AsyncServiceProgressTest::progressCallBackThatThrowsLeavesTheTaskRegistered
     task->onFinished = [&] { finished = true; };
 
     service.run(task);
-    QVERIFY(TurnUntilThrown<Escape>());
+    QVERIFY(WaitUntilThrown<Escape>());
     QVERIFY(service.contains(task));
-    QCOMPARE(deaths, QStringList());
+    QCOMPARE(destroyed, QStringList());
     go.Open();
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(values, (QVector<int>{1, 2}));
     QVERIFY(finished);
-    QCOMPARE(deaths, QStringList{QStringLiteral("task")});
+    QCOMPARE(destroyed, QStringList{QStringLiteral("task")});
 }
 
-void AsyncServiceProgressTest::taskLivesUntilItsProgressCallBackReturns()
+void AsyncServiceProgressTest::taskLivesUntilItsProgressCallbackReturns()
 {
     AsyncService service;
-    QStringList deaths;
+    QStringList destroyed;
     QStringList calls;
     Task* const task = service.post([](Reporter* reporter) {
         reporter->report(1);
         reporter->report(2);
     });
-    task->onProgress = [&, witness = MakeWitness(deaths, "task")](int value) {
+    task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
         calls += QStringLiteral("begin %1").arg(value);
-        if (value == 1 && !TurnUntilEmpty(service)) {
+        if (value == 1 && !WaitUntilEmpty(service)) {
             calls += QStringLiteral("never empty");
         }
-        calls += QStringLiteral("end %1, %2 dead").arg(value).arg(deaths.size());
+        calls += QStringLiteral("end %1, destroyed: %2").arg(value).arg(destroyed.size());
     };
     task->onFinished = [&] { calls += QStringLiteral("finished"); };
 
     service.run(task);
-    QVERIFY(QTest::qWaitFor([&] { return !deaths.isEmpty(); }, Patience));
+    QVERIFY(QTest::qWaitFor([&] { return !destroyed.isEmpty(); }, TimeoutMs));
 
-    QCOMPARE(calls, (QStringList{QStringLiteral("begin 1"), QStringLiteral("begin 2"), QStringLiteral("end 2, 0 dead"),
-                                 QStringLiteral("finished"), QStringLiteral("end 1, 0 dead")}));
+    QCOMPARE(calls,
+             (QStringList{QStringLiteral("begin 1"), QStringLiteral("begin 2"), QStringLiteral("end 2, destroyed: 0"),
+                          QStringLiteral("finished"), QStringLiteral("end 1, destroyed: 0")}));
     QVERIFY(service.empty());
 }
 
-void AsyncServiceProgressTest::taskLivesUntilItsOutermostProgressCallBackReturns()
+void AsyncServiceProgressTest::taskLivesUntilItsOutermostProgressCallbackReturns()
 {
     AsyncService service;
-    QStringList deaths;
+    QStringList destroyed;
     QStringList calls;
     Task* const task = service.post([](Reporter* reporter) {
         reporter->report(1);
         reporter->report(2);
     });
-    // Both turn loops, and the task completes in the inner one.
-    task->onProgress = [&, witness = MakeWitness(deaths, "task")](int value) {
-        if (!TurnUntilEmpty(service)) {
+    // Both calls run a nested event loop. The task completes in the inner one.
+    task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
+        if (!WaitUntilEmpty(service)) {
             calls += QStringLiteral("never empty");
         }
-        calls += QStringLiteral("end %1, %2 dead").arg(value).arg(deaths.size());
+        calls += QStringLiteral("end %1, destroyed: %2").arg(value).arg(destroyed.size());
     };
 
     service.run(task);
-    QVERIFY(QTest::qWaitFor([&] { return !deaths.isEmpty(); }, Patience));
+    QVERIFY(QTest::qWaitFor([&] { return !destroyed.isEmpty(); }, TimeoutMs));
 
-    QCOMPARE(calls, (QStringList{QStringLiteral("end 2, 0 dead"), QStringLiteral("end 1, 0 dead")}));
-    QCOMPARE(deaths.size(), 1);
+    QCOMPARE(calls, (QStringList{QStringLiteral("end 2, destroyed: 0"), QStringLiteral("end 1, destroyed: 0")}));
+    QCOMPARE(destroyed.size(), 1);
 }
 
 void AsyncServiceProgressTest::taskLivesThroughProgressOfAnother()
 {
     AsyncService service;
-    QStringList deaths;
-    QStringList calls;
+    QStringList destroyed;
+    QStringList destroyedInFirst;
+    QStringList destroyedInSecond{QStringLiteral("not called")};
+    bool inTime = true;
     Gate go;
     Task* const first = service.post([&](Reporter* reporter) {
         reporter->report(1);
         go.Pass();
     });
     Task* const second = service.post([](Reporter*) {});
-    // The progress of the second is delivered inside that of the first, and the first completes inside both.
-    first->onProgress = [&, witness = MakeWitness(deaths, "first")](int) {
+    // The progress of the second task is delivered inside the progress callback of the first. The first task completes
+    // inside both callbacks.
+    first->onProgress = [&, logger = MakeDestructionLogger(destroyed, "first")](int) {
         service.report(second, 1);
-        if (!TurnUntilEmpty(service)) {
-            calls += QStringLiteral("never empty");
-        }
-        calls += QStringLiteral("first ends: ") + deaths.join(QLatin1Char(' '));
+        inTime = WaitUntilEmpty(service) && inTime;
+        destroyedInFirst = destroyed;
     };
-    second->onProgress = [&, witness = MakeWitness(deaths, "second")](int) {
+    second->onProgress = [&, logger = MakeDestructionLogger(destroyed, "second")](int) {
         go.Open();
-        if (!TurnUntilGone(service, first)) {
-            calls += QStringLiteral("never completed");
-        }
-        calls += QStringLiteral("second ends: ") + deaths.join(QLatin1Char(' '));
+        inTime = WaitUntilCompleted(service, first) && inTime;
+        destroyedInSecond = destroyed;
         service.run(second);
     };
 
     service.run(first);
-    QVERIFY(QTest::qWaitFor([&] { return deaths.size() == 2; }, Patience));
+    QVERIFY(QTest::qWaitFor([&] { return destroyed.size() == 2; }, TimeoutMs));
 
-    QCOMPARE(calls, (QStringList{QStringLiteral("second ends: "), QStringLiteral("first ends: second")}));
-    QCOMPARE(deaths, (QStringList{QStringLiteral("second"), QStringLiteral("first")}));
+    QVERIFY(inTime);
+    QCOMPARE(destroyedInSecond, QStringList());
+    QCOMPARE(destroyedInFirst, QStringList{QStringLiteral("second")});
+    QCOMPARE(destroyed, (QStringList{QStringLiteral("second"), QStringLiteral("first")}));
 }
 
-void AsyncServiceProgressTest::otherTaskCompletesInsideAProgressCallBack()
+void AsyncServiceProgressTest::otherTaskCompletesInsideAProgressCallback()
 {
     AsyncService service;
-    QStringList deaths;
-    QStringList deathsInside;
+    QStringList destroyed;
+    QStringList destroyedInside;
     Gate go;
     Task* const other = service.post([](Reporter*) {});
-    other->onFinished = [witness = MakeWitness(deaths, "other")] {};
+    other->onFinished = [logger = MakeDestructionLogger(destroyed, "other")] {};
     Task* const task = service.post([&](Reporter*) { go.Pass(); });
-    task->onProgress = [&, witness = MakeWitness(deaths, "task")](int) {
+    task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int) {
         service.run(other);
-        deathsInside = TurnUntilGone(service, other) ? deaths : QStringList{QStringLiteral("never completed")};
+        destroyedInside =
+            WaitUntilCompleted(service, other) ? destroyed : QStringList{QStringLiteral("never completed")};
     };
 
     service.report(task, 1);
-    DeliverQueued();
-    QCOMPARE(deathsInside, QStringList{QStringLiteral("other")});
+    DeliverQueuedEvents();
+    QCOMPARE(destroyedInside, QStringList{QStringLiteral("other")});
 
     service.run(task);
     go.Open();
-    QVERIFY(TurnUntilEmpty(service));
-    QCOMPARE(deaths, (QStringList{QStringLiteral("other"), QStringLiteral("task")}));
+    QVERIFY(WaitUntilEmpty(service));
+    QCOMPARE(destroyed, (QStringList{QStringLiteral("other"), QStringLiteral("task")}));
 }
 
-void AsyncServiceProgressTest::serviceMayGoInsideAProgressCallBack_data()
+void AsyncServiceProgressTest::serviceMayBeDestroyedInsideAProgressCallback_data()
 {
     QTest::addColumn<bool>("inCompletion");
     QTest::addColumn<int>("reports");
-    QTest::newRow("in the completion call-back") << true << 1;
+    QTest::newRow("in the completion callback") << true << 1;
     QTest::newRow("after the completion") << false << 1;
-    QTest::newRow("in the completion call-back, two levels deep") << true << 2;
+    QTest::newRow("in the completion callback, two levels deep") << true << 2;
     QTest::newRow("after the completion, two levels deep") << false << 2;
 }
 
-void AsyncServiceProgressTest::serviceMayGoInsideAProgressCallBack()
+void AsyncServiceProgressTest::serviceMayBeDestroyedInsideAProgressCallback()
 {
     QFETCH(bool, inCompletion);
     QFETCH(int, reports);
     auto service = std::make_unique<AsyncService>();
-    QStringList deaths;
+    QStringList destroyed;
     QStringList calls;
     Task* const task = service->post([=](Reporter* reporter) {
         for (int value = 1; value <= reports; ++value) {
             reporter->report(value);
         }
     });
-    task->onProgress = [&, witness = MakeWitness(deaths, "task")](int value) {
-        if (!QTest::qWaitFor([&] { return !service || service->empty(); }, Patience)) {
+    task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
+        if (!QTest::qWaitFor([&] { return !service || service->empty(); }, TimeoutMs)) {
             calls += QStringLiteral("never empty");
         }
         service.reset();
-        calls += QStringLiteral("end %1, %2 dead").arg(value).arg(deaths.size());
+        calls += QStringLiteral("end %1, destroyed: %2").arg(value).arg(destroyed.size());
     };
     task->onFinished = [&] {
         if (inCompletion) {
@@ -490,15 +493,15 @@ void AsyncServiceProgressTest::serviceMayGoInsideAProgressCallBack()
     };
 
     service->run(task);
-    QVERIFY(QTest::qWaitFor([&] { return !deaths.isEmpty(); }, Patience));
-    DeliverQueued();
+    QVERIFY(QTest::qWaitFor([&] { return !destroyed.isEmpty(); }, TimeoutMs));
+    DeliverQueuedEvents();
 
     QStringList expected;
     for (int value = reports; value >= 1; --value) {
-        expected += QStringLiteral("end %1, 0 dead").arg(value);
+        expected += QStringLiteral("end %1, destroyed: 0").arg(value);
     }
     QCOMPARE(calls, expected);
-    QCOMPARE(deaths.size(), 1);
+    QCOMPARE(destroyed.size(), 1);
     QVERIFY(!service);
 }
 

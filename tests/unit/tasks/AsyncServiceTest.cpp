@@ -5,6 +5,7 @@
 
 #include <Util/AsyncService.h>
 
+#include <QtCore/QByteArrayList>
 #include <QtCore/QPointer>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
@@ -57,21 +58,21 @@ static_assert(std::is_same_v<decltype(std::declval<AsyncService const&>().empty(
 namespace
 {
 
-/// An object whose copies are counted.
-struct CountsCopies
+/// Counts its copies.
+struct CopyCounter
 {
-    explicit CountsCopies(std::atomic<int>& count)
+    explicit CopyCounter(std::atomic<int>& count)
         : copies(&count)
     {}
-    CountsCopies(CountsCopies const& other)
+    CopyCounter(CopyCounter const& other)
         : copies(other.copies)
     {
         ++*copies;
     }
-    CountsCopies(CountsCopies&&) = default;
-    CountsCopies& operator=(CountsCopies const&) = delete;
-    CountsCopies& operator=(CountsCopies&&) = delete;
-    ~CountsCopies() = default;
+    CopyCounter(CopyCounter&&) = default;
+    CopyCounter& operator=(CopyCounter const&) = delete;
+    CopyCounter& operator=(CopyCounter&&) = delete;
+    ~CopyCounter() = default;
 
     std::atomic<int>* copies;
 };
@@ -88,43 +89,43 @@ class AsyncServiceTest : public TestCase
 
 private Q_SLOTS:
     // Records
-    void taskIsARecordInThisOrder();
-    void reporterIsARecordThatTellsOfCancellation();
+    void taskIsAnAggregateWithItsMembersInOrder();
+    void reporterReflectsItsCancelledFlag();
     void reporterReportsForItsTask();
     void derivedServiceIsDestroyedThroughItsBase();
 
     // post, run
     void newServiceIsEmpty();
-    void postMakesARegisteredTask();
+    void postRegistersANewTask();
     void postMovesTheWork();
     void postOfATaskSetsItsServiceAndResetsItsError();
     void postedTaskIsNotStarted();
-    void postAgainLeavesOneTaskWithTheSecondReporter();
-    void postAgainLeavesAQueuedJobTheFirstReporter();
+    void postingAgainReplacesTheReporter();
+    void queuedJobKeepsItsReporterWhenPostedAgain();
     void replacedReporterLivesAsLongAsTheService_data();
     void replacedReporterLivesAsLongAsTheService();
     void jobIsCalledOnceWithItsReporter();
-    void jobsRunOnOneThreadThatIsNotTheOwner();
-    void jobsRunInTheOrderOfTheRuns();
+    void jobsRunOnOneWorkerThread();
+    void jobsRunInTheOrderOfTheirRunCalls();
     void thousandsOfTasksCompleteOnceEachInOrder();
     void taskThatWasNeverPostedRunsWithoutReporter();
     void workerThreadStartsWithTheFirstRun();
-    void eventLoopKeepsTurningWhileAJobRuns();
+    void ownerEventLoopRunsDuringAJob();
 
     // Misuse
-    void nullPointerIsRefused_data();
-    void nullPointerIsRefused();
+    void rejectsNullPointers_data();
+    void rejectsNullPointers();
 
-    // Qt refuses
-    void constructorThrowsWhenQtRefusesAConnection_data();
-    void constructorThrowsWhenQtRefusesAConnection();
+    // Failing connections
+    void constructorThrowsWhenAConnectionFails_data();
+    void constructorThrowsWhenAConnectionFails();
 };
 
-void AsyncServiceTest::taskIsARecordInThisOrder()
+void AsyncServiceTest::taskIsAnAggregateWithItsMembersInOrder()
 {
     AsyncService service;
-    QStringList calls;
-    auto const call = [&calls](char const* name) { calls += QString::fromLatin1(name); };
+    QByteArrayList calls;
+    auto const call = [&calls](char const* name) { calls += name; };
     Task const task{&service,
                     std::make_exception_ptr(1),
                     [&](Reporter*) { call("work"); },
@@ -139,13 +140,13 @@ void AsyncServiceTest::taskIsARecordInThisOrder()
     task.onProgress(1);
     task.onError(task.error);
 
-    QCOMPARE(calls.join(QLatin1Char(' ')), QStringLiteral("work finished cancelled progress error"));
+    QCOMPARE(calls, (QByteArrayList{"work", "finished", "cancelled", "progress", "error"}));
     QCOMPARE(task.service, &service);
     QVERIFY(!Task().service && !Task().error && !Task().work && !Task().onFinished && !Task().onCancelled &&
             !Task().onProgress && !Task().onError);
 }
 
-void AsyncServiceTest::reporterIsARecordThatTellsOfCancellation()
+void AsyncServiceTest::reporterReflectsItsCancelledFlag()
 {
     Task task;
     Reporter reporter{nullptr, &task};
@@ -158,17 +159,17 @@ void AsyncServiceTest::reporterIsARecordThatTellsOfCancellation()
 
     QVERIFY(reporter.isCancelled());
     QVERIFY_EXCEPTION_THROWN(reporter.checkCancelled(), Cancelled);
-    bool standard = true;
+    bool isStandardException = true;
     try {
         reporter.checkCancelled();
     } catch (std::exception const&) {
     } catch (...) {
-        standard = false;
+        isStandardException = false;
     }
-    QVERIFY(!standard);
+    QVERIFY(!isStandardException);
 
-    Reporter const asked{nullptr, nullptr, {true}};
-    QVERIFY(asked.isCancelled());
+    Reporter const cancelledFromTheStart{nullptr, nullptr, {true}};
+    QVERIFY(cancelledFromTheStart.isCancelled());
 }
 
 void AsyncServiceTest::reporterReportsForItsTask()
@@ -182,12 +183,12 @@ void AsyncServiceTest::reporterReportsForItsTask()
 
     Reporter{&service, second}.report(2);
     Reporter{&service, first}.report(1);
-    DeliverQueued();
+    DeliverQueuedEvents();
 
     QCOMPARE(calls, (QStringList{QStringLiteral("second 2"), QStringLiteral("first 1")}));
     service.run(first);
     service.run(second);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 }
 
 void AsyncServiceTest::derivedServiceIsDestroyedThroughItsBase()
@@ -217,7 +218,7 @@ void AsyncServiceTest::newServiceIsEmpty()
     QVERIFY(!service.contains(&task));
 }
 
-void AsyncServiceTest::postMakesARegisteredTask()
+void AsyncServiceTest::postRegistersANewTask()
 {
     AsyncService service;
 
@@ -232,7 +233,7 @@ void AsyncServiceTest::postMakesARegisteredTask()
     QVERIFY(!service.empty());
     service.run(task);
     QVERIFY(service.contains(task));
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
     QVERIFY(!service.contains(task));
 }
 
@@ -240,11 +241,11 @@ void AsyncServiceTest::postMovesTheWork()
 {
     AsyncService service;
     std::atomic<int> copies{0};
-    Job job = [counted = CountsCopies(copies)](Reporter*) { static_cast<void>(counted); };
+    Job job = [counted = CopyCounter(copies)](Reporter*) { static_cast<void>(counted); };
     copies = 0;
 
     service.run(service.post(std::move(job)));
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(copies.load(), 0);
 }
@@ -268,7 +269,7 @@ void AsyncServiceTest::postOfATaskSetsItsServiceAndResetsItsError()
     QVERIFY(service.contains(task));
     QVERIFY(!other.contains(task));
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
     QCOMPARE(calls, QStringList{QStringLiteral("finished")});
 }
 
@@ -278,16 +279,16 @@ void AsyncServiceTest::postedTaskIsNotStarted()
     std::atomic<bool> called{false};
     Task* const task = service.post([&](Reporter*) { called = true; });
 
-    QVERIFY(TurnUntilGone(service, LetWorkerFinish(service)));
+    QVERIFY(WaitUntilCompleted(service, WaitForWorker(service)));
 
     QVERIFY(!called);
     QVERIFY(service.contains(task));
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
     QVERIFY(called);
 }
 
-void AsyncServiceTest::postAgainLeavesOneTaskWithTheSecondReporter()
+void AsyncServiceTest::postingAgainReplacesTheReporter()
 {
     AsyncService service;
     bool cancelledAtStart = true;
@@ -299,13 +300,13 @@ void AsyncServiceTest::postAgainLeavesOneTaskWithTheSecondReporter()
     QCOMPARE(service.post(task), task);
     QVERIFY(service.contains(task));
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(!cancelledAtStart);
     QCOMPARE(finished, 1);
 }
 
-void AsyncServiceTest::postAgainLeavesAQueuedJobTheFirstReporter()
+void AsyncServiceTest::queuedJobKeepsItsReporterWhenPostedAgain()
 {
     AsyncService service;
     Gate cancelled;
@@ -324,7 +325,7 @@ void AsyncServiceTest::postAgainLeavesAQueuedJobTheFirstReporter()
     service.post(task);
     service.cancel(task);
     cancelled.Open();
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(!sawCancelled);
     QCOMPARE(values, QVector<int>{7});
@@ -335,10 +336,10 @@ void AsyncServiceTest::replacedReporterLivesAsLongAsTheService_data()
 {
     QTest::addColumn<bool>("cancelled");
     QTest::newRow("cancelled before it was replaced") << true;
-    QTest::newRow("cancelled when it was replaced already") << false;
+    QTest::newRow("cancelled after it was replaced") << false;
 }
 
-// Whatever takes the place of a reporter that has been freed fills in other fields.
+// The other tasks allocate new reporters. They would overwrite the replaced reporter if its memory had been freed.
 void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
 {
     QFETCH(bool, cancelled);
@@ -371,7 +372,7 @@ void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
     postOthers();
     bool const whileTheJobRuns = isIntact();
     go.Open();
-    QVERIFY(TurnUntilGone(service, task));
+    QVERIFY(WaitUntilCompleted(service, task));
     postOthers();
 
     QVERIFY(whileTheJobRuns);
@@ -379,7 +380,7 @@ void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
     for (Task* const other : others) {
         service.run(other);
     }
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
     QVERIFY(isIntact());
 }
 
@@ -388,44 +389,42 @@ void AsyncServiceTest::jobIsCalledOnceWithItsReporter()
     AsyncService service;
     std::atomic<int> calls{0};
     Task* task = nullptr;
-    bool asExpected = false;
+    bool hasExpectedReporter = false;
     task = service.post([&](Reporter* reporter) {
         ++calls;
-        asExpected = reporter->service == &service && reporter->task == task && !reporter->cancelled;
+        hasExpectedReporter = reporter->service == &service && reporter->task == task && !reporter->cancelled;
     });
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
-    DeliverQueued();
+    QVERIFY(WaitUntilEmpty(service));
+    DeliverQueuedEvents();
 
     QCOMPARE(calls.load(), 1);
-    QVERIFY(asExpected);
+    QVERIFY(hasExpectedReporter);
 }
 
-void AsyncServiceTest::jobsRunOnOneThreadThatIsNotTheOwner()
+void AsyncServiceTest::jobsRunOnOneWorkerThread()
 {
     AsyncService service;
     std::vector<QThread*> threads;
     for (int i = 0; i < 20; ++i) {
         service.run(service.post([&](Reporter*) { threads.push_back(QThread::currentThread()); }));
         if (i == 10) {
-            QVERIFY(TurnUntilEmpty(service));
+            QVERIFY(WaitUntilEmpty(service));
         }
     }
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QCOMPARE(threads.size(), std::size_t{20});
     QVERIFY(threads.front() != QThread::currentThread());
     QCOMPARE(std::count(threads.begin(), threads.end(), threads.front()), std::ptrdiff_t{20});
 }
 
-void AsyncServiceTest::jobsRunInTheOrderOfTheRuns()
+void AsyncServiceTest::jobsRunInTheOrderOfTheirRunCalls()
 {
     AsyncService service;
-    QStringList order;
-    auto const post = [&](char const* name) {
-        return service.post([&order, name](Reporter*) { order += QString::fromLatin1(name); });
-    };
+    QByteArrayList order;
+    auto const post = [&](char const* name) { return service.post([&order, name](Reporter*) { order += name; }); };
     Task* const a = post("a");
     Task* const b = post("b");
     Task* const c = post("c");
@@ -434,9 +433,9 @@ void AsyncServiceTest::jobsRunInTheOrderOfTheRuns()
     for (Task* const task : {c, a, d, b}) {
         service.run(task);
     }
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
-    QCOMPARE(order.join(QLatin1Char(' ')), QStringLiteral("c a d b"));
+    QCOMPARE(order, (QByteArrayList{"c", "a", "d", "b"}));
 }
 
 void AsyncServiceTest::thousandsOfTasksCompleteOnceEachInOrder()
@@ -459,8 +458,8 @@ void AsyncServiceTest::thousandsOfTasksCompleteOnceEachInOrder()
         task->onFinished = [&, i] { finished += i; };
         service.run(task);
     }
-    QVERIFY(TurnUntilEmpty(service));
-    DeliverQueued();
+    QVERIFY(WaitUntilEmpty(service));
+    DeliverQueuedEvents();
 
     QVector<int> expected(Count);
     std::iota(expected.begin(), expected.end(), 0);
@@ -473,13 +472,13 @@ void AsyncServiceTest::thousandsOfTasksCompleteOnceEachInOrder()
 void AsyncServiceTest::taskThatWasNeverPostedRunsWithoutReporter()
 {
     AsyncService service;
-    QStringList deaths;
+    QStringList destroyed;
     QVector<int> values;
     Gate go;
     bool withoutReporter = false;
     int finished = 0;
     auto* const task = new Task;
-    task->work = [&, witness = MakeWitness(deaths, "task")](Reporter* reporter) {
+    task->work = [&, logger = MakeDestructionLogger(destroyed, "task")](Reporter* reporter) {
         go.Pass();
         withoutReporter = reporter == nullptr;
     };
@@ -492,12 +491,12 @@ void AsyncServiceTest::taskThatWasNeverPostedRunsWithoutReporter()
     service.cancel(task);
     service.report(task, 4);
     go.Open();
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(withoutReporter);
     QCOMPARE(values, QVector<int>{4});
     QCOMPARE(finished, 1);
-    QCOMPARE(deaths, QStringList{QStringLiteral("task")});
+    QCOMPARE(destroyed, QStringList{QStringLiteral("task")});
 }
 
 void AsyncServiceTest::workerThreadStartsWithTheFirstRun()
@@ -514,20 +513,20 @@ void AsyncServiceTest::workerThreadStartsWithTheFirstRun()
     QVERIFY(!worker->isRunning());
     service->cancel(task);
     service->report(task, 1);
-    DeliverQueued();
+    DeliverQueuedEvents();
     QVERIFY(!worker->isRunning());
 
     service->run(task);
     QVERIFY(worker->isRunning());
     QCOMPARE(worker->priority(), QThread::InheritPriority);
-    QVERIFY(TurnUntilEmpty(*service));
+    QVERIFY(WaitUntilEmpty(*service));
     QVERIFY(worker->isRunning());
 
     service.reset();
     QVERIFY(!worker);
 }
 
-void AsyncServiceTest::eventLoopKeepsTurningWhileAJobRuns()
+void AsyncServiceTest::ownerEventLoopRunsDuringAJob()
 {
     AsyncService service;
     Gate ticked;
@@ -546,14 +545,14 @@ void AsyncServiceTest::eventLoopKeepsTurningWhileAJobRuns()
     timer.start(0);
 
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(ticks >= 5);
     QVERIFY(finished);
     QVERIFY(!finishedBeforeTheTicks);
 }
 
-void AsyncServiceTest::nullPointerIsRefused_data()
+void AsyncServiceTest::rejectsNullPointers_data()
 {
     QTest::addColumn<Misuse>("misuse");
     QTest::addColumn<QString>("message");
@@ -569,41 +568,39 @@ void AsyncServiceTest::nullPointerIsRefused_data()
         "attach", [](AsyncService& service) { service.attach(nullptr); }, "AsyncService use without object!");
 }
 
-void AsyncServiceTest::nullPointerIsRefused()
+void AsyncServiceTest::rejectsNullPointers()
 {
     QFETCH(Misuse, misuse);
     QFETCH(QString, message);
     AsyncService service;
-    ProgrammingError const complaint = CatchProgrammingError<std::invalid_argument>([&] { misuse(service); });
+    ProgrammingError const error = CatchProgrammingError<std::invalid_argument>([&] { misuse(service); });
 
-    QCOMPARE(complaint.message, message);
-    QVERIFY2(complaint.callStack.contains(QStringLiteral("AsyncService")), qPrintable(complaint.callStack));
-    QCOMPARE(complaint.file, QStringLiteral("Util/AsyncService.cpp"));
-    QVERIFY2(complaint.function.contains(QStringLiteral("AsyncService")) &&
-                 complaint.function.contains(QLatin1Char('(')),
-             qPrintable(complaint.function));
-    QVERIFY(complaint.line > 0);
+    QCOMPARE(error.message, message);
+    QVERIFY2(error.callStack.contains(QStringLiteral("AsyncService")), qPrintable(error.callStack));
+    QCOMPARE(error.file, QStringLiteral("Util/AsyncService.cpp"));
+    QVERIFY2(error.function.contains(QStringLiteral("AsyncService")) && error.function.contains(QLatin1Char('(')),
+             qPrintable(error.function));
+    QVERIFY(error.line > 0);
     QVERIFY(service.empty());
 }
 
-void AsyncServiceTest::constructorThrowsWhenQtRefusesAConnection_data()
+void AsyncServiceTest::constructorThrowsWhenAConnectionFails_data()
 {
     QTest::addColumn<int>("allowed");
-    QTest::newRow("the first") << 0;
-    QTest::newRow("the second") << 1;
+    QTest::newRow("first connection") << 0;
+    QTest::newRow("second connection") << 1;
 }
 
-void AsyncServiceTest::constructorThrowsWhenQtRefusesAConnection()
+void AsyncServiceTest::constructorThrowsWhenAConnectionFails()
 {
     QFETCH(int, allowed);
     auto const count = static_cast<std::size_t>(allowed);
     {
         ConnectionRefusal const refusal(count);
-        ProgrammingError const complaint = CatchProgrammingError<std::logic_error>([] { AsyncService(); });
+        ProgrammingError const error = CatchProgrammingError<std::logic_error>([] { AsyncService(); });
 
-        QCOMPARE(complaint.message, QStringLiteral("Failed to connect signal and slot"));
-        QVERIFY2(complaint.callStack.contains(QStringLiteral("AsyncService::AsyncService")),
-                 qPrintable(complaint.callStack));
+        QCOMPARE(error.message, QStringLiteral("Failed to connect signal and slot"));
+        QVERIFY2(error.callStack.contains(QStringLiteral("AsyncService::AsyncService")), qPrintable(error.callStack));
         QCOMPARE(refusal.requests.size(), count + 1);
     }
 
@@ -612,7 +609,7 @@ void AsyncServiceTest::constructorThrowsWhenQtRefusesAConnection()
     Task* const task = service.post([](Reporter*) {});
     task->onFinished = [&] { finished = true; };
     service.run(task);
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
     QVERIFY(finished);
 }
 

@@ -30,13 +30,14 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// Turns this thread's event loop until Quit() is called on this thread, or for Patience.
+/// The event loop of an owner thread.
 class OwnerLoop
 {
 public:
+    /// Runs until Quit() is called on the same thread. Returns false after Timeout.
     bool Exec()
     {
-        QTimer::singleShot(Patience, &loop_, [this] { loop_.exit(1); });
+        QTimer::singleShot(Timeout, &loop_, [this] { loop_.exit(1); });
         return loop_.exec() == 0;
     }
 
@@ -46,17 +47,17 @@ private:
     QEventLoop loop_;
 };
 
-/// Lets a job wait until the thread that made this has come to a wait of its own.
-class OwnersWait
+/// Lets a job wait until the thread that has created this object is blocked.
+class OwnerBlocking
 {
 public:
-    /// To be called by the owner right before.
+    /// Called by the owner thread immediately before the call that blocks.
     void Begin() { begun_ = true; }
 
-    /// To be called by the job.
+    /// Called by the job. Returns when the owner has been asleep in 100 consecutive checks, or after Timeout.
     void Await() const
     {
-        auto const deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(Patience);
+        auto const deadline = std::chrono::steady_clock::now() + Timeout;
         for (int seen = 0; seen < 100 && std::chrono::steady_clock::now() < deadline;) {
             seen = begun_ && IsAsleep() ? seen + 1 : 0;
             std::this_thread::yield();
@@ -76,8 +77,8 @@ private:
     std::atomic<bool> begun_{false};
 };
 
-/// Runs code on a thread that is not the main thread and has an event loop when the code turns one.
-void OnAnotherThread(std::function<void()> const& code)
+/// Runs \a code on a new thread and waits for it. Rethrows its exception.
+void RunOnAnotherThread(std::function<void()> const& code)
 {
     std::exception_ptr error;
     std::thread thread([&] {
@@ -100,27 +101,27 @@ class AsyncServiceThreadsTest : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void attachedObjectWorksOnTheWorkerThread();
-    void severalServicesWorkSideBySide();
-    void ownerIsTheThreadThatMadeTheService();
-    void ownersOnSeveralThreadsHearOfTheirOwnTasks();
+    void attachedObjectIsMovedToTheWorkerThread();
+    void servicesRunTheirJobsInParallel();
+    void ownerIsTheThreadThatCreatedTheService();
+    void ownersOnSeveralThreadsReceiveTheirOwnProgress();
     void destructionWaitsForTheRunningJob();
     void destructionNeitherCancelsNorInterruptsTheRunningJob();
     void runningJobMayReportDuringDestruction();
-    void destructionDropsTheJobsBehind_data();
-    void destructionDropsTheJobsBehind();
-    void destructionLeavesUnstartedTasksToTheirMaker();
-    void destructionDropsWhatIsQueuedForTheOwner();
-    void ownerThreadNeedNotTurnItsLoop();
-    void quitWorkerStartsAgainWithTheNextRun();
-    void quitWorkerLosesNoJobThatComesAsItEnds();
-    void quitWorkerLosesNoJobThatIsQueued();
+    void destructionDropsQueuedJobs_data();
+    void destructionDropsQueuedJobs();
+    void destructionDoesNotDeleteUnstartedTasks();
+    void destructionDropsCallbacksQueuedForTheOwner();
+    void ownerThreadNeedsNoEventLoop();
+    void runRestartsAFinishedWorkerThread();
+    void losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes();
+    void losesNoQueuedJobWhenAJobQuitsTheWorkerThread();
 };
 
-void AsyncServiceThreadsTest::attachedObjectWorksOnTheWorkerThread()
+void AsyncServiceThreadsTest::attachedObjectIsMovedToTheWorkerThread()
 {
     AsyncService service;
-    auto* const object = new QObject; // deleted on its thread
+    auto* const object = new QObject; // deleted on the worker thread
     QThread* slotThread = nullptr;
     QThread* jobThread = nullptr;
     Gate called;
@@ -130,20 +131,20 @@ void AsyncServiceThreadsTest::attachedObjectWorksOnTheWorkerThread()
         slotThread = QThread::currentThread();
         called.Open();
     });
-    DeliverQueued();
+    DeliverQueuedEvents();
 
     service.run(service.post([&](Reporter*) { jobThread = QThread::currentThread(); }));
     called.Pass();
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVERIFY(jobThread);
     QCOMPARE(slotThread, jobThread);
     QCOMPARE(object->thread(), jobThread);
     service.run(service.post([=](Reporter*) { delete object; }));
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 }
 
-void AsyncServiceThreadsTest::severalServicesWorkSideBySide()
+void AsyncServiceThreadsTest::servicesRunTheirJobsInParallel()
 {
     constexpr int Count = 4;
     std::vector<std::unique_ptr<AsyncService>> services;
@@ -157,7 +158,7 @@ void AsyncServiceThreadsTest::severalServicesWorkSideBySide()
     std::vector<Task*> tasks;
     for (int i = 0; i < Count; ++i) {
         auto const index = static_cast<std::size_t>(i);
-        // Each job waits for all others: they can only end together.
+        // Each job waits for all others, so no job finishes unless all run at the same time.
         tasks.push_back(services[index]->post([&, index](Reporter*) {
             threads[index] = QThread::currentThread();
             started[index]->Open();
@@ -170,25 +171,25 @@ void AsyncServiceThreadsTest::severalServicesWorkSideBySide()
     }
     QVERIFY(services[0]->contains(tasks[0]));
     QVERIFY(!services[1]->contains(tasks[0]));
-    QVERIFY(QTest::qWaitFor([&] { return finished.size() == Count; }, Patience));
+    QVERIFY(QTest::qWaitFor([&] { return finished.size() == Count; }, TimeoutMs));
 
     std::sort(threads.begin(), threads.end());
     QVERIFY(std::adjacent_find(threads.begin(), threads.end()) == threads.end());
 
     services[0].reset();
-    bool still = false;
+    bool finishedLater = false;
     Task* const task = services[1]->post([](Reporter*) {});
-    task->onFinished = [&] { still = true; };
+    task->onFinished = [&] { finishedLater = true; };
     services[1]->run(task);
-    QVERIFY(TurnUntilEmpty(*services[1]));
-    QVERIFY(still);
+    QVERIFY(WaitUntilEmpty(*services[1]));
+    QVERIFY(finishedLater);
 }
 
-void AsyncServiceThreadsTest::ownerIsTheThreadThatMadeTheService()
+void AsyncServiceThreadsTest::ownerIsTheThreadThatCreatedTheService()
 {
     QStringList calls;
     bool completed = false;
-    OnAnotherThread([&] {
+    RunOnAnotherThread([&] {
         OwnerLoop loop;
         AsyncService service;
         QThread* const owner = QThread::currentThread();
@@ -214,14 +215,14 @@ void AsyncServiceThreadsTest::ownerIsTheThreadThatMadeTheService()
     QCOMPARE(calls, (QStringList{QStringLiteral("progress"), QStringLiteral("cancelled")}));
 }
 
-void AsyncServiceThreadsTest::ownersOnSeveralThreadsHearOfTheirOwnTasks()
+void AsyncServiceThreadsTest::ownersOnSeveralThreadsReceiveTheirOwnProgress()
 {
     constexpr int Owners = 4;
     constexpr int Reports = 1000;
-    std::vector<int> heard(Owners);
+    std::vector<int> received(Owners);
     std::vector<std::thread> owners;
     owners.reserve(Owners);
-    for (int& count : heard) {
+    for (int& count : received) {
         owners.emplace_back([&count] {
             OwnerLoop loop;
             AsyncService service;
@@ -239,7 +240,7 @@ void AsyncServiceThreadsTest::ownersOnSeveralThreadsHearOfTheirOwnTasks()
     for (std::thread& owner : owners) {
         owner.join();
     }
-    QCOMPARE(heard, std::vector<int>(Owners, Reports));
+    QCOMPARE(received, std::vector<int>(Owners, Reports));
 }
 
 void AsyncServiceThreadsTest::destructionWaitsForTheRunningJob()
@@ -248,7 +249,7 @@ void AsyncServiceThreadsTest::destructionWaitsForTheRunningJob()
     QStringList calls;
     Gate started;
     std::atomic<bool> returned{false};
-    OwnersWait destruction;
+    OwnerBlocking destruction;
     std::unique_ptr<Task> const task(service->post([&](Reporter* reporter) {
         reporter->report(1);
         started.Open();
@@ -266,7 +267,7 @@ void AsyncServiceThreadsTest::destructionWaitsForTheRunningJob()
     service.reset();
 
     QVERIFY(returned);
-    DeliverQueued();
+    DeliverQueuedEvents();
     QCOMPARE(calls, QStringList());
 }
 
@@ -277,7 +278,7 @@ void AsyncServiceThreadsTest::destructionNeitherCancelsNorInterruptsTheRunningJo
     bool returned = false;
     bool cancelled = false;
     bool interrupted = false;
-    OwnersWait destruction;
+    OwnerBlocking destruction;
     std::unique_ptr<Task> const task(service->post([&](Reporter* reporter) {
         started.Open();
         destruction.Await();
@@ -302,7 +303,7 @@ void AsyncServiceThreadsTest::runningJobMayReportDuringDestruction()
     QVector<int> values;
     Gate started;
     int reported = 0;
-    OwnersWait destruction;
+    OwnerBlocking destruction;
     std::unique_ptr<Task> const task(service->post([&](Reporter* reporter) {
         started.Open();
         destruction.Await();
@@ -318,27 +319,27 @@ void AsyncServiceThreadsTest::runningJobMayReportDuringDestruction()
     service.reset();
 
     QCOMPARE(reported, 100);
-    DeliverQueued();
+    DeliverQueuedEvents();
     QCOMPARE(values, QVector<int>());
 }
 
-void AsyncServiceThreadsTest::destructionDropsTheJobsBehind_data()
+void AsyncServiceThreadsTest::destructionDropsQueuedJobs_data()
 {
-    QTest::addColumn<bool>("longBefore");
-    QTest::newRow("queued before the running job began") << true;
-    QTest::newRow("queued while the job was running") << false;
+    QTest::addColumn<bool>("queuedBefore");
+    QTest::newRow("queued before the running job starts") << true;
+    QTest::newRow("queued while the job runs") << false;
 }
 
-void AsyncServiceThreadsTest::destructionDropsTheJobsBehind()
+void AsyncServiceThreadsTest::destructionDropsQueuedJobs()
 {
-    QFETCH(bool, longBefore);
+    QFETCH(bool, queuedBefore);
     auto service = std::make_unique<AsyncService>();
     QStringList calls;
     Gate queued;
     Gate started;
     std::atomic<bool> returned{false};
     std::atomic<int> ran{0};
-    OwnersWait destruction;
+    OwnerBlocking destruction;
     std::vector<std::unique_ptr<Task>> tasks;
     auto const add = [&](Job job) {
         tasks.emplace_back(service->post(std::move(job)));
@@ -352,15 +353,15 @@ void AsyncServiceThreadsTest::destructionDropsTheJobsBehind()
         destruction.Await();
         returned = true;
     });
-    if (longBefore) {
+    if (queuedBefore) {
         for (int i = 0; i < 10; ++i) {
             add([&](Reporter*) { ++ran; });
         }
     }
     queued.Open();
     started.Pass();
-    QVERIFY(TurnUntilGone(*service, before));
-    if (!longBefore) {
+    QVERIFY(WaitUntilCompleted(*service, before));
+    if (!queuedBefore) {
         for (int i = 0; i < 10; ++i) {
             add([&](Reporter*) { ++ran; });
         }
@@ -370,30 +371,31 @@ void AsyncServiceThreadsTest::destructionDropsTheJobsBehind()
     service.reset();
 
     QVERIFY(returned);
-    DeliverQueued();
+    DeliverQueuedEvents();
     QCOMPARE(ran.load(), 0);
     QCOMPARE(calls, QStringList());
 }
 
-void AsyncServiceThreadsTest::destructionLeavesUnstartedTasksToTheirMaker()
+void AsyncServiceThreadsTest::destructionDoesNotDeleteUnstartedTasks()
 {
-    QStringList deaths;
+    QStringList destroyed;
     auto service = std::make_unique<AsyncService>();
-    std::unique_ptr<Task> const posted(service->post([witness = MakeWitness(deaths, "posted")](Reporter*) {}));
+    std::unique_ptr<Task> const posted(
+        service->post([logger = MakeDestructionLogger(destroyed, "posted")](Reporter*) {}));
     auto own = std::make_unique<Task>();
-    own->work = [witness = MakeWitness(deaths, "own")](Reporter*) {};
+    own->work = [logger = MakeDestructionLogger(destroyed, "own")](Reporter*) {};
     service->post(own.get());
     service->cancel(own.get());
-    QVERIFY(TurnUntilGone(*service, LetWorkerFinish(*service)));
+    QVERIFY(WaitUntilCompleted(*service, WaitForWorker(*service)));
     QVERIFY(service->contains(posted.get()) && service->contains(own.get()));
 
     service.reset();
 
-    QCOMPARE(deaths, QStringList());
+    QCOMPARE(destroyed, QStringList());
     QVERIFY(posted->work && own->work);
 }
 
-void AsyncServiceThreadsTest::destructionDropsWhatIsQueuedForTheOwner()
+void AsyncServiceThreadsTest::destructionDropsCallbacksQueuedForTheOwner()
 {
     auto service = std::make_unique<AsyncService>();
     QStringList calls;
@@ -408,15 +410,15 @@ void AsyncServiceThreadsTest::destructionDropsWhatIsQueuedForTheOwner()
 
     service.reset();
 
-    DeliverQueued();
+    DeliverQueuedEvents();
     QCOMPARE(calls, QStringList());
 }
 
-void AsyncServiceThreadsTest::ownerThreadNeedNotTurnItsLoop()
+void AsyncServiceThreadsTest::ownerThreadNeedsNoEventLoop()
 {
     std::atomic<int> ran{0};
     std::atomic<int> called{0};
-    OnAnotherThread([&] {
+    RunOnAnotherThread([&] {
         std::vector<std::unique_ptr<Task>> tasks;
         AsyncService service;
         Gate done;
@@ -438,7 +440,7 @@ void AsyncServiceThreadsTest::ownerThreadNeedNotTurnItsLoop()
     QCOMPARE(called.load(), 0);
 }
 
-void AsyncServiceThreadsTest::quitWorkerStartsAgainWithTheNextRun()
+void AsyncServiceThreadsTest::runRestartsAFinishedWorkerThread()
 {
     QObject object;
     AsyncService service;
@@ -446,9 +448,9 @@ void AsyncServiceThreadsTest::quitWorkerStartsAgainWithTheNextRun()
     QThread* const worker = object.thread();
     for (int round = 0; round < 3; ++round) {
         service.run(service.post([](Reporter*) { QThread::currentThread()->quit(); }));
-        QVERIFY(TurnUntilEmpty(service));
-        QVERIFY(QTest::qWaitFor([&] { return worker->isFinished(); }, Patience));
-        DeliverQueued();
+        QVERIFY(WaitUntilEmpty(service));
+        QVERIFY(QTest::qWaitFor([&] { return worker->isFinished(); }, TimeoutMs));
+        DeliverQueuedEvents();
         QVERIFY(!worker->isRunning());
 
         bool finished = false;
@@ -457,14 +459,14 @@ void AsyncServiceThreadsTest::quitWorkerStartsAgainWithTheNextRun()
         next->onFinished = [&] { finished = true; };
         service.run(next);
         QVERIFY(worker->isRunning());
-        QVERIFY(TurnUntilEmpty(service));
+        QVERIFY(WaitUntilEmpty(service));
         QVERIFY(finished);
         QCOMPARE(jobThread, worker);
     }
 }
 
-// At each completion the thread is about to end: sooner or later a job comes in at every moment of that.
-void AsyncServiceThreadsTest::quitWorkerLosesNoJobThatComesAsItEnds()
+// The worker thread finishes after each job. The varying delay queues the next job at different stages of this.
+void AsyncServiceThreadsTest::losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes()
 {
     constexpr int Rounds = 3000;
     AsyncService service;
@@ -483,11 +485,11 @@ void AsyncServiceThreadsTest::quitWorkerLosesNoJobThatComesAsItEnds()
                 next();
             }
         };
-        // From at once to about as late as the thread takes to end.
-        int const delay = completed % 200 * 500; // nanoseconds
+        // From 0 to about the time that the thread takes to finish.
+        int const delayNs = completed % 200 * 500;
         QElapsedTimer elapsed;
         elapsed.start();
-        while (elapsed.nsecsElapsed() < delay) {
+        while (elapsed.nsecsElapsed() < delayNs) {
         }
         service.run(task);
     };
@@ -500,11 +502,11 @@ void AsyncServiceThreadsTest::quitWorkerLosesNoJobThatComesAsItEnds()
     QVERIFY(service.empty());
 }
 
-void AsyncServiceThreadsTest::quitWorkerLosesNoJobThatIsQueued()
+void AsyncServiceThreadsTest::losesNoQueuedJobWhenAJobQuitsTheWorkerThread()
 {
     constexpr int Count = 300;
     AsyncService service;
-    std::mutex guard; // between one run of the thread and the next
+    std::mutex guard; // orders the jobs for the thread sanitizer when the worker thread restarts between them
     QVector<int> jobs;
     QVector<int> finished;
     for (int i = 0; i < Count; ++i) {
@@ -516,7 +518,7 @@ void AsyncServiceThreadsTest::quitWorkerLosesNoJobThatIsQueued()
         task->onFinished = [&, i] { finished += i; };
         service.run(task);
     }
-    QVERIFY(TurnUntilEmpty(service));
+    QVERIFY(WaitUntilEmpty(service));
 
     QVector<int> expected(Count);
     std::iota(expected.begin(), expected.end(), 0);

@@ -1,5 +1,6 @@
 #include <support/ProgrammingError.h>
 #include <support/TestCase.h>
+#include <support/Timeouts.h>
 #include <support/overrides/ConnectionRefusal.h>
 
 #include <Util/FunctorExecutionForwarder.h>
@@ -8,7 +9,6 @@
 #include <QtTest/QtTest>
 
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -19,6 +19,8 @@
 
 using Zelkor::Testing::ConnectionRefusal;
 using Zelkor::Testing::ConnectionRequest;
+using Zelkor::Testing::Timeout;
+using Zelkor::Testing::TimeoutMs;
 using Zelkor::Util::FunctorExecutionForwarder;
 using Zelkor::Util::FunctorType;
 
@@ -40,12 +42,10 @@ static_assert(std::is_same_v<decltype(&FunctorExecutionForwarder::ExecuteFunctor
 namespace
 {
 
-constexpr auto Patience = std::chrono::seconds(10);
-
-struct CannotRun
+struct FunctorError
 {};
 
-/// Counts its copies, and notes where it was called and where the copy that was called came to its end.
+/// Counts its copies and calls. Records the thread of the call, and the thread that destroys the called copy.
 class CopyCounter
 {
 public:
@@ -53,8 +53,8 @@ public:
     {
         int copies = 0;
         int calls = 0;
-        std::thread::id calledIn;
-        std::thread::id destroyedIn;
+        std::thread::id callThread;
+        std::thread::id destructionThread;
     };
 
     explicit CopyCounter(Record& record)
@@ -70,14 +70,14 @@ public:
     ~CopyCounter()
     {
         if (wasCalled_) {
-            record_->destroyedIn = std::this_thread::get_id();
+            record_->destructionThread = std::this_thread::get_id();
         }
     }
 
     void operator()()
     {
         ++record_->calls;
-        record_->calledIn = std::this_thread::get_id();
+        record_->callThread = std::this_thread::get_id();
         wasCalled_ = true;
     }
 
@@ -86,13 +86,13 @@ private:
     bool wasCalled_ = false;
 };
 
-QMetaMethod MethodOf(char const* signature)
+QMetaMethod FindMethod(char const* signature)
 {
     QMetaObject const& metaObject = FunctorExecutionForwarder::staticMetaObject;
     return metaObject.method(metaObject.indexOfMethod(signature));
 }
 
-void RunQueue()
+void DeliverQueuedEvents()
 {
     QCoreApplication::sendPostedEvents();
 }
@@ -115,7 +115,7 @@ private Q_SLOTS:
 
     void hasOnePublicSignal()
     {
-        QMetaMethod const signal = MethodOf("ExecuteFunctor(FunctorType)");
+        QMetaMethod const signal = FindMethod("ExecuteFunctor(FunctorType)");
         QVERIFY(signal.isValid());
         QCOMPARE(signal.methodType(), QMetaMethod::Signal);
         QCOMPARE(signal.access(), QMetaMethod::Public);
@@ -125,7 +125,7 @@ private Q_SLOTS:
 
     void hasOnePrivateSlot()
     {
-        QMetaMethod const slot = MethodOf("OnExecuteFunctor(FunctorType)");
+        QMetaMethod const slot = FindMethod("OnExecuteFunctor(FunctorType)");
         QVERIFY(slot.isValid());
         QCOMPARE(slot.methodType(), QMetaMethod::Slot);
         QCOMPARE(slot.access(), QMetaMethod::Private);
@@ -152,14 +152,14 @@ private Q_SLOTS:
         QCOMPARE(qRegisterMetaType<FunctorType>("FunctorType"), type);
     }
 
-    void isMadeWithoutParentOnTheCallingThread()
+    void isCreatedWithoutParentOnTheCallingThread()
     {
         FunctorExecutionForwarder const forwarder;
         QCOMPARE(forwarder.parent(), nullptr);
         QCOMPARE(forwarder.thread(), QThread::currentThread());
     }
 
-    void throwsWhenItCannotConnectToItself()
+    void throwsIfItCannotConnectToItself()
     {
         ConnectionRefusal const refusal;
         auto const error =
@@ -173,7 +173,7 @@ private Q_SLOTS:
         QVERIFY(error.line > 0);
     }
 
-    void connectsItsSignalToItsSlotThroughTheQueue()
+    void connectsItsSignalToItsSlotWithAQueuedConnection()
     {
         ConnectionRefusal const refusal;
         QVERIFY_EXCEPTION_THROWN(FunctorExecutionForwarder(), std::logic_error);
@@ -191,22 +191,22 @@ private Q_SLOTS:
         int calls = 0;
         forwarder.Forward([&calls] { ++calls; });
         QCOMPARE(calls, 0);
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(calls, 1);
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(calls, 1);
     }
 
-    void runsInTheEventLoop()
+    void callsTheFunctorInTheEventLoop()
     {
         FunctorExecutionForwarder const forwarder;
         QEventLoop loop;
-        QTimer::singleShot(Patience, &loop, [&loop] { loop.exit(1); });
+        QTimer::singleShot(Timeout, &loop, [&loop] { loop.exit(1); });
         forwarder.Forward([&loop] { loop.quit(); });
         QCOMPARE(loop.exec(), 0);
     }
 
-    void defersWhatAFunctorForwards()
+    void defersAFunctorThatAFunctorForwards()
     {
         FunctorExecutionForwarder const forwarder;
         QStringList log;
@@ -214,11 +214,11 @@ private Q_SLOTS:
             forwarder.Forward([&log] { log += QStringLiteral("inner"); });
             log += QStringLiteral("outer");
         });
-        RunQueue();
+        DeliverQueuedEvents();
         QTRY_COMPARE(log, (QStringList{QStringLiteral("outer"), QStringLiteral("inner")}));
     }
 
-    void runsFunctorsOfAnotherThreadOnItsOwnInOrder()
+    void callsFunctorsOfAnotherThreadInOrder()
     {
         FunctorExecutionForwarder const forwarder;
         std::vector<std::pair<int, std::thread::id>> calls;
@@ -229,24 +229,25 @@ private Q_SLOTS:
         }).join();
         QVERIFY(calls.empty());
         QTRY_COMPARE(calls.size(), std::size_t(3));
-        std::thread::id const here = std::this_thread::get_id();
-        QCOMPARE(calls, (std::vector<std::pair<int, std::thread::id>>{{1, here}, {2, here}, {3, here}}));
+        std::thread::id const thisThread = std::this_thread::get_id();
+        QCOMPARE(calls,
+                 (std::vector<std::pair<int, std::thread::id>>{{1, thisThread}, {2, thisThread}, {3, thisThread}}));
     }
 
-    void keepsTheOrderOfEachOfManyThreads()
+    void keepsTheOrderOfFunctorsOfEachThread()
     {
         constexpr std::size_t threadCount = 4;
         constexpr int functorCount = 250;
         FunctorExecutionForwarder const forwarder;
         std::vector<std::vector<int>> numbers(threadCount);
-        bool areAllHere = true;
+        bool areAllOnThisThread = true;
         bool isRunning = false;
         bool didOverlap = false;
 
         std::promise<void> start;
         std::shared_future<void> const started = start.get_future().share();
         std::vector<std::thread> threads;
-        std::thread::id const here = std::this_thread::get_id();
+        std::thread::id const thisThread = std::this_thread::get_id();
         for (std::size_t thread = 0; thread < threadCount; ++thread) {
             threads.emplace_back([&, thread, started] {
                 started.wait();
@@ -254,7 +255,7 @@ private Q_SLOTS:
                     forwarder.Forward([&, thread, number] {
                         didOverlap = didOverlap || isRunning;
                         isRunning = true;
-                        areAllHere = areAllHere && std::this_thread::get_id() == here;
+                        areAllOnThisThread = areAllOnThisThread && std::this_thread::get_id() == thisThread;
                         numbers[thread].push_back(number);
                         isRunning = false;
                     });
@@ -266,19 +267,19 @@ private Q_SLOTS:
             return std::all_of(numbers.begin(), numbers.end(),
                                [](std::vector<int> const& own) { return own.size() == std::size_t(functorCount); });
         };
-        bool const inTime = QTest::qWaitFor(areAllDone, static_cast<int>(std::chrono::milliseconds(Patience).count()));
+        bool const inTime = QTest::qWaitFor(areAllDone, TimeoutMs);
         for (std::thread& thread : threads) {
             thread.join();
         }
         QVERIFY(inTime);
-        QVERIFY(areAllHere);
+        QVERIFY(areAllOnThisThread);
         QVERIFY(!didOverlap);
         for (std::vector<int> const& own : numbers) {
             QVERIFY(std::is_sorted(own.begin(), own.end()));
         }
     }
 
-    void runsOnTheThreadItWasMovedTo()
+    void callsFunctorsOnTheThreadThatItIsMovedTo()
     {
         FunctorExecutionForwarder forwarder;
         std::promise<QThread*> queuedBefore;
@@ -291,10 +292,10 @@ private Q_SLOTS:
         forwarder.moveToThread(&thread);
         thread.start();
         forwarder.Forward([&queuedAfterwards] { queuedAfterwards.set_value(QThread::currentThread()); });
-        bool const inTime = before.wait_for(Patience) == std::future_status::ready &&
-                            afterwards.wait_for(Patience) == std::future_status::ready;
+        bool const inTime = before.wait_for(Timeout) == std::future_status::ready &&
+                            afterwards.wait_for(Timeout) == std::future_status::ready;
         thread.quit();
-        QVERIFY(thread.wait(QDeadlineTimer(Patience)));
+        QVERIFY(thread.wait(QDeadlineTimer(Timeout)));
         QVERIFY(inTime);
         QCOMPARE(before.get(), &thread);
         QCOMPARE(afterwards.get(), &thread);
@@ -308,12 +309,12 @@ private Q_SLOTS:
         record.copies = 0;
         forwarder.Forward(std::move(functor));
         QCOMPARE(record.copies, 1);
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(record.copies, 1);
         QCOMPARE(record.calls, 1);
     }
 
-    void leavesTheCallersFunctorAlone()
+    void keepsTheFunctorOfTheCaller()
     {
         FunctorExecutionForwarder const forwarder;
         CopyCounter::Record record;
@@ -321,7 +322,7 @@ private Q_SLOTS:
         record.copies = 0;
         forwarder.Forward(functor);
         QCOMPARE(record.copies, 2);
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(record.copies, 2);
         QVERIFY(functor);
     }
@@ -331,10 +332,10 @@ private Q_SLOTS:
         FunctorExecutionForwarder const forwarder;
         CopyCounter::Record record;
         std::thread([&] { forwarder.Forward(CopyCounter(record)); }).join();
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(record.calls, 1);
-        QVERIFY(record.calledIn == std::this_thread::get_id());
-        QVERIFY(record.destroyedIn == std::this_thread::get_id());
+        QVERIFY(record.callThread == std::this_thread::get_id());
+        QVERIFY(record.destructionThread == std::this_thread::get_id());
     }
 
     void destroysAFunctorBeforeItCallsTheNext()
@@ -342,14 +343,14 @@ private Q_SLOTS:
         FunctorExecutionForwarder const forwarder;
         auto resource = std::make_shared<int>(0);
         std::weak_ptr<int> const watched = resource;
-        bool wasThere = false;
-        bool wasGone = false;
-        forwarder.Forward([resource, &watched, &wasThere] { wasThere = !watched.expired(); });
-        forwarder.Forward([&watched, &wasGone] { wasGone = watched.expired(); });
+        bool didExist = false;
+        bool isDestroyed = false;
+        forwarder.Forward([resource, &watched, &didExist] { didExist = !watched.expired(); });
+        forwarder.Forward([&watched, &isDestroyed] { isDestroyed = watched.expired(); });
         resource.reset();
-        RunQueue();
-        QVERIFY(wasThere);
-        QVERIFY(wasGone);
+        DeliverQueuedEvents();
+        QVERIFY(didExist);
+        QVERIFY(isDestroyed);
     }
 
     void dropsQueuedFunctorsWhenDestroyed()
@@ -366,7 +367,7 @@ private Q_SLOTS:
             QVERIFY(!watched.expired());
         }
         QVERIFY(watched.expired());
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(calls, 0);
     }
 
@@ -376,7 +377,7 @@ private Q_SLOTS:
         auto forwarder = std::make_unique<FunctorExecutionForwarder>();
         std::thread([&] { forwarder->Forward(CopyCounter(record)); }).join();
         forwarder.reset();
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(record.calls, 0);
     }
 
@@ -389,11 +390,11 @@ private Q_SLOTS:
             log += QStringLiteral("destroyed");
         });
         forwarder->Forward([&log] { log += QStringLiteral("called"); });
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(log, QStringList{QStringLiteral("destroyed")});
     }
 
-    void mayBeDestroyedWhenItsThreadHasEnded()
+    void mayBeDestroyedWhenItsThreadHasFinished()
     {
         int calls = 0;
         auto forwarder = std::make_unique<FunctorExecutionForwarder>();
@@ -401,7 +402,7 @@ private Q_SLOTS:
         forwarder->moveToThread(&thread);
         thread.start();
         thread.quit();
-        QVERIFY(thread.wait(QDeadlineTimer(Patience)));
+        QVERIFY(thread.wait(QDeadlineTimer(Timeout)));
         forwarder->Forward([&calls] { ++calls; });
         forwarder.reset();
         QCOMPARE(calls, 0);
@@ -411,7 +412,7 @@ private Q_SLOTS:
     {
         FunctorExecutionForwarder const forwarder;
         forwarder.Forward(std::function<void()>());
-        QVERIFY_EXCEPTION_THROWN(RunQueue(), std::bad_function_call);
+        QVERIFY_EXCEPTION_THROWN(DeliverQueuedEvents(), std::bad_function_call);
     }
 
     void throwsForAnEmptyFunctorInItsSlot()
@@ -431,14 +432,14 @@ private Q_SLOTS:
         QCOMPARE(calls, 1);
     }
 
-    void letsTheFunctorsExceptionOutAndRunsTheRest()
+    void propagatesAnExceptionAndCallsTheOtherFunctors()
     {
         FunctorExecutionForwarder const forwarder;
         int calls = 0;
-        forwarder.Forward([] { throw CannotRun(); });
+        forwarder.Forward([] { throw FunctorError(); });
         forwarder.Forward([&calls] { ++calls; });
-        QVERIFY_EXCEPTION_THROWN(RunQueue(), CannotRun);
-        RunQueue();
+        QVERIFY_EXCEPTION_THROWN(DeliverQueuedEvents(), FunctorError);
+        DeliverQueuedEvents();
         QCOMPARE(calls, 1);
     }
 
@@ -454,21 +455,21 @@ private Q_SLOTS:
         QCOMPARE(calls, 0);
         received();
         QCOMPARE(calls, 1);
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(calls, 2);
     }
 
-    void runsWhatOthersEmitThroughItsSignal()
+    void callsAFunctorThatIsEmittedThroughItsSignal()
     {
         FunctorExecutionForwarder const forwarder;
         int calls = 0;
         Q_EMIT forwarder.ExecuteFunctor([&calls] { ++calls; });
         QCOMPARE(calls, 0);
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(calls, 1);
     }
 
-    void runsItsOwnFunctorsOnly()
+    void callsOnlyItsOwnFunctors()
     {
         FunctorExecutionForwarder const first;
         auto second = std::make_unique<FunctorExecutionForwarder>();
@@ -476,7 +477,7 @@ private Q_SLOTS:
         first.Forward([&log] { log += QStringLiteral("first"); });
         second->Forward([&log] { log += QStringLiteral("second"); });
         second.reset();
-        RunQueue();
+        DeliverQueuedEvents();
         QCOMPARE(log, QStringList{QStringLiteral("first")});
     }
 };

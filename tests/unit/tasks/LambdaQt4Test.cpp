@@ -1,5 +1,6 @@
 #include <support/ProgrammingError.h>
 #include <support/TestCase.h>
+#include <support/Timeouts.h>
 
 #include <Util/LambdaQt4.h>
 
@@ -8,7 +9,6 @@
 #include <QtTest/QtTest>
 #include <QtWidgets/QPushButton>
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <future>
@@ -17,6 +17,7 @@
 #include <type_traits>
 #include <utility>
 
+using Zelkor::Testing::Timeout;
 using Zelkor::Util::LambdaQt4;
 using Zelkor::Util::OneTimeExecutor;
 
@@ -29,12 +30,13 @@ constexpr bool IsPlainQObjectClass =
     !std::is_move_constructible_v<Lambda> && !std::is_move_assignable_v<Lambda>;
 
 template <class Lambda>
-constexpr bool IsMadeOfFunctionAndOptionalParent =
+constexpr bool HasConstructorWithFunctionAndOptionalParent =
     std::is_constructible_v<Lambda, Function>&& std::is_constructible_v<Lambda, Function, QObject*> &&
     !std::is_default_constructible_v<Lambda> && !std::is_convertible_v<Function, Lambda>;
 
 static_assert(IsPlainQObjectClass<LambdaQt4> && IsPlainQObjectClass<OneTimeExecutor>);
-static_assert(IsMadeOfFunctionAndOptionalParent<LambdaQt4> && IsMadeOfFunctionAndOptionalParent<OneTimeExecutor>);
+static_assert(HasConstructorWithFunctionAndOptionalParent<LambdaQt4> &&
+              HasConstructorWithFunctionAndOptionalParent<OneTimeExecutor>);
 static_assert(std::is_convertible_v<OneTimeExecutor*, LambdaQt4*>);
 static_assert(sizeof(LambdaQt4) == sizeof(QObject) + sizeof(Function));
 static_assert(sizeof(OneTimeExecutor) == sizeof(LambdaQt4));
@@ -42,78 +44,76 @@ static_assert(std::is_same_v<decltype(&LambdaQt4::execute), void (LambdaQt4::*)(
 
 Q_DECLARE_METATYPE(QMetaObject const*)
 
-/// Sends the signals that the tests want.
+/// Emits the signal of the tests.
 class Sender : public QObject
 {
     Q_OBJECT
 
 Q_SIGNALS:
-    void Happened();
+    void Emitted();
 };
 
 namespace
 {
 
-constexpr auto Patience = std::chrono::seconds(10);
-
-struct CannotRun
+struct FunctionError
 {};
 
-/// Logs its end.
-class Witness
+/// Logs its destruction.
+class DestructionLogger
 {
 public:
-    Witness(QStringList& log, QString text)
+    DestructionLogger(QStringList& log, QString text)
         : log_(log)
         , text_(std::move(text))
     {}
-    ~Witness() { log_ += text_; }
-    Q_DISABLE_COPY_MOVE(Witness)
+    ~DestructionLogger() { log_ += text_; }
+    Q_DISABLE_COPY_MOVE(DestructionLogger)
 
 private:
     QStringList& log_;
     QString text_;
 };
 
-/// An executor that takes the place of the one before, and logs its end.
-class PlacedExecutor : public OneTimeExecutor
+/// Logs its destruction. All objects of this class have the same address, so at most one may exist at a time.
+class SameAddressExecutor : public OneTimeExecutor
 {
 public:
-    PlacedExecutor(QStringList& log, QString text, Function function)
+    SameAddressExecutor(QStringList& log, QString text, Function function)
         : OneTimeExecutor(std::move(function))
-        , end_(log, std::move(text))
+        , destructionLogger_(log, std::move(text))
     {}
 
     static void* operator new(std::size_t)
     {
-        alignas(std::max_align_t) static unsigned char place[sizeof(PlacedExecutor)];
-        return place;
+        alignas(std::max_align_t) static unsigned char storage[sizeof(SameAddressExecutor)];
+        return storage;
     }
     static void operator delete(void*) {}
 
 private:
-    Witness end_;
+    DestructionLogger destructionLogger_;
 };
 
 bool ConnectToExecute(Sender const& sender, LambdaQt4 const& lambda)
 {
-    return QObject::connect(&sender, SIGNAL(Happened()), &lambda, SLOT(execute()));
+    return QObject::connect(&sender, SIGNAL(Emitted()), &lambda, SLOT(execute()));
 }
 
 bool ConnectToExecuteOnce(Sender const& sender, OneTimeExecutor const& executor)
 {
-    return QObject::connect(&sender, SIGNAL(Happened()), &executor, SLOT(executeOnce()));
+    return QObject::connect(&sender, SIGNAL(Emitted()), &executor, SLOT(executeOnce()));
 }
 
-/// What a program that has no signal at hand would do.
+/// Calls the private slot, as a signal would.
 void ExecuteOnce(OneTimeExecutor* executor)
 {
     QVERIFY(QMetaObject::invokeMethod(executor, "executeOnce", Qt::DirectConnection));
 }
 
-/// Checks what applications see of the complaint about a missing function.
+/// Checks the exception that reports a missing function.
 template <class Call>
-void VerifyComplaint(Call const& call)
+void VerifyThrowsMissingFunction(Call const& call)
 {
     auto const error = Zelkor::Testing::CatchProgrammingError<std::logic_error>(call);
     QCOMPARE(error.message, QStringLiteral("LambdaQt4 use without functor!"));
@@ -151,7 +151,7 @@ private Q_SLOTS:
         QCOMPARE(metaObject->propertyCount(), metaObject->propertyOffset());
     }
 
-    void hasOneSlotOnly_data()
+    void hasOnlyOneSlot_data()
     {
         QTest::addColumn<QMetaObject const*>("metaObject");
         QTest::addColumn<QByteArray>("signature");
@@ -162,7 +162,7 @@ private Q_SLOTS:
                                          << static_cast<int>(QMetaMethod::Private);
     }
 
-    void hasOneSlotOnly()
+    void hasOnlyOneSlot()
     {
         QFETCH(QMetaObject const*, metaObject);
         QFETCH(QByteArray, signature);
@@ -175,7 +175,7 @@ private Q_SLOTS:
         QCOMPARE(slot.returnType(), static_cast<int>(QMetaType::Void));
     }
 
-    void callsTheFunctionWithTheButtonThatWasClicked()
+    void callsTheFunctionWithTheClickedButton()
     {
         QPushButton button;
         QObjectList senders;
@@ -187,7 +187,7 @@ private Q_SLOTS:
         QCOMPARE(senders, (QObjectList{&button, &button}));
     }
 
-    void tellsItsSendersApart()
+    void passesTheSenderOfEachSignal()
     {
         Sender first;
         Sender second;
@@ -195,8 +195,8 @@ private Q_SLOTS:
         LambdaQt4 const lambda([&senders](QObject* sender) { senders += sender; });
         QVERIFY(ConnectToExecute(first, lambda));
         QVERIFY(ConnectToExecute(second, lambda));
-        Q_EMIT second.Happened();
-        Q_EMIT first.Happened();
+        Q_EMIT second.Emitted();
+        Q_EMIT first.Emitted();
         QCOMPARE(senders, (QObjectList{&second, &first}));
     }
 
@@ -206,14 +206,14 @@ private Q_SLOTS:
         QObjectList senders;
         LambdaQt4 lambda([&senders](QObject* sender) { senders += sender; });
         lambda.execute();
-        // Inside somebody else's slot it is a direct call still.
+        // A call from a slot of another object is direct, too.
         LambdaQt4 const outer([&lambda](QObject*) { lambda.execute(); });
         QVERIFY(ConnectToExecute(other, outer));
-        Q_EMIT other.Happened();
+        Q_EMIT other.Emitted();
         QCOMPARE(senders, (QObjectList{nullptr, nullptr}));
     }
 
-    void runsInTheThreadOfTheObjectWhenQueued()
+    void runsOnTheThreadOfTheObjectWhenQueued()
     {
         Sender sender;
         std::promise<std::pair<QObject*, QThread*>> promise;
@@ -225,10 +225,10 @@ private Q_SLOTS:
         QThread thread;
         lambda->moveToThread(&thread);
         thread.start();
-        Q_EMIT sender.Happened();
-        bool const isReady = result.wait_for(Patience) == std::future_status::ready;
+        Q_EMIT sender.Emitted();
+        bool const isReady = result.wait_for(Timeout) == std::future_status::ready;
         thread.quit();
-        QVERIFY(thread.wait(QDeadlineTimer(Patience)));
+        QVERIFY(thread.wait(QDeadlineTimer(Timeout)));
         QVERIFY(isReady);
         auto const [from, ranIn] = result.get();
         QCOMPARE(from, &sender);
@@ -238,22 +238,22 @@ private Q_SLOTS:
     void throwsWithoutFunction()
     {
         LambdaQt4 lambda{Function()};
-        VerifyComplaint([&lambda] { lambda.execute(); });
+        VerifyThrowsMissingFunction([&lambda] { lambda.execute(); });
     }
 
-    void throwsWithoutFunctionThroughTheSignal()
+    void throwsWithoutFunctionWhenASignalIsEmitted()
     {
         Sender sender;
         LambdaQt4 const lambda{Function()};
         QVERIFY(ConnectToExecute(sender, lambda));
-        VerifyComplaint([&sender] { Q_EMIT sender.Happened(); });
+        VerifyThrowsMissingFunction([&sender] { Q_EMIT sender.Emitted(); });
     }
 
-    void passesOnWhatTheFunctionThrows()
+    void propagatesAnExceptionOfTheFunction()
     {
-        LambdaQt4 lambda([](QObject*) { throw CannotRun(); });
-        QVERIFY_EXCEPTION_THROWN(lambda.execute(), CannotRun);
-        QVERIFY_EXCEPTION_THROWN(lambda.execute(), CannotRun);
+        LambdaQt4 lambda([](QObject*) { throw FunctionError(); });
+        QVERIFY_EXCEPTION_THROWN(lambda.execute(), FunctionError);
+        QVERIFY_EXCEPTION_THROWN(lambda.execute(), FunctionError);
     }
 
     void hasNoParentUnlessGiven()
@@ -274,7 +274,7 @@ private Q_SLOTS:
         QVERIFY(executor.isNull());
     }
 
-    void doesNotRunWhenMadeOrDestroyed()
+    void doesNotCallTheFunctionWhenConstructedOrDestroyed()
     {
         int runs = 0;
         {
@@ -287,40 +287,40 @@ private Q_SLOTS:
     void destroysTheFunctionBeforeTheObject()
     {
         QStringList log;
-        auto witness = std::make_shared<Witness>(log, QStringLiteral("function"));
-        auto lambda = std::make_unique<LambdaQt4>([witness](QObject*) {});
+        auto logger = std::make_shared<DestructionLogger>(log, QStringLiteral("function"));
+        auto lambda = std::make_unique<LambdaQt4>([logger](QObject*) {});
         QObject::connect(lambda.get(), &QObject::destroyed, this, [&log] { log += QStringLiteral("object"); });
-        witness.reset();
+        logger.reset();
         QVERIFY(log.isEmpty());
         lambda.reset();
         QCOMPARE(log, (QStringList{QStringLiteral("function"), QStringLiteral("object")}));
     }
 
-    void oneTimeExecutorRunsOnceAndIsGone()
+    void oneTimeExecutorRunsOnceAndDeletesItself()
     {
         Sender sender;
         QObjectList senders;
         QPointer<OneTimeExecutor> const executor(new OneTimeExecutor([&senders](QObject* from) { senders += from; }));
         QVERIFY(ConnectToExecuteOnce(sender, *executor));
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QVERIFY(executor.isNull());
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QCOMPARE(senders, (QObjectList{&sender}));
     }
 
-    void oneTimeExecutorTakesItsConnectionsAlong()
+    void oneTimeExecutorRemovesItsConnections()
     {
         Sender sender;
         auto* const executor = new OneTimeExecutor([](QObject*) {});
         QMetaObject::Connection const connection =
-            QObject::connect(&sender, SIGNAL(Happened()), executor, SLOT(executeOnce()));
+            QObject::connect(&sender, SIGNAL(Emitted()), executor, SLOT(executeOnce()));
         QVERIFY(connection);
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QVERIFY(!connection);
         QVERIFY(!QObject::disconnect(connection));
     }
 
-    void oneTimeExecutorIsConnectedToTheRepeatingTimerOnceOnly()
+    void oneTimeExecutorRunsOnceForARepeatingTimer()
     {
         QTimer timer;
         int ticks = 0;
@@ -334,7 +334,7 @@ private Q_SLOTS:
         QVERIFY(executor.isNull());
     }
 
-    void oneTimeExecutorGivesNullWhenCalledDirectly()
+    void oneTimeExecutorPassesNullWhenCalledDirectly()
     {
         QObjectList senders;
         QPointer<OneTimeExecutor> const executor(new OneTimeExecutor([&senders](QObject* from) { senders += from; }));
@@ -343,13 +343,13 @@ private Q_SLOTS:
         QCOMPARE(senders, (QObjectList{nullptr}));
     }
 
-    void oneTimeExecutorIsThereWhileTheFunctionRuns()
+    void oneTimeExecutorExistsWhileTheFunctionRuns()
     {
         QPointer<OneTimeExecutor> executor;
-        bool wasThere = false;
-        executor = new OneTimeExecutor([&](QObject*) { wasThere = !executor.isNull(); });
+        bool didExist = false;
+        executor = new OneTimeExecutor([&](QObject*) { didExist = !executor.isNull(); });
         ExecuteOnce(executor);
-        QVERIFY(wasThere);
+        QVERIFY(didExist);
         QVERIFY(executor.isNull());
     }
 
@@ -361,21 +361,21 @@ private Q_SLOTS:
         QVERIFY(watched.expired());
     }
 
-    void oneTimeExecutorLeavesItsParent()
+    void oneTimeExecutorIsRemovedFromItsParent()
     {
         QObject parent;
         ExecuteOnce(new OneTimeExecutor([](QObject*) {}, &parent));
         QVERIFY(parent.children().isEmpty());
     }
 
-    void oneTimeExecutorSurvivesTheInheritedSlot()
+    void oneTimeExecutorIsNotDeletedByTheInheritedSlot()
     {
         int runs = 0;
         Sender sender;
         QPointer<OneTimeExecutor> const executor(new OneTimeExecutor([&runs](QObject*) { ++runs; }));
         QVERIFY(ConnectToExecute(sender, *executor));
-        Q_EMIT sender.Happened();
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
+        Q_EMIT sender.Emitted();
         QVERIFY(!executor.isNull());
         QCOMPARE(runs, 2);
         ExecuteOnce(executor);
@@ -383,33 +383,33 @@ private Q_SLOTS:
         QCOMPARE(runs, 3);
     }
 
-    void oneTimeExecutorSurvivesAMissingFunction()
+    void oneTimeExecutorIsNotDeletedWithoutFunction()
     {
         Sender sender;
         auto const executor = std::make_unique<OneTimeExecutor>(Function());
         QPointer<OneTimeExecutor> const watched(executor.get());
         QVERIFY(ConnectToExecuteOnce(sender, *executor));
-        VerifyComplaint([&sender] { Q_EMIT sender.Happened(); });
+        VerifyThrowsMissingFunction([&sender] { Q_EMIT sender.Emitted(); });
         QVERIFY(!watched.isNull());
-        VerifyComplaint([&sender] { Q_EMIT sender.Happened(); });
+        VerifyThrowsMissingFunction([&sender] { Q_EMIT sender.Emitted(); });
         QVERIFY(!watched.isNull());
     }
 
-    void oneTimeExecutorSurvivesAThrowAndRunsAgain()
+    void oneTimeExecutorRunsAgainAfterAnException()
     {
         Sender sender;
         int runs = 0;
         QPointer<OneTimeExecutor> const executor(new OneTimeExecutor([&runs](QObject*) {
             if (++runs < 3) {
-                throw CannotRun();
+                throw FunctionError();
             }
         }));
         QVERIFY(ConnectToExecuteOnce(sender, *executor));
-        QVERIFY_EXCEPTION_THROWN(Q_EMIT sender.Happened(), CannotRun);
+        QVERIFY_EXCEPTION_THROWN(Q_EMIT sender.Emitted(), FunctionError);
         QVERIFY(!executor.isNull());
-        QVERIFY_EXCEPTION_THROWN(Q_EMIT sender.Happened(), CannotRun);
+        QVERIFY_EXCEPTION_THROWN(Q_EMIT sender.Emitted(), FunctionError);
         QVERIFY(!executor.isNull());
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QVERIFY(executor.isNull());
         QCOMPARE(runs, 3);
     }
@@ -419,21 +419,21 @@ private Q_SLOTS:
         Sender sender;
         int runs = 0;
         QPointer<OneTimeExecutor> executor;
-        bool wasThereAfterwards = false;
+        bool didExistAfterwards = false;
         executor = new OneTimeExecutor([&](QObject*) {
             if (++runs == 1) {
-                Q_EMIT sender.Happened();
-                wasThereAfterwards = !executor.isNull();
+                Q_EMIT sender.Emitted();
+                didExistAfterwards = !executor.isNull();
             }
         });
         QVERIFY(ConnectToExecuteOnce(sender, *executor));
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QCOMPARE(runs, 1);
-        QVERIFY(wasThereAfterwards);
+        QVERIFY(didExistAfterwards);
         QVERIFY(executor.isNull());
     }
 
-    void oneTimeExecutorIgnoresASignalOfANestedEventLoop()
+    void oneTimeExecutorIgnoresASignalInANestedEventLoop()
     {
         Sender sender;
         int runs = 0;
@@ -441,9 +441,9 @@ private Q_SLOTS:
             ++runs;
             QCoreApplication::sendPostedEvents();
         }));
-        QVERIFY(QObject::connect(&sender, SIGNAL(Happened()), executor, SLOT(executeOnce()), Qt::QueuedConnection));
-        Q_EMIT sender.Happened();
-        Q_EMIT sender.Happened();
+        QVERIFY(QObject::connect(&sender, SIGNAL(Emitted()), executor, SLOT(executeOnce()), Qt::QueuedConnection));
+        Q_EMIT sender.Emitted();
+        Q_EMIT sender.Emitted();
         QCoreApplication::sendPostedEvents();
         QCOMPARE(runs, 1);
         QVERIFY(executor.isNull());
@@ -459,9 +459,9 @@ private Q_SLOTS:
             delete executor.data();
         });
         QVERIFY(ConnectToExecuteOnce(sender, *executor));
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QVERIFY(executor.isNull());
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QCOMPARE(runs, 1);
     }
 
@@ -470,70 +470,70 @@ private Q_SLOTS:
         QPointer<OneTimeExecutor> executor;
         executor = new OneTimeExecutor([&executor](QObject*) {
             delete executor.data();
-            throw CannotRun();
+            throw FunctionError();
         });
-        QVERIFY_EXCEPTION_THROWN(ExecuteOnce(executor), CannotRun);
+        QVERIFY_EXCEPTION_THROWN(ExecuteOnce(executor), FunctionError);
         QVERIFY(executor.isNull());
     }
 
-    void oneTimeExecutorIsDestroyedAsTheClassThatItIs()
+    void oneTimeExecutorIsDestroyedThroughItsDerivedClass()
     {
         QStringList log;
         Sender sender;
-        QPointer<OneTimeExecutor> const executor(
-            new PlacedExecutor(log, QStringLiteral("destroyed"), [&log](QObject*) { log += QStringLiteral("run"); }));
+        QPointer<OneTimeExecutor> const executor(new SameAddressExecutor(
+            log, QStringLiteral("destroyed"), [&log](QObject*) { log += QStringLiteral("run"); }));
         QVERIFY(ConnectToExecuteOnce(sender, *executor));
-        Q_EMIT sender.Happened();
+        Q_EMIT sender.Emitted();
         QVERIFY(executor.isNull());
         QCOMPARE(log, (QStringList{QStringLiteral("run"), QStringLiteral("destroyed")}));
     }
 
-    void oneTimeExecutorRunsInThePlaceOfOneWhoseFunctionRunsStill()
+    void oneTimeExecutorRunsAtTheAddressOfAnExecutorWhoseFunctionStillRuns()
     {
         QStringList log;
         Sender toFirst;
         Sender toSecond;
         QPointer<OneTimeExecutor> first;
         QPointer<OneTimeExecutor> second;
-        bool isAtTheSamePlace = false;
-        bool isSecondGone = false;
-        // Not the function itself, which goes with its executor.
+        bool hasSameAddress = false;
+        bool isSecondDestroyed = false;
+        // Not the function of the executor: that is destroyed together with the executor.
         std::function<void()> const replaceFirst = [&] {
-            void const* const place = first.data();
+            void const* const address = first.data();
             delete first.data();
-            second = new PlacedExecutor(log, QStringLiteral("second destroyed"), [&](QObject*) {
+            second = new SameAddressExecutor(log, QStringLiteral("second destroyed"), [&](QObject*) {
                 log += QStringLiteral("second");
-                Q_EMIT toSecond.Happened();
+                Q_EMIT toSecond.Emitted();
             });
-            isAtTheSamePlace = second.data() == place;
+            hasSameAddress = second.data() == address;
             ConnectToExecuteOnce(toSecond, *second);
-            Q_EMIT toFirst.Happened();
-            Q_EMIT toSecond.Happened();
-            isSecondGone = second.isNull();
-            log += QStringLiteral("first ends");
+            Q_EMIT toFirst.Emitted();
+            Q_EMIT toSecond.Emitted();
+            isSecondDestroyed = second.isNull();
+            log += QStringLiteral("first returns");
         };
-        first =
-            new PlacedExecutor(log, QStringLiteral("first destroyed"), [&replaceFirst](QObject*) { replaceFirst(); });
+        first = new SameAddressExecutor(log, QStringLiteral("first destroyed"),
+                                        [&replaceFirst](QObject*) { replaceFirst(); });
         QVERIFY(ConnectToExecuteOnce(toFirst, *first));
-        Q_EMIT toFirst.Happened();
-        QVERIFY(isAtTheSamePlace);
-        QVERIFY(isSecondGone);
+        Q_EMIT toFirst.Emitted();
+        QVERIFY(hasSameAddress);
+        QVERIFY(isSecondDestroyed);
         QCOMPARE(log, (QStringList{QStringLiteral("first destroyed"), QStringLiteral("second"),
-                                   QStringLiteral("second destroyed"), QStringLiteral("first ends")}));
+                                   QStringLiteral("second destroyed"), QStringLiteral("first returns")}));
     }
 
-    void oneTimeExecutorOutlivesTheOneInWhosePlaceItWasMade()
+    void oneTimeExecutorIsNotDeletedInsteadOfAnExecutorAtTheSameAddress()
     {
         QStringList log;
         QPointer<OneTimeExecutor> first;
         QPointer<OneTimeExecutor> second;
         std::function<void()> const replaceFirst = [&] {
             delete first.data();
-            second = new PlacedExecutor(log, QStringLiteral("second destroyed"),
-                                        [&log](QObject*) { log += QStringLiteral("second"); });
+            second = new SameAddressExecutor(log, QStringLiteral("second destroyed"),
+                                             [&log](QObject*) { log += QStringLiteral("second"); });
         };
-        first =
-            new PlacedExecutor(log, QStringLiteral("first destroyed"), [&replaceFirst](QObject*) { replaceFirst(); });
+        first = new SameAddressExecutor(log, QStringLiteral("first destroyed"),
+                                        [&replaceFirst](QObject*) { replaceFirst(); });
         ExecuteOnce(first);
         QVERIFY(first.isNull());
         QVERIFY(!second.isNull());
@@ -549,39 +549,39 @@ private Q_SLOTS:
         Sender toFirst;
         Sender toSecond;
         QStringList log;
-        bool isFirstThere = false;
-        bool isSecondGone = false;
+        bool doesFirstExist = false;
+        bool isSecondDestroyed = false;
         QPointer<OneTimeExecutor> const second(new OneTimeExecutor([&](QObject*) {
-            log += QStringLiteral("second begins");
-            Q_EMIT toFirst.Happened();
-            Q_EMIT toSecond.Happened();
-            log += QStringLiteral("second ends");
+            log += QStringLiteral("second called");
+            Q_EMIT toFirst.Emitted();
+            Q_EMIT toSecond.Emitted();
+            log += QStringLiteral("second returns");
         }));
         QPointer<OneTimeExecutor> first;
         first = new OneTimeExecutor([&](QObject*) {
-            log += QStringLiteral("first begins");
-            Q_EMIT toSecond.Happened();
-            isSecondGone = second.isNull();
-            Q_EMIT toFirst.Happened();
-            isFirstThere = !first.isNull();
-            log += QStringLiteral("first ends");
+            log += QStringLiteral("first called");
+            Q_EMIT toSecond.Emitted();
+            isSecondDestroyed = second.isNull();
+            Q_EMIT toFirst.Emitted();
+            doesFirstExist = !first.isNull();
+            log += QStringLiteral("first returns");
         });
         QVERIFY(ConnectToExecuteOnce(toFirst, *first));
         QVERIFY(ConnectToExecuteOnce(toSecond, *second));
-        Q_EMIT toFirst.Happened();
-        QCOMPARE(log, (QStringList{QStringLiteral("first begins"), QStringLiteral("second begins"),
-                                   QStringLiteral("second ends"), QStringLiteral("first ends")}));
-        QVERIFY(isSecondGone);
-        QVERIFY(isFirstThere);
+        Q_EMIT toFirst.Emitted();
+        QCOMPARE(log, (QStringList{QStringLiteral("first called"), QStringLiteral("second called"),
+                                   QStringLiteral("second returns"), QStringLiteral("first returns")}));
+        QVERIFY(isSecondDestroyed);
+        QVERIFY(doesFirstExist);
         QVERIFY(first.isNull());
     }
 
-    void oneTimeExecutorMayGoWithItsSender()
+    void oneTimeExecutorMayBeDestroyedWithItsSender()
     {
         auto* const sender = new Sender;
         QPointer<OneTimeExecutor> const executor(new OneTimeExecutor([](QObject* from) { delete from; }, sender));
         QVERIFY(ConnectToExecuteOnce(*sender, *executor));
-        Q_EMIT sender->Happened();
+        Q_EMIT sender->Emitted();
         QVERIFY(executor.isNull());
     }
 };

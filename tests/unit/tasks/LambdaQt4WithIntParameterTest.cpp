@@ -1,5 +1,6 @@
 #include <support/ProgrammingError.h>
 #include <support/TestCase.h>
+#include <support/Timeouts.h>
 
 #include <Util/LambdaQt4WithIntParameter.h>
 
@@ -7,7 +8,6 @@
 #include <QtCore/QPointer>
 #include <QtTest/QtTest>
 
-#include <chrono>
 #include <functional>
 #include <future>
 #include <limits>
@@ -17,6 +17,7 @@
 #include <type_traits>
 #include <vector>
 
+using Zelkor::Testing::Timeout;
 using Zelkor::Util::LambdaQt4WithIntParameter;
 
 using Function = std::function<void(QObject*, int)>;
@@ -34,7 +35,7 @@ static_assert(!std::is_default_constructible_v<LambdaQt4WithIntParameter> &&
 static_assert(sizeof(LambdaQt4WithIntParameter) == sizeof(QObject) + sizeof(Function));
 static_assert(std::is_same_v<decltype(&LambdaQt4WithIntParameter::execute), void (LambdaQt4WithIntParameter::*)(int)>);
 
-/// Sends the signals that the tests want.
+/// Emits the signal of the tests.
 class Sender : public QObject
 {
     Q_OBJECT
@@ -46,9 +47,7 @@ Q_SIGNALS:
 namespace
 {
 
-constexpr auto Patience = std::chrono::seconds(10);
-
-struct CannotRun
+struct FunctionError
 {};
 
 using Calls = std::vector<std::pair<QObject*, int>>;
@@ -63,9 +62,9 @@ bool Connect(Sender const& sender, LambdaQt4WithIntParameter const& lambda)
     return QObject::connect(&sender, SIGNAL(Changed(int)), &lambda, SLOT(execute(int)));
 }
 
-/// Checks what applications see of the complaint about a missing function.
+/// Checks the exception that reports a missing function.
 template <class Call>
-void VerifyComplaint(Call const& call)
+void VerifyThrowsMissingFunction(Call const& call)
 {
     auto const error = Zelkor::Testing::CatchProgrammingError<std::logic_error>(call);
     QCOMPARE(error.message, QStringLiteral("LambdaQt4WithIntParameter use without functor!"));
@@ -91,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(metaObject.propertyCount(), metaObject.propertyOffset());
     }
 
-    void hasOnePublicSlotOnly()
+    void hasOnlyOnePublicSlot()
     {
         QMetaObject const& metaObject = LambdaQt4WithIntParameter::staticMetaObject;
         QCOMPARE(metaObject.methodCount(), metaObject.methodOffset() + 1);
@@ -109,8 +108,8 @@ private Q_SLOTS:
         QTest::newRow("0") << 0;
         QTest::newRow("1") << 1;
         QTest::newRow("-1") << -1;
-        QTest::newRow("largest") << std::numeric_limits<int>::max();
-        QTest::newRow("smallest") << std::numeric_limits<int>::min();
+        QTest::newRow("maximum") << std::numeric_limits<int>::max();
+        QTest::newRow("minimum") << std::numeric_limits<int>::min();
     }
 
     void callsTheFunctionWithTheSenderAndTheNumber()
@@ -126,7 +125,7 @@ private Q_SLOTS:
         QCOMPARE(calls, (Calls{{&sender, value}, {nullptr, value}}));
     }
 
-    void tellsItsSendersApart()
+    void passesTheSenderOfEachSignal()
     {
         Sender first;
         Sender second;
@@ -139,7 +138,7 @@ private Q_SLOTS:
         QCOMPARE(calls, (Calls{{&second, 2}, {&first, 1}}));
     }
 
-    void runsInTheThreadOfTheObjectWhenQueued()
+    void runsOnTheThreadOfTheObjectWhenQueued()
     {
         Sender sender;
         std::promise<std::tuple<QObject*, int, QThread*>> promise;
@@ -152,9 +151,9 @@ private Q_SLOTS:
         lambda->moveToThread(&thread);
         thread.start();
         Q_EMIT sender.Changed(42);
-        bool const isReady = result.wait_for(Patience) == std::future_status::ready;
+        bool const isReady = result.wait_for(Timeout) == std::future_status::ready;
         thread.quit();
-        QVERIFY(thread.wait(QDeadlineTimer(Patience)));
+        QVERIFY(thread.wait(QDeadlineTimer(Timeout)));
         QVERIFY(isReady);
         QVERIFY(result.get() == std::tuple(&sender, 42, &thread));
     }
@@ -162,22 +161,22 @@ private Q_SLOTS:
     void throwsWithoutFunction()
     {
         LambdaQt4WithIntParameter lambda{Function()};
-        VerifyComplaint([&lambda] { lambda.execute(1); });
+        VerifyThrowsMissingFunction([&lambda] { lambda.execute(1); });
     }
 
-    void throwsWithoutFunctionThroughTheSignal()
+    void throwsWithoutFunctionWhenASignalIsEmitted()
     {
         Sender sender;
         LambdaQt4WithIntParameter const lambda{Function()};
         QVERIFY(Connect(sender, lambda));
-        VerifyComplaint([&sender] { Q_EMIT sender.Changed(1); });
+        VerifyThrowsMissingFunction([&sender] { Q_EMIT sender.Changed(1); });
     }
 
-    void passesOnWhatTheFunctionThrows()
+    void propagatesAnExceptionOfTheFunction()
     {
-        LambdaQt4WithIntParameter lambda([](QObject*, int) { throw CannotRun(); });
-        QVERIFY_EXCEPTION_THROWN(lambda.execute(1), CannotRun);
-        QVERIFY_EXCEPTION_THROWN(lambda.execute(1), CannotRun);
+        LambdaQt4WithIntParameter lambda([](QObject*, int) { throw FunctionError(); });
+        QVERIFY_EXCEPTION_THROWN(lambda.execute(1), FunctionError);
+        QVERIFY_EXCEPTION_THROWN(lambda.execute(1), FunctionError);
     }
 
     void hasNoParentUnlessGiven()
@@ -195,7 +194,7 @@ private Q_SLOTS:
         QVERIFY(lambda.isNull());
     }
 
-    void doesNotRunWhenMadeOrDestroyed()
+    void doesNotCallTheFunctionWhenConstructedOrDestroyed()
     {
         Calls calls;
         {
@@ -209,12 +208,12 @@ private Q_SLOTS:
         auto resource = std::make_shared<int>(0);
         std::weak_ptr<int> const watched = resource;
         auto lambda = std::make_unique<LambdaQt4WithIntParameter>([resource](QObject*, int) {});
-        bool wasFunctionGone = false;
-        QObject::connect(lambda.get(), &QObject::destroyed, this, [&] { wasFunctionGone = watched.expired(); });
+        bool isFunctionDestroyed = false;
+        QObject::connect(lambda.get(), &QObject::destroyed, this, [&] { isFunctionDestroyed = watched.expired(); });
         resource.reset();
         QVERIFY(!watched.expired());
         lambda.reset();
-        QVERIFY(wasFunctionGone);
+        QVERIFY(isFunctionDestroyed);
     }
 };
 

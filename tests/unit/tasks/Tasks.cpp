@@ -8,23 +8,23 @@
 namespace Zelkor::Testing
 {
 
-bool TurnUntilEmpty(AsyncService const& service)
+bool WaitUntilEmpty(AsyncService const& service)
 {
-    return QTest::qWaitFor([&] { return service.empty(); }, Patience);
+    return QTest::qWaitFor([&] { return service.empty(); }, TimeoutMs);
 }
 
-bool TurnUntilGone(AsyncService const& service, Task* task)
+bool WaitUntilCompleted(AsyncService const& service, Task* task)
 {
-    return QTest::qWaitFor([&] { return !service.contains(task); }, Patience);
+    return QTest::qWaitFor([&] { return !service.contains(task); }, TimeoutMs);
 }
 
-void DeliverQueued()
+void DeliverQueuedEvents()
 {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
 }
 
-Task* LetWorkerFinish(AsyncService& service)
+Task* WaitForWorker(AsyncService& service)
 {
     Gate reached;
     Task* const last = service.post([&](Reporter*) { reached.Open(); });
@@ -33,11 +33,11 @@ Task* LetWorkerFinish(AsyncService& service)
     return last;
 }
 
-std::shared_ptr<void> MakeWitness(QStringList& deaths, char const* name)
+std::shared_ptr<void> MakeDestructionLogger(QStringList& destroyed, char const* name)
 {
-    return {nullptr, [&deaths, name](std::nullptr_t) {
+    return {nullptr, [&destroyed, name](std::nullptr_t) {
                 bool const onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
-                deaths += QString::fromLatin1(name) + QLatin1String(onMainThread ? "" : " on another thread");
+                destroyed += QString::fromLatin1(name) + QLatin1String(onMainThread ? "" : " on another thread");
             }};
 }
 

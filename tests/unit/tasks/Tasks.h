@@ -1,12 +1,13 @@
 #pragma once
 
+#include <support/Timeouts.h>
+
 #include <Util/AsyncService.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QStringList>
 
-#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -23,13 +24,12 @@ using Reporter = AsyncService::Reporter;
 using Cancelled = AsyncService::Cancelled;
 using Job = std::function<void(Reporter*)>;
 
-constexpr int Patience = 60000; // ms; only a broken library takes so long
-
-/// What one thread waits for and another one opens. Made of what the thread sanitizer sees through.
+/// Blocks a thread until another thread opens the gate. QSemaphore does not serve: Qt is not built with the thread
+/// sanitizer, which would report false data races.
 class Gate
 {
 public:
-    /// The gate may go as soon as the other thread has passed.
+    /// Opens the gate. Another thread that passes may destroy it before this function returns.
     void Open()
     {
         std::shared_ptr<State> const state = state_;
@@ -38,12 +38,12 @@ public:
         state->opened.notify_all();
     }
 
-    /// Waits for Open(). Throws when nobody opens it.
+    /// Waits for Open(). Throws std::runtime_error after Timeout.
     void Pass()
     {
         std::unique_lock<std::mutex> lock(state_->guard);
-        if (!state_->opened.wait_for(lock, std::chrono::milliseconds(Patience), [this] { return state_->open; })) {
-            throw std::runtime_error("Nobody opened the gate");
+        if (!state_->opened.wait_for(lock, Timeout, [this] { return state_->open; })) {
+            throw std::runtime_error("The gate was not opened");
         }
     }
 
@@ -57,34 +57,34 @@ private:
     std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
-/// Turns the event loop until \a service is empty.
-bool TurnUntilEmpty(AsyncService const& service);
+/// Runs the event loop until \a service is empty. Returns false after Timeout.
+bool WaitUntilEmpty(AsyncService const& service);
 
-/// Turns the event loop until \a task has completed.
-bool TurnUntilGone(AsyncService const& service, Task* task);
+/// Runs the event loop until \a task has completed. Returns false after Timeout.
+bool WaitUntilCompleted(AsyncService const& service, Task* task);
 
-/// Delivers everything that is queued for this thread, and all that this queues in turn.
-void DeliverQueued();
+/// Delivers the events that are queued for this thread, and the events that these queue.
+void DeliverQueuedEvents();
 
-/// Returns when the worker thread has done all that was queued for it so far; the owner thread's events stay queued.
-/// Returns the task that it took for that.
-Task* LetWorkerFinish(AsyncService& service);
+/// Blocks until the worker thread has run all queued jobs. The completions stay queued for the owner thread.
+/// Returns the additional task that it posts for this purpose.
+Task* WaitForWorker(AsyncService& service);
 
-/// Made to die with a call-back: appends \a name to \a deaths when its last copy goes, and " on another thread" when
-/// that is not the main thread.
-std::shared_ptr<void> MakeWitness(QStringList& deaths, char const* name);
+/// Returns an object for a callback to capture. When its last copy is destroyed, it appends \a name to \a destroyed,
+/// followed by " on another thread" if this is not the main thread.
+std::shared_ptr<void> MakeDestructionLogger(QStringList& destroyed, char const* name);
 
-/// What leaves a call-back.
+/// Thrown by callbacks.
 struct Escape
 {};
 
-/// Turns the event loop until an exception of type \a E leaves it, and returns whether one did.
+/// Delivers events until an exception of type \a E is thrown. Returns false after Timeout.
 template <class E>
-bool TurnUntilThrown()
+bool WaitUntilThrown()
 {
     QElapsedTimer timer;
     timer.start();
-    while (!timer.hasExpired(Patience)) {
+    while (!timer.hasExpired(TimeoutMs)) {
         try {
             QCoreApplication::sendPostedEvents();
         } catch (E const&) {
