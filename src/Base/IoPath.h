@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A file system path, and a test whether it exists.
+/// A file system path, and a function that tests if a path exists.
 
 #include <Base/Export.h>
 

@@ -88,7 +88,7 @@ PathValidity IsThisPathValid(QString const& path)
 
 bool IsThisPathValid(QString const& path, QString* errorText)
 {
-    // The text has passed through this local exception since the first release. It never leaves the function.
+    // Required since the first release: the text passes through this local exception, which is caught below.
     class Error : public std::exception
     {
     public:

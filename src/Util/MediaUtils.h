@@ -22,8 +22,11 @@ ZQTUTIL_EXPORT std::vector<ioPath> MountedDVD();
 
 /// Returns a label in UTF-8 for the DVD folder or volume \a path.
 ///
-/// The label is the name of the folder \a path. If this name is "VIDEO_TS" in any case, and the parent folder contains
-/// only the folders of a disc, hidden entries and "Thumbs.db", the label is the name of the parent folder.
+/// The label is the name of the folder \a path. It is the name of the parent folder instead if both conditions are
+/// true:
+/// - the name of the folder \a path is "VIDEO_TS" in upper or lower case;
+/// - the parent folder contains only "VIDEO_TS", "AUDIO_TS" and "Thumbs.db", in exactly this spelling, and names that
+///   begin with a dot.
 ZQTUTIL_EXPORT std::string DVDLabel(ioPath const& path);
 
 } // namespace Util

@@ -11,8 +11,8 @@ QT_END_NAMESPACE
 namespace Zelkor::Widget
 {
 
-/// Invalidates the layout of its parent after changes that Qt does not report to the layout: added and removed
-/// children, and a new font, style or layout direction.
+/// Invalidates the layout of its parent when a child is added or removed, and when the font, style or layout direction
+/// of the parent changes. Qt does not do this in all of these cases.
 class LayoutController : public QObject
 {
     Q_OBJECT

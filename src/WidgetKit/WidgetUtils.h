@@ -41,11 +41,11 @@ ZQTUTIL_EXPORT void repolishWidget(QWidget* widget);
 /// \return the new widget
 ZQTUTIL_EXPORT QWidget* createSpacer(QWidget* parent, QString const& name);
 
-/// Installs an event filter that updates the layout of \a container after changes that Qt does not report to it.
+/// Installs an event filter that keeps the layout of \a container up to date.
 ///
-/// These changes are: added and removed children, for example buttons, and a new font, style or layout direction of the
-/// container. Margins and spacings that are not set explicitly then follow the platform's style. This function itself
-/// sets none.
+/// The filter updates the layout when a child, for example a button, is added or removed. It also updates the layout
+/// when the font, style or layout direction of \a container changes. Qt does not do this in all of these cases. Margins
+/// and spacings that are not set explicitly then follow the platform's style. This function itself sets none.
 ///
 /// The filter exists as long as the container, which owns it. A second call has no effect. A null \a container is
 /// ignored.

@@ -15,7 +15,7 @@ namespace Zelkor::Util
 QString LaunchAgentFileName(QString const& identifier);
 
 /// Returns a pattern that finds the job \a label at the end of a line in the output of "launchctl list". \a label is
-/// part of the pattern without escaping.
+/// part of the pattern without escaping, so it is a regular expression itself.
 QRegularExpression LoadedJobPattern(QString const& label);
 
 /// Returns the path of the bundle that contains the executable at \a executablePath. If the executable is not in a

@@ -7,8 +7,9 @@
 //
 // At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. A deeper walk closes
 // the outermost open folder. On the way back, a closed folder is opened again only if it has more subfolders to enter,
-// or if SubfolderLeft() must be called. It is opened by ".." from the last open folder below it. If its device or inode
-// has changed, the walk opens the whole path again, name by name. If the identity still differs, the folder is lost.
+// or if SubfolderLeft() must be called. It is opened by ".." from the last open folder below it. If this gives another
+// folder (device or inode differ), the walk opens the whole path again, name by name. If that gives another folder too,
+// the folder is lost.
 //
 // The queued subfolders share one buffer and the paths share one string. An entry costs no separate allocation.
 

@@ -1,8 +1,7 @@
 // Adds up file sizes during a FolderWalk. Speed matters, because trees can contain millions of files:
 //
 // - One fstatat() call per file follows links and returns existence, type and size together.
-// - The type in the directory entry identifies folders. A second call is needed only on file systems that do not set
-// it.
+// - The type in the directory entry identifies folders. Only file systems that do not set it need a second call.
 // - A file costs no allocation.
 //
 // The sum of a folder is added to its parent only when the walk leaves the folder. Until then, a folder that becomes

@@ -18,7 +18,7 @@ QString VideoFolder()
     return QStringLiteral("VIDEO_TS");
 }
 
-// The names are required to be in upper case here, although the label rule accepts "VIDEO_TS" in any case.
+// Required: the names are case-sensitive here, although VideoDiscLabel() accepts "VIDEO_TS" in lower case too.
 bool BelongsToDisc(QString const& name)
 {
     static QStringList const discFolders = {VideoFolder(), QStringLiteral("AUDIO_TS")};
