@@ -12,9 +12,12 @@
 #include <memory>
 #include <type_traits>
 
+using Zelkor::Testing::Arguments;
 using Zelkor::Testing::Bundles;
+using Zelkor::Testing::LoadArguments;
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::Programs;
+using Zelkor::Testing::UnloadArguments;
 using Zelkor::Util::AutoLauncherImplType;
 using Zelkor::Util::GetAutoLauncherImpl;
 using Zelkor::Util::IAutoLauncher;
@@ -59,10 +62,10 @@ private Q_SLOTS:
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 0);
         QVERIFY(!launcher_->IsInStartup(Identifier));
-        QCOMPARE(programs_->LaunchctlCalls(), QString());
+        QCOMPARE(programs_->LaunchctlCalls(), QList<Arguments>());
     }
 
-    void knowsItsOwnChanges()
+    void recognizesItsOwnChanges()
     {
         helper_ = bundles_->MakeStudio();
         for (int i = 0; i < 2; ++i) {
@@ -73,24 +76,24 @@ private Q_SLOTS:
         }
     }
 
-    void asksLaunchctlOnlyAboutWhatIsNoLoginItem()
+    void runsLaunchctlOnlyWithoutALoginItem()
     {
         helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(launcher_->IsInStartup(Identifier));
-        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray());
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QList<Arguments>());
         QVERIFY(!launcher_->IsInStartup(QStringLiteral("zelkor_Other_1.0.0_Agent")));
-        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray("list|\n"));
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QList<Arguments>{{QStringLiteral("list")}});
     }
 
-    void addsALaunchAgentOtherwise()
+    void addsALaunchAgentWithoutAHelper()
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {QStringLiteral("--hidden")}));
         QStringList const files = AgentsFolder().entryList(QDir::Files);
         QCOMPARE(files, QStringList{QStringLiteral("com.zelkor.studio3.agent.startup.plist")});
-        QTRY_COMPARE(programs_->LaunchctlCalls(),
-                     QStringLiteral("load|-w|%1|").arg(AgentsFolder().absoluteFilePath(files.first())));
-        QFile agent(AgentsFolder().absoluteFilePath(files.first()));
+        QString const path = AgentsFolder().absoluteFilePath(files.first());
+        QTRY_COMPARE(programs_->LaunchctlCalls(), QList<Arguments>{LoadArguments(path)});
+        QFile agent(path);
         QVERIFY(agent.open(QIODevice::ReadOnly));
         QByteArray const text = agent.readAll();
         QVERIFY(text.contains("<string>/Applications/X.app</string>"));
@@ -99,52 +102,53 @@ private Q_SLOTS:
         QCOMPARE(launcher_->GetStartupApplications(), QStringList{Identifier});
 
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|-w|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path), UnloadArguments(path)}));
         QVERIFY(!launcher_->IsInStartup(Identifier));
         QCOMPARE(launcher_->GetStartupApplications(), QStringList());
     }
 
-    void seesWhatOthersHaveChanged()
+    void findsChangesByOthers()
     {
         auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);
         QString const agent = QStringLiteral("zelkor_Editor_1.0_Agent");
         QVERIFY(other->AddToStartup(agent, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         helper_ = bundles_->MakeStudio();
         QVERIFY(other->AddToStartup(Identifier, Executable, {}));
-        // Login items first.
-        QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent}));
+        QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent})); // login items first
 
         auto const third = GetAutoLauncherImpl(AutoLauncherImplType::Default);
         QVERIFY(third->IsInStartup(Identifier));
         QVERIFY(third->RemoveFromStartup(agent));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
+        QCOMPARE(programs_->LaunchctlCalls().last().first(), QStringLiteral("unload"));
     }
 
     void removesTheLoginItemFirst()
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 0);
         QVERIFY(launcher_->IsInStartup(Identifier));
-        QCOMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 0);
+        QCOMPARE(programs_->LaunchctlCalls().size(), 1); // not unloaded
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
+        QCOMPARE(programs_->LaunchctlCalls().last().first(), QStringLiteral("unload"));
     }
 
-    void listsWhatIsBothTwice()
+    void listsALoginItemWithAnAgentTwice()
     {
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, Identifier}));
     }
 
-    void failsWhenBothDo()
+    void failsWhenLoginItemAndAgentFail()
     {
         {
             LogCapture const log;
@@ -154,26 +158,26 @@ private Q_SLOTS:
         QVERIFY(!launcher_->RemoveFromStartup(Identifier));
     }
 
-    void keepsWhatItKnowsWhenAnAdditionFails()
+    void keepsItsCacheWhenAnAdditionFails()
     {
         helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
-        RemoveBehindItsBack();
+        RemoveWithAnotherLauncher();
         {
             LogCapture const log;
             QVERIFY(!launcher_->AddToStartup(QStringLiteral("three_parts_only"), Executable, {}));
             QCOMPARE(log.Texts().size(), 1);
         }
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // known as a login item still
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // the cached list still contains the login item
         QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(AgentsFolder().entryList(QDir::Files), QStringList());
     }
 
-    void keepsWhatItKnowsWhenARemovalFails()
+    void keepsItsCacheWhenARemovalFails()
     {
         helper_ = bundles_->MakeStudio();
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
-        RemoveBehindItsBack();
+        RemoveWithAnotherLauncher();
         QVERIFY(!launcher_->RemoveFromStartup(QStringLiteral("zelkor_Other_1.0.0_Agent")));
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList());
@@ -184,9 +188,9 @@ private Q_SLOTS:
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // once more
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // adds a duplicate
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // read after the first
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // finds the items read by the first call
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
     }
 
@@ -194,19 +198,20 @@ private Q_SLOTS:
     {
         auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);
         QVERIFY(other->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         QVERIFY(!launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 1);
-        QVERIFY(launcher_->IsInStartup(Identifier)); // which reads
+        QVERIFY(launcher_->IsInStartup(Identifier)); // reads the login items
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 0);
-        QVERIFY(launcher_->RemoveFromStartup(Identifier)); // the agent
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload|")), 1);
+        QVERIFY(launcher_->RemoveFromStartup(Identifier)); // unloads the agent
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
+        QCOMPARE(programs_->LaunchctlCalls().last().first(), QStringLiteral("unload"));
     }
 
-    void readsTheMakersItemsOnly()
+    void ignoresLoginItemsOfOtherVendors()
     {
         bundles_->Make(QStringLiteral("O.app"), QStringLiteral("com.other.Studio"), QStringLiteral("1.0.0"));
         TestBed::AddLoginItem(bundles_->Make(QStringLiteral("O.app/Contents/Library/LoginItems/H.app"),
@@ -214,7 +219,7 @@ private Q_SLOTS:
         QCOMPARE(launcher_->GetStartupApplications(), QStringList());
     }
 
-    void isTheSameWhateverIsAskedFor()
+    void behavesTheSameForEveryType()
     {
         helper_ = bundles_->MakeStudio();
         for (int const type : {0, 1, 99}) {
@@ -248,8 +253,8 @@ protected:
     }
 
 private:
-    /// As another program would.
-    static void RemoveBehindItsBack()
+    /// Removes the login item like another program, so that the launcher under test keeps its cached list.
+    static void RemoveWithAnotherLauncher()
     {
         auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);
         QVERIFY(other->IsInStartup(Identifier));

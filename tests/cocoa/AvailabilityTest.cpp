@@ -1,4 +1,4 @@
-// What is available follows the version of the system, by each way to ask.
+// Availability checks follow the system version: @available, __builtin_available, NSProcessInfo and GetSystemVersion().
 
 #include "NativeAvailability.h"
 
@@ -17,24 +17,21 @@ namespace TestBed = Zelkor::TestBed;
 namespace
 {
 
-/// The answers for 10.9, 10.15, 10.16 and 11, a letter each.
-QString InObjectiveCpp()
+void AddVersionRows()
 {
-    QString answers;
-    for (bool const isAtLeast : {IsAtLeast10_9(), IsAtLeast10_15(), IsAtLeast10_16(), IsAtLeast11()}) {
-        answers += isAtLeast ? QLatin1Char('y') : QLatin1Char('n');
-    }
-    return answers;
-}
-
-QString InCpp()
-{
-    QString answers;
-    answers += __builtin_available(macOS 10.9, *) ? QLatin1Char('y') : QLatin1Char('n');
-    answers += __builtin_available(macOS 10.15, *) ? QLatin1Char('y') : QLatin1Char('n');
-    answers += __builtin_available(macOS 10.16, *) ? QLatin1Char('y') : QLatin1Char('n');
-    answers += __builtin_available(macOS 11, iOS 14, *) ? QLatin1Char('y') : QLatin1Char('n');
-    return answers;
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<bool>("atLeast10_9");
+    QTest::addColumn<bool>("atLeast10_15");
+    QTest::addColumn<bool>("atLeast10_16");
+    QTest::addColumn<bool>("atLeast11");
+    QTest::newRow("10.8.5") << QStringLiteral("10.8.5") << false << false << false << false;
+    QTest::newRow("10.9") << QStringLiteral("10.9") << true << false << false << false;
+    QTest::newRow("10.14.6") << QStringLiteral("10.14.6") << true << false << false << false;
+    QTest::newRow("10.15") << QStringLiteral("10.15") << true << true << false << false;
+    QTest::newRow("10.15.7") << QStringLiteral("10.15.7") << true << true << false << false;
+    QTest::newRow("10.16") << QStringLiteral("10.16") << true << true << true << false;
+    QTest::newRow("11.0") << QStringLiteral("11.0") << true << true << true << true;
+    QTest::newRow("14.2.1") << QStringLiteral("14.2.1") << true << true << true << true;
 }
 
 } // namespace
@@ -44,58 +41,71 @@ class AvailabilityTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void followsTheSystemsVersion_data()
-    {
-        QTest::addColumn<QString>("version");
-        QTest::addColumn<QString>("answers"); // for 10.9, 10.15, 10.16 and 11
-        QTest::newRow("10.8.5") << QStringLiteral("10.8.5") << QStringLiteral("nnnn");
-        QTest::newRow("10.9") << QStringLiteral("10.9") << QStringLiteral("ynnn");
-        QTest::newRow("10.14.6") << QStringLiteral("10.14.6") << QStringLiteral("ynnn");
-        QTest::newRow("10.15") << QStringLiteral("10.15") << QStringLiteral("yynn");
-        QTest::newRow("10.15.7") << QStringLiteral("10.15.7") << QStringLiteral("yynn");
-        QTest::newRow("10.16") << QStringLiteral("10.16") << QStringLiteral("yyyn");
-        QTest::newRow("11.0") << QStringLiteral("11.0") << QStringLiteral("yyyy");
-        QTest::newRow("14.2.1") << QStringLiteral("14.2.1") << QStringLiteral("yyyy");
-    }
+    void objectiveCppFollowsTheSystemVersion_data() { AddVersionRows(); }
 
-    void followsTheSystemsVersion()
+    void objectiveCppFollowsTheSystemVersion()
     {
         QFETCH(QString, version);
-        QFETCH(QString, answers);
         TestBed::SetSystemVersion(version);
-        QCOMPARE(InObjectiveCpp(), answers);
-        QCOMPARE(InCpp(), answers);
-        QCOMPARE(IsNotAtLeast10_15(), answers[1] == QLatin1Char('n'));
-        QCOMPARE(ProcessInfoIsAtLeast(10, 9, 0), answers[0] == QLatin1Char('y'));
-        QCOMPARE(ProcessInfoIsAtLeast(10, 15, 0), answers[1] == QLatin1Char('y'));
-        QCOMPARE(ProcessInfoIsAtLeast(11, 0, 0), answers[3] == QLatin1Char('y'));
+        QTEST(IsAtLeast10_9(), "atLeast10_9");
+        QTEST(IsAtLeast10_15(), "atLeast10_15");
+        QTEST(!IsNotAtLeast10_15(), "atLeast10_15");
+        QTEST(IsAtLeast10_16(), "atLeast10_16");
+        QTEST(IsAtLeast11(), "atLeast11");
     }
 
-    void processInfoTellsThreeNumbers_data()
-    {
-        QTest::addColumn<QString>("version");
-        QTest::addColumn<QString>("told");
-        QTest::newRow("three") << QStringLiteral("10.14.6") << QStringLiteral("10.14.6");
-        QTest::newRow("two") << QStringLiteral("11.2") << QStringLiteral("11.2.0");
-        QTest::newRow("one") << QStringLiteral("12") << QStringLiteral("12.0.0");
-    }
+    void cppFollowsTheSystemVersion_data() { AddVersionRows(); }
 
-    void processInfoTellsThreeNumbers()
+    void cppFollowsTheSystemVersion()
     {
         QFETCH(QString, version);
-        QFETCH(QString, told);
         TestBed::SetSystemVersion(version);
-        QCOMPARE(VersionOfProcessInfo(), told);
+        bool const isAtLeast10_9 = __builtin_available(macOS 10.9, *) ? true : false;
+        bool const isAtLeast10_15 = __builtin_available(macOS 10.15, *) ? true : false;
+        bool const isAtLeast10_16 = __builtin_available(macOS 10.16, *) ? true : false;
+        bool const isAtLeast11 = __builtin_available(macOS 11, iOS 14, *) ? true : false;
+        QTEST(isAtLeast10_9, "atLeast10_9");
+        QTEST(isAtLeast10_15, "atLeast10_15");
+        QTEST(isAtLeast10_16, "atLeast10_16");
+        QTEST(isAtLeast11, "atLeast11");
     }
 
-    void patchesCount()
+    void processInfoFollowsTheSystemVersion_data() { AddVersionRows(); }
+
+    void processInfoFollowsTheSystemVersion()
+    {
+        QFETCH(QString, version);
+        TestBed::SetSystemVersion(version);
+        QTEST(ProcessInfoIsAtLeast(10, 9, 0), "atLeast10_9");
+        QTEST(ProcessInfoIsAtLeast(10, 15, 0), "atLeast10_15");
+        QTEST(ProcessInfoIsAtLeast(11, 0, 0), "atLeast11");
+    }
+
+    void processInfoReturnsThreeNumbers_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<QString>("processInfoVersion");
+        QTest::newRow("three numbers") << QStringLiteral("10.14.6") << QStringLiteral("10.14.6");
+        QTest::newRow("two numbers") << QStringLiteral("11.2") << QStringLiteral("11.2.0");
+        QTest::newRow("one number") << QStringLiteral("12") << QStringLiteral("12.0.0");
+    }
+
+    void processInfoReturnsThreeNumbers()
+    {
+        QFETCH(QString, version);
+        QFETCH(QString, processInfoVersion);
+        TestBed::SetSystemVersion(version);
+        QCOMPARE(VersionOfProcessInfo(), processInfoVersion);
+    }
+
+    void processInfoComparesPatchVersions()
     {
         TestBed::SetSystemVersion(QStringLiteral("10.14.3"));
         QVERIFY(ProcessInfoIsAtLeast(10, 14, 3));
         QVERIFY(!ProcessInfoIsAtLeast(10, 14, 4));
     }
 
-    void libraryReadsTheVersion()
+    void libraryReadsTheSystemVersion()
     {
         TestBed::SetSystemVersion(QStringLiteral("10.14.6"));
         QVERIFY(GetSystemVersion() == Version(10, 14, 6));

@@ -9,36 +9,35 @@
 namespace Zelkor::Testing
 {
 
-/// Application bundles in a folder of their own: real folders with real property lists.
+/// Temporary folder with application bundles: real folders with real property lists.
 class Bundles
 {
 public:
-    /// Makes the bundle \a name, a path below the folder, and returns its path. Without \a identifier it has no
-    /// property list.
+    /// Creates the bundle \a name, a path relative to the folder, and returns its absolute path. If \a identifier is
+    /// empty, the bundle has no property list.
     QString Make(QString const& name, QString const& identifier, QString const& version)
     {
-        return MakeWith(name, identifier, QStringLiteral("<string>%1</string>").arg(version));
+        return MakeWithVersionElement(name, identifier, QStringLiteral("<string>%1</string>").arg(version));
     }
 
-    /// The same, with the version as it stands in the property list: "<integer>3</integer>".
-    QString MakeWith(QString const& name, QString const& identifier, QString const& versionElement)
+    /// Creates the bundle like Make(), with an XML element for the version, for example "<integer>3</integer>".
+    QString MakeWithVersionElement(QString const& name, QString const& identifier, QString const& versionElement)
     {
         QString path = folder_.filePath(name);
         QDir().mkpath(path + QStringLiteral("/Contents"));
         if (!identifier.isEmpty()) {
-            QFile list(path + QStringLiteral("/Contents/Info.plist"));
-            list.open(QIODevice::WriteOnly);
-            list.write(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
-                                      "<key>CFBundleIdentifier</key><string>%1</string>"
-                                      "<key>CFBundleVersion</key>%2</dict></plist>")
-                           .arg(identifier, versionElement)
-                           .toUtf8());
+            QFile propertyList(path + QStringLiteral("/Contents/Info.plist"));
+            propertyList.open(QIODevice::WriteOnly);
+            propertyList.write(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
+                                              "<key>CFBundleIdentifier</key><string>%1</string>"
+                                              "<key>CFBundleVersion</key>%2</dict></plist>")
+                                   .arg(identifier, versionElement)
+                                   .toUtf8());
         }
         return path;
     }
 
-    /// Makes an application of the maker's, which the main bundle then is, with a helper in it, and returns the
-    /// helper's path.
+    /// Creates an application that contains a helper, and makes it the main bundle. Returns the path of the helper.
     QString MakeStudio()
     {
         TestBed::SetMainBundle(

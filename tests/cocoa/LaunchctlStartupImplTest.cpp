@@ -1,30 +1,34 @@
 #include "Programs.h"
 
 #include <support/TestCase.h>
+#include <support/Timeouts.h>
 #include <support/logs/LogCapture.h>
-#include <support/overrides/NextFunction.h>
+#include <support/overrides/SettingsKeys.h>
 #include <support/sandbox/Folders.h>
-#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/Platforms/mac/LaunchctlStartupImpl.h>
 
 #include <QtCore/QProcess>
-#include <QtCore/QSettings>
 #include <QtTest/QtTest>
 
-#include <chrono>
 #include <future>
 #include <memory>
 #include <type_traits>
 
 #include <sys/stat.h>
 
+using Zelkor::Testing::Arguments;
 using Zelkor::Testing::Check;
+using Zelkor::Testing::CountOpenDescriptors;
+using Zelkor::Testing::LoadArguments;
 using Zelkor::Testing::LogCapture;
 using Zelkor::Testing::LogLine;
-using Zelkor::Testing::OpenDescriptors;
 using Zelkor::Testing::Programs;
 using Zelkor::Testing::RunAsOrdinaryUser;
+using Zelkor::Testing::TakeSettingsKeys;
+using Zelkor::Testing::Timeout;
+using Zelkor::Testing::UnloadArguments;
 using Zelkor::Util::LaunchctlStartupImpl;
 namespace TestBed = Zelkor::TestBed;
 
@@ -42,15 +46,8 @@ QString AgentsFolder()
     return QDir::homePath() + QStringLiteral("/Library/LaunchAgents/");
 }
 
-/// The keys that were set in settings, in order.
-QStringList& SetKeys()
-{
-    static QStringList keys;
-    return keys;
-}
-
-/// What Python's plistlib reads of a property list.
-QByteArray ReadByPlistlib(QString const& path)
+/// Returns the property list \a path as JSON with sorted keys, read with Python's plistlib.
+QByteArray ReadAsJson(QString const& path)
 {
     QProcess python;
     python.start(QStringLiteral("python3"),
@@ -64,15 +61,6 @@ QByteArray ReadByPlistlib(QString const& path)
 
 } // namespace
 
-// In the way of Qt's own: the source under test calls this.
-void QSettings::setValue(QString const& key, QVariant const& value)
-{
-    static auto const next = Zelkor::Testing::NextFunction<void (*)(QSettings*, QString const&, QVariant const&)>(
-        "_ZN9QSettings8setValueERK7QStringRK8QVariant");
-    SetKeys() += key;
-    next(this, key, value);
-}
-
 class LaunchctlStartupImplTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT
@@ -82,82 +70,80 @@ private Q_SLOTS:
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {QStringLiteral("--hidden"), QStringLiteral("a b")}));
         QString const path = AgentsFolder() + FileName;
-        QCOMPARE(ReadByPlistlib(path),
-                 QByteArray("{\"KeepAlive\": false, \"Label\": \"Zelkor_Studio_3.1.2_Agent\", "
-                            "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\", "
-                            "\"--hidden\", \"a b\"], \"RunAtLoad\": true}"));
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QCOMPARE(ReadAsJson(path), QByteArray("{\"KeepAlive\": false, \"Label\": \"Zelkor_Studio_3.1.2_Agent\", "
+                                              "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\", "
+                                              "\"--hidden\", \"a b\"], \"RunAtLoad\": true}"));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path)}));
     }
 
     void setsTheKeysInOrder()
     {
-        SetKeys().clear();
+        TakeSettingsKeys();
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
-        QCOMPARE(SetKeys(), (QStringList{QStringLiteral("RunAtLoad"), QStringLiteral("KeepAlive"),
-                                         QStringLiteral("Label"), QStringLiteral("ProgramArguments")}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        QCOMPARE(TakeSettingsKeys(), (QStringList{QStringLiteral("RunAtLoad"), QStringLiteral("KeepAlive"),
+                                                  QStringLiteral("Label"), QStringLiteral("ProgramArguments")}));
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
     }
 
-    void writesBeforeItLoads()
+    void writesTheAgentBeforeLoadingIt()
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
-        QVERIFY(startup_->IsInStartup(Identifier)); // launchctl has read the label
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
+        QVERIFY(startup_->IsInStartup(Identifier)); // launchctl found the label in the file
     }
 
     void doesNotWaitForLaunchctl()
     {
         std::promise<void> done;
-        auto wasDoneFirst = std::async(std::launch::async, [hold = programs_->Hold(), &done]() mutable {
-            bool const isDone = done.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready;
-            hold.reset();
+        auto returnedBeforeLaunchctl = std::async(std::launch::async, [lock = programs_->Lock(), &done]() mutable {
+            bool const isDone = done.get_future().wait_for(Timeout) == std::future_status::ready;
+            lock.reset();
             return isDone;
         });
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(startup_->RemoveFromStartup(Identifier));
-        QCOMPARE(programs_->LaunchctlCalls(), QString());
+        QCOMPARE(programs_->LaunchctlCalls(), QList<Arguments>());
         done.set_value();
-        QVERIFY(wasDoneFirst.get());
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
+        QVERIFY(returnedBeforeLaunchctl.get());
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
     }
 
     void doesNotRewriteAKnownAgent()
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QString const path = AgentsFolder() + FileName;
-        QByteArray const before = ReadByPlistlib(path);
+        QByteArray const before = ReadAsJson(path);
         QVERIFY(startup_->AddToStartup(Identifier, QStringLiteral("/Other.app/Contents/MacOS/X"), {}));
-        QCOMPARE(ReadByPlistlib(path), before);
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|load|-w|%1|").arg(path));
+        QCOMPARE(ReadAsJson(path), before);
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path), LoadArguments(path)}));
     }
 
-    void writesAnAgentAgainWhoseFileIsGone()
+    void rewritesAnAgentWithoutFile()
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(QFile::remove(AgentsFolder() + FileName));
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(QFile::exists(AgentsFolder() + FileName));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
     }
 
-    void writesAnAgentAgainThatItDoesNotKnow()
+    void overwritesTheFileOfAnUnknownAgent()
     {
         MakeAgent(FileName, QStringLiteral("another"));
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QString const path = AgentsFolder() + FileName;
-        QCOMPARE(ReadByPlistlib(path),
-                 QByteArray("{\"KeepAlive\": false, \"Label\": \"Zelkor_Studio_3.1.2_Agent\", "
-                            "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\"], "
-                            "\"RunAtLoad\": true}"));
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QCOMPARE(ReadAsJson(path), QByteArray("{\"KeepAlive\": false, \"Label\": \"Zelkor_Studio_3.1.2_Agent\", "
+                                              "\"ProgramArguments\": [\"open\", \"/Applications/X.app\", \"--args\"], "
+                                              "\"RunAtLoad\": true}"));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path)}));
     }
 
     void loadsAKnownAgentOfAnyLabel_data()
     {
         QTest::addColumn<QString>("label");
         QTest::newRow("three parts") << QStringLiteral("a_b_c");
-        QTest::newRow("another maker's") << QStringLiteral("org.example.agent");
-        QTest::newRow("none") << QString();
+        QTest::newRow("label of another vendor") << QStringLiteral("org.example.agent");
+        QTest::newRow("empty label") << QString();
     }
 
     void loadsAKnownAgentOfAnyLabel()
@@ -168,53 +154,51 @@ private Q_SLOTS:
         LogCapture const log;
         QVERIFY(startup_->AddToStartup(label, Executable, {}));
         QCOMPARE(log.Texts(), QStringList());
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path)}));
         QCOMPARE(QDir(AgentsFolder()).entryList(QDir::Files), QStringList{QStringLiteral("other.plist")});
     }
 
-    void loadsAndUnloadsTheFileThatItHasRead()
+    void loadsAndUnloadsTheFileReadBefore()
     {
         QString const path = MakeAgent(QStringLiteral("an agent.plist"), Identifier);
-        QByteArray const before = ReadByPlistlib(path);
+        QByteArray const before = ReadAsJson(path);
         startup_->UpdatePlistList();
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
-        QCOMPARE(ReadByPlistlib(path), before);
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path)}));
+        QCOMPARE(ReadAsJson(path), before);
         QVERIFY(!QFile::exists(AgentsFolder() + FileName));
         QVERIFY(startup_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|unload|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path), UnloadArguments(path)}));
     }
 
-    void loadsAnAgentThatAFolderIsInTheWayOf()
+    void loadsAnAgentAlthoughAFolderHasItsName()
     {
         QString const path = AgentsFolder() + FileName;
         QVERIFY(QDir().mkpath(path));
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path)}));
         QVERIFY(QFileInfo(path).isDir());
     }
 
-    void loadsAnAgentOfAReadOnlyFolder()
+    void loadsAnAgentAlthoughTheFolderIsReadOnly()
     {
         QString const path = AgentsFolder() + FileName;
         Check(chmod(QFile::encodeName(QDir::homePath()).constData(), 0755));
         Check(chmod(QFile::encodeName(AgentsFolder()).constData(), 0555));
-        programs_->AdmitEverybody();
-        QByteArray const added = RunAsOrdinaryUser(
-            [this] { return QByteArray::number(int(startup_->AddToStartup(Identifier, Executable, {}))); });
-        QCOMPARE(added, QByteArray("1"));
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        programs_->GrantAccessToEveryone();
+        QVERIFY(RunAsOrdinaryUser([this] { return startup_->AddToStartup(Identifier, Executable, {}); }));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path)}));
         QVERIFY(!QFile::exists(path));
     }
 
-    void refusesOtherIdentifiers_data()
+    void rejectsOtherIdentifiers_data()
     {
         QTest::addColumn<QString>("identifier");
         QTest::newRow("three parts") << QStringLiteral("a_b_c");
         QTest::newRow("five parts") << QStringLiteral("a_b_c_d_e");
     }
 
-    void refusesOtherIdentifiers()
+    void rejectsOtherIdentifiers()
     {
         QFETCH(QString, identifier);
         LogCapture const log;
@@ -223,22 +207,22 @@ private Q_SLOTS:
         LogLine const line = log.Lines().first();
         QCOMPARE(line.severity, google::GLOG_WARNING);
         QCOMPARE(line.file, QStringLiteral("Util/Platforms/mac/LaunchctlStartupImpl.mm"));
-        QCOMPARE(line.line, 120);
+        QCOMPARE(line.line, 120); // fixed: support searches the log for this position
         QCOMPARE(line.text,
                  QStringLiteral("bool Zelkor::Util::LaunchctlStartupImpl::AddToStartup(const QString &, "
                                 "const QString &, const QStringList &): Invalid application identificator."));
         QCOMPARE(QDir(AgentsFolder()).entryList(QDir::Files), QStringList());
     }
 
-    void failsWhenLaunchctlCannotBeStarted()
+    void failsWhenLaunchctlIsMissing()
     {
         qputenv("PATH", "/nowhere");
         QVERIFY(!startup_->AddToStartup(Identifier, Executable, {}));
-        QVERIFY(QFile::exists(AgentsFolder() + FileName)); // written all the same
+        QVERIFY(QFile::exists(AgentsFolder() + FileName));
         QVERIFY(!startup_->RemoveFromStartup(Identifier));
     }
 
-    void asksLaunchctlWhatIsLoaded()
+    void findsLoadedAgentsInTheListOfLaunchctl()
     {
         programs_->SetJobs("PID\tStatus\tLabel\n1\t0\t" + Identifier.toUtf8() + "\n2\t0\tother");
         QVERIFY(startup_->IsInStartup(Identifier));
@@ -248,19 +232,19 @@ private Q_SLOTS:
         QVERIFY(startup_->IsInStartup(QStringLiteral("a.b")));
     }
 
-    void readsLongLists()
+    void readsALongList()
     {
         programs_->SetJobs(QByteArray("1\t0\tsomething\n").repeated(20000) + "1\t0\tlast\n");
         QVERIFY(startup_->IsInStartup(QStringLiteral("last")));
     }
 
-    void takesAListThatIsNoUtf8ForEmpty()
+    void treatsAListThatIsNotUtf8AsEmpty()
     {
         programs_->SetJobs("\xff\n" + Identifier.toUtf8() + "\n");
         QVERIFY(!startup_->IsInStartup(Identifier));
     }
 
-    void logsThatTheListFails()
+    void logsAFailureToListAgents()
     {
         TestBed::SetProgramsFolder(QStringLiteral("/nowhere"));
         LogCapture const log;
@@ -269,20 +253,20 @@ private Q_SLOTS:
         LogLine const line = log.Lines().first();
         QCOMPARE(line.severity, google::GLOG_ERROR);
         QCOMPARE(line.file, QStringLiteral("Util/Platforms/mac/LaunchctlStartupImpl.mm"));
-        QCOMPARE(line.line, 63);
+        QCOMPARE(line.line, 63); // fixed: support searches the log for this position
         QVERIFY(
             line.text.startsWith(QStringLiteral("QString Zelkor::Util::(anonymous namespace)::GetAppsFromLaunchctl(): "
                                                 "Exception while launchctl running: ")));
         QVERIFY(line.text.contains(QStringLiteral("/nowhere/launchctl")));
     }
 
-    void knowsTheAgentsOfTheFolder()
+    void listsLoadedAgentsOfTheFolder()
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(startup_->AddToStartup(QStringLiteral("Zelkor_Editor_1.0_Agent"), Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 2);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
         programs_->SetJobs("1\t0\t" + Identifier.toUtf8() +
-                           "\n1\t0\tZelkor_Editor_1.0_Agent\n1\t0\tZelkor_Gone_1.0_Agent\n");
+                           "\n1\t0\tZelkor_Editor_1.0_Agent\n1\t0\tZelkor_Missing_1.0_Agent\n");
         LaunchctlStartupImpl other;
         QCOMPARE(other.GetAppsInStartup(), QStringList());
         other.UpdatePlistList();
@@ -295,7 +279,7 @@ private Q_SLOTS:
         QCOMPARE(other.GetAppsInStartup(), QStringList());
     }
 
-    void asksLaunchctlOnceAboutAllAgents()
+    void runsLaunchctlOnceForAllAgents()
     {
         QStringList labels;
         for (QString const& name : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}) {
@@ -303,10 +287,10 @@ private Q_SLOTS:
             MakeAgent(name + QStringLiteral(".plist"), labels.last());
         }
         startup_->UpdatePlistList();
-        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray());
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QList<Arguments>());
         programs_->SetJobs("1\t0\torg.example.a\n1\t0\torg.example.b\n1\t0\torg.example.c\n");
         QCOMPARE(startup_->GetAppsInStartup(), labels);
-        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QByteArray("list|\n"));
+        QCOMPARE(programs_->Calls(QLatin1String("launchctl")), QList<Arguments>{{QStringLiteral("list")}});
     }
 
     void listsALabelOnce()
@@ -318,10 +302,10 @@ private Q_SLOTS:
         QCOMPARE(startup_->GetAppsInStartup(), QStringList{Identifier});
     }
 
-    void takesNoOtherFileForAnAgent()
+    void ignoresOtherFiles()
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load|")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         for (char const* const name : {"agent", "agent.plist.old"}) {
             QString const copy = AgentsFolder() + QLatin1String(name);
             QVERIFY(QFile::rename(AgentsFolder() + FileName, copy));
@@ -333,7 +317,7 @@ private Q_SLOTS:
         QCOMPARE(startup_->GetAppsInStartup(), QStringList{Identifier});
     }
 
-    void takesAnAgentWithoutLabelForLoaded()
+    void reportsAnAgentWithoutLabelAsLoaded()
     {
         QFile file(AgentsFolder() + QStringLiteral("other.plist"));
         QVERIFY(file.open(QIODevice::WriteOnly));
@@ -343,34 +327,35 @@ private Q_SLOTS:
         QCOMPARE(startup_->GetAppsInStartup(), QStringList{QString()});
     }
 
-    void leavesNoDescriptorsOpen()
+    void closesItsDescriptors()
     {
         QVERIFY(!startup_->IsInStartup(Identifier));
-        int const before = OpenDescriptors();
+        int const before = CountOpenDescriptors();
         for (int i = 0; i < 3; ++i) {
             QVERIFY(!startup_->IsInStartup(Identifier));
         }
-        QCOMPARE(OpenDescriptors(), before);
+        QCOMPARE(CountOpenDescriptors(), before);
     }
 
     void unloadsAKnownAgent()
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QString const path = AgentsFolder() + FileName;
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path)}));
         QVERIFY(startup_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(programs_->LaunchctlCalls(), QStringLiteral("load|-w|%1|unload|-w|%1|").arg(path));
+        QTRY_COMPARE(programs_->LaunchctlCalls(), (QList<Arguments>{LoadArguments(path), UnloadArguments(path)}));
         QVERIFY(QFile::exists(path));
         QVERIFY(startup_->RemoveFromStartup(Identifier));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("unload")), 2);
+        QTRY_COMPARE(programs_->LaunchctlCalls(),
+                     (QList<Arguments>{LoadArguments(path), UnloadArguments(path), UnloadArguments(path)}));
     }
 
-    void unloadsNothingUnknown()
+    void doesNotUnloadAnUnknownAgent()
     {
         QVERIFY(!startup_->RemoveFromStartup(Identifier));
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QVERIFY(!startup_->RemoveFromStartup(QStringLiteral("Zelkor_Other_1.0_Agent")));
-        QTRY_COMPARE(programs_->LaunchctlCalls().count(QStringLiteral("load")), 1);
+        QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
     }
 
 protected:
@@ -390,7 +375,7 @@ protected:
     }
 
 private:
-    /// An agent in the user's folder that has nothing but a label; its path.
+    /// Creates an agent with a label only in the user's folder, and returns its path.
     static QString MakeAgent(QString const& name, QString const& label)
     {
         QString path = AgentsFolder() + name;

@@ -17,9 +17,9 @@
 
 #include <fcntl.h>
 
-using Zelkor::Testing::AtFolder;
 using Zelkor::Testing::Bundles;
 using Zelkor::Testing::NamesIn;
+using Zelkor::Testing::WorkingFolder;
 using Zelkor::Util::LoginItemStartupImpl;
 namespace TestBed = Zelkor::TestBed;
 
@@ -28,10 +28,10 @@ static_assert(!std::is_polymorphic_v<LoginItemStartupImpl> && sizeof(LoginItemSt
 namespace
 {
 
-QString const Maker = QStringLiteral("zelkor");
+QString const Vendor = QStringLiteral("zelkor");
 QString const Identifier = QStringLiteral("zelkor_Studio_3.1.0_Agent");
 
-/// The URL of the folder \a path, as the login items have it.
+/// Returns the URL of the folder \a path in the form that login items use.
 QString UrlOf(QString const& path)
 {
     return QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) + QLatin1Char('/');
@@ -44,7 +44,7 @@ class LoginItemStartupImplTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void rebuildsTheIdentifier_data()
+    void reconstructsTheIdentifier_data()
     {
         QTest::addColumn<QString>("application");
         QTest::addColumn<QString>("version");
@@ -57,19 +57,19 @@ private Q_SLOTS:
                                        << QStringList{QStringLiteral("zelkor_Studio_4.0.0_Agent")};
         QTest::newRow("version of one part") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4") << helper
                                              << QStringList{QStringLiteral("zelkor_Studio_4.0_Agent")};
-        QTest::newRow("another maker's") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
-                                         << QStringLiteral("com.other.Agent") << QStringList();
-        QTest::newRow("maker in another case") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
-                                               << QStringLiteral("com.Zelkor.Agent") << QStringList();
-        QTest::newRow("short identifier") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
-                                          << QStringLiteral("zelkor.Agent") << QStringList();
+        QTest::newRow("helper of another vendor") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
+                                                  << QStringLiteral("com.other.Agent") << QStringList();
+        QTest::newRow("vendor in different case") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
+                                                  << QStringLiteral("com.Zelkor.Agent") << QStringList();
+        QTest::newRow("helper identifier with two parts") << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4")
+                                                          << QStringLiteral("zelkor.Agent") << QStringList();
         QTest::newRow("helper without property list")
             << QStringLiteral("com.zelkor.Studio") << QStringLiteral("4") << QString() << QStringList();
         QTest::newRow("application without property list")
             << QString() << QString() << helper << QStringList{QStringLiteral("zelkor__.0_Agent")};
     }
 
-    void rebuildsTheIdentifier()
+    void reconstructsTheIdentifier()
     {
         QFETCH(QString, application);
         QFETCH(QString, version);
@@ -78,7 +78,7 @@ private Q_SLOTS:
         QString const main = bundles_->Make(QStringLiteral("Some App.app"), application, version);
         TestBed::AddLoginItem(bundles_->Make(QStringLiteral("Some App.app/Contents/Library/LoginItems/H.app"), helper,
                                              QStringLiteral("1")));
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), identifiers);
         for (QString const& identifier : identifiers) {
             QVERIFY(startup_->IsInStartup(identifier));
@@ -86,34 +86,34 @@ private Q_SLOTS:
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void takesAVersionThatIsNoTextForNone_data()
+    void treatsAVersionThatIsNotATextAsEmpty_data()
     {
         QTest::addColumn<QString>("version");
         QTest::newRow("integer") << QStringLiteral("<integer>5</integer>");
         QTest::newRow("real") << QStringLiteral("<real>5.1</real>");
         QTest::newRow("boolean") << QStringLiteral("<true/>");
-        QTest::newRow("list") << QStringLiteral("<array><string>5</string></array>");
+        QTest::newRow("list creation") << QStringLiteral("<array><string>5</string></array>");
         QTest::newRow("data") << QStringLiteral("<data>NS4x</data>");
     }
 
-    void takesAVersionThatIsNoTextForNone()
+    void treatsAVersionThatIsNotATextAsEmpty()
     {
         QFETCH(QString, version);
-        bundles_->MakeWith(QStringLiteral("X.app"), QStringLiteral("com.zelkor.Studio"), version);
+        bundles_->MakeWithVersionElement(QStringLiteral("X.app"), QStringLiteral("com.zelkor.Studio"), version);
         TestBed::AddLoginItem(bundles_->Make(QStringLiteral("X.app/Contents/Library/LoginItems/H.app"),
                                              QStringLiteral("com.zelkor.Agent"), QStringLiteral("1")));
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor_Studio_.0_Agent")});
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void skipsItemsThatLeadNowhere()
+    void skipsItemsOfMissingFolders()
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(QStringLiteral("/gone/H.app"), false);
         TestBed::AddLoginItem(QStringLiteral("/gone/H.app"));
         TestBed::AddLoginItem(helper_);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
@@ -122,39 +122,40 @@ private Q_SLOTS:
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_, false);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void takesAnyFolderForTheApplication()
+    void acceptsAnyFolderAsTheApplication()
     {
         QString const helper = bundles_->Make(QStringLiteral("some/folder/and/another/H.app"),
                                               QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
         TestBed::AddLoginItem(helper);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor__.0_Agent")});
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void skipsItemsTooHighForAnApplication()
+    void skipsItemsWithTooShortPaths()
     {
         QString const helper =
             bundles_->Make(QStringLiteral("H.app"), QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
         {
-            AtFolder const here(helper.toStdString());
-            TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd")); // a short path to it
-            startup_->UpdateStartupItems(Maker);
+            WorkingFolder const here(helper.toStdString());
+            TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd")); // a path too short to contain an application
+            startup_->UpdateStartupItems(Vendor);
             QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
         }
-        AtFolder const above(QFileInfo(helper).path().toStdString());
+        WorkingFolder const above(QFileInfo(helper).path().toStdString());
         TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd/H.app"));
-        startup_->UpdateStartupItems(Maker);
-        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor__.0_Agent")}); // the root's
+        startup_->UpdateStartupItems(Vendor);
+        QCOMPARE(startup_->GetItemsAtStartup(),
+                 QStringList{QStringLiteral("zelkor__.0_Agent")}); // the application is the root folder
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void knowsTheLaterOfTwoItems()
+    void usesTheLaterOfTwoItems()
     {
         QStringList helpers;
         for (QString const& name : {QStringLiteral("First.app"), QStringLiteral("Second.app")}) {
@@ -163,26 +164,26 @@ private Q_SLOTS:
                                       QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
             TestBed::AddLoginItem(helpers.last());
         }
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList{UrlOf(helpers.first())});
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void doesNotAskWhoMadeTheApplication()
+    void ignoresTheVendorOfTheApplication()
     {
         TestBed::SetMainBundle(
             bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.other.Studio3"), QStringLiteral("3.1")));
         bundles_->Make(QStringLiteral("Studio.app/Contents/Library/LoginItems/Agent.app"),
                        QStringLiteral("com.zelkor.Agent"), QStringLiteral("1.0"));
         QVERIFY(startup_->AddToLoginItems(Identifier));
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void standsNamesOfAllKinds()
+    void acceptsNonAsciiNames()
     {
         TestBed::SetMainBundle(bundles_->Make(QStringLiteral("Mein St\u00FCdio \u2116 3.app"),
                                               QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
@@ -191,31 +192,31 @@ private Q_SLOTS:
             QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
         QVERIFY(startup_->AddToLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList{UrlOf(helper)});
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{Identifier});
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void knowsNothingWhenTheListFails_data()
+    void clearsItsItemsWhenTheListFails_data()
     {
         QTest::addColumn<int>("call");
-        QTest::newRow("list") << int(TestBed::LoginItemsCall::Create);
+        QTest::newRow("list creation") << int(TestBed::LoginItemsCall::Create);
         QTest::newRow("snapshot") << int(TestBed::LoginItemsCall::Snapshot);
     }
 
-    void knowsNothingWhenTheListFails()
+    void clearsItsItemsWhenTheListFails()
     {
         QFETCH(int, call);
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QVERIFY(startup_->IsInStartup(Identifier));
 
         TestBed::FailLoginItems(TestBed::LoginItemsCall(call));
         QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
@@ -228,14 +229,14 @@ private Q_SLOTS:
         TestBed::AddLoginItem(QStringLiteral("/first"));
         QVERIFY(startup_->AddToLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(), (QStringList{QStringLiteral("file:///first/"), UrlOf(helper_)}));
-        QVERIFY(!startup_->IsInStartup(Identifier)); // until it is read again
-        startup_->UpdateStartupItems(Maker);
+        QVERIFY(!startup_->IsInStartup(Identifier)); // the items are not read again yet
+        startup_->UpdateStartupItems(Vendor);
         QVERIFY(startup_->IsInStartup(Identifier));
 
-        QVERIFY(startup_->AddToLoginItems(Identifier)); // it is one already
+        QVERIFY(startup_->AddToLoginItems(Identifier)); // it is a login item already
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
 
-        QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // in whatever case its name ends
+        QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // the suffix ".APP" is accepted
         QCOMPARE(TestBed::LoginItemUrls().size(), 3);
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
@@ -251,8 +252,8 @@ private Q_SLOTS:
     {
         QFETCH(int, call);
         helper_ = bundles_->MakeStudio();
-        // Nor is the helper found from here.
-        AtFolder const bundle(QDir::cleanPath(helper_ + QStringLiteral("/../../../..")).toStdString());
+        // In the bundle, so that the helper exists at the path relative to the current folder.
+        WorkingFolder const bundle(QDir::cleanPath(helper_ + QStringLiteral("/../../../..")).toStdString());
         QVERIFY(QFileInfo(QStringLiteral("Contents/Library/LoginItems/Agent.app")).isDir());
         TestBed::FailMainBundle(TestBed::MainBundleCall(call));
         QVERIFY(!startup_->AddToLoginItems(Identifier));
@@ -263,11 +264,11 @@ private Q_SLOTS:
         QVERIFY(startup_->AddToLoginItems(Identifier));
     }
 
-    void needsNoListForAKnownItem()
+    void doesNotReadTheListForAKnownItem()
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         TestBed::FailLoginItems(TestBed::LoginItemsCall::Create);
         TestBed::FailMainBundle(TestBed::MainBundleCall::Get);
         QVERIFY(startup_->AddToLoginItems(Identifier));
@@ -275,7 +276,7 @@ private Q_SLOTS:
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void addsTheFirstHelperOfTheFolder()
+    void addsTheFirstMatchingHelperOfTheFolder()
     {
         TestBed::SetMainBundle(
             bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
@@ -285,7 +286,7 @@ private Q_SLOTS:
             path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
         }
         path = QFileInfo(path).path();
-        // Two that stand in another order there than their names have.
+        // Two neighbours whose order in the folder differs from the order of their names.
         std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
         auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
         QVERIFY(first != names.end());
@@ -299,7 +300,7 @@ private Q_SLOTS:
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void addsBundlesOfApplicationsOnly()
+    void addsApplicationBundlesOnly()
     {
         TestBed::SetMainBundle(
             bundles_->Make(QStringLiteral("Studio.app"), QStringLiteral("com.zelkor.Studio3"), QStringLiteral("3.1")));
@@ -312,16 +313,16 @@ private Q_SLOTS:
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void addsNothingElse_data()
+    void rejectsOtherIdentifiers_data()
     {
         QTest::addColumn<QString>("identifier");
-        QTest::newRow("no such helper") << QStringLiteral("zelkor_Studio_3.1.0_Other");
-        QTest::newRow("case counts") << QStringLiteral("zelkor_Studio_3.1.0_agent");
+        QTest::newRow("missing helper") << QStringLiteral("zelkor_Studio_3.1.0_Other");
+        QTest::newRow("different case") << QStringLiteral("zelkor_Studio_3.1.0_agent");
         QTest::newRow("three parts") << QStringLiteral("zelkor_Studio_3.1.0");
         QTest::newRow("empty") << QString();
     }
 
-    void addsNothingElse()
+    void rejectsOtherIdentifiers()
     {
         QFETCH(QString, identifier);
         helper_ = bundles_->MakeStudio();
@@ -333,7 +334,7 @@ private Q_SLOTS:
     void failsWhenTheItemCannotBeAdded_data()
     {
         QTest::addColumn<int>("call");
-        QTest::newRow("list") << int(TestBed::LoginItemsCall::Create);
+        QTest::newRow("list creation") << int(TestBed::LoginItemsCall::Create);
         QTest::newRow("insertion") << int(TestBed::LoginItemsCall::Insert);
     }
 
@@ -352,18 +353,18 @@ private Q_SLOTS:
         TestBed::AddLoginItem(QStringLiteral("/first"));
         TestBed::AddLoginItem(QStringLiteral("/second"), false);
         TestBed::AddLoginItem(helper_);
-        QVERIFY(!startup_->RemoveFromLoginItems(Identifier)); // not known yet
-        startup_->UpdateStartupItems(Maker);
+        QVERIFY(!startup_->RemoveFromLoginItems(Identifier)); // the items are not read yet
+        startup_->UpdateStartupItems(Vendor);
         QVERIFY(!startup_->RemoveFromLoginItems(QStringLiteral("zelkor_Other_1.0.0_Agent")));
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(),
                  (QStringList{QStringLiteral("file:///first/"), QStringLiteral("file:///second/")}));
-        QVERIFY(startup_->IsInStartup(Identifier)); // until it is read again
+        QVERIFY(startup_->IsInStartup(Identifier)); // the items are not read again yet
         QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void removesTheVeryPathOnly()
+    void removesTheExactPathOnly()
     {
         helper_ = bundles_->MakeStudio();
         QStringList const others = {helper_ + QStringLiteral("2"), helper_ + QStringLiteral("/Contents"),
@@ -372,7 +373,7 @@ private Q_SLOTS:
             TestBed::AddLoginItem(other);
         }
         TestBed::AddLoginItem(helper_);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QStringList urls;
         for (QString const& other : others) {
@@ -387,7 +388,7 @@ private Q_SLOTS:
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         TestBed::AddLoginItem(helper_);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 1);
     }
@@ -395,7 +396,7 @@ private Q_SLOTS:
     void failsWhenTheItemCannotBeRemoved_data()
     {
         QTest::addColumn<int>("call");
-        QTest::newRow("list") << int(TestBed::LoginItemsCall::Create);
+        QTest::newRow("list creation") << int(TestBed::LoginItemsCall::Create);
         QTest::newRow("snapshot") << int(TestBed::LoginItemsCall::Snapshot);
         QTest::newRow("removal") << int(TestBed::LoginItemsCall::Remove);
     }
@@ -405,24 +406,24 @@ private Q_SLOTS:
         QFETCH(int, call);
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
-        startup_->UpdateStartupItems(Maker);
+        startup_->UpdateStartupItems(Vendor);
         TestBed::FailLoginItems(TestBed::LoginItemsCall(call));
         QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 1);
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
-    void readsPathsOfOlderSystems()
+    void readsUrlsOfOlderSystems()
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         TestBed::SetSystemVersion(QStringLiteral("10.8.5"));
-        startup_->UpdateStartupItems(Maker);
-        // There the URLs name the host; these do not, so no path comes of them and no application is found.
+        startup_->UpdateStartupItems(Vendor);
+        // Before 10.9, item URLs contain the host name. These URLs do not, so they yield no path and no application.
         QVERIFY(!startup_->IsInStartup(Identifier));
         for (QString const& version : {QStringLiteral("10.9"), QStringLiteral("10.9.0"), QStringLiteral("11.2")}) {
             TestBed::SetSystemVersion(version);
-            startup_->UpdateStartupItems(Maker);
+            startup_->UpdateStartupItems(Vendor);
             QVERIFY(startup_->IsInStartup(Identifier));
         }
     }

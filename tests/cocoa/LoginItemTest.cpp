@@ -11,21 +11,21 @@ class LoginItemTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsPartsOfABundleIdentifier_data()
+    void returnsAPartOfABundleIdentifier_data()
     {
         QTest::addColumn<QString>("identifier");
         QTest::addColumn<int>("index");
         QTest::addColumn<QString>("part");
         QTest::newRow("maker") << QStringLiteral("com.zelkor.Studio3") << 1 << QStringLiteral("zelkor");
         QTest::newRow("product") << QStringLiteral("com.zelkor.Studio3") << 2 << QStringLiteral("Studio3");
-        QTest::newRow("longer") << QStringLiteral("com.zelkor.Studio.Agent") << 2 << QStringLiteral("Studio");
+        QTest::newRow("four parts") << QStringLiteral("com.zelkor.Studio.Agent") << 2 << QStringLiteral("Studio");
         QTest::newRow("two parts") << QStringLiteral("com.zelkor") << 1 << QString();
-        QTest::newRow("empty parts count") << QStringLiteral("com..x") << 1 << QString();
-        QTest::newRow("empty parts count, product") << QStringLiteral("..x") << 2 << QStringLiteral("x");
+        QTest::newRow("empty second part") << QStringLiteral("com..x") << 1 << QString();
+        QTest::newRow("empty first parts") << QStringLiteral("..x") << 2 << QStringLiteral("x");
         QTest::newRow("empty") << QString() << 1 << QString();
     }
 
-    void readsPartsOfABundleIdentifier()
+    void returnsAPartOfABundleIdentifier()
     {
         QFETCH(QString, identifier);
         QFETCH(int, index);
@@ -33,7 +33,7 @@ private Q_SLOTS:
         QCOMPARE(BundleIdentifierPart(identifier, index), part);
     }
 
-    void completesVersions_data()
+    void appendsZeroToShortVersions_data()
     {
         QTest::addColumn<QString>("version");
         QTest::addColumn<QString>("completed");
@@ -44,68 +44,73 @@ private Q_SLOTS:
         QTest::newRow("empty") << QString() << QStringLiteral(".0");
     }
 
-    void completesVersions()
+    void appendsZeroToShortVersions()
     {
         QFETCH(QString, version);
         QFETCH(QString, completed);
         QCOMPARE(CompletedBundleVersion(version), completed);
     }
 
-    void trimsProducts_data()
+    void removesTheMajorVersionFromAProduct_data()
     {
         QTest::addColumn<QString>("product");
         QTest::addColumn<QString>("version");
-        QTest::addColumn<QString>("trimmed");
-        QTest::newRow("ends with it") << QStringLiteral("Studio3") << QStringLiteral("3.1.0")
-                                      << QStringLiteral("Studio");
-        QTest::newRow("does not") << QStringLiteral("Studio") << QStringLiteral("4.0.0") << QStringLiteral("Studio");
-        QTest::newRow("everywhere") << QStringLiteral("St3dio3") << QStringLiteral("3.0.0") << QStringLiteral("Stdio");
-        QTest::newRow("inside only") << QStringLiteral("St3dio") << QStringLiteral("3.0.0") << QStringLiteral("St3dio");
-        QTest::newRow("other number") << QStringLiteral("Studio13") << QStringLiteral("3.0.0")
-                                      << QStringLiteral("Studio1");
-        QTest::newRow("case counts") << QStringLiteral("Studiob") << QStringLiteral("B.1.0")
-                                     << QStringLiteral("Studiob");
-        QTest::newRow("no version") << QStringLiteral("Studio") << QStringLiteral(".0") << QStringLiteral("Studio");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("product with major version")
+            << QStringLiteral("Studio3") << QStringLiteral("3.1.0") << QStringLiteral("Studio");
+        QTest::newRow("product without major version")
+            << QStringLiteral("Studio") << QStringLiteral("4.0.0") << QStringLiteral("Studio");
+        QTest::newRow("several occurrences")
+            << QStringLiteral("St3dio3") << QStringLiteral("3.0.0") << QStringLiteral("Stdio");
+        QTest::newRow("occurrence inside only")
+            << QStringLiteral("St3dio") << QStringLiteral("3.0.0") << QStringLiteral("St3dio");
+        QTest::newRow("longer number") << QStringLiteral("Studio13") << QStringLiteral("3.0.0")
+                                       << QStringLiteral("Studio1");
+        QTest::newRow("different case") << QStringLiteral("Studiob") << QStringLiteral("B.1.0")
+                                        << QStringLiteral("Studiob");
+        QTest::newRow("empty major version")
+            << QStringLiteral("Studio") << QStringLiteral(".0") << QStringLiteral("Studio");
     }
 
-    void trimsProducts()
+    void removesTheMajorVersionFromAProduct()
     {
         QFETCH(QString, product);
         QFETCH(QString, version);
-        QFETCH(QString, trimmed);
-        QCOMPARE(ProductWithoutMajorVersion(product, version), trimmed);
+        QFETCH(QString, result);
+        QCOMPARE(ProductWithoutMajorVersion(product, version), result);
     }
 
-    void findsTheMainBundle_data()
+    void returnsThePathOfTheMainBundle_data()
     {
         QTest::addColumn<QString>("item");
         QTest::addColumn<QString>("bundle");
-        QTest::newRow("inside") << QStringLiteral("/A/X.app/Contents/Library/LoginItems/H.app/")
-                                << QStringLiteral("/A/X.app/");
-        QTest::newRow("at the root") << QStringLiteral("/a/b/c/d/") << QStringLiteral("/");
-        QTest::newRow("too short") << QStringLiteral("/a/b/c/") << QString();
+        QTest::newRow("login item in a bundle")
+            << QStringLiteral("/A/X.app/Contents/Library/LoginItems/H.app/") << QStringLiteral("/A/X.app/");
+        QTest::newRow("login item near the root") << QStringLiteral("/a/b/c/d/") << QStringLiteral("/");
+        QTest::newRow("short path") << QStringLiteral("/a/b/c/") << QString();
         QTest::newRow("empty") << QString() << QString();
     }
 
-    void findsTheMainBundle()
+    void returnsThePathOfTheMainBundle()
     {
         QFETCH(QString, item);
         QFETCH(QString, bundle);
         QCOMPARE(MainBundlePathOf(item), bundle);
     }
 
-    void makesPathsOfUrls_data()
+    void convertsUrlsToPaths_data()
     {
         QTest::addColumn<QString>("url");
         QTest::addColumn<bool>("namesLocalhost");
         QTest::addColumn<QString>("path");
-        QTest::newRow("since 10.9") << QStringLiteral("file:///A/X.app/") << false << QStringLiteral("/A/X.app/");
-        QTest::newRow("before") << QStringLiteral("file://localhost/A/") << true << QStringLiteral("/A/");
-        QTest::newRow("before, without host") << QStringLiteral("file:///A/") << true << QStringLiteral("file:///A/");
-        QTest::newRow("every occurrence") << QStringLiteral("file:///a/file://b") << false << QStringLiteral("/a/b");
+        QTest::newRow("10.9 or later") << QStringLiteral("file:///A/X.app/") << false << QStringLiteral("/A/X.app/");
+        QTest::newRow("before 10.9") << QStringLiteral("file://localhost/A/") << true << QStringLiteral("/A/");
+        QTest::newRow("before 10.9, without host")
+            << QStringLiteral("file:///A/") << true << QStringLiteral("file:///A/");
+        QTest::newRow("several occurrences") << QStringLiteral("file:///a/file://b") << false << QStringLiteral("/a/b");
     }
 
-    void makesPathsOfUrls()
+    void convertsUrlsToPaths()
     {
         QFETCH(QString, url);
         QFETCH(bool, namesLocalhost);
@@ -113,7 +118,7 @@ private Q_SLOTS:
         QCOMPARE(PathOfUrlText(url, namesLocalhost), path);
     }
 
-    void namesTheHelper_data()
+    void returnsTheHelperProduct_data()
     {
         QTest::addColumn<QString>("identifier");
         QTest::addColumn<QString>("helper");
@@ -123,7 +128,7 @@ private Q_SLOTS:
         QTest::newRow("empty part") << QStringLiteral("a__c_d") << QStringLiteral("d");
     }
 
-    void namesTheHelper()
+    void returnsTheHelperProduct()
     {
         QFETCH(QString, identifier);
         QFETCH(QString, helper);

@@ -1,6 +1,6 @@
 #pragma once
 
-// What Objective-C++ is told of the running system.
+// Availability checks in Objective-C++.
 
 #include <QtCore/QString>
 
@@ -13,7 +13,7 @@ bool IsAtLeast10_16();
 bool IsAtLeast11();
 bool IsNotAtLeast10_15();
 
-/// The version that the process tells, "10.13.6".
+/// Returns the system version from NSProcessInfo, for example "10.13.6".
 QString VersionOfProcessInfo();
 
 bool ProcessInfoIsAtLeast(long majorVersion, long minorVersion, long patchVersion);

@@ -2,25 +2,31 @@
 
 // Blocks and exceptions in Objective-C++.
 
-#include <QtCore/QString>
-
 #include <functional>
 
 namespace Zelkor::Testing
 {
 
-/// Calls a block that adds \a number to how often it was called: as it is, from a collection, and retained. The sum.
+/// Calls a block three times: directly, from a collection and after a retain. The block adds \a number to the count of
+/// calls so far. Returns the sum of the results.
 int SumOfBlocks(int number);
 
 void RaiseNSException();
 void ThrowCpp();
 
-/// Each calls \a call and tells which of its handlers it met: "C++", "NSException" or "any".
-QString MeetsCppHandlers(std::function<void()> const& call);
-QString MeetsObjectiveCHandlers(std::function<void()> const& call);
-QString MeetsObjectiveCHandlerOfAnything(std::function<void()> const& call);
+/// The handler that catches an exception.
+enum class Handler { None, StdException, NSException, CatchAll };
 
-/// Calls \a call and sets \a wasFinal in the end, whatever is thrown.
-void PassFinally(std::function<void()> const& call, bool& wasFinal);
+/// Calls \a call inside try, with handlers for std::exception and for everything. Returns the handler that runs.
+Handler CatchInCpp(std::function<void()> const& call);
+
+/// Calls \a call inside @try, with a handler for NSException. Returns the handler that runs.
+Handler CatchNSException(std::function<void()> const& call);
+
+/// Calls \a call inside @try, with a handler for everything. Returns the handler that runs.
+Handler CatchAnythingInObjectiveC(std::function<void()> const& call);
+
+/// Calls \a call and sets \a ranFinally in a @finally block.
+void CallWithFinally(std::function<void()> const& call, bool& ranFinally);
 
 } // namespace Zelkor::Testing

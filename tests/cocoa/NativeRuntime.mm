@@ -39,44 +39,44 @@ void ThrowCpp()
     throw std::runtime_error("thrown");
 }
 
-QString MeetsCppHandlers(std::function<void()> const& call)
+Handler CatchInCpp(std::function<void()> const& call)
 {
     try {
         call();
     } catch (std::exception const&) {
-        return QStringLiteral("C++");
+        return Handler::StdException;
     } catch (...) {
-        return QStringLiteral("any");
+        return Handler::CatchAll;
     }
-    return QString();
+    return Handler::None;
 }
 
-QString MeetsObjectiveCHandlers(std::function<void()> const& call)
+Handler CatchNSException(std::function<void()> const& call)
 {
     @try {
         call();
     } @catch (NSException*) {
-        return QStringLiteral("NSException");
+        return Handler::NSException;
     }
-    return QString();
+    return Handler::None;
 }
 
-QString MeetsObjectiveCHandlerOfAnything(std::function<void()> const& call)
+Handler CatchAnythingInObjectiveC(std::function<void()> const& call)
 {
     @try {
         call();
     } @catch (...) {
-        return QStringLiteral("any");
+        return Handler::CatchAll;
     }
-    return QString();
+    return Handler::None;
 }
 
-void PassFinally(std::function<void()> const& call, bool& wasFinal)
+void CallWithFinally(std::function<void()> const& call, bool& ranFinally)
 {
     @try {
         call();
     } @finally {
-        wasFinal = true;
+        ranFinally = true;
     }
 }
 

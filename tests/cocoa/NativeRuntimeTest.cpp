@@ -1,4 +1,4 @@
-// Blocks and exceptions of Objective-C++ on the test bed, which brings gcc's runtime to a Mac's behaviour.
+// Blocks and exceptions in Objective-C++ on the test bed, which adapts gcc's runtime to the behaviour of a Mac.
 
 #include "NativeRuntime.h"
 
@@ -13,14 +13,14 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// Whether what \a call throws passes a @finally on its way.
-bool PassesFinally(void (*call)())
+/// Returns true if \a call throws and the @finally block around it runs.
+bool RunsFinally(void (*call)())
 {
-    bool wasFinal = false;
+    bool ranFinally = false;
     try {
-        PassFinally(call, wasFinal);
+        CallWithFinally(call, ranFinally);
     } catch (...) {
-        return wasFinal;
+        return ranFinally;
     }
     return false;
 }
@@ -32,28 +32,28 @@ class NativeRuntimeTest : public Zelkor::Testing::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void blocksAreObjects() { QCOMPARE(SumOfBlocks(10), 11 + 12 + 13); }
+    void blocksBehaveLikeObjects() { QCOMPARE(SumOfBlocks(10), 11 + 12 + 13); }
 
-    void cppExceptionsAreCaught()
+    void catchesCppExceptions()
     {
-        QCOMPARE(MeetsCppHandlers(ThrowCpp), QStringLiteral("C++"));
-        QCOMPARE(MeetsObjectiveCHandlerOfAnything(ThrowCpp), QStringLiteral("any"));
-        QVERIFY(PassesFinally(ThrowCpp));
+        QCOMPARE(CatchInCpp(ThrowCpp), Handler::StdException);
+        QCOMPARE(CatchAnythingInObjectiveC(ThrowCpp), Handler::CatchAll);
+        QVERIFY(RunsFinally(ThrowCpp));
     }
 
-    void nativeExceptionsAreCaught()
+    void catchesNSExceptions()
     {
-        QCOMPARE(MeetsCppHandlers(RaiseNSException), QStringLiteral("any"));
-        QCOMPARE(MeetsObjectiveCHandlers(RaiseNSException), QStringLiteral("NSException"));
-        QCOMPARE(MeetsObjectiveCHandlerOfAnything(RaiseNSException), QStringLiteral("any"));
-        QVERIFY(PassesFinally(RaiseNSException));
+        QCOMPARE(CatchInCpp(RaiseNSException), Handler::CatchAll);
+        QCOMPARE(CatchNSException(RaiseNSException), Handler::NSException);
+        QCOMPARE(CatchAnythingInObjectiveC(RaiseNSException), Handler::CatchAll);
+        QVERIFY(RunsFinally(RaiseNSException));
     }
 
-    void cppExceptionsPassHandlersOfNativeOnes()
+    void doesNotCatchCppExceptionsAsNSException()
     {
         bool isCaught = false;
         try {
-            MeetsObjectiveCHandlers(ThrowCpp);
+            CatchNSException(ThrowCpp);
         } catch (std::exception const& exception) {
             isCaught = true;
             QCOMPARE(exception.what(), "thrown");

@@ -3,12 +3,12 @@
 #include <TestBed.h>
 
 #include <QtCore/QByteArray>
-#include <QtCore/QByteArrayList>
 #include <QtCore/QFile>
+#include <QtCore/QList>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QTemporaryDir>
 
-#include <initializer_list>
 #include <memory>
 
 #include <sys/file.h>
@@ -17,8 +17,21 @@
 namespace Zelkor::Testing
 {
 
-/// launchctl, open and tccutil of the test's own, on the search path and where the library runs them by their full
-/// paths, until this ends. tests/cocoa/testbed/programs tells what they do.
+/// The arguments of one call of a program.
+using Arguments = QStringList;
+
+inline Arguments LoadArguments(QString const& propertyList)
+{
+    return {QStringLiteral("load"), QStringLiteral("-w"), propertyList};
+}
+
+inline Arguments UnloadArguments(QString const& propertyList)
+{
+    return {QStringLiteral("unload"), QStringLiteral("-w"), propertyList};
+}
+
+/// Provides fake launchctl, open and tccutil programs during its lifetime, on the search path and under the full paths
+/// that the library uses. testbed/programs/program implements them.
 class Programs
 {
 public:
@@ -42,11 +55,11 @@ public:
     Programs(Programs const&) = delete;
     Programs& operator=(Programs const&) = delete;
 
-    /// Every user may run them.
-    void AdmitEverybody() const { chmod(QFile::encodeName(folder_.path()).constData(), 0777); }
+    /// Allows every user to run the programs.
+    void GrantAccessToEveryone() const { chmod(QFile::encodeName(folder_.path()).constData(), 0777); }
 
-    /// Nothing that is called ends while the result lives.
-    std::unique_ptr<QFile> Hold() const
+    /// Locks the programs. A called program does not finish before the result is destroyed.
+    std::unique_ptr<QFile> Lock() const
     {
         auto lock = std::make_unique<QFile>(folder_.filePath(QStringLiteral("lock")));
         lock->open(QIODevice::WriteOnly);
@@ -54,10 +67,10 @@ public:
         return lock;
     }
 
-    /// What launchctl lists.
+    /// Sets the output of "launchctl list".
     void SetJobs(QByteArray const& list) { SetState(QLatin1String("launchctl"), list); }
 
-    /// What \a program keeps.
+    /// Replaces the state of \a program.
     void SetState(QLatin1String program, QByteArray const& state)
     {
         QFile file(File(program) + QLatin1String(".state"));
@@ -67,15 +80,25 @@ public:
 
     QByteArray State(QLatin1String program) const { return Content(File(program) + QLatin1String(".state")); }
 
-    /// The calls of \a program that have ended, a line each, each argument followed by "|".
-    QByteArray Calls(QLatin1String program) const { return Content(File(program) + QLatin1String(".calls")); }
-
-    /// The calls of launchctl but "list", joined.
-    QString LaunchctlCalls() const
+    /// Returns the arguments of each finished call of \a program, in order.
+    QList<Arguments> Calls(QLatin1String program) const
     {
-        QByteArrayList calls = Calls(QLatin1String("launchctl")).split('\n');
-        calls.removeAll("list|");
-        return QString::fromUtf8(calls.join());
+        // The program writes one line per call and "|" after each argument.
+        QList<Arguments> calls;
+        QStringList const lines = QString::fromUtf8(Content(File(program) + QLatin1String(".calls")))
+                                      .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (QString const& line : lines) {
+            calls += line.chopped(1).split(QLatin1Char('|'));
+        }
+        return calls;
+    }
+
+    /// Returns the calls of launchctl except "launchctl list".
+    QList<Arguments> LaunchctlCalls() const
+    {
+        QList<Arguments> calls = Calls(QLatin1String("launchctl"));
+        calls.removeAll(Arguments{QStringLiteral("list")});
+        return calls;
     }
 
 private:

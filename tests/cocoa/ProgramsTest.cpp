@@ -1,4 +1,4 @@
-// The programs of the test bed, as the library runs them.
+// The fake programs of the test bed, started in the ways that the library uses.
 
 #include "Programs.h"
 
@@ -13,7 +13,10 @@
 
 #include <sys/wait.h>
 
+using Zelkor::Testing::Arguments;
+using Zelkor::Testing::LoadArguments;
 using Zelkor::Testing::Programs;
+using Zelkor::Testing::UnloadArguments;
 namespace TestBed = Zelkor::TestBed;
 
 namespace
@@ -23,7 +26,7 @@ QLatin1String const Launchctl("launchctl");
 QLatin1String const Open("open");
 QLatin1String const Tccutil("tccutil");
 
-/// The exit code of a command of the shell.
+/// Runs \a command in a shell and returns its exit code.
 int Run(char const* command)
 {
     int const status = std::system(command);
@@ -56,26 +59,26 @@ private Q_SLOTS:
         QCOMPARE(QProcess::execute(QStringLiteral("launchctl"), {QStringLiteral("unload"), QStringLiteral("-w"), list}),
                  0);
         QCOMPARE(programs_->State(Launchctl), QByteArray("PID\tStatus\tLabel\n1\t0\txa_b_c_d\n"));
-        QString const calls = QStringLiteral("load|-w|%1|load|-w|%1|unload|-w|%1|");
-        QCOMPARE(programs_->LaunchctlCalls(), calls.arg(list));
+        QCOMPARE(programs_->LaunchctlCalls(),
+                 (QList<Arguments>{LoadArguments(list), LoadArguments(list), UnloadArguments(list)}));
     }
 
-    void launchctlFails_data()
+    void launchctlRejectsInvalidArguments_data()
     {
         QTest::addColumn<QByteArray>("command");
-        QTest::newRow("no such list") << QByteArray("launchctl load -w /no/such.plist");
-        QTest::newRow("not for good") << QByteArray("launchctl load /dev/null");
-        QTest::newRow("no verb") << QByteArray("launchctl");
+        QTest::newRow("missing property list") << QByteArray("launchctl load -w /no/such.plist");
+        QTest::newRow("missing option -w") << QByteArray("launchctl load /dev/null");
+        QTest::newRow("missing subcommand") << QByteArray("launchctl");
     }
 
-    void launchctlFails()
+    void launchctlRejectsInvalidArguments()
     {
         QFETCH(QByteArray, command);
         QCOMPARE(Run(command.constData()), 1);
         QCOMPARE(programs_->State(Launchctl), QByteArray());
     }
 
-    void openTakesFilesAndAddresses()
+    void openAcceptsFilesAndUrls()
     {
         QCOMPARE(Run("open /"), 0);
         QCOMPARE(Run("open x-apple.systempreferences:com.apple.preference.security?Privacy_Camera"), 0);
@@ -83,36 +86,38 @@ private Q_SLOTS:
         QCOMPARE(Run("open nothing"), 1);
         QCOMPARE(programs_->State(Open),
                  QByteArray("/\nx-apple.systempreferences:com.apple.preference.security?Privacy_Camera\n"));
-        QCOMPARE(programs_->Calls(Open).split('\n').value(2), QByteArray("/no/such.app|--args|a|"));
+        QCOMPARE(programs_->Calls(Open).value(2),
+                 (Arguments{QStringLiteral("/no/such.app"), QStringLiteral("--args"), QStringLiteral("a")}));
     }
 
-    void tccutilForgetsADecision()
+    void tccutilRemovesADecision()
     {
         programs_->SetState(Tccutil, "ScreenCapture com.zelkor.Studio\nScreenCapture com.zelkor.Studio3\n"
                                      "Accessibility com.zelkor.Studio\n");
         QCOMPARE(Run("/usr/bin/tccutil reset ScreenCapture com.zelkor.Studio"), 0);
         QCOMPARE(programs_->State(Tccutil),
                  QByteArray("ScreenCapture com.zelkor.Studio3\nAccessibility com.zelkor.Studio\n"));
-        QCOMPARE(programs_->Calls(Tccutil), QByteArray("reset|ScreenCapture|com.zelkor.Studio|\n"));
+        QCOMPARE(programs_->Calls(Tccutil), (QList<Arguments>{{QStringLiteral("reset"), QStringLiteral("ScreenCapture"),
+                                                               QStringLiteral("com.zelkor.Studio")}}));
         QVERIFY(Run("/usr/bin/tccutil reset") != 0);
     }
 
-    void fullPathsLeadToTheSamePrograms()
+    void fullPathsRunTheFakePrograms()
     {
         QCOMPARE(Run("/bin/launchctl list"), 0);
         QCOMPARE(Run("/usr/bin/open / >/dev/null; exit 3"), 3);
-        QCOMPARE(programs_->Calls(Launchctl), QByteArray("list|\n"));
-        QCOMPARE(programs_->Calls(Open), QByteArray("/|\n"));
+        QCOMPARE(programs_->Calls(Launchctl), QList<Arguments>{{QStringLiteral("list")}});
+        QCOMPARE(programs_->Calls(Open), QList<Arguments>{{QStringLiteral("/")}});
     }
 
-    void thereAreNoneAfterwards()
+    void fullPathsFailWithoutFakePrograms()
     {
         programs_.reset();
         QCOMPARE(Run("/usr/bin/open / 2>/dev/null"), 127);
         QCOMPARE(Run("/usr/bin/tccutil reset a b 2>/dev/null"), 127);
     }
 
-    void otherCommandsAreTheSystemsOwn()
+    void otherCommandsAreNotReplaced()
     {
         QCOMPARE(Run("exit 5"), 5);
         QVERIFY(std::system(nullptr) != 0);

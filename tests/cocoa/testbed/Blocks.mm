@@ -1,5 +1,5 @@
-// Blocks as objects of Objective-C, as they are on a Mac: they are copied, retained and released by messages and may
-// stand in collections. The library of blocks has only blank classes for gcc's runtime.
+// Makes blocks Objective-C objects, as on a Mac: code can send them copy, retain and release and store them in
+// collections. The blocks runtime library provides only empty class structures for the gcc runtime.
 
 #import <Foundation/Foundation.h>
 
@@ -17,13 +17,13 @@ extern void* _NSConcreteMallocBlock[32];
 @end
 
 @implementation NSBlock
-// Not a static constructor: those may run before the class is known.
+// In +load, because a static constructor may run before the runtime registers the class.
 + (void)load
 {
-    [self instanceMethodForSelector:@selector(copy)]; // now its table of methods is there
+    [self instanceMethodForSelector:@selector(copy)]; // forces the runtime to create the method table
     constexpr size_t SizeOfClass = 18 * sizeof(void*);
-    for (void** const blank : {_NSConcreteStackBlock, _NSConcreteGlobalBlock, _NSConcreteMallocBlock}) {
-        std::memcpy(blank, (void*)self, SizeOfClass);
+    for (void** const blockClass : {_NSConcreteStackBlock, _NSConcreteGlobalBlock, _NSConcreteMallocBlock}) {
+        std::memcpy(blockClass, (void*)self, SizeOfClass);
     }
 }
 

@@ -1,5 +1,5 @@
-// Core Foundation's objects are GNUstep's, counted while somebody owns them. Plain C++ calls these functions without a
-// pool, as on a Mac, so each has its own.
+// Core Foundation objects are GNUstep objects whose owned references are counted. Each function has its own autorelease
+// pool, because plain C++ callers have none.
 
 #include "State.h"
 
@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <map>
 
-/// A bundle: any existing folder, with the property list that it may have.
+/// Bundle in an existing folder. The property list is optional, as on a Mac.
 @interface ZBBundle : NSObject {
 @public
     NSString* path;
@@ -45,9 +45,9 @@ std::map<void const*, int>& Owned()
     return owned;
 }
 
-[[noreturn]] void Abort(char const* mistake)
+[[noreturn]] void Abort(char const* error)
 {
-    std::fprintf(stderr, "Core Foundation: %s\n", mistake);
+    std::fprintf(stderr, "Core Foundation: %s\n", error);
     std::abort();
 }
 
@@ -107,11 +107,11 @@ CFTypeRef CFRetain(CFTypeRef object)
 void CFRelease(CFTypeRef object)
 {
     if (!object) {
-        Abort("null is released");
+        Abort("CFRelease() called with null");
     }
     auto const found = Owned().find(object);
     if (found == Owned().end()) {
-        Abort("an object is released that nobody owns");
+        Abort("CFRelease() called for an object without owner");
     }
     if (--found->second == 0) {
         Owned().erase(found);
@@ -153,7 +153,7 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPa
 CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url)
 {
     if (!url) {
-        Abort("a bundle is created without a URL");
+        Abort("CFBundleCreate() called without URL");
     }
     @autoreleasepool {
         NSString* const path = [(NSURL*)url path];
@@ -190,7 +190,7 @@ CFBundleRef CFBundleGetMainBundle(void)
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle)
 {
     if (!bundle) {
-        Abort("null is asked for its URL");
+        Abort("CFBundleCopyBundleURL() called with null");
     }
     if (TheState().failingMainBundle == MainBundleCall::CopyUrl) {
         return nullptr;
@@ -200,7 +200,7 @@ CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle)
     }
 }
 
-// --- Qt's conversions
+// --- Conversions that Qt implements on Apple systems only
 
 QUrl QUrl::fromCFURL(CFURLRef url)
 {

@@ -1,8 +1,10 @@
-// Exceptions pass through Objective-C++ as they do on a Mac. gcc's runtime lets no C++ exception be caught in such a
-// function, and takes a C++ handler for one of a class that it does not know, which ends the program. This comes before
-// its own decision about a function that an exception meets, and leaves the C++ side of it to the C++ runtime:
-// - a C++ exception meets C++ handlers, catch (...), @catch (...) and @finally, and passes @catch (SomeClass*);
-// - an NSException passes C++ handlers for types, and meets catch (...).
+// Gives exceptions in Objective-C++ functions the semantics of a Mac. gcc's Objective-C runtime never catches a C++
+// exception in such a function. It also aborts at a C++ handler, which it treats as a handler of an unknown class.
+//
+// This file replaces the personality function of the runtime, which selects the handler during unwinding. It delegates
+// to the personality function of C++ where this gives the same result as on a Mac:
+// - a C++ exception is caught by C++ handlers, catch (...), @catch (...) and @finally, but not by @catch (SomeClass*);
+// - an NSException is caught by catch (...), but not by typed C++ handlers.
 
 #include <cstdint>
 #include <cstring>
@@ -19,7 +21,7 @@ namespace
 
 using Personality = decltype(&__gxx_personality_v0);
 
-/// Reads the table that the compiler has written about the handlers of a function.
+/// Reads the exception table (LSDA) that the compiler emits for a function.
 class Reader
 {
 public:
@@ -65,7 +67,7 @@ public:
         }
     }
 
-    /// A pointer in one of DWARF's encodings.
+    /// Reads a pointer in the DWARF encoding \a encoding.
     std::uintptr_t Pointer(std::uint8_t encoding)
     {
         auto const start = reinterpret_cast<std::uintptr_t>(position_);
@@ -134,8 +136,8 @@ struct DerivedTwice : Base, Other
 {};
 enum Enumeration { Enumerator };
 
-/// Whether \a type, of a handler, describes a C++ type: it starts with the table of one of C++'s classes of type
-/// information. What describes a class of Objective-C is its name.
+/// Returns true if \a type, the type of a handler, is a std::type_info object: its vtable is the one of a type_info
+/// class. For an Objective-C class, \a type points to the class name instead.
 bool IsCppType(std::uintptr_t type)
 {
     auto const tableOf = [](std::type_info const& info) { return *reinterpret_cast<void const* const*>(&info); };
@@ -158,7 +160,7 @@ struct Handlers
     bool objectiveC = false;
 };
 
-/// The handlers that name a type, in a chain that starts at \a actions.
+/// Returns the kinds of typed handlers in the chain that starts at \a actions.
 Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std::uint8_t typeEncoding,
                     _Unwind_Context* context)
 {
@@ -180,7 +182,7 @@ Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std:
     }
 }
 
-/// The handlers around the call that the exception comes from.
+/// Returns the kinds of typed handlers around the call that throws.
 Handlers HandlersAtCall(_Unwind_Context* context)
 {
     auto const table = reinterpret_cast<std::uint8_t const*>(_Unwind_GetLanguageSpecificData(context));
@@ -218,7 +220,7 @@ Handlers HandlersAtCall(_Unwind_Context* context)
     return {};
 }
 
-/// "GNUCC++" and a number, or "GNUCOBJC".
+/// Returns true for the class "GNUCC++" and a version byte. The Objective-C runtime uses "GNUCOBJC".
 bool IsCppException(_Unwind_Exception_Class type)
 {
     return type >> 8 == 0x474e5543432b2b;

@@ -1,4 +1,4 @@
-// The session's login items.
+// Launch Services: the login items of the session.
 
 #include "State.h"
 
@@ -11,7 +11,7 @@ namespace
 
 bool Fails(LoginItemsCall call)
 {
-    return TheState().failing == call;
+    return TheState().failingLoginItems == call;
 }
 
 ZBLoginItem* CreateItem(NSURL* url, bool resolves)

@@ -1,4 +1,4 @@
-// Property lists in XML as a format of QSettings, where a Mac has them as its native one.
+// XML property lists as a QSettings format. On a Mac, this is the native format of QSettings.
 
 #include <Util/Platforms/mac/SystemSettings.h>
 

@@ -1,5 +1,5 @@
-// What GNUstep's classes do otherwise than a Mac's: the workspace, the programs that are run, the system's
-// version.
+// Redirects calls that must not reach the real system: NSWorkspace requests, launchctl, open and tccutil, and the
+// system version.
 
 #include "State.h"
 
@@ -15,7 +15,7 @@ using Zelkor::TestBed::TheState;
 @implementation NSWorkspace (FileViewer)
 - (BOOL)zb_openURL:(NSURL*)url
 {
-    TheState().opened += QString::fromNSString([url absoluteString]);
+    TheState().openedUrls += QString::fromNSString([url absoluteString]);
     return YES;
 }
 
@@ -25,19 +25,19 @@ using Zelkor::TestBed::TheState;
     for (NSURL* const url in urls) {
         request += QString::fromNSString([url absoluteString]);
     }
-    TheState().fileViewer += request.join(QLatin1Char(' '));
+    TheState().fileViewerRequests += request;
 }
 @end
 
 namespace
 {
 
-/// What runs in place of \a program, one of a Mac's; null for any other.
+/// Returns the path of the fake program that replaces \a program, or a null text if it is not replaced.
 QString Replacement(QString const& program)
 {
     for (char const* const path : {"/bin/launchctl", "/usr/bin/open", "/usr/bin/tccutil"}) {
         if (program == QLatin1String(path)) {
-            QString const& folder = TheState().programs;
+            QString const& folder = TheState().programsFolder;
             return (folder.isEmpty() ? QStringLiteral("/no programs") : folder) +
                    program.mid(program.lastIndexOf(QLatin1Char('/')));
         }
@@ -55,7 +55,7 @@ QString Replacement(QString const& program)
 }
 @end
 
-// Comes before the C library's own, for the library too.
+// Replaces the C library's function: the sources under test run programs with it.
 extern "C" int system(char const* command)
 {
     static auto const next = reinterpret_cast<int (*)(char const*)>(dlsym(RTLD_NEXT, "system"));
@@ -81,9 +81,9 @@ extern "C" int system(char const* command)
 namespace
 {
 
-void Exchange(Class type, SEL theirs, SEL ours)
+void Exchange(Class type, SEL original, SEL replacement)
 {
-    method_exchangeImplementations(class_getInstanceMethod(type, theirs), class_getInstanceMethod(type, ours));
+    method_exchangeImplementations(class_getInstanceMethod(type, original), class_getInstanceMethod(type, replacement));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the parts of the test bed share.
+// State shared by the sources of the test bed.
 
 #include "TestBed.h"
 
@@ -10,7 +10,7 @@
 
 #include <vector>
 
-/// An item of the session's login items.
+/// Login item of the session.
 @interface ZBLoginItem : NSObject {
 @public
     NSURL* url;
@@ -26,16 +26,16 @@ struct State
     QString mainBundle;
     MainBundleCall failingMainBundle = MainBundleCall::None;
     QString systemVersion = QStringLiteral("10.13.6");
-    QString programs;
-    LoginItemsCall failing = LoginItemsCall::None;
+    QString programsFolder;
+    LoginItemsCall failingLoginItems = LoginItemsCall::None;
     std::vector<ZBLoginItem*> loginItems;
-    QStringList opened;
-    QStringList fileViewer;
+    QStringList openedUrls;
+    QList<QStringList> fileViewerRequests;
 };
 
 State& TheState();
 
-/// Counts \a object, which the caller has to release, and returns it.
+/// Adds an owned reference to \a object, which the caller must release, and returns \a object. Does nothing for null.
 CFTypeRef Own(id object) __attribute__((cf_returns_retained));
 
 } // namespace Zelkor::TestBed

@@ -42,22 +42,22 @@ void SetSystemVersion(QString const& version)
 
 void SetProgramsFolder(QString const& folder)
 {
-    TheState().programs = folder;
+    TheState().programsFolder = folder;
 }
 
 void FailLoginItems(LoginItemsCall call)
 {
-    TheState().failing = call;
+    TheState().failingLoginItems = call;
 }
 
 QStringList OpenedUrls()
 {
-    return TheState().opened;
+    return TheState().openedUrls;
 }
 
-QStringList FileViewerRequests()
+QList<QStringList> FileViewerRequests()
 {
-    return TheState().fileViewer;
+    return TheState().fileViewerRequests;
 }
 
 } // namespace Zelkor::TestBed

@@ -1,4 +1,4 @@
-// What is available, by each way to ask for it.
+// Availability checks of Objective-C++, C++ and NSProcessInfo against the simulated system version.
 
 #include "State.h"
 

@@ -1,10 +1,10 @@
-# Read right after project(): builds the library's macOS sources against the test bed.
+# Included directly after project(). Configures the build of the macOS sources against the test bed.
 
 find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
 execute_process(COMMAND "${GNUSTEP_CONFIG}" --objc-flags OUTPUT_VARIABLE gnustep_flags OUTPUT_STRIP_TRAILING_WHITESPACE)
 execute_process(COMMAND "${GNUSTEP_CONFIG}" --gui-libs OUTPUT_VARIABLE gnustep_libraries OUTPUT_STRIP_TRAILING_WHITESPACE)
 if(NOT gnustep_flags OR NOT gnustep_libraries)
-    message(FATAL_ERROR "gnustep-config does not tell how to build; it needs make")
+    message(FATAL_ERROR "gnustep-config printed no flags; it requires make")
 endif()
 separate_arguments(gnustep_flags)
 separate_arguments(gnustep_libraries)
@@ -13,13 +13,13 @@ list(FILTER gnustep_flags EXCLUDE REGEX "^(-MMD|-MP|-g|-O2|-Wall|-Wno-import|-I\
 set(CMAKE_OBJCXX_COMPILER "${CMAKE_CXX_COMPILER}")
 enable_language(OBJCXX)
 
-# Before GNUstep's own, which they extend.
+# These headers extend the GNUstep headers of the same name, so they must be found first.
 include_directories(BEFORE "${CMAKE_CURRENT_LIST_DIR}/headers")
 add_compile_options("SHELL:-include ${CMAKE_CURRENT_LIST_DIR}/prefix.h")
 foreach(flag IN LISTS gnustep_flags)
     add_compile_options("$<$<COMPILE_LANGUAGE:OBJCXX>:${flag}>")
 endforeach()
-# libobjc's headers come with gcc. A selector that does not exist is an error on a Mac's compiler too.
+# gcc provides the headers of libobjc. An unknown selector is an error, as with the compiler of a Mac.
 file(GLOB objc_headers /usr/lib/gcc/*/*/include/objc)
 list(GET objc_headers -1 objc_headers)
 file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/objc-headers")

@@ -1,58 +1,61 @@
 #pragma once
 
-// The system that stands in for a Mac: its state, as tests set it and read it back. Plain C++, for tests of any kind.
+// Controls the simulated macOS system: tests set its state and read it back. Plain C++, so that any test can include
+// it.
 
+#include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
 namespace Zelkor::TestBed
 {
 
-/// Everything as it is when a program starts: no login items, no records, no failures, no
-/// programs, a system of version 10.13.6.
+/// Restores the initial state: no main bundle, login items, recorded requests, failures or programs; system version
+/// 10.13.6.
 void Reset();
 
 // --- Core Foundation
 
-/// How many objects were created, copied or inserted and are not released yet.
+/// Returns the number of owned references to Core Foundation objects that are not released yet.
 int LiveObjects();
 
-/// The bundle that the program is; a folder.
+/// Sets the folder of the program's main bundle.
 void SetMainBundle(QString const& path);
 
 enum class MainBundleCall { None, Get, CopyUrl };
 
-/// The next calls of this kind, for the main bundle or its URL, return null.
+/// Makes the following calls of this kind return null. MainBundleCall::None restores success.
 void FailMainBundle(MainBundleCall call);
 
 // --- The system
 
-/// The version that SystemVersion.plist and the process tell, and that decides what is available.
+/// Sets the version in SystemVersion.plist and in NSProcessInfo. It also determines the result of @available.
 void SetSystemVersion(QString const& version);
 
-/// Where launchctl, open and tccutil are run when they are called by their full paths; without it they are missing.
+/// Sets the folder of the launchctl, open and tccutil programs that replace the ones called by full path. If \a folder
+/// is empty, these programs are missing.
 void SetProgramsFolder(QString const& folder);
 
 // --- Launch Services
 
 enum class LoginItemsCall { None, Create, Snapshot, Insert, Remove };
 
-/// The next calls of this kind fail.
+/// Makes the following calls of this kind fail. LoginItemsCall::None restores success.
 void FailLoginItems(LoginItemsCall call);
 
-/// Adds an item for the folder \a path; one that does not resolve leads nowhere, which its status
-/// alone tells.
+/// Adds a login item for the folder \a path. If \a resolves is false, resolving the item returns its URL together with
+/// an error status.
 void AddLoginItem(QString const& path, bool resolves = true);
 
-/// The URLs of the items, in order.
+/// Returns the URLs of the login items, in order.
 QStringList LoginItemUrls();
 
 // --- The workspace
 
-/// The URLs that were to be opened, in order.
+/// Returns the URLs passed to the workspace to open, in order.
 QStringList OpenedUrls();
 
-/// The URLs of each request to the file viewer, joined by a blank, in order.
-QStringList FileViewerRequests();
+/// Returns the URLs of each request to show files in the file viewer, in order.
+QList<QStringList> FileViewerRequests();
 
 } // namespace Zelkor::TestBed

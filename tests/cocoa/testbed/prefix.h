@@ -1,10 +1,10 @@
 #pragma once
 
-// Included in front of every source that is built for the test bed.
+// Included before every source that is built for the test bed.
 
 #ifdef __OBJC__
 #include <objc/objc.h>
-// As on a Mac: gcc's (id)0 does not fit error:nil, and its (BOOL)1 not @YES.
+// Defined as on a Mac: gcc's nil, (id)0, does not match "error:nil", and its YES, (BOOL)1, does not match "@YES".
 #undef nil
 #undef Nil
 #define nil nullptr
@@ -15,18 +15,20 @@
 #define NO __objc_no
 #endif
 
-// What is available is decided by the version that a test has set; for another system than its own clang takes any
-// version for there. The empty text at the end makes a condition of what stands behind the "@".
+// Availability depends on the version set by the test. For systems other than the target, clang always assumes that the
+// version is available.
 extern "C" bool ZBSystemIsAtLeast(char const* version);
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the compiler's own name
+// NOLINTNEXTLINE(bugprone-reserved-identifier): replaces the compiler builtin
 #define __builtin_available(version, ...) ZBSystemIsAtLeast(#version)
 #ifdef __OBJC__
-#include <QtCore/qcontiguouscache.h> // these have functions of that name
+// The Qt headers have functions named available(), so they must be included before the macro.
+#include <QtCore/qcontiguouscache.h>
 #include <QtCore/qsemaphore.h>
+// "@available(...)" expands to "@encode(char)[...]": the character at index 0 is not zero, the one at index 1 is.
 #define available(version, ...) encode(char)[ZBSystemIsAtLeast(#version) ? 0 : 1]
 #endif
 
-// Qt declares its conversions from and to Apple's types where the system is theirs.
+// Qt declares its conversions from and to Apple types on Apple systems only.
 #include <QtCore/qglobal.h>
 #define Q_OS_DARWIN
 #include <QtCore/qstring.h>

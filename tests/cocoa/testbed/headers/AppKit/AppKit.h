@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// AppKit, with what GNUstep's lacks of it.
+// GNUstep's AppKit and the declarations that it lacks.
 
 #include_next <AppKit/AppKit.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// Core Foundation, as far as the library uses it. Signatures and values are Apple's, from its open-source releases.
+// The part of Core Foundation that the library uses. Signatures and values match Apple's open-source releases.
 
 #include <stddef.h>
 #include <stdint.h>

@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// Launch Services' shared file lists, as far as the library uses them.
+// The part of Launch Services that the library uses: shared file lists.
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// Foundation, with what GNUstep's lacks of it.
+// GNUstep's Foundation and the declarations that it lacks.
 
 #include_next <Foundation/Foundation.h>
 

@@ -1,0 +1,33 @@
+#include <support/overrides/SettingsKeys.h>
+
+#include <support/overrides/NextFunction.h>
+
+#include <QtCore/QSettings>
+#include <QtCore/QVariant>
+
+#include <utility>
+
+namespace
+{
+
+QStringList& Keys()
+{
+    static QStringList keys;
+    return keys;
+}
+
+} // namespace
+
+QStringList Zelkor::Testing::TakeSettingsKeys()
+{
+    return std::exchange(Keys(), {});
+}
+
+// Replaces QSettings::setValue(): QSettings sorts the keys in the file, so only the calls show their order.
+void QSettings::setValue(QString const& key, QVariant const& value)
+{
+    static auto const next = Zelkor::Testing::NextFunction<void (*)(QSettings*, QString const&, QVariant const&)>(
+        "_ZN9QSettings8setValueERK7QStringRK8QVariant");
+    Keys() += key;
+    next(this, key, value);
+}
