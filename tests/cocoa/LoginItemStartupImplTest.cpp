@@ -252,7 +252,7 @@ private Q_SLOTS:
     {
         QFETCH(int, call);
         helper_ = bundles_->MakeStudio();
-        // In the bundle, so that the helper exists at the path relative to the current folder.
+        // The bundle becomes the current folder, so the helper exists at the relative path too.
         WorkingFolder const bundle(QDir::cleanPath(helper_ + QStringLiteral("/../../../..")).toStdString());
         QVERIFY(QFileInfo(QStringLiteral("Contents/Library/LoginItems/Agent.app")).isDir());
         TestBed::FailMainBundle(TestBed::MainBundleCall(call));
@@ -286,7 +286,7 @@ private Q_SLOTS:
             path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
         }
         path = QFileInfo(path).path();
-        // Two neighbours whose order in the folder differs from the order of their names.
+        // Finds two adjacent entries of the folder that are not in alphabetical order.
         std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
         auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
         QVERIFY(first != names.end());

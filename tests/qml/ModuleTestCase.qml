@@ -1,7 +1,7 @@
 import QtTest 1.15
 import Zelkor.Testing 1.0
 
-// Base of all test cases: a test function fails if it leaves a warning of Qt, QML or the library in Warnings.
+// Base of all test cases. A test function fails if a warning of Qt, QML or the library remains in Warnings.
 TestCase {
     when: windowShown
 

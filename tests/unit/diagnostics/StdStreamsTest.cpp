@@ -23,7 +23,7 @@
 using namespace Zelkor::Testing;
 
 static_assert(std::is_base_of_v<QTextStream, ConsoleOutputStream>);
-static_assert(std::is_convertible_v<ConsoleOutputStream*, QTextStream*>); // publicly
+static_assert(std::is_convertible_v<ConsoleOutputStream*, QTextStream*>); // requires public inheritance
 static_assert(sizeof(ConsoleOutputStream) == sizeof(QTextStream));
 static_assert(std::has_virtual_destructor_v<ConsoleOutputStream> && !std::is_final_v<ConsoleOutputStream>);
 static_assert(std::is_constructible_v<ConsoleOutputStream, FILE*> &&
