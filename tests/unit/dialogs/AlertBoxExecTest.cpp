@@ -84,7 +84,7 @@ void Click(QAbstractButton* button)
 }
 
 /// Throws a TestException when a widget of a visible alert box receives the focus. This happens before the event loop
-/// of the box runs: Qt does not support exceptions that leave an event loop.
+/// of the box starts. A later exception would have to leave the event loop, which Qt does not support.
 class ThrowsWhenFocused : public QObject
 {
 public:

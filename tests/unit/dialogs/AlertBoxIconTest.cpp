@@ -57,8 +57,9 @@ QColor ColorOf(QPixmap const& pixmap)
     return pixmap.isNull() ? QColor() : pixmap.toImage().pixelColor(0, 0);
 }
 
-/// Registers files of one folder as Qt resources until destroyed. Writes version 1 of the binary format of QResource to
-/// memory, so that one test can run with these resources and another one without them.
+/// Registers files of one folder as Qt resources; the destructor removes them. The resources of a linked .qrc file
+/// would always be present, but one test needs them to be missing. The class therefore builds the binary format of
+/// QResource in memory (version 1).
 class Resources
 {
 public:

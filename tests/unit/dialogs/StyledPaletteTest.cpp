@@ -122,10 +122,10 @@ private Q_SLOTS:
         palette.setColor(QPalette::Disabled, QPalette::Light, QColor(10, 11, 12));
         QApplication::setPalette(palette);
         StyledPalette styledPalette;
-        QPalette own;
-        own.setColor(QPalette::Link, Qt::red);
-        own.setColor(QPalette::Light, Qt::red);
-        styledPalette.setPalette(own);
+        QPalette widgetPalette;
+        widgetPalette.setColor(QPalette::Link, Qt::red);
+        widgetPalette.setColor(QPalette::Light, Qt::red);
+        styledPalette.setPalette(widgetPalette);
         styledPalette.setEnabled(false);
         QCOMPARE(styledPalette.GetLinksColor(), QColor(1, 2, 3));
         QCOMPARE(styledPalette.GetPalleteLight(), QColor(7, 8, 9));
@@ -141,15 +141,15 @@ private Q_SLOTS:
     void setsAllColorGroupsOfOneRole()
     {
         QFETCH(int, role);
-        auto const ownRole = static_cast<QPalette::ColorRole>(role);
+        auto const colorRole = static_cast<QPalette::ColorRole>(role);
         QPalette before = QGuiApplication::palette();
-        before.setBrush(QPalette::Disabled, ownRole, QBrush(Qt::red, Qt::Dense4Pattern));
+        before.setBrush(QPalette::Disabled, colorRole, QBrush(Qt::red, Qt::Dense4Pattern));
         QApplication::setPalette(before);
         StyledPalette styledPalette;
-        Set(styledPalette, ownRole, TestColor);
+        Set(styledPalette, colorRole, TestColor);
         QPalette const after = QGuiApplication::palette();
         for (auto const group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-            QCOMPARE(after.brush(group, ownRole), QBrush(TestColor, Qt::SolidPattern));
+            QCOMPARE(after.brush(group, colorRole), QBrush(TestColor, Qt::SolidPattern));
             for (int other = 0; other < QPalette::NColorRoles; ++other) {
                 if (other != role && other != QPalette::NoRole) {
                     auto const otherRole = static_cast<QPalette::ColorRole>(other);
@@ -157,7 +157,7 @@ private Q_SLOTS:
                 }
             }
         }
-        QCOMPARE(Get(styledPalette, ownRole), TestColor);
+        QCOMPARE(Get(styledPalette, colorRole), TestColor);
     }
 
     void changesThePaletteOfAllWidgets_data() { setsAllColorGroupsOfOneRole_data(); }
@@ -165,13 +165,13 @@ private Q_SLOTS:
     void changesThePaletteOfAllWidgets()
     {
         QFETCH(int, role);
-        auto const ownRole = static_cast<QPalette::ColorRole>(role);
+        auto const colorRole = static_cast<QPalette::ColorRole>(role);
         QLabel const label;
         StyledPalette styledPalette;
-        Set(styledPalette, ownRole, TestColor);
-        QCOMPARE(label.palette().color(ownRole), TestColor);
-        QCOMPARE(QWidget().palette().color(ownRole), TestColor);
-        QCOMPARE(Get(*std::make_unique<StyledPalette>(), ownRole), TestColor);
+        Set(styledPalette, colorRole, TestColor);
+        QCOMPARE(label.palette().color(colorRole), TestColor);
+        QCOMPARE(QWidget().palette().color(colorRole), TestColor);
+        QCOMPARE(Get(*std::make_unique<StyledPalette>(), colorRole), TestColor);
     }
 
     void keepsTheColorAfterTheWidgetIsDestroyed()

@@ -29,8 +29,8 @@ static_assert(!std::is_copy_constructible_v<ValidationInputDialog> && !std::is_f
 namespace
 {
 
-/// Records the source texts of the context "ValidationInputDialog" that the application translates. Installed while it
-/// exists.
+/// Records the texts of the context "ValidationInputDialog" for which Qt requests a translation. The constructor
+/// installs the translator, the destructor removes it.
 class RecordingTranslator : public QTranslator
 {
 public:

@@ -323,7 +323,7 @@ private Q_SLOTS:
             tile->received.clear();
         }
         for (auto const type : {QEvent::Leave, QEvent::Enter}) {
-            event.emplace(type); // at the same address: events on the stack often reuse one
+            event.emplace(type); // at the same address, as successive events on the stack often are
             QCoreApplication::sendEvent(tiles_[1].get(), &*event);
         }
         for (auto const& tile : tiles_) {

@@ -66,7 +66,7 @@ private Q_SLOTS:
         QTest::addColumn<QRect>("rect");
         QTest::newRow("null") << QRect();
         QTest::newRow("one pixel") << QRect(0, 0, 1, 1);
-        QTest::newRow("outside") << QRect(-500, -400, 100, 50);
+        QTest::newRow("outside the widget") << QRect(-500, -400, 100, 50);
     }
 
     void mapsAnyRectangle()

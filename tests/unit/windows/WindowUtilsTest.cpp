@@ -80,8 +80,8 @@ private Q_SLOTS:
         QTest::newRow("inside the primary screen")
             << QRect(PrimaryScreen().topLeft() + QPoint(10, 10), QSize(100, 100)) << PrimaryScreen();
         QTest::newRow("outside all screens") << QRect(100000, 100000, 100, 100) << PrimaryScreen();
-        QTest::newRow("half outside") << QRect(PrimaryScreen().topLeft() - QPoint(49, 49), QSize(100, 100))
-                                      << PrimaryScreen();
+        QTest::newRow("half outside all screens")
+            << QRect(PrimaryScreen().topLeft() - QPoint(49, 49), QSize(100, 100)) << PrimaryScreen();
         for (QRect const& screen : ScreenGeometries()) {
             int const number = ScreenGeometries().indexOf(screen);
             QTest::addRow("middle of screen %d", number) << Around(screen.center()) << screen;
