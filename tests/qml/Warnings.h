@@ -13,8 +13,7 @@ class Warnings : public QObject
     Q_OBJECT
 
 public:
-    /// Installs the message handler. Test cases call it again, because QtTest installs its own handler when the first test
-    /// starts.
+    /// Installs the message handler. Test cases call it again, because QtTest installs its own handler later.
     Q_INVOKABLE static void collect();
 
     /// Returns the warnings since the last call, one per line.
