@@ -1,6 +1,6 @@
 #pragma once
 
-// Replaces nothing itself: the replacements call the original through it, because the linker binds the name to them.
+// Not a replacement: gives the replacements in this folder access to the original function, which they hide.
 
 #include <dlfcn.h>
 

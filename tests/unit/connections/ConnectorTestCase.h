@@ -15,8 +15,8 @@
 namespace Zelkor::Testing
 {
 
-/// Emits and receives signals. Records the calls of its slots in a log that it shares with other objects, and the
-/// signals of its own that are connected and disconnected.
+/// Emits and receives signals. Records the calls of its slots in a shared log. Records which of its signals are
+/// connected and disconnected.
 class TestObject : public QObject
 {
     Q_OBJECT

@@ -1,4 +1,4 @@
-// Slots of the application that destroy, rebind, use or throw while a client or service emits a signal.
+// Tests with slots that destroy clients or services, set services, or throw while a signal is emitted.
 
 #include <support/processes/ChildProcess.h>
 #include <unit/connections/ExclusiveClientTestCase.h>
@@ -18,7 +18,7 @@ class ExclusiveClientReentryTest : public Zelkor::Testing::ExclusiveClientTestCa
     Q_OBJECT
 
 private Q_SLOTS:
-    // Slots that destroy, rebind or use clients and services
+    // Slots that destroy or change clients and services
 
     void mayBeDestroyedInAcquired()
     {
@@ -484,7 +484,8 @@ private Q_SLOTS:
         QCOMPARE(timesFinished, 0);
     }
 
-    // A service must not keep a client that has left it: the service would not notice its destruction.
+    // A service must not keep a client that has left it. Otherwise it would become free without a signal when the
+    // client is destroyed.
     void leavesAServiceThatASlotHasBoundMeanwhile()
     {
         ExclusiveService backup(nullptr);

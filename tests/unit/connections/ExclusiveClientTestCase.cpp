@@ -79,7 +79,7 @@ ExclusiveClient* ExclusiveClientTestCase::MakeClient(QByteArray const& name)
     auto const logSignal = [this, client, &name](void (ExclusiveClient::*signal)(), char const* signalName) {
         QObject::connect(client, signal, this, [this, entry = name + ' ' + signalName] { log_ += entry; });
     };
-    // released() is connected last. That it is still logged before its cause shows that the client emits it first.
+    // released() is connected last but logged before finished() and intercepted(), because the client emits it first.
     logSignal(&ExclusiveClient::finished, "finished");
     logSignal(&ExclusiveClient::intercepted, "intercepted");
     logSignal(&ExclusiveClient::acquired, "acquired");
@@ -90,8 +90,8 @@ ExclusiveClient* ExclusiveClientTestCase::MakeClient(QByteArray const& name)
 
 void ExclusiveClientTestCase::RunOnce(Action& action)
 {
-    if (Action const taken = std::exchange(action, nullptr)) {
-        taken();
+    if (Action const pending = std::exchange(action, nullptr)) {
+        pending();
     }
 }
 

@@ -25,7 +25,7 @@ static_assert(std::is_same_v<decltype(&ExclusiveService::clientAboutToBeChanged)
                              void (ExclusiveService::*)(QObject*, QObject*)>);
 static_assert(std::is_same_v<decltype(&ExclusiveService::clientChanged), void (ExclusiveService::*)(QObject*)>);
 
-/// Requests a service by a signal.
+/// Emits a signal that a test connects to setClient().
 class Requester : public QObject
 {
     Q_OBJECT
@@ -54,8 +54,8 @@ QByteArray NameOf(QObject const* object)
 
 } // namespace
 
-/// Uses a service and three objects A, B and C as its clients. Every signal of the service is logged, with the current
-/// client at the time of its emission.
+/// Tests a service with the clients A, B and C. Each signal of the service is logged together with the current client
+/// at the time of the emission.
 class ExclusiveServiceTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT
@@ -312,8 +312,8 @@ private:
 
     static void RunOnce(Action& action)
     {
-        if (Action const taken = std::exchange(action, nullptr)) {
-            taken();
+        if (Action const pending = std::exchange(action, nullptr)) {
+            pending();
         }
     }
 

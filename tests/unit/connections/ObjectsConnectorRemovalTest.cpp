@@ -236,7 +236,8 @@ private Q_SLOTS:
     {
         RegisterReceiver(*receiver_);
         QObject::connect(&*receiver_, &QObject::destroyed, this, [this] { RegisterEmitter(*emitter_); });
-        receiver_.reset(); // an attempt to connect would warn: only a QObject without the slot is left
+        // A stale entry would cause a Qt warning: when destroyed() is emitted, the object has lost its slots.
+        receiver_.reset();
         QCOMPARE(emitter_->ConnectedSignals(), QStringList());
     }
 

@@ -466,7 +466,7 @@ private Q_SLOTS:
         }
     }
 
-    // Each failed connection attempt causes one warning. The number of warnings shows the recorded entries.
+    // Each failed connection attempt causes one warning. The number of warnings shows which entries exist.
     void recordsPairsThatQtDoesNotConnect()
     {
         QFETCH(RejectedPair, pair);
@@ -478,12 +478,12 @@ private Q_SLOTS:
         TestObject fourth(log_, "fourth");
         QRegularExpression const warning = ConnectWarning(pair.reason);
         RegisterReceiver(first, slot);
-        ExpectQtWarning(warning); // second and first
+        ExpectQtWarning(warning); // signal of second, slot of first
         RegisterEmitter(second, signal);
-        ExpectQtWarning(warning); // second and third
+        ExpectQtWarning(warning); // signal of second, slot of third
         RegisterReceiver(third, slot);
-        ExpectQtWarning(warning); // fourth and first
-        ExpectQtWarning(warning); // fourth and third
+        ExpectQtWarning(warning); // signal of fourth, slot of first
+        ExpectQtWarning(warning); // signal of fourth, slot of third
         RegisterEmitter(fourth, signal);
         QCOMPARE(second.ConnectedSignals() + fourth.ConnectedSignals(), QStringList());
     }
@@ -492,25 +492,27 @@ private Q_SLOTS:
     void keepsAnEntryForEachRegistrationOfAReceiver()
     {
         QRegularExpression const unknownSlot = ConnectWarning("No such slot Zelkor::Testing::TestObject::Unknown()");
-        QRegularExpression const goneSignal = ConnectWarning("No such signal Zelkor::Testing::TestObject::Gone()");
+        QRegularExpression const missingSignal =
+            ConnectWarning("No such signal Zelkor::Testing::TestObject::Missing()");
         RegisterReceiver(*receiver_, QStringLiteral("Unknown()"));
         RegisterReceiver(*receiver_, QStringLiteral("1Unknown()"));
         ExpectQtWarning(unknownSlot);
         ExpectQtWarning(unknownSlot);
         RegisterEmitter(*emitter_);
         RegisterEmitter(*receiver_); // no attempt to connect the object to itself
-        ExpectQtWarning(goneSignal);
-        ExpectQtWarning(goneSignal);
-        RegisterEmitter(*emitter_, QStringLiteral("Gone()"));
+        ExpectQtWarning(missingSignal);
+        ExpectQtWarning(missingSignal);
+        RegisterEmitter(*emitter_, QStringLiteral("Missing()"));
     }
 
     void keepsAnEntryForEachRegistrationOfAnEmitter()
     {
-        QRegularExpression const goneSignal = ConnectWarning("No such signal Zelkor::Testing::TestObject::Gone()");
-        RegisterEmitter(*emitter_, QStringLiteral("Gone()"));
-        RegisterEmitter(*emitter_, QStringLiteral("2Gone()"));
-        ExpectQtWarning(goneSignal);
-        ExpectQtWarning(goneSignal);
+        QRegularExpression const missingSignal =
+            ConnectWarning("No such signal Zelkor::Testing::TestObject::Missing()");
+        RegisterEmitter(*emitter_, QStringLiteral("Missing()"));
+        RegisterEmitter(*emitter_, QStringLiteral("2Missing()"));
+        ExpectQtWarning(missingSignal);
+        ExpectQtWarning(missingSignal);
         RegisterReceiver(*receiver_);
     }
 

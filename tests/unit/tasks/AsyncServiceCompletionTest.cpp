@@ -305,20 +305,20 @@ void AsyncServiceCompletionTest::callbacksAreDestroyedInReverseOrderAfterTheCall
     AsyncService service;
     QStringList destroyed;
     QStringList destroyedAtTheCall;
-    // The job moves the logger into the exception. After that only the owner thread holds it.
+    // The job moves the logger into the exception. After that only the owner thread owns it.
     auto* const exceptionLogger = new std::shared_ptr<void>(MakeDestructionLogger(destroyed, "error"));
     auto const capture = [&](char const* name) {
         return [logger = MakeDestructionLogger(destroyed, name)] { static_cast<void>(logger); };
     };
-    Task* const task = service.post([exceptionLogger, hold = capture("work")](Reporter*) {
+    Task* const task = service.post([exceptionLogger, logger = capture("work")](Reporter*) {
         LoggingError const error{std::move(*exceptionLogger)};
         delete exceptionLogger;
         throw error;
     });
     task->onFinished = capture("finished");
     task->onCancelled = capture("cancelled");
-    task->onProgress = [hold = capture("progress")](int) {};
-    task->onError = [&, hold = capture("onError")](std::exception_ptr const&) { destroyedAtTheCall = destroyed; };
+    task->onProgress = [logger = capture("progress")](int) {};
+    task->onError = [&, logger = capture("onError")](std::exception_ptr const&) { destroyedAtTheCall = destroyed; };
 
     service.run(task);
     QVERIFY(WaitUntilEmpty(service));
@@ -430,7 +430,7 @@ void AsyncServiceCompletionTest::otherTasksCompleteInsideACallback()
         };
         service.run(added);
         didOthersComplete = WaitUntilEmpty(service);
-        calls += QStringLiteral("end");
+        calls += QStringLiteral("return");
         destroyedInside = destroyed;
     });
 
@@ -439,7 +439,7 @@ void AsyncServiceCompletionTest::otherTasksCompleteInsideACallback()
     QVERIFY(QTest::qWaitFor([&] { return destroyed.size() == 3; }, TimeoutMs));
 
     QCOMPARE(calls, (QStringList{QStringLiteral("progress"), QStringLiteral("finished"), QStringLiteral("cancelled"),
-                                 QStringLiteral("end")}));
+                                 QStringLiteral("return")}));
     QVERIFY(!isRegisteredInside);
     QVERIFY(didOthersComplete);
     QCOMPARE(destroyedInside, (QStringList{QStringLiteral("queued"), QStringLiteral("added")}));

@@ -355,11 +355,11 @@ void AsyncServiceProgressTest::taskLivesUntilItsProgressCallbackReturns()
         reporter->report(2);
     });
     task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
-        calls += QStringLiteral("begin %1").arg(value);
+        calls += QStringLiteral("call %1").arg(value);
         if (value == 1 && !WaitUntilEmpty(service)) {
             calls += QStringLiteral("never empty");
         }
-        calls += QStringLiteral("end %1, destroyed: %2").arg(value).arg(destroyed.size());
+        calls += QStringLiteral("return %1, destroyed: %2").arg(value).arg(destroyed.size());
     };
     task->onFinished = [&] { calls += QStringLiteral("finished"); };
 
@@ -367,8 +367,8 @@ void AsyncServiceProgressTest::taskLivesUntilItsProgressCallbackReturns()
     QVERIFY(QTest::qWaitFor([&] { return !destroyed.isEmpty(); }, TimeoutMs));
 
     QCOMPARE(calls,
-             (QStringList{QStringLiteral("begin 1"), QStringLiteral("begin 2"), QStringLiteral("end 2, destroyed: 0"),
-                          QStringLiteral("finished"), QStringLiteral("end 1, destroyed: 0")}));
+             (QStringList{QStringLiteral("call 1"), QStringLiteral("call 2"), QStringLiteral("return 2, destroyed: 0"),
+                          QStringLiteral("finished"), QStringLiteral("return 1, destroyed: 0")}));
     QVERIFY(service.empty());
 }
 
@@ -386,13 +386,13 @@ void AsyncServiceProgressTest::taskLivesUntilItsOutermostProgressCallbackReturns
         if (!WaitUntilEmpty(service)) {
             calls += QStringLiteral("never empty");
         }
-        calls += QStringLiteral("end %1, destroyed: %2").arg(value).arg(destroyed.size());
+        calls += QStringLiteral("return %1, destroyed: %2").arg(value).arg(destroyed.size());
     };
 
     service.run(task);
     QVERIFY(QTest::qWaitFor([&] { return !destroyed.isEmpty(); }, TimeoutMs));
 
-    QCOMPARE(calls, (QStringList{QStringLiteral("end 2, destroyed: 0"), QStringLiteral("end 1, destroyed: 0")}));
+    QCOMPARE(calls, (QStringList{QStringLiteral("return 2, destroyed: 0"), QStringLiteral("return 1, destroyed: 0")}));
     QCOMPARE(destroyed.size(), 1);
 }
 
@@ -484,7 +484,7 @@ void AsyncServiceProgressTest::serviceMayBeDestroyedInsideAProgressCallback()
             calls += QStringLiteral("never empty");
         }
         service.reset();
-        calls += QStringLiteral("end %1, destroyed: %2").arg(value).arg(destroyed.size());
+        calls += QStringLiteral("return %1, destroyed: %2").arg(value).arg(destroyed.size());
     };
     task->onFinished = [&] {
         if (inCompletion) {
@@ -498,7 +498,7 @@ void AsyncServiceProgressTest::serviceMayBeDestroyedInsideAProgressCallback()
 
     QStringList expected;
     for (int value = reports; value >= 1; --value) {
-        expected += QStringLiteral("end %1, destroyed: 0").arg(value);
+        expected += QStringLiteral("return %1, destroyed: 0").arg(value);
     }
     QCOMPARE(calls, expected);
     QCOMPARE(destroyed.size(), 1);

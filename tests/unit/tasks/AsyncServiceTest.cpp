@@ -88,13 +88,13 @@ class AsyncServiceTest : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    // Records
+    // Task and Reporter
     void taskIsAnAggregateWithItsMembersInOrder();
     void reporterReflectsItsCancelledFlag();
     void reporterReportsForItsTask();
     void derivedServiceIsDestroyedThroughItsBase();
 
-    // post, run
+    // post() and run()
     void newServiceIsEmpty();
     void postRegistersANewTask();
     void postMovesTheWork();

@@ -44,7 +44,7 @@ static_assert(std::is_same_v<decltype(&LambdaQt4::execute), void (LambdaQt4::*)(
 
 Q_DECLARE_METATYPE(QMetaObject const*)
 
-/// Emits the signal of the tests.
+/// Emits a signal for the tests.
 class Sender : public QObject
 {
     Q_OBJECT
@@ -105,7 +105,7 @@ bool ConnectToExecuteOnce(Sender const& sender, OneTimeExecutor const& executor)
     return QObject::connect(&sender, SIGNAL(Emitted()), &executor, SLOT(executeOnce()));
 }
 
-/// Calls the private slot, as a signal would.
+/// Calls the private slot directly.
 void ExecuteOnce(OneTimeExecutor* executor)
 {
     QVERIFY(QMetaObject::invokeMethod(executor, "executeOnce", Qt::DirectConnection));
@@ -497,7 +497,7 @@ private Q_SLOTS:
         QPointer<OneTimeExecutor> second;
         bool hasSameAddress = false;
         bool isSecondDestroyed = false;
-        // Not the function of the executor: that is destroyed together with the executor.
+        // A separate function: the function of the executor is destroyed together with the executor.
         std::function<void()> const replaceFirst = [&] {
             void const* const address = first.data();
             delete first.data();

@@ -35,7 +35,7 @@ static_assert(!std::is_default_constructible_v<LambdaQt4WithIntParameter> &&
 static_assert(sizeof(LambdaQt4WithIntParameter) == sizeof(QObject) + sizeof(Function));
 static_assert(std::is_same_v<decltype(&LambdaQt4WithIntParameter::execute), void (LambdaQt4WithIntParameter::*)(int)>);
 
-/// Emits the signal of the tests.
+/// Emits a signal for the tests.
 class Sender : public QObject
 {
     Q_OBJECT

@@ -24,7 +24,7 @@ using Reporter = AsyncService::Reporter;
 using Cancelled = AsyncService::Cancelled;
 using Job = std::function<void(Reporter*)>;
 
-/// Blocks a thread until another thread opens the gate. QSemaphore does not serve: Qt is not built with the thread
+/// Blocks a thread until another thread opens the gate. QSemaphore is unsuitable: Qt is not built with the thread
 /// sanitizer, which would report false data races.
 class Gate
 {
