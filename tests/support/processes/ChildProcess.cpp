@@ -1,15 +1,18 @@
 #include <support/processes/ChildProcess.h>
 
+#include <support/Timeouts.h>
 #include <support/sandbox/Folders.h>
 
-#include <QtCore/QFile>
+#include <QtCore/QRandomGenerator>
 
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <exception>
 #include <stdexcept>
+#include <utility>
 
 #include <fcntl.h>
-#include <grp.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,68 +21,118 @@ namespace Zelkor::Testing
 namespace
 {
 
-void Tell(char const* path, QByteArray const& text)
+void WriteAll(int descriptor, char const* data, std::size_t size)
 {
-    Descriptor const file(open(path, O_WRONLY | O_CLOEXEC));
-    Check(static_cast<int>(write(file, text.constData(), static_cast<std::size_t>(text.size()))));
+    while (size > 0) {
+        auto const written = static_cast<std::size_t>(Check(static_cast<int>(write(descriptor, data, size))));
+        data += written;
+        size -= written;
+    }
 }
 
-/// From now on what is mounted is seen by this process alone. In a container that takes a user namespace.
-void EnterOwnMounts()
+void ReadAll(int descriptor, char* data, std::size_t size)
 {
-    QByteArray const user = "0 " + QByteArray::number(geteuid()) + " 1";
-    QByteArray const group = "0 " + QByteArray::number(getegid()) + " 1";
-    if (unshare(CLONE_NEWNS) != 0) {
-        Check(unshare(CLONE_NEWUSER | CLONE_NEWNS));
-        Tell("/proc/self/setgroups", "deny");
-        Tell("/proc/self/uid_map", user);
-        Tell("/proc/self/gid_map", group);
+    while (size > 0) {
+        auto const count = static_cast<std::size_t>(Check(static_cast<int>(read(descriptor, data, size))));
+        if (count == 0) {
+            throw std::runtime_error("The other process has exited");
+        }
+        data += count;
+        size -= count;
     }
-    Check(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr));
+}
+
+/// Returns the exit status of the process.
+int Run(std::function<void(ChildProcess::Parent const&)> const& work, ChildProcess::Parent const& parent)
+{
+    try {
+        work(parent);
+        return 0;
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "Exception in the child process: %s\n", error.what());
+        return 1;
+    }
 }
 
 } // namespace
 
-QByteArray RunInFork(std::function<void()> const& prepare, std::function<QByteArray()> const& work)
+ChildProcess::Parent::Parent(int input, int output)
+    : input_(input)
+    , output_(output)
+{}
+
+void ChildProcess::Parent::WaitForContinue() const
 {
-    int ends[2];
-    Check(pipe(ends));
-    pid_t const child = Check(fork());
-    if (child == 0) {
-        close(ends[0]);
-        alarm(60);
-        prepare();
-        QByteArray const result = work();
-        _exit(write(ends[1], result.constData(), static_cast<std::size_t>(result.size())) == result.size() ? 0 : 1);
+    char byte = 0;
+    ReadAll(input_, &byte, 1);
+}
+
+void ChildProcess::Parent::SendMessage(QByteArray const& message) const
+{
+    int const size = message.size();
+    WriteAll(output_, reinterpret_cast<char const*>(&size), sizeof size);
+    WriteAll(output_, message.constData(), static_cast<std::size_t>(size));
+}
+
+ChildProcess::ChildProcess(std::function<void(Parent const&)> const& work)
+{
+    int toChild[2];
+    int toParent[2];
+    Check(pipe2(toChild, O_CLOEXEC));
+    Check(pipe2(toParent, O_CLOEXEC));
+    process_ = Check(fork());
+    if (process_ == 0) {
+        close(toChild[1]);
+        close(toParent[0]);
+        alarm(TimeoutMs / 1000);
+        // All children start with the same state of Qt's random generator, and would give temporary folders the same
+        // names.
+        QRandomGenerator::global()->discard(static_cast<unsigned long long>(getpid()));
+        // Without exit handlers: they belong to the parent, whose objects this process has copied.
+        _exit(Run(work, Parent(toChild[0], toParent[1])));
     }
-    close(ends[1]);
-    QFile input;
-    input.open(ends[0], QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
-    QByteArray result = input.readAll();
+    close(toChild[0]);
+    close(toParent[1]);
+    input_ = toParent[0];
+    output_ = toChild[1];
+}
+
+ChildProcess::~ChildProcess()
+{
+    Kill();
+    close(input_);
+    close(output_);
+}
+
+void ChildProcess::Continue()
+{
+    WriteAll(output_, "c", 1);
+}
+
+void ChildProcess::Finish()
+{
     int status = 0;
-    if (Check(waitpid(child, &status, 0)) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    pid_t const process = std::exchange(process_, -1);
+    if (Check(waitpid(process, &status, 0)) != process || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
         throw std::runtime_error("The child process failed");
     }
-    return result;
 }
 
-QByteArray RunAs(Identity const& who, std::function<QByteArray()> const& work)
+void ChildProcess::Kill()
 {
-    auto const become = [&] {
-        Check(setgroups(who.groups.size(), who.groups.data()));
-        Check(setresgid(who.group, who.effectiveGroup, who.effectiveGroup));
-        Check(setresuid(who.user, who.effectiveUser, who.effectiveUser));
-    };
-    return RunInFork(become, work);
+    if (process_ > 0) {
+        kill(process_, SIGKILL);
+        waitpid(std::exchange(process_, -1), nullptr, 0);
+    }
 }
 
-QByteArray RunWithMount(std::string const& path, char const* options, std::function<QByteArray()> const& work)
+QByteArray ChildProcess::ReceiveMessage()
 {
-    auto const mountIt = [&] {
-        EnterOwnMounts();
-        Check(mount("none", path.c_str(), "tmpfs", 0, options));
-    };
-    return RunInFork(mountIt, work);
+    int size = 0;
+    ReadAll(input_, reinterpret_cast<char*>(&size), sizeof size);
+    QByteArray message(size, Qt::Uninitialized);
+    ReadAll(input_, message.data(), static_cast<std::size_t>(size));
+    return message;
 }
 
 } // namespace Zelkor::Testing

@@ -1,40 +1,100 @@
 #pragma once
 
-// Work that is done in a child process: as somebody else, or in other surroundings.
-
 #include <QtCore/QByteArray>
+#include <QtCore/QDataStream>
 
 #include <functional>
 #include <string>
-#include <vector>
+#include <type_traits>
 
 #include <sys/types.h>
 
 namespace Zelkor::Testing
 {
 
-/// Runs \a work in a child process, after \a prepare, and returns its result.
-QByteArray RunInFork(std::function<void()> const& prepare, std::function<QByteArray()> const& work);
-
-struct Identity
+/// Runs a function in a forked child process that exchanges messages with this process.
+///
+/// The child starts with a copy of this process: the QCoreApplication exists, and static variables of the library have
+/// their current values. A message is a value that QDataStream can write and read.
+class ChildProcess
 {
-    uid_t user;
-    uid_t effectiveUser;
-    gid_t group;
-    gid_t effectiveGroup;
-    std::vector<gid_t> groups;
+public:
+    /// The child's connection to its parent process.
+    class Parent
+    {
+    public:
+        Parent(int input, int output);
+
+        template <class Value>
+        void Send(Value const& value) const
+        {
+            QByteArray message;
+            QDataStream stream(&message, QIODevice::WriteOnly);
+            stream << value;
+            SendMessage(message);
+        }
+
+        /// Blocks until the parent calls Continue().
+        void WaitForContinue() const;
+
+    private:
+        void SendMessage(QByteArray const& message) const;
+
+        int input_;
+        int output_;
+    };
+
+    /// Starts the child. It exits with status 0 when \a work returns, and with status 1 if \a work throws. A signal
+    /// terminates it after Timeout.
+    explicit ChildProcess(std::function<void(Parent const&)> const& work);
+
+    /// Kills the child if it is still running.
+    ~ChildProcess();
+    ChildProcess(ChildProcess const&) = delete;
+    ChildProcess& operator=(ChildProcess const&) = delete;
+
+    /// Blocks until the child sends a value. Throws std::runtime_error if the child exits instead.
+    template <class Value>
+    Value Receive()
+    {
+        QByteArray const message = ReceiveMessage();
+        QDataStream stream(message);
+        Value value{};
+        stream >> value;
+        return value;
+    }
+
+    /// Ends one WaitForContinue() of the child, also one that begins later.
+    void Continue();
+
+    /// Waits until the child exits. Throws std::runtime_error unless its exit status is 0.
+    void Finish();
+
+    void Kill();
+
+private:
+    QByteArray ReceiveMessage();
+
+    pid_t process_ = -1;
+    int input_ = -1;
+    int output_ = -1;
 };
 
-constexpr uid_t RootUser = 0;
-constexpr uid_t Us = 1001;
-constexpr uid_t Them = 1002;
-constexpr gid_t OurGroup = 2001;
-constexpr gid_t TheirGroup = 2002;
-
-/// Needs root, who alone may become anybody.
-QByteArray RunAs(Identity const& who, std::function<QByteArray()> const& work);
-
-/// Runs \a work in a child process that has a file system of its own at \a path.
-QByteArray RunWithMount(std::string const& path, char const* options, std::function<QByteArray()> const& work);
+/// Runs \a work in a forked child process and returns its result. Throws std::runtime_error if \a work throws or the
+/// child crashes.
+template <class Work>
+auto RunInChild(Work const& work)
+{
+    using Result = decltype(work());
+    if constexpr (std::is_void_v<Result>) {
+        ChildProcess child([&](ChildProcess::Parent const&) { work(); });
+        child.Finish();
+    } else {
+        ChildProcess child([&](ChildProcess::Parent const& parent) { parent.Send(work()); });
+        Result const result = child.Receive<Result>();
+        child.Finish();
+        return result;
+    }
+}
 
 } // namespace Zelkor::Testing

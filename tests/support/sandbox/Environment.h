@@ -8,34 +8,34 @@
 namespace Zelkor::Testing
 {
 
-/// Sets a variable of the environment while it lives.
-class Environment
+/// Sets an environment variable. The destructor restores its previous value.
+class EnvironmentVariable
 {
 public:
-    Environment(char const* name, QByteArray const& value)
+    EnvironmentVariable(char const* name, QByteArray const& value)
         : name_(name)
         , wasSet_(qEnvironmentVariableIsSet(name))
-        , before_(qgetenv(name))
+        , previousValue_(qgetenv(name))
     {
         qputenv(name, value);
-        tzset();
+        tzset(); // the variable may be TZ
     }
-    ~Environment()
+    ~EnvironmentVariable()
     {
         if (wasSet_) {
-            qputenv(name_, before_);
+            qputenv(name_, previousValue_);
         } else {
             qunsetenv(name_);
         }
         tzset();
     }
-    Environment(Environment const&) = delete;
-    Environment& operator=(Environment const&) = delete;
+    EnvironmentVariable(EnvironmentVariable const&) = delete;
+    EnvironmentVariable& operator=(EnvironmentVariable const&) = delete;
 
 private:
     char const* name_;
     bool wasSet_;
-    QByteArray before_;
+    QByteArray previousValue_;
 };
 
 } // namespace Zelkor::Testing

@@ -4,9 +4,6 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtTest/QtTest>
-
-#include <sys/stat.h>
 
 namespace Zelkor::Testing
 {
@@ -15,14 +12,14 @@ void FolderTestCase::SetUp()
 {
     folder_.emplace();
     QVERIFY2(folder_->isValid(), qPrintable(folder_->errorString()));
-    // Ordinary users come here too.
+    // QTemporaryDir creates folders that only their owner may enter.
     Chmod(QDir::tempPath().toStdString(), 0755);
     Chmod(Root(), 0755);
 }
 
 void FolderTestCase::TearDown()
 {
-    Empty(Root());
+    EmptyFolder(Root());
     folder_.reset();
 }
 
@@ -34,16 +31,16 @@ void FolderTestCase::NameRows()
     QTest::newRow("line feed") << QByteArray("\nfirst\n\nsecond");
     QTest::newRow("quotes") << QByteArray("'single' \"double\" `back`");
     QTest::newRow("backslash") << QByteArray("a\\b\\\\c\\");
-    QTest::newRow("no UTF-8") << QByteArray("\xff\xfe\x80 \xc3\x28 \xed\xa0\x80");
-    QTest::newRow("letters beyond ASCII") << QByteArray("\xd0\xb8\xd0\xbc\xd1\x8f \xf0\x9f\x93\x81");
+    QTest::newRow("invalid UTF-8") << QByteArray("\xff\xfe\x80 \xc3\x28 \xed\xa0\x80");
+    QTest::newRow("non-ASCII letters") << QByteArray("\xd0\xb8\xd0\xbc\xd1\x8f \xf0\x9f\x93\x81");
     QTest::newRow("decomposed letter") << QByteArray("e\xcc\x81");
-    QTest::newRow("format place markers") << QByteArray("%1% %s %n %1 %20 %");
-    QTest::newRow("what URIs are parted by") << QByteArray("a#b?c&d=e;f:g@h+i");
-    QTest::newRow("what URIs cannot hold") << QByteArray("[a]{b}|c^d<e>f");
-    QTest::newRow("patterns") << QByteArray("*?[a-z]$HOME~");
+    QTest::newRow("format placeholders") << QByteArray("%1% %s %n %1 %20 %");
+    QTest::newRow("URI delimiters") << QByteArray("a#b?c&d=e;f:g@h+i");
+    QTest::newRow("characters invalid in URIs") << QByteArray("[a]{b}|c^d<e>f");
+    QTest::newRow("shell patterns") << QByteArray("*?[a-z]$HOME~");
     QTest::newRow("hyphen") << QByteArray("-rf");
     QTest::newRow("control characters") << QByteArray("\x01\x1b[31m\t\r\x7f");
-    QTest::newRow("as long as it may be") << QByteArray(255, 'n');
+    QTest::newRow("longest name") << QByteArray(255, 'n');
     QTest::newRow("random suffix") << QByteArray("aXXXXXXb.XXXXXX");
     QTest::newRow("three dots") << QByteArray("...");
     QTest::newRow("dot and space") << QByteArray(". ");
@@ -65,7 +62,7 @@ void FolderTestCase::MakeTargets() const
     MakeFolder(At("full"));
     MakeFile(At("full/file"), 1000);
     MakeLink(At("link-to-full"), "full");
-    Check(mkfifo(At("pipe").c_str(), 0644));
+    MakePipe(At("pipe"));
 }
 
 } // namespace Zelkor::Testing

@@ -40,11 +40,15 @@ void WriteAt(int folder, char const* name, std::string const& content)
 void ListTree(std::string const& path, std::string const& prefix, QByteArrayList& found)
 {
     for (std::string const& name : NamesIn(AT_FDCWD, path.c_str())) {
-        std::string const inside = prefix + name;
+        std::string const relative = prefix + name;
         std::string const entry = std::string(path).append(1, '/').append(name);
-        found += QByteArray::fromStdString(inside);
-        if (IsFolderAt(AT_FDCWD, entry)) {
-            ListTree(entry, inside + '/', found);
+        char target[PATH_MAX];
+        ssize_t const targetSize = readlink(entry.c_str(), target, sizeof target);
+        found += QByteArray::fromStdString(relative);
+        if (targetSize >= 0) {
+            found.last() += " -> " + QByteArray(target, static_cast<int>(targetSize));
+        } else if (IsFolderAt(AT_FDCWD, entry)) {
+            ListTree(entry, relative + '/', found);
         }
     }
 }
@@ -68,7 +72,7 @@ Descriptor::~Descriptor()
     close(number_);
 }
 
-void Descriptor::Become(int number)
+void Descriptor::Reset(int number)
 {
     close(number_);
     number_ = Check(number);
@@ -95,12 +99,12 @@ void MakeFile(std::string const& path, off_t size)
     MakeFileAt(AT_FDCWD, path.c_str(), size);
 }
 
-void Write(std::string const& path, std::string const& content)
+void WriteFile(std::string const& path, std::string const& content)
 {
     WriteAt(AT_FDCWD, path.c_str(), content);
 }
 
-QByteArray Content(std::string const& path)
+QByteArray ReadFile(std::string const& path)
 {
     QFile file(QFile::decodeName(path.c_str()));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be opened");
@@ -112,14 +116,32 @@ void MakeFolder(std::string const& path, mode_t mode)
     Chmod(path, mode);
 }
 
+void MakeFolders(std::string const& path)
+{
+    if (!IsFolderAt(AT_FDCWD, path + "/.")) {
+        MakeFolders(ParentOf(path));
+        MakeFolder(path);
+    }
+}
+
 void MakeLink(std::string const& path, std::string const& target)
 {
     Check(symlink(target.c_str(), path.c_str()));
 }
 
+void MakeHardLink(std::string const& path, std::string const& file)
+{
+    Check(link(file.c_str(), path.c_str()));
+}
+
+void MakePipe(std::string const& path)
+{
+    Check(mkfifo(path.c_str(), 0644));
+}
+
 void MakeSocket(std::string const& path)
 {
-    // The name of a socket must be short.
+    // The name of a socket is limited to about 100 bytes; the path through the descriptor is short.
     Descriptor const folder(open(path.substr(0, path.rfind('/')).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     std::string const name = "/proc/self/fd/" + std::to_string(folder) + path.substr(path.rfind('/'));
     sockaddr_un address{};
@@ -129,15 +151,40 @@ void MakeSocket(std::string const& path)
     Check(bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address));
 }
 
+void MakeDevice(std::string const& path)
+{
+    Check(mknod(path.c_str(), S_IFCHR | 0644, makedev(1, 3)));
+}
+
 void Chmod(std::string const& path, mode_t mode)
 {
     Check(chmod(path.c_str(), mode));
+}
+
+void SetOwner(std::string const& path, uid_t user)
+{
+    SetOwner(path, user, static_cast<gid_t>(-1));
+}
+
+void SetOwner(std::string const& path, uid_t user, gid_t group)
+{
+    Check(lchown(path.c_str(), user, group));
 }
 
 bool Exists(std::string const& path)
 {
     struct stat status;
     return lstat(path.c_str(), &status) == 0;
+}
+
+std::string ParentOf(std::string const& path)
+{
+    return path.substr(0, path.rfind('/'));
+}
+
+std::string NameOf(std::string const& path)
+{
+    return path.substr(path.rfind('/') + 1);
 }
 
 std::vector<std::string> NamesIn(int folder, char const* name)
@@ -159,8 +206,8 @@ bool IsFolderAt(int folder, std::string const& name)
     return fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Subfolders are moved up to the top before they are emptied in turn.
-void Empty(std::string const& path)
+// Moves subfolders up to the top folder, so that no path becomes longer than the system accepts.
+void EmptyFolder(std::string const& path)
 {
     Descriptor const top(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     int moved = 0;
@@ -185,7 +232,7 @@ void Empty(std::string const& path)
     }
 }
 
-QByteArrayList TreeOf(std::string const& path)
+QByteArrayList ListTree(std::string const& path)
 {
     QByteArrayList found;
     ListTree(path, "", found);
@@ -193,7 +240,7 @@ QByteArrayList TreeOf(std::string const& path)
     return found;
 }
 
-int OpenDescriptors()
+int CountOpenDescriptors()
 {
     return static_cast<int>(NamesIn(AT_FDCWD, "/proc/self/fd").size());
 }
@@ -204,77 +251,16 @@ QByteArray CurrentFolder()
     return getcwd(path, sizeof path);
 }
 
-AtFolder::AtFolder(std::string const& path)
-    : before_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC))
+WorkingFolder::WorkingFolder(std::string const& path)
+    : previous_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC))
 {
     Check(chdir(path.c_str()));
 }
 
-AtFolder::~AtFolder()
+WorkingFolder::~WorkingFolder()
 {
-    if (fchdir(before_) != 0) {
+    if (fchdir(previous_) != 0) {
         qFatal("The current folder is lost");
-    }
-}
-
-Milliseconds Now()
-{
-    timespec now;
-    Check(clock_gettime(CLOCK_REALTIME, &now));
-    return Milliseconds{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
-}
-
-timespec TimeOf(Milliseconds moment, long nanoseconds)
-{
-    Milliseconds const seconds = (moment >= 0 ? moment : moment - 999) / 1000;
-    return {static_cast<time_t>(seconds), static_cast<long>(moment - seconds * 1000) * 1000000 + nanoseconds};
-}
-
-void Date(int folder, char const* name, Milliseconds moment, long nanoseconds)
-{
-    timespec const times[] = {TimeOf(moment, nanoseconds), TimeOf(moment, nanoseconds)};
-    Check(utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW));
-}
-
-void Date(std::string const& path, Milliseconds moment, long nanoseconds)
-{
-    Date(AT_FDCWD, path.c_str(), moment, nanoseconds);
-}
-
-std::string MakeEntry(std::string const& description)
-{
-    std::size_t const end = description.find_first_of("|=%@");
-    std::string path = description.substr(0, end);
-    if (end == std::string::npos) {
-        description.back() == '/' ? MakeFolder(description) : MakeFile(description);
-        return description.back() == '/' ? description.substr(0, description.size() - 1) : description;
-    }
-    switch (description[end]) {
-    case '|':
-        Check(mkfifo(path.c_str(), 0644));
-        break;
-    case '=':
-        MakeSocket(path);
-        break;
-    case '%':
-        Check(mknod(path.c_str(), S_IFCHR | 0644, makedev(1, 3)));
-        break;
-    default:
-        MakeLink(path, description.substr(end + 1));
-    }
-    return path;
-}
-
-void MakeTree(std::string const& root, std::vector<Entry> const& entries)
-{
-    Milliseconds const now = Now();
-    std::vector<std::string> paths;
-    paths.reserve(entries.size());
-    for (Entry const& entry : entries) {
-        paths.push_back(MakeEntry(root + '/' + entry.description));
-    }
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        Date(paths[i], now - entries[i].age);
     }
 }
 

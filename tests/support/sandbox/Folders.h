@@ -1,12 +1,12 @@
 #pragma once
 
-// Folders and what is in them, made and looked at by the system's own calls.
+// Creates and lists files, folders and links with system calls. All functions throw std::system_error on failure unless
+// stated otherwise. Paths are in the encoding of the file system.
 
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayList>
 #include <QtCore/QMetaType>
 
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -15,10 +15,10 @@
 namespace Zelkor::Testing
 {
 
-/// Throws a std::system_error when \a result, of a function that sets errno, is negative; otherwise returns it.
+/// Throws std::system_error if \a result, of a function that sets errno, is negative. Otherwise returns it.
 int Check(int result);
 
-/// Owns an open descriptor.
+/// Owns an open file descriptor.
 class Descriptor
 {
 public:
@@ -29,93 +29,86 @@ public:
 
     operator int() const { return number_; }
 
-    /// Closes its own and owns \a number from now on.
-    void Become(int number);
+    /// Closes the current descriptor and takes ownership of \a number.
+    void Reset(int number);
 
 private:
     int number_;
 };
 
-/// Makes a file that has the content "content".
+/// Creates a file with the content "content". \a name is relative to the descriptor \a folder.
 void MakeFileAt(int folder, char const* name);
 void MakeFile(std::string const& path);
 
-/// Makes a file of so many bytes, all of them a hole.
+/// Creates a sparse file of \a size bytes.
 void MakeFileAt(int folder, char const* name, off_t size);
 void MakeFile(std::string const& path, off_t size);
 
-/// Makes a file that has this content.
-void Write(std::string const& path, std::string const& content);
+/// Creates a file with \a content.
+void WriteFile(std::string const& path, std::string const& content);
 
-QByteArray Content(std::string const& path);
+/// Returns the content of a file, or "cannot be opened".
+QByteArray ReadFile(std::string const& path);
 
 void MakeFolder(std::string const& path, mode_t mode = 0755);
+
+/// Creates a folder and its missing parents. An existing folder is no error.
+void MakeFolders(std::string const& path);
+
 void MakeLink(std::string const& path, std::string const& target);
+void MakeHardLink(std::string const& path, std::string const& file);
+void MakePipe(std::string const& path);
 void MakeSocket(std::string const& path);
 
-/// Makes something at a path, or other things below it.
+/// Creates a character device that equals /dev/null. Requires root.
+void MakeDevice(std::string const& path);
+
+/// Creates an entry at a path, with or without entries below it.
 using Maker = void (*)(std::string const& path);
 
 void Chmod(std::string const& path, mode_t mode);
 
-/// Whether there is anything, be it a link that leads nowhere.
+/// Changes the owner of \a path and leaves its group. Requires root.
+void SetOwner(std::string const& path, uid_t user);
+void SetOwner(std::string const& path, uid_t user, gid_t group);
+
+/// Returns true if there is an entry, which may be a dangling link.
 bool Exists(std::string const& path);
 
+/// Returns \a path without its last name.
+std::string ParentOf(std::string const& path);
+
+/// Returns the last name of \a path.
+std::string NameOf(std::string const& path);
+
+/// Returns the names in a folder, in the order of the file system, without "." and "..".
 std::vector<std::string> NamesIn(int folder, char const* name);
+
+/// Returns true for a folder, false for a link to a folder.
 bool IsFolderAt(int folder, std::string const& name);
 
-/// Removes everything below; trees may be deeper than a path can tell.
-void Empty(std::string const& path);
+/// Removes all entries of a folder. The tree may be deeper than the longest path that the system accepts.
+void EmptyFolder(std::string const& path);
 
-/// The paths of everything below, sorted, without entering links.
-QByteArrayList TreeOf(std::string const& path);
+/// Returns the paths of all entries below \a path, sorted, without entering links. A link is "path -> target".
+QByteArrayList ListTree(std::string const& path);
 
-int OpenDescriptors();
+int CountOpenDescriptors();
 
 QByteArray CurrentFolder();
 
-/// Makes a folder the current one while it lives.
-class AtFolder
+/// Changes the current folder. The destructor restores it.
+class WorkingFolder
 {
 public:
-    explicit AtFolder(std::string const& path);
-    ~AtFolder();
-    AtFolder(AtFolder const&) = delete;
-    AtFolder& operator=(AtFolder const&) = delete;
+    explicit WorkingFolder(std::string const& path);
+    ~WorkingFolder();
+    WorkingFolder(WorkingFolder const&) = delete;
+    WorkingFolder& operator=(WorkingFolder const&) = delete;
 
 private:
-    Descriptor before_;
+    Descriptor previous_;
 };
-
-using Milliseconds = long long; // since 1970, or between two moments
-
-constexpr Milliseconds Second = 1000;
-constexpr Milliseconds Hour = 3600 * Second;
-constexpr Milliseconds Day = 24 * Hour;
-
-Milliseconds Now();
-
-timespec TimeOf(Milliseconds moment, long nanoseconds);
-
-/// Dates the file, the folder or the link itself.
-void Date(int folder, char const* name, Milliseconds moment, long nanoseconds = 0);
-void Date(std::string const& path, Milliseconds moment, long nanoseconds = 0);
-
-/// What a tree is made of: "file", "folder/", "pipe|", "socket=", "device%", "link@target"; and how old it is.
-struct Entry
-{
-    char const* description;
-    Milliseconds age;
-};
-
-constexpr Milliseconds Old = 100 * Day;
-constexpr Milliseconds New = 0;
-
-/// Makes it and returns its path.
-std::string MakeEntry(std::string const& description);
-
-/// Makes all, then dates all, since making an entry changes its folder's date.
-void MakeTree(std::string const& root, std::vector<Entry> const& entries);
 
 } // namespace Zelkor::Testing
 

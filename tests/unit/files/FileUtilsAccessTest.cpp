@@ -1,6 +1,7 @@
-#include <support/processes/ChildProcess.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
+#include <support/sandbox/Mounts.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/FileUtils.h>
 
@@ -21,16 +22,6 @@ using namespace Zelkor::Util;
 static_assert(std::is_same_v<decltype(&CanCreateFileIn), bool (*)(QString const&)>);
 static_assert(std::is_same_v<decltype(&TryCreateTmpFile), bool (*)(QString const&)>);
 
-namespace
-{
-
-QByteArray Text(bool value)
-{
-    return value ? "yes" : "no";
-}
-
-} // namespace
-
 Q_DECLARE_METATYPE(Identity)
 
 class FileUtilsAccessTest : public Zelkor::Testing::FolderTestCase
@@ -38,31 +29,31 @@ class FileUtilsAccessTest : public Zelkor::Testing::FolderTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void filesCanBeCreatedByPermissionOwnerAndGroup_data();
-    void filesCanBeCreatedByPermissionOwnerAndGroup();
-    void filesCanBeCreatedInWhatIsAFolder_data() { FolderRows(); }
-    void filesCanBeCreatedInWhatIsAFolder();
-    void filesCannotBeCreatedOnAFullOrReadOnlyVolume_data();
-    void filesCannotBeCreatedOnAFullOrReadOnlyVolume();
-    void temporaryFileIsTriedInWhatIsAFolder_data() { FolderRows(); }
-    void temporaryFileIsTriedInWhatIsAFolder();
-    void temporaryFileLooksAtNoPermissions_data();
-    void temporaryFileLooksAtNoPermissions();
-    void temporaryFileInAnyNameLeavesNothing_data() { NameRows(); }
-    void temporaryFileInAnyNameLeavesNothing();
+    void checksPermissionsOwnerAndGroup_data();
+    void checksPermissionsOwnerAndGroup();
+    void requiresAFolder_data() { FolderRows(); }
+    void requiresAFolder();
+    void rejectsAFullOrReadOnlyVolume_data();
+    void rejectsAFullOrReadOnlyVolume();
+    void requiresAFolderForATemporaryFile_data() { FolderRows(); }
+    void requiresAFolderForATemporaryFile();
+    void createsATemporaryFileWhereTheSystemPermitsIt_data();
+    void createsATemporaryFileWhereTheSystemPermitsIt();
+    void removesTheTemporaryFileInAFolderWithAnyName_data() { NameRows(); }
+    void removesTheTemporaryFileInAFolderWithAnyName();
 
 private:
     static void FolderRows();
 
-    void MakeFoldersOfFolderRows() const;
+    void MakeEntriesOfFolderRows() const;
 };
 
-void FileUtilsAccessTest::filesCanBeCreatedByPermissionOwnerAndGroup_data()
+void FileUtilsAccessTest::checksPermissionsOwnerAndGroup_data()
 {
     QTest::addColumn<uid_t>("owner");
     QTest::addColumn<gid_t>("group");
     QTest::addColumn<uint>("mode");
-    QTest::addColumn<Identity>("who");
+    QTest::addColumn<Identity>("identity");
     QTest::addColumn<bool>("can");
 
     Identity const us{Us, Us, OurGroup, OurGroup, {}};
@@ -80,78 +71,78 @@ void FileUtilsAccessTest::filesCanBeCreatedByPermissionOwnerAndGroup_data()
         uid_t owner;
         gid_t group;
         mode_t mode;
-        Identity who;
+        Identity identity;
         bool can;
     };
     // clang-format off
     Row const rows[] = {
         {"open to all",                        Them, TheirGroup, 0777, us, true},
-        {"open to others alone",               Them, TheirGroup, 0703, us, true},
+        {"open to others only",               Them, TheirGroup, 0703, us, true},
         {"open to all with sticky bit",        Them, TheirGroup, 01777, us, true},
-        {"open to others, not to be entered",  Them, TheirGroup, 0772, us, false},
+        {"open to others, without search permission",  Them, TheirGroup, 0772, us, false},
         {"open to others, not to the group",   Them, OurGroup,   0757, us, false},
         {"open to others, not to the owner",   Us,   OurGroup,   0577, us, false},
         {"readable to others",                 Them, TheirGroup, 0755, us, false},
-        {"closed to others",                   Them, TheirGroup, 0700, us, false},
+        {"no permissions for others",                   Them, TheirGroup, 0700, us, false},
 
         {"open to the effective group",        Them, OurGroup,   0770, us, true},
-        {"open to the effective group, closed to owner", Them, OurGroup, 0070, us, true},
+        {"open to the effective group, no permissions for the owner", Them, OurGroup, 0070, us, true},
         {"open to the one further group",      Them, TheirGroup, 0770, as({TheirGroup}), true},
         {"open to the first further group",    Them, TheirGroup, 0770, as({TheirGroup, 2003, 2004}), true},
         {"open to the last further group",     Them, TheirGroup, 0770, as({2003, 2004, TheirGroup}), true},
         {"open to the last of 100 groups",     Them, TheirGroup, 0770, as(hundredGroups), true},
         {"open to the effective group besides further ones", Them, OurGroup, 0770, as({TheirGroup}), true},
         {"open to another group",              Them, TheirGroup, 0770, us, false},
-        {"open to another group than the further ones", Them, TheirGroup, 0770, as({2003, 2004}), false},
-        {"open to the real group alone",       Them, TheirGroup, 0770, {Us, Us, TheirGroup, OurGroup, {}}, false},
-        {"open to the group, not to be entered", Them, OurGroup, 0760, us, false},
+        {"open to a group that is not among the further ones", Them, TheirGroup, 0770, as({2003, 2004}), false},
+        {"open to the real group only",       Them, TheirGroup, 0770, {Us, Us, TheirGroup, OurGroup, {}}, false},
+        {"open to the group, without search permission", Them, OurGroup, 0760, us, false},
         {"readable to the group",              Them, OurGroup,   0750, us, false},
         {"readable to the further group",      Them, TheirGroup, 0750, as({TheirGroup}), false},
 
         {"own",                                Us,   OurGroup,   0755, us, true},
-        {"own alone",                          Us,   OurGroup,   0700, us, true},
+        {"own, no permissions for others",                          Us,   OurGroup,   0700, us, true},
         {"own of another group",               Us,   TheirGroup, 0700, us, true},
         {"own, open to another group",         Us,   TheirGroup, 0770, us, true},
         {"own, not readable",                  Us,   OurGroup,   0300, us, true},
-        {"own, not to be entered",             Us,   OurGroup,   0600, us, false},
+        {"own, without search permission",             Us,   OurGroup,   0600, us, false},
         {"own without write permission",       Us,   OurGroup,   0555, us, false},
         {"own without any permission",         Us,   OurGroup,   0000, us, false},
-        {"own, open to the group alone",       Us,   OurGroup,   0570, us, false},
-        {"own by the real user alone",         Us,   OurGroup,   0755, {Us, Them, OurGroup, OurGroup, {}}, false},
+        {"own, open to the group only",       Us,   OurGroup,   0570, us, false},
+        {"owned by the real user only",         Us,   OurGroup,   0755, {Us, Them, OurGroup, OurGroup, {}}, false},
 
         {"root, own",                          RootUser, 0,        0755, root, true},
         {"root, of another user",              Them, TheirGroup, 0755, root, false},
-        {"root, of another user alone",        Them, TheirGroup, 0700, root, false},
+        {"root, of another user, no permissions for others",        Them, TheirGroup, 0700, root, false},
         {"root, open to all",                  Them, TheirGroup, 0777, root, true},
-        {"root, open to others alone",         Them, TheirGroup, 0702, root, true},
+        {"root, open to others only",         Them, TheirGroup, 0702, root, true},
         {"root, open to the effective group",  Them, 0,          0775, root, true},
         {"root, open to another group",        Them, TheirGroup, 0775, root, false},
         {"root, open to a further group",      Them, TheirGroup, 0775, {RootUser, RootUser, 0, 0, {TheirGroup}}, true},
-        {"root, open to the real group alone", Them, TheirGroup, 0775, {RootUser, RootUser, TheirGroup, 0, {}}, false},
-        {"root for us, own by the real user",  Us,   TheirGroup, 0755, {Us, RootUser, 0, 0, {}}, false},
-        {"root for us, own by the effective user", RootUser, 0,    0755, {Us, RootUser, OurGroup, 0, {}}, false},
+        {"root, open to the real group only", Them, TheirGroup, 0775, {RootUser, RootUser, TheirGroup, 0, {}}, false},
+        {"effective root, owned by the real user",  Us,   TheirGroup, 0755, {Us, RootUser, 0, 0, {}}, false},
+        {"effective root, owned by root", RootUser, 0,    0755, {Us, RootUser, OurGroup, 0, {}}, false},
     };
     // clang-format on
     for (Row const& row : rows) {
-        QTest::newRow(row.title) << row.owner << row.group << row.mode << row.who << row.can;
+        QTest::newRow(row.title) << row.owner << row.group << row.mode << row.identity << row.can;
     }
 }
 
-void FileUtilsAccessTest::filesCanBeCreatedByPermissionOwnerAndGroup()
+void FileUtilsAccessTest::checksPermissionsOwnerAndGroup()
 {
     QFETCH(uid_t, owner);
     QFETCH(gid_t, group);
     QFETCH(uint, mode);
-    QFETCH(Identity, who);
+    QFETCH(Identity, identity);
     QFETCH(bool, can);
     MakeFolder(At("folder"));
-    Check(chown(At("folder").c_str(), owner, group));
-    Check(chmod(At("folder").c_str(), mode));
+    SetOwner(At("folder"), owner, group);
+    Chmod(At("folder"), mode);
 
-    QByteArray const found = RunAs(who, [&] { return Text(CanCreateFileIn(PathAt("folder"))); });
+    bool const found = RunAs(identity, [&] { return CanCreateFileIn(PathAt("folder")); });
 
-    QCOMPARE(found, Text(can));
-    QCOMPARE(TreeOf(Root()), QByteArrayList{"folder"});
+    QCOMPARE(found, can);
+    QCOMPARE(ListTree(Root()), QByteArrayList{"folder"});
 }
 
 void FileUtilsAccessTest::FolderRows()
@@ -161,7 +152,7 @@ void FileUtilsAccessTest::FolderRows()
     QTest::newRow("folder") << QByteArray("folder") << true;
     QTest::newRow("folder with slash") << QByteArray("folder/") << true;
     QTest::newRow("folder with dot") << QByteArray("folder/.") << true;
-    QTest::newRow("folder above") << QByteArray("folder/..") << true;
+    QTest::newRow("parent folder") << QByteArray("folder/..") << true;
     QTest::newRow("link to a folder") << QByteArray("link") << true;
     QTest::newRow("link to a link to a folder") << QByteArray("link-to-link") << true;
     QTest::newRow("missing") << QByteArray("missing") << false;
@@ -174,77 +165,78 @@ void FileUtilsAccessTest::FolderRows()
     QTest::newRow("name that is too long") << QByteArray(256, 'n') << false;
 }
 
-void FileUtilsAccessTest::MakeFoldersOfFolderRows() const
+void FileUtilsAccessTest::MakeEntriesOfFolderRows() const
 {
-    MakeTree(Root(), {{"folder/", New},
-                      {"file", New},
-                      {"open-file", New},
-                      {"pipe|", New},
-                      {"link@folder", New},
-                      {"link-to-link@link", New},
-                      {"link-to-file@file", New},
-                      {"dangling@nowhere", New}});
-    Check(chmod(At("open-file").c_str(), 0777));
+    MakeFolder(At("folder"));
+    MakeFile(At("file"));
+    MakeFile(At("open-file"));
+    MakePipe(At("pipe"));
+    MakeLink(At("link"), "folder");
+    MakeLink(At("link-to-link"), "link");
+    MakeLink(At("link-to-file"), "file");
+    MakeLink(At("dangling"), "nowhere");
+    Chmod(At("open-file"), 0777);
 }
 
-void FileUtilsAccessTest::filesCanBeCreatedInWhatIsAFolder()
+void FileUtilsAccessTest::requiresAFolder()
 {
     QFETCH(QByteArray, name);
     QFETCH(bool, can);
-    MakeFoldersOfFolderRows();
-    QByteArrayList const before = TreeOf(Root());
+    MakeEntriesOfFolderRows();
+    QByteArrayList const before = ListTree(Root());
 
     QCOMPARE(CanCreateFileIn(PathAt(name)), can);
-    AtFolder const here(Root());
+    WorkingFolder const current(Root());
     QCOMPARE(CanCreateFileIn(QString::fromLatin1(name)), can);
 
-    QCOMPARE(TreeOf(Root()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void FileUtilsAccessTest::filesCannotBeCreatedOnAFullOrReadOnlyVolume_data()
+void FileUtilsAccessTest::rejectsAFullOrReadOnlyVolume_data()
 {
     QTest::addColumn<bool>("byTrying");
     QTest::newRow("CanCreateFileIn") << false;
     QTest::newRow("TryCreateTmpFile") << true;
 }
 
-void FileUtilsAccessTest::filesCannotBeCreatedOnAFullOrReadOnlyVolume()
+void FileUtilsAccessTest::rejectsAFullOrReadOnlyVolume()
 {
     QFETCH(bool, byTrying);
     MakeFolder(At("volume"));
-    auto const ask = [&] {
-        return Text(byTrying ? TryCreateTmpFile(PathAt("volume")) : CanCreateFileIn(PathAt("volume")));
+    auto const check = [&] {
+        return byTrying ? TryCreateTmpFile(PathAt("volume")) : CanCreateFileIn(PathAt("volume"));
     };
 
     for (char const* const mode : {"nr_inodes=2,mode=0777", "nr_inodes=2,mode=0775", "nr_inodes=2,mode=0755"}) {
-        QByteArray const found = RunWithMount(At("volume"), mode, [&] {
-            QByteArray answers = ask();
+        QVector<bool> const found = RunWithMount(At("volume"), mode, [&] {
+            QVector<bool> results{check()};
             MakeFile(At("volume/last"));
-            answers += ' ' + ask();
+            results += check();
             Check(unlink(At("volume/last").c_str()));
-            answers += ' ' + ask();
+            results += check();
             Check(mount("none", At("volume").c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr));
-            return answers + ' ' + ask();
+            results += check();
+            return results;
         });
-        QCOMPARE(found, QByteArray("yes no yes no"));
+        QCOMPARE(found, (QVector<bool>{true, false, true, false}));
     }
 }
 
-void FileUtilsAccessTest::temporaryFileIsTriedInWhatIsAFolder()
+void FileUtilsAccessTest::requiresAFolderForATemporaryFile()
 {
     QFETCH(QByteArray, name);
     QFETCH(bool, can);
-    MakeFoldersOfFolderRows();
-    QByteArrayList const before = TreeOf(Root());
+    MakeEntriesOfFolderRows();
+    QByteArrayList const before = ListTree(Root());
 
     QCOMPARE(TryCreateTmpFile(PathAt(name)), can);
-    AtFolder const here(Root());
+    WorkingFolder const current(Root());
     QCOMPARE(TryCreateTmpFile(QString::fromLatin1(name)), can);
 
-    QCOMPARE(TreeOf(Root()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void FileUtilsAccessTest::temporaryFileLooksAtNoPermissions_data()
+void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt_data()
 {
     QTest::addColumn<uid_t>("user");
     QTest::addColumn<uint>("mode");
@@ -257,35 +249,34 @@ void FileUtilsAccessTest::temporaryFileLooksAtNoPermissions_data()
     QTest::newRow("owner in a folder that cannot be listed") << Them << 0300U << true;
 }
 
-void FileUtilsAccessTest::temporaryFileLooksAtNoPermissions()
+void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt()
 {
     QFETCH(uid_t, user);
     QFETCH(uint, mode);
     QFETCH(bool, can);
     MakeFolder(At("folder"));
-    Check(chown(At("folder").c_str(), Them, TheirGroup));
-    Check(chmod(At("folder").c_str(), mode));
+    SetOwner(At("folder"), Them, TheirGroup);
+    Chmod(At("folder"), mode);
 
-    QByteArray const found =
-        RunAs({user, user, OurGroup, OurGroup, {}}, [&] { return Text(TryCreateTmpFile(PathAt("folder"))); });
+    bool const found = RunAs({user, user, OurGroup, OurGroup, {}}, [&] { return TryCreateTmpFile(PathAt("folder")); });
 
-    QCOMPARE(found, Text(can));
-    QCOMPARE(TreeOf(Root()), QByteArrayList{"folder"});
+    QCOMPARE(found, can);
+    QCOMPARE(ListTree(Root()), QByteArrayList{"folder"});
 }
 
-void FileUtilsAccessTest::temporaryFileInAnyNameLeavesNothing()
+void FileUtilsAccessTest::removesTheTemporaryFileInAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    // What is no UTF-8 cannot be named by a QString.
+    // A QString cannot contain a name that is not valid UTF-8.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name));
     MakeFolder(At(encoded.left(255).toStdString()));
-    int const descriptors = OpenDescriptors();
+    int const descriptors = CountOpenDescriptors();
 
     QVERIFY(TryCreateTmpFile(PathAt(encoded.left(255))));
     QVERIFY(CanCreateFileIn(PathAt(encoded.left(255))));
 
-    QCOMPARE(TreeOf(Root()), QByteArrayList{encoded.left(255)});
-    QCOMPARE(OpenDescriptors(), descriptors);
+    QCOMPARE(ListTree(Root()), QByteArrayList{encoded.left(255)});
+    QCOMPARE(CountOpenDescriptors(), descriptors);
 }
 
 ZQTUTIL_TEST_MAIN(FileUtilsAccessTest)

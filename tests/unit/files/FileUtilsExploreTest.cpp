@@ -1,3 +1,4 @@
+#include <support/Timeouts.h>
 #include <support/logs/LogCapture.h>
 #include <support/sandbox/Environment.h>
 #include <support/sandbox/FolderTestCase.h>
@@ -37,13 +38,12 @@ static_assert(std::is_same_v<decltype(&ExploreSingleFile), bool (*)(QString cons
 namespace
 {
 
-constexpr int Timeout = 10000; // ms, for what takes milliseconds
-
-/// Runs the current row in a process of its own, unless this is that process: it may ask for the session bus for the
-/// first time, and spoil its surroundings. Returns whether it ran there.
-bool RanInAnotherProcess()
+/// Runs the current data row in a new process and returns true. Returns false if this is that process.
+///
+/// QtDBus connects a process to the session bus once. Each row therefore needs its own process to have its own bus.
+bool RanInSeparateProcess()
 {
-    char const* const mark = "ZQTUTIL_TEST_PROCESS_OF_ITS_OWN";
+    char const* const mark = "ZQTUTIL_TEST_SEPARATE_PROCESS";
     if (qEnvironmentVariableIsSet(mark)) {
         return false;
     }
@@ -51,19 +51,19 @@ bool RanInAnotherProcess()
     if (QTest::currentDataTag()) {
         row += QLatin1Char(':') + QString::fromLatin1(QTest::currentDataTag());
     }
-    Environment const marked(mark, "1");
+    EnvironmentVariable const marked(mark, "1");
     QProcess child;
     child.setProcessChannelMode(QProcess::MergedChannels);
     child.start(QCoreApplication::applicationFilePath(), {row});
-    if (!child.waitForFinished(3 * Timeout) || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0) {
+    if (!child.waitForFinished(TimeoutMs) || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0) {
         child.kill();
-        child.waitForFinished(Timeout);
+        child.waitForFinished(TimeoutMs);
         QTest::qFail(child.readAll().constData(), __FILE__, __LINE__);
     }
     return true;
 }
 
-/// A session bus of this process alone.
+/// A private session bus of this process.
 class SessionBus
 {
 public:
@@ -75,7 +75,7 @@ public:
                                 "</policy></busconfig>"));
         daemon_.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                                                       QStringLiteral("--config-file=") + Config()});
-        while (!daemon_.canReadLine() && daemon_.waitForReadyRead(Timeout)) {
+        while (!daemon_.canReadLine() && daemon_.waitForReadyRead(TimeoutMs)) {
         }
         address_ = daemon_.readLine().trimmed();
         qputenv("DBUS_SESSION_BUS_ADDRESS", address_);
@@ -90,11 +90,11 @@ public:
     void Stop()
     {
         daemon_.kill();
-        daemon_.waitForFinished(Timeout);
+        daemon_.waitForFinished(TimeoutMs);
     }
 
 private:
-    // It ends with this process, however that ends.
+    // The system kills the daemon when this process exits or crashes.
     class Daemon : public QProcess
     {
         void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
@@ -115,8 +115,8 @@ private:
     QByteArray address_;
 };
 
-/// A file manager on a connection of its own, in the thread of the test: it answers no sooner than events are
-/// processed.
+/// A file manager with its own connection to the bus. It runs in the thread of the test, and therefore replies only
+/// while the test processes events.
 class FileManager : public QObject
 {
     Q_OBJECT
@@ -135,8 +135,8 @@ public:
     explicit FileManager(SessionBus const& bus)
         : connection_(QDBusConnection::connectToBus(QString::fromLatin1(bus.Address()), QStringLiteral("manager")))
     {
-        isThere = connection_.registerObject(Path(), this, QDBusConnection::ExportAllSlots) &&
-                  connection_.registerService(Name());
+        isRegistered = connection_.registerObject(Path(), this, QDBusConnection::ExportAllSlots) &&
+                       connection_.registerService(Name());
     }
     ~FileManager() override
     {
@@ -146,46 +146,46 @@ public:
 
     QDBusConnection Connection() const { return connection_; }
 
-    bool isThere = false;
-    bool refuses = false;
-    bool staysSilent = false;
+    bool isRegistered = false;
+    bool repliesWithError = false;
+    bool doesNotReply = false;
     QVector<Call> calls;
 
 public Q_SLOTS:
     void ShowItems(QStringList const& uris, QString const& startupId, QDBusMessage const& message)
     {
-        Answer(uris, startupId, message);
+        Record(uris, startupId, message);
     }
 
     void ShowFolders(QStringList const& uris, QString const& startupId, QDBusMessage const& message)
     {
-        Answer(uris, startupId, message);
+        Record(uris, startupId, message);
     }
 
 private:
     static QString Name() { return QStringLiteral("org.freedesktop.FileManager1"); }
     static QString Path() { return QStringLiteral("/org/freedesktop/FileManager1"); }
 
-    void Answer(QStringList const& uris, QString const& startupId, QDBusMessage const& message)
+    void Record(QStringList const& uris, QString const& startupId, QDBusMessage const& message)
     {
         calls.push_back({message.interface(), message.member(), message.signature(), uris, startupId});
-        message.setDelayedReply(staysSilent || refuses);
-        if (refuses) {
-            connection_.send(message.createErrorReply(QDBusError::Failed, QStringLiteral("Not today")));
+        message.setDelayedReply(doesNotReply || repliesWithError);
+        if (repliesWithError) {
+            connection_.send(message.createErrorReply(QDBusError::Failed, QStringLiteral("Refused by the test")));
         }
     }
 
     QDBusConnection connection_;
 };
 
-/// What opens folders; it keeps the URLs, encoded.
-class Opener : public QObject
+/// Replaces the program that opens folders, and records their encoded URLs.
+class FolderOpener : public QObject
 {
     Q_OBJECT
 
 public:
-    Opener() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "Open"); }
-    ~Opener() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
+    FolderOpener() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "Open"); }
+    ~FolderOpener() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
 
     QByteArrayList urls;
 
@@ -193,27 +193,27 @@ public Q_SLOTS:
     void Open(QUrl const& url) { urls += url.toEncoded(QUrl::FullyEncoded); }
 };
 
-/// Qt's word on opening something from a program without windows.
-QRegularExpression NothingOpens()
+/// The warning of QDesktopServices in a program without windows.
+QRegularExpression OpenUrlWarning()
 {
     return QRegularExpression(QStringLiteral("QDesktopServices::openUrl"));
 }
 
-/// Waits until what the bus has for \a connection has arrived here.
-bool CatchUp(QDBusConnection const& connection)
+/// Processes the messages that the bus has already sent to \a connection. Returns false on a time-out.
+bool ProcessMessages(QDBusConnection const& connection)
 {
     QDBusMessage const call =
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
-    bool const answered = connection.call(call, QDBus::Block, Timeout).type() == QDBusMessage::ReplyMessage;
+    bool const answered = connection.call(call, QDBus::Block, TimeoutMs).type() == QDBusMessage::ReplyMessage;
     QCoreApplication::sendPostedEvents();
     return answered;
 }
 
-/// Waits until the answers of \a manager have been dealt with.
-bool CatchUp(FileManager const& manager)
+/// Processes the replies that \a manager has already sent. Returns false on a time-out.
+bool ProcessMessages(FileManager const& manager)
 {
-    return CatchUp(manager.Connection()) && CatchUp(QDBusConnection::sessionBus());
+    return ProcessMessages(manager.Connection()) && ProcessMessages(QDBusConnection::sessionBus());
 }
 
 bool IsUri(QByteArray const& text)
@@ -223,7 +223,7 @@ bool IsUri(QByteArray const& text)
     return pattern.match(QString::fromLatin1(text)).hasMatch();
 }
 
-/// The path of a file URI, byte for byte; or why it is none.
+/// Returns the path of a file URI, byte for byte, or an error message.
 QByteArray PathOf(QByteArray const& uri)
 {
     return IsUri(uri) ? QByteArray::fromPercentEncoding(uri.mid(7)) : "not a file URI: " + uri;
@@ -252,87 +252,86 @@ ioPath Io(QByteArray const& path)
     return ioPath(path.toStdString());
 }
 
-/// The three ways to ask for the same.
-enum class Asking { File, Text, FolderAndFiles };
+/// The functions that show files: ExploreFile(path), ExploreSingleFile(text) and ExploreFile(folder, files).
+enum class Function { File, Text, FolderAndFiles };
 
-/// What is to be shown: files, and the folder that is opened where they cannot be.
-struct Question
+/// The arguments of a call.
+struct ExploreCall
 {
-    Asking asking;
-    QByteArray folder;
+    Function function;
+    QByteArray folder; // opened if no file manager can show the files
     QByteArrayList files;
 };
 
-bool Explore(Question const& question)
+bool Explore(ExploreCall const& call)
 {
-    if (question.asking == Asking::File) {
-        return ExploreFile(Io(question.files.first()));
+    if (call.function == Function::File) {
+        return ExploreFile(Io(call.files.first()));
     }
-    if (question.asking == Asking::Text) {
-        return ExploreSingleFile(QString::fromUtf8(question.files.first()));
+    if (call.function == Function::Text) {
+        return ExploreSingleFile(QString::fromUtf8(call.files.first()));
     }
     std::vector<ioPath> paths;
-    std::transform(question.files.begin(), question.files.end(), std::back_inserter(paths), Io);
-    return ExploreFile(Io(question.folder), paths);
+    std::transform(call.files.begin(), call.files.end(), std::back_inserter(paths), Io);
+    return ExploreFile(Io(call.folder), paths);
 }
 
 } // namespace
 
-Q_DECLARE_METATYPE(Question)
+Q_DECLARE_METATYPE(ExploreCall)
 
 class FileUtilsExploreTest : public Zelkor::Testing::FolderTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void fileManagerIsAskedToShowFiles_data() { AskingRows(); }
-    void fileManagerIsAskedToShowFiles();
-    void fileManagerIsAskedToShowTheFolderWithoutFiles();
-    void anyNameReachesTheFileManager_data() { NameRows(); }
-    void anyNameReachesTheFileManager();
-    void relativePathReachesTheFileManagerAsAbsolute();
-    void fileManagerIsNotWaitedFor();
-    void fileManagerIsLookedForEachTime();
-    void folderIsOpenedWhenTheFileManagerRefuses_data() { AskingRows(); }
-    void folderIsOpenedWhenTheFileManagerRefuses();
-    void folderIsOpenedWithoutFileManager_data() { AskingRows(); }
-    void folderIsOpenedWithoutFileManager();
-    void folderIsOpenedWithoutBus_data();
-    void folderIsOpenedWithoutBus();
-    void folderIsOpenedAfterTheBusHasGone();
-    void anyFolderIsOpened_data() { NameRows(); }
-    void anyFolderIsOpened();
-    void nobodyToAskIsOneWarning_data() { AskingRows(); }
-    void nobodyToAskIsOneWarning();
-    void nobodyAfterTheBusIsOneWarning();
-    void nothingIsThrownWithoutCurrentFolder_data();
-    void nothingIsThrownWithoutCurrentFolder();
-    void programMayEndBeforeTheAnswer();
+    void requestsFilesFromTheFileManager_data() { CallRows(); }
+    void requestsFilesFromTheFileManager();
+    void requestsTheFolderWithoutFiles();
+    void sendsAnyNameToTheFileManager_data() { NameRows(); }
+    void sendsAnyNameToTheFileManager();
+    void makesARelativePathAbsolute();
+    void doesNotWaitForTheFileManager();
+    void searchesForAFileManagerAtEachCall();
+    void opensTheFolderIfTheFileManagerFails_data() { CallRows(); }
+    void opensTheFolderIfTheFileManagerFails();
+    void opensTheFolderWithoutAFileManager_data() { CallRows(); }
+    void opensTheFolderWithoutAFileManager();
+    void opensTheFolderWithoutABus_data();
+    void opensTheFolderWithoutABus();
+    void opensTheFolderAfterALostConnection();
+    void opensAFolderWithAnyName_data() { NameRows(); }
+    void opensAFolderWithAnyName();
+    void logsOneWarningWithoutABus_data() { CallRows(); }
+    void logsOneWarningWithoutABus();
+    void logsOneWarningWithoutAFileManager();
+    void doesNotThrowWithoutACurrentFolder_data();
+    void doesNotThrowWithoutACurrentFolder();
+    void theProgramMayExitBeforeTheReply();
 
 private:
-    static void AskingRows();
+    static void CallRows();
 
-    /// That \a call is one of this method of a file manager, and of no start-up.
+    /// Verifies that \a call has called \a method of the file manager interface, with an empty start-up ID.
     static void VerifyCall(FileManager::Call const& call, QString const& method);
 
-    /// That \a line warns that \a folder was not opened.
+    /// Verifies that \a line is the warning about \a folder.
     static void VerifyWarning(LogLine const& line, QString const& folder);
 };
 
-void FileUtilsExploreTest::AskingRows()
+void FileUtilsExploreTest::CallRows()
 {
-    QTest::addColumn<Question>("question");
-    auto const add = [](char const* name, Question const& question) { QTest::newRow(name) << question; };
-    add("file", {Asking::File, "/no/folder", {"/no/folder/file"}});
-    add("file at the top", {Asking::File, "/", {"/file"}});
-    add("file by its text", {Asking::Text, "/no/folder", {"/no/folder/file"}});
-    add("file by its text beyond ASCII", {Asking::Text, "/no/\xd0\xb8", {"/no/\xd0\xb8/\xf0\x9f\x93\x81 %20"}});
-    add("file in its folder", {Asking::FolderAndFiles, "/no/folder", {"/no/folder/file"}});
-    add("file in another folder", {Asking::FolderAndFiles, "/no/other", {"/no/folder/file"}});
-    add("files in their order",
-        {Asking::FolderAndFiles, "/no/folder", {"/no/folder/c", "/no/folder/a", "/no/folder/b"}});
-    add("file named twice", {Asking::FolderAndFiles, "/no/folder", {"/no/folder/a", "/no/folder/a"}});
-    add("files of several folders", {Asking::FolderAndFiles, "/no", {"/no/folder/z", "/no/a", "/y"}});
+    QTest::addColumn<ExploreCall>("call");
+    auto const add = [](char const* name, ExploreCall const& call) { QTest::newRow(name) << call; };
+    add("file", {Function::File, "/no/folder", {"/no/folder/file"}});
+    add("file in the root folder", {Function::File, "/", {"/file"}});
+    add("file as text", {Function::Text, "/no/folder", {"/no/folder/file"}});
+    add("non-ASCII file as text", {Function::Text, "/no/\xd0\xb8", {"/no/\xd0\xb8/\xf0\x9f\x93\x81 %20"}});
+    add("file in its folder", {Function::FolderAndFiles, "/no/folder", {"/no/folder/file"}});
+    add("file in another folder", {Function::FolderAndFiles, "/no/other", {"/no/folder/file"}});
+    add("several files", {Function::FolderAndFiles, "/no/folder", {"/no/folder/c", "/no/folder/a", "/no/folder/b"}});
+    add("repeated file", {Function::FolderAndFiles, "/no/folder", {"/no/folder/a", "/no/folder/a"}});
+    add("files of several folders", {Function::FolderAndFiles, "/no", {"/no/folder/z", "/no/a", "/y"}});
 }
 
 void FileUtilsExploreTest::VerifyCall(FileManager::Call const& call, QString const& method)
@@ -350,193 +349,193 @@ void FileUtilsExploreTest::VerifyWarning(LogLine const& line, QString const& fol
     QVERIFY2(line.text.endsWith(folder), qPrintable(line.text));
 }
 
-void FileUtilsExploreTest::fileManagerIsAskedToShowFiles()
+void FileUtilsExploreTest::requestsFilesFromTheFileManager()
 {
-    QFETCH(Question, question);
-    if (RanInAnotherProcess()) {
+    QFETCH(ExploreCall, call);
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     FileManager manager(bus);
-    QVERIFY(manager.isThere);
-    Opener const opener;
+    QVERIFY(manager.isRegistered);
+    FolderOpener const opener;
 
-    QVERIFY(Explore(question));
+    QVERIFY(Explore(call));
 
-    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, TimeoutMs);
     VerifyCall(manager.calls[0], QStringLiteral("ShowItems"));
-    QCOMPARE(PathsOf(manager.calls[0].uris), question.files);
-    QVERIFY(CatchUp(manager));
+    QCOMPARE(PathsOf(manager.calls[0].uris), call.files);
+    QVERIFY(ProcessMessages(manager));
     QCOMPARE(manager.calls.size(), 1);
     QCOMPARE(opener.urls, QByteArrayList());
 }
 
-void FileUtilsExploreTest::fileManagerIsAskedToShowTheFolderWithoutFiles()
+void FileUtilsExploreTest::requestsTheFolderWithoutFiles()
 {
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     FileManager manager(bus);
-    QVERIFY(manager.isThere);
-    Opener const opener;
+    QVERIFY(manager.isRegistered);
+    FolderOpener const opener;
 
     QVERIFY(ExploreFile(ioPath("/no/two words"), {}));
 
-    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, TimeoutMs);
     VerifyCall(manager.calls[0], QStringLiteral("ShowFolders"));
     QCOMPARE(manager.calls[0].uris, QStringList{QStringLiteral("file:///no/two%20words")});
-    QVERIFY(CatchUp(manager));
+    QVERIFY(ProcessMessages(manager));
     QCOMPARE(manager.calls.size(), 1);
     QCOMPARE(opener.urls, QByteArrayList());
 }
 
-void FileUtilsExploreTest::anyNameReachesTheFileManager()
+void FileUtilsExploreTest::sendsAnyNameToTheFileManager()
 {
     QFETCH(QByteArray, name);
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     FileManager manager(bus);
-    QVERIFY(manager.isThere);
+    QVERIFY(manager.isRegistered);
     QByteArray const path = "/no/" + name + '/' + name;
 
     QVERIFY(ExploreFile(Io(path)));
     QVERIFY(ExploreFile(Io(path), {}));
 
-    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 2, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 2, TimeoutMs);
     QCOMPARE(PathsOf(manager.calls[0].uris), QByteArrayList{path});
     QCOMPARE(PathsOf(manager.calls[1].uris), QByteArrayList{path});
-    QVERIFY(CatchUp(manager));
+    QVERIFY(ProcessMessages(manager));
 }
 
-void FileUtilsExploreTest::relativePathReachesTheFileManagerAsAbsolute()
+void FileUtilsExploreTest::makesARelativePathAbsolute()
 {
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     FileManager manager(bus);
-    QVERIFY(manager.isThere);
+    QVERIFY(manager.isRegistered);
     MakeFolder(At("current"));
-    AtFolder const here(At("current"));
+    WorkingFolder const workingFolder(At("current"));
 
     QVERIFY(ExploreSingleFile(QStringLiteral("folder/file")));
     QVERIFY(ExploreSingleFile(QStringLiteral("file")));
     QVERIFY(ExploreFile(ioPath("folder"), {}));
 
-    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 3, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 3, TimeoutMs);
     QByteArray const current = CurrentFolder();
     QCOMPARE(PathsOf(manager.calls[0].uris), QByteArrayList{current + "/folder/file"});
     QCOMPARE(PathsOf(manager.calls[1].uris), QByteArrayList{current + "/file"});
     QCOMPARE(PathsOf(manager.calls[2].uris), QByteArrayList{current + "/folder"});
-    QVERIFY(CatchUp(manager));
+    QVERIFY(ProcessMessages(manager));
 }
 
-void FileUtilsExploreTest::fileManagerIsNotWaitedFor()
+void FileUtilsExploreTest::doesNotWaitForTheFileManager()
 {
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     FileManager manager(bus);
-    manager.staysSilent = true;
-    QVERIFY(manager.isThere);
+    manager.doesNotReply = true;
+    QVERIFY(manager.isRegistered);
     QVERIFY(QDBusConnection::sessionBus().isConnected());
-    Opener const opener;
+    FolderOpener const opener;
 
     QElapsedTimer timer;
     timer.start();
     QVERIFY(ExploreFile(ioPath("/no/first")));
     QVERIFY(ExploreFile(ioPath("/no/second")));
-    QVERIFY2(timer.elapsed() < 2000, "It waits");
+    QVERIFY2(timer.elapsed() < 2000, "ExploreFile() has waited for a reply");
     QCOMPARE(manager.calls.size(), 0);
 
-    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 2, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 2, TimeoutMs);
     QCOMPARE(PathsOf(manager.calls[0].uris), QByteArrayList{"/no/first"});
     QCOMPARE(PathsOf(manager.calls[1].uris), QByteArrayList{"/no/second"});
     QCOMPARE(opener.urls, QByteArrayList());
 }
 
-void FileUtilsExploreTest::fileManagerIsLookedForEachTime()
+void FileUtilsExploreTest::searchesForAFileManagerAtEachCall()
 {
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
-    Opener const opener;
+    FolderOpener const opener;
 
     QVERIFY(ExploreFile(ioPath("/no/first/file")));
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{"/no/first"}, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{"/no/first"}, TimeoutMs);
     {
         FileManager manager(bus);
-        QVERIFY(manager.isThere);
+        QVERIFY(manager.isRegistered);
         QVERIFY(ExploreFile(ioPath("/no/second/file")));
-        QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, Timeout);
-        QVERIFY(CatchUp(manager));
+        QTRY_COMPARE_WITH_TIMEOUT(manager.calls.size(), 1, TimeoutMs);
+        QVERIFY(ProcessMessages(manager));
         QCOMPARE(opener.urls.size(), 1);
     }
     QVERIFY(ExploreFile(ioPath("/no/third/file")));
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), (QByteArrayList{"/no/first", "/no/third"}), Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), (QByteArrayList{"/no/first", "/no/third"}), TimeoutMs);
 }
 
-void FileUtilsExploreTest::folderIsOpenedWhenTheFileManagerRefuses()
+void FileUtilsExploreTest::opensTheFolderIfTheFileManagerFails()
 {
-    QFETCH(Question, question);
-    if (RanInAnotherProcess()) {
+    QFETCH(ExploreCall, call);
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     FileManager manager(bus);
-    manager.refuses = true;
-    QVERIFY(manager.isThere);
-    Opener const opener;
+    manager.repliesWithError = true;
+    QVERIFY(manager.isRegistered);
+    FolderOpener const opener;
 
-    QVERIFY(Explore(question));
+    QVERIFY(Explore(call));
     QCOMPARE(opener.urls, QByteArrayList());
 
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{question.folder}, Timeout);
-    QVERIFY(CatchUp(manager));
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{call.folder}, TimeoutMs);
+    QVERIFY(ProcessMessages(manager));
     QCOMPARE(opener.urls.size(), 1);
     QCOMPARE(manager.calls.size(), 1);
 }
 
-void FileUtilsExploreTest::folderIsOpenedWithoutFileManager()
+void FileUtilsExploreTest::opensTheFolderWithoutAFileManager()
 {
-    QFETCH(Question, question);
-    if (RanInAnotherProcess()) {
+    QFETCH(ExploreCall, call);
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
-    Opener const opener;
+    FolderOpener const opener;
 
-    QVERIFY(Explore(question));
+    QVERIFY(Explore(call));
     QCOMPARE(opener.urls, QByteArrayList());
 
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{question.folder}, Timeout);
-    QVERIFY(CatchUp(QDBusConnection::sessionBus()));
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{call.folder}, TimeoutMs);
+    QVERIFY(ProcessMessages(QDBusConnection::sessionBus()));
     QCOMPARE(opener.urls.size(), 1);
 }
 
-void FileUtilsExploreTest::folderIsOpenedWithoutBus_data()
+void FileUtilsExploreTest::opensTheFolderWithoutABus_data()
 {
     QTest::addColumn<QByteArray>("address");
-    QTest::newRow("nowhere") << QByteArray("unix:path=/no/such/bus");
-    QTest::newRow("no socket") << QByteArray("unix:path=/dev/null");
-    QTest::newRow("nobody listens") << QByteArray("tcp:host=127.0.0.1,port=1");
-    QTest::newRow("no address") << QByteArray("not an address");
-    QTest::newRow("unknown kind") << QByteArray("pigeon:coop=1");
+    QTest::newRow("missing socket") << QByteArray("unix:path=/no/such/bus");
+    QTest::newRow("not a socket") << QByteArray("unix:path=/dev/null");
+    QTest::newRow("no listener") << QByteArray("tcp:host=127.0.0.1,port=1");
+    QTest::newRow("not an address") << QByteArray("not an address");
+    QTest::newRow("unknown transport") << QByteArray("unknown:key=1");
 }
 
-void FileUtilsExploreTest::folderIsOpenedWithoutBus()
+void FileUtilsExploreTest::opensTheFolderWithoutABus()
 {
     QFETCH(QByteArray, address);
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
-    Environment const bus("DBUS_SESSION_BUS_ADDRESS", address);
-    Opener const opener;
+    EnvironmentVariable const bus("DBUS_SESSION_BUS_ADDRESS", address);
+    FolderOpener const opener;
 
     QVERIFY(ExploreFile(ioPath("/no/first/file")));
     QCOMPARE(PathsOf(opener.urls), QByteArrayList{"/no/first"});
@@ -548,83 +547,83 @@ void FileUtilsExploreTest::folderIsOpenedWithoutBus()
     QCOMPARE(PathsOf(opener.urls), (QByteArrayList{"/no/first", "/no/second", "/no/third", "/no/fourth"}));
 }
 
-void FileUtilsExploreTest::folderIsOpenedAfterTheBusHasGone()
+void FileUtilsExploreTest::opensTheFolderAfterALostConnection()
 {
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus bus;
-    Opener const opener;
+    FolderOpener const opener;
     QVERIFY(QDBusConnection::sessionBus().isConnected());
     QVERIFY(ExploreFile(ioPath("/no/first/file")));
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{"/no/first"}, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), QByteArrayList{"/no/first"}, TimeoutMs);
 
     bus.Stop();
-    QTRY_VERIFY_WITH_TIMEOUT(!QDBusConnection::sessionBus().isConnected(), Timeout);
+    QTRY_VERIFY_WITH_TIMEOUT(!QDBusConnection::sessionBus().isConnected(), TimeoutMs);
     QVERIFY(ExploreFile(ioPath("/no/second/file")));
 
-    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), (QByteArrayList{"/no/first", "/no/second"}), Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(PathsOf(opener.urls), (QByteArrayList{"/no/first", "/no/second"}), TimeoutMs);
 }
 
-void FileUtilsExploreTest::anyFolderIsOpened()
+void FileUtilsExploreTest::opensAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
-    Environment const bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
-    Opener const opener;
+    EnvironmentVariable const bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
+    FolderOpener const opener;
 
     QVERIFY(ExploreFile(Io("/no/" + name + "/file")));
 
     QCOMPARE(PathsOf(opener.urls), QByteArrayList{"/no/" + name});
 }
 
-void FileUtilsExploreTest::nobodyToAskIsOneWarning()
+void FileUtilsExploreTest::logsOneWarningWithoutABus()
 {
-    QFETCH(Question, question);
-    if (RanInAnotherProcess()) {
+    QFETCH(ExploreCall, call);
+    if (RanInSeparateProcess()) {
         return;
     }
-    Environment const bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
+    EnvironmentVariable const bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
     LogCapture const log;
-    ExpectQtWarning(NothingOpens());
+    ExpectQtWarning(OpenUrlWarning());
 
-    QVERIFY(!Explore(question));
+    QVERIFY(!Explore(call));
 
     QCOMPARE(log.Lines().size(), 1);
-    VerifyWarning(log.Lines()[0], QString::fromUtf8(question.folder));
+    VerifyWarning(log.Lines()[0], QString::fromUtf8(call.folder));
 }
 
-void FileUtilsExploreTest::nobodyAfterTheBusIsOneWarning()
+void FileUtilsExploreTest::logsOneWarningWithoutAFileManager()
 {
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     LogCapture const log;
-    ExpectQtWarning(NothingOpens());
+    ExpectQtWarning(OpenUrlWarning());
 
     QVERIFY(ExploreFile(ioPath("/no/folder/file")));
     QCOMPARE(log.Lines().size(), 0);
 
-    QTRY_COMPARE_WITH_TIMEOUT(log.Lines().size(), 1, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(log.Lines().size(), 1, TimeoutMs);
     VerifyWarning(log.Lines()[0], QStringLiteral("/no/folder"));
-    QVERIFY(CatchUp(QDBusConnection::sessionBus()));
+    QVERIFY(ProcessMessages(QDBusConnection::sessionBus()));
     QCOMPARE(log.Lines().size(), 1);
 }
 
-void FileUtilsExploreTest::nothingIsThrownWithoutCurrentFolder_data()
+void FileUtilsExploreTest::doesNotThrowWithoutACurrentFolder_data()
 {
     QTest::addColumn<bool>("withBus");
     QTest::newRow("with file manager") << true;
     QTest::newRow("without bus") << false;
 }
 
-void FileUtilsExploreTest::nothingIsThrownWithoutCurrentFolder()
+void FileUtilsExploreTest::doesNotThrowWithoutACurrentFolder()
 {
     QFETCH(bool, withBus);
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     std::optional<SessionBus> bus;
@@ -632,43 +631,43 @@ void FileUtilsExploreTest::nothingIsThrownWithoutCurrentFolder()
     if (withBus) {
         bus.emplace();
         manager.emplace(*bus);
-        QVERIFY(manager->isThere);
+        QVERIFY(manager->isRegistered);
     } else {
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
     }
-    Opener const opener;
+    FolderOpener const opener;
     MakeFolder(At("gone"));
-    AtFolder const here(At("gone"));
+    WorkingFolder const removedFolder(At("gone"));
     Check(rmdir(At("gone").c_str()));
 
-    bool isAsked = false;
+    bool result = false;
     try {
-        isAsked = ExploreFile(ioPath("/no/folder/file"));
+        result = ExploreFile(ioPath("/no/folder/file"));
     } catch (std::exception const& exception) {
         QFAIL(exception.what());
     }
 
-    QVERIFY(isAsked);
+    QVERIFY(result);
     if (manager) {
-        QTRY_COMPARE_WITH_TIMEOUT(manager->calls.size(), 1, Timeout);
+        QTRY_COMPARE_WITH_TIMEOUT(manager->calls.size(), 1, TimeoutMs);
         QCOMPARE(PathsOf(manager->calls[0].uris), QByteArrayList{"/no/folder/file"});
-        QVERIFY(CatchUp(*manager));
+        QVERIFY(ProcessMessages(*manager));
     } else {
         QCOMPARE(PathsOf(opener.urls), QByteArrayList{"/no/folder"});
     }
 }
 
-void FileUtilsExploreTest::programMayEndBeforeTheAnswer()
+void FileUtilsExploreTest::theProgramMayExitBeforeTheReply()
 {
-    if (RanInAnotherProcess()) {
+    if (RanInSeparateProcess()) {
         return;
     }
     SessionBus const bus;
     FileManager manager(bus);
-    QVERIFY(manager.isThere);
+    QVERIFY(manager.isRegistered);
 
     QVERIFY(ExploreFile(ioPath("/no/folder/file")));
-    // No event is processed any more.
+    // The process exits without processing events again.
 }
 
 ZQTUTIL_TEST_MAIN(FileUtilsExploreTest)

@@ -1,16 +1,15 @@
-// What Linux answers: readable folders and free space.
+// Functions with a separate implementation for Linux: CanReadFileIn() and GetAvailableDiskSpace().
 
-#include <support/overrides/NextFunction.h>
-#include <support/processes/ChildProcess.h>
+#include <support/overrides/FixedVolume.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
-#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/Mounts.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/FileUtils.h>
 
 #include <QtTest/QtTest>
 
-#include <atomic>
 #include <string>
 #include <type_traits>
 
@@ -26,62 +25,28 @@ static_assert(std::is_same_v<decltype(&CanReadFileIn), bool (*)(QString const&)>
 static_assert(std::is_same_v<decltype(&GetAvailableDiskSpace), long long (*)(ioPath const&)>);
 static_assert(sizeof(GetAvailableDiskSpace({})) == 8);
 
-namespace
-{
-
-QByteArray Text(bool value)
-{
-    return value ? "yes" : "no";
-}
-
-// What the system answers, while a test says so
-std::atomic<struct statvfs const*>& FixedVolume()
-{
-    static std::atomic<struct statvfs const*> volume{nullptr};
-    return volume;
-}
-
-struct RealAnswers
-{
-    ~RealAnswers() { FixedVolume() = nullptr; }
-};
-
-} // namespace
-
-// In the way of the C library's own: the library under test calls this.
-extern "C" Q_DECL_EXPORT int statvfs(char const* path, struct statvfs* volume) noexcept
-{
-    static auto const next = NextFunction<int (*)(char const*, struct statvfs*)>("statvfs");
-    struct statvfs const* const fixed = FixedVolume();
-    if (!fixed) {
-        return next(path, volume);
-    }
-    *volume = *fixed;
-    return 0;
-}
-
 class FileUtilsLinuxTest : public Zelkor::Testing::FolderTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    // CanReadFileIn
-    void filesCanBeReadWhereTheFolderIsReadable_data();
-    void filesCanBeReadWhereTheFolderIsReadable();
-    void rootReadsFilesInAnyFolder();
+    // CanReadFileIn()
+    void checksReadAndSearchPermission_data();
+    void checksReadAndSearchPermission();
+    void allowsRootToReadInAnyFolder();
 
-    // GetAvailableDiskSpace
-    void spaceIsWhatTheVolumeTells_data();
-    void spaceIsWhatTheVolumeTells();
-    void spaceIsWhatThisUserMayFill_data();
-    void spaceIsWhatThisUserMayFill();
-    void spaceOfWhatCannotBeReadIsNone_data();
-    void spaceOfWhatCannotBeReadIsNone();
+    // GetAvailableDiskSpace()
+    void returnsTheFreeSpaceOfAVolume_data();
+    void returnsTheFreeSpaceOfAVolume();
+    void returnsTheSpaceForUnprivilegedUsers_data();
+    void returnsTheSpaceForUnprivilegedUsers();
+    void returnsZeroForAPathThatCannotBeRead_data();
+    void returnsZeroForAPathThatCannotBeRead();
 };
 
-// CanReadFileIn
+// CanReadFileIn()
 
-void FileUtilsLinuxTest::filesCanBeReadWhereTheFolderIsReadable_data()
+void FileUtilsLinuxTest::checksReadAndSearchPermission_data()
 {
     QTest::addColumn<uid_t>("owner");
     QTest::addColumn<gid_t>("group");
@@ -89,17 +54,17 @@ void FileUtilsLinuxTest::filesCanBeReadWhereTheFolderIsReadable_data()
     QTest::addColumn<bool>("can");
     // clang-format off
     QTest::newRow("open to others")                 << Them << TheirGroup << 0005U << true;
-    QTest::newRow("closed to others")               << Them << TheirGroup << 0772U << false;
-    QTest::newRow("others may list alone")          << Them << TheirGroup << 0774U << false;
-    QTest::newRow("others may enter alone")         << Them << TheirGroup << 0771U << false;
+    QTest::newRow("not open to others")               << Them << TheirGroup << 0772U << false;
+    QTest::newRow("list permission only")          << Them << TheirGroup << 0774U << false;
+    QTest::newRow("search permission only")         << Them << TheirGroup << 0771U << false;
     QTest::newRow("open to the group")              << Them << OurGroup   << 0050U << true;
-    QTest::newRow("closed to the group alone")      << Them << OurGroup   << 0707U << false;
+    QTest::newRow("open to all but the group")      << Them << OurGroup   << 0707U << false;
     QTest::newRow("own")                            << Us   << OurGroup   << 0500U << true;
-    QTest::newRow("own, closed to the owner alone") << Us   << OurGroup   << 0277U << false;
+    QTest::newRow("own, open to all but the owner") << Us   << OurGroup   << 0277U << false;
     // clang-format on
 }
 
-void FileUtilsLinuxTest::filesCanBeReadWhereTheFolderIsReadable()
+void FileUtilsLinuxTest::checksReadAndSearchPermission()
 {
     QFETCH(uid_t, owner);
     QFETCH(gid_t, group);
@@ -107,27 +72,27 @@ void FileUtilsLinuxTest::filesCanBeReadWhereTheFolderIsReadable()
     QFETCH(bool, can);
     MakeFolder(At("folder"));
     MakeLink(At("link"), "folder");
-    Check(chown(At("folder").c_str(), owner, group));
-    Check(chmod(At("folder").c_str(), mode));
+    SetOwner(At("folder"), owner, group);
+    Chmod(At("folder"), mode);
 
-    QByteArray const found = RunAs({Us, Us, OurGroup, OurGroup, {}}, [&] {
-        return Text(CanReadFileIn(PathAt("folder"))) + ' ' + Text(CanReadFileIn(PathAt("link/")));
+    QVector<bool> const found = RunAs({Us, Us, OurGroup, OurGroup, {}}, [&] {
+        return QVector<bool>{CanReadFileIn(PathAt("folder")), CanReadFileIn(PathAt("link/"))};
     });
 
-    QCOMPARE(found, Text(can) + ' ' + Text(can));
+    QCOMPARE(found, (QVector<bool>{can, can}));
 }
 
-void FileUtilsLinuxTest::rootReadsFilesInAnyFolder()
+void FileUtilsLinuxTest::allowsRootToReadInAnyFolder()
 {
-    MakeTree(Root(), {{"folder/", New},
-                      {"file", New},
-                      {"open-file", New},
-                      {"pipe|", New},
-                      {"link@folder", New},
-                      {"link-to-file@file", New},
-                      {"dangling@nowhere", New}});
-    Check(chmod(At("open-file").c_str(), 0777));
-    Check(chmod(At("folder").c_str(), 0000));
+    MakeFolder(At("folder"));
+    MakeFile(At("file"));
+    MakeFile(At("open-file"));
+    MakePipe(At("pipe"));
+    MakeLink(At("link"), "folder");
+    MakeLink(At("link-to-file"), "file");
+    MakeLink(At("dangling"), "nowhere");
+    Chmod(At("open-file"), 0777);
+    Chmod(At("folder"), 0000);
     for (char const* const name : {"folder", "folder/", "link"}) {
         QVERIFY2(CanReadFileIn(PathAt(name)), name);
     }
@@ -136,9 +101,9 @@ void FileUtilsLinuxTest::rootReadsFilesInAnyFolder()
     }
 }
 
-// GetAvailableDiskSpace
+// GetAvailableDiskSpace()
 
-void FileUtilsLinuxTest::spaceIsWhatTheVolumeTells_data()
+void FileUtilsLinuxTest::returnsTheFreeSpaceOfAVolume_data()
 {
     QTest::addColumn<QByteArray>("options");
     QTest::addColumn<qlonglong>("size");
@@ -147,29 +112,28 @@ void FileUtilsLinuxTest::spaceIsWhatTheVolumeTells_data()
     QTest::newRow("more than 4 billion GiB") << QByteArray("nr_blocks=0x100000000000") << 0x100'0000'0000'0000LL;
 }
 
-void FileUtilsLinuxTest::spaceIsWhatTheVolumeTells()
+void FileUtilsLinuxTest::returnsTheFreeSpaceOfAVolume()
 {
     QFETCH(QByteArray, options);
     QFETCH(qlonglong, size);
     MakeFolder(At("volume"));
     MakeLink(At("link"), "volume");
 
-    QByteArray const found = RunWithMount(At("volume"), options.constData(), [&] {
-        AtFolder const here(At("volume"));
-        auto const space = [&](std::string const& path) {
-            return QByteArray::number(size - GetAvailableDiskSpace(ioPath(path))) + ' ';
-        };
-        QByteArray spaces = space(At("volume")) + space(At("link")) + space(".");
+    QVector<qlonglong> const used = RunWithMount(At("volume"), options.constData(), [&] {
+        WorkingFolder const current(At("volume"));
+        auto const usedSpace = [&](std::string const& path) { return size - GetAvailableDiskSpace(ioPath(path)); };
+        QVector<qlonglong> result{usedSpace(At("volume")), usedSpace(At("link")), usedSpace(".")};
         MakeFile("file");
-        spaces += space(At("volume")) + space(At("volume/file")) + space("file");
+        result << usedSpace(At("volume")) << usedSpace(At("volume/file")) << usedSpace("file");
         MakeFile("second");
-        return spaces + space(At("volume"));
+        result << usedSpace(At("volume"));
+        return result;
     });
 
-    QCOMPARE(found, QByteArray("0 0 0 4096 4096 4096 8192 "));
+    QCOMPARE(used, (QVector<qlonglong>{0, 0, 0, 4096, 4096, 4096, 8192}));
 }
 
-void FileUtilsLinuxTest::spaceIsWhatThisUserMayFill_data()
+void FileUtilsLinuxTest::returnsTheSpaceForUnprivilegedUsers_data()
 {
     QTest::addColumn<qlonglong>("blocksForUsers");
     QTest::addColumn<qlonglong>("blockSize");
@@ -180,7 +144,7 @@ void FileUtilsLinuxTest::spaceIsWhatThisUserMayFill_data()
     QTest::newRow("more than 32 bits of bytes") << 0x0fff'ffffLL << 4096LL << 0xff'ffff'f000LL;
 }
 
-void FileUtilsLinuxTest::spaceIsWhatThisUserMayFill()
+void FileUtilsLinuxTest::returnsTheSpaceForUnprivilegedUsers()
 {
     QFETCH(qlonglong, blocksForUsers);
     QFETCH(qlonglong, blockSize);
@@ -191,35 +155,37 @@ void FileUtilsLinuxTest::spaceIsWhatThisUserMayFill()
     volume.f_blocks = volume.f_bavail + 10;
     volume.f_frsize = static_cast<unsigned long>(blockSize);
     volume.f_bsize = volume.f_frsize * 8;
-    RealAnswers const realAfterwards;
-    FixedVolume() = &volume;
+    FixedVolume const fixed(volume);
 
     QCOMPARE(GetAvailableDiskSpace(ioPath(Root())), space);
 }
 
-void FileUtilsLinuxTest::spaceOfWhatCannotBeReadIsNone_data()
+void FileUtilsLinuxTest::returnsZeroForAPathThatCannotBeRead_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::newRow("missing") << QByteArray("missing");
     QTest::newRow("below missing") << QByteArray("missing/below");
     QTest::newRow("dangling link") << QByteArray("dangling");
     QTest::newRow("below a file") << QByteArray("file/name");
-    QTest::newRow("in a closed folder") << QByteArray("closed/file");
+    QTest::newRow("in a folder of another user") << QByteArray("closed/file");
     QTest::newRow("name that is too long") << QByteArray(256, 'n');
 }
 
-void FileUtilsLinuxTest::spaceOfWhatCannotBeReadIsNone()
+void FileUtilsLinuxTest::returnsZeroForAPathThatCannotBeRead()
 {
     QFETCH(QByteArray, name);
-    MakeTree(Root(), {{"file", New}, {"dangling@nowhere", New}, {"closed/", New}, {"closed/file", New}});
-    Check(chmod(At("closed").c_str(), 0700));
+    MakeFile(At("file"));
+    MakeLink(At("dangling"), "nowhere");
+    MakeFolder(At("closed"));
+    MakeFile(At("closed/file"));
+    Chmod(At("closed"), 0700);
 
-    QByteArray const found = RunAsOrdinaryUser([&] {
-        return QByteArray::number(GetAvailableDiskSpace(ioPath(At(name.toStdString())))) + ' ' +
-               QByteArray::number(GetAvailableDiskSpace(ioPath()));
+    QVector<qlonglong> const found = RunAsOrdinaryUser([&] {
+        return QVector<qlonglong>{GetAvailableDiskSpace(ioPath(At(name.toStdString()))),
+                                  GetAvailableDiskSpace(ioPath())};
     });
 
-    QCOMPARE(found, QByteArray("0 0"));
+    QCOMPARE(found, (QVector<qlonglong>{0, 0}));
 }
 
 ZQTUTIL_TEST_MAIN(FileUtilsLinuxTest)

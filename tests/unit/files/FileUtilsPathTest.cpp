@@ -1,19 +1,17 @@
-#include <support/overrides/NextFunction.h>
-#include <support/processes/ChildProcess.h>
+#include <support/overrides/LastException.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
+#include <support/sandbox/Mounts.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/FileUtils.h>
 
 #include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 
-#include <boost/core/demangle.hpp>
-
 #include <exception>
 #include <string>
 #include <type_traits>
-#include <typeinfo>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -35,30 +33,8 @@ static_assert(std::is_same_v<decltype(IsThisPathValid(QString(), nullptr)), bool
 namespace
 {
 
-QByteArray Text(bool value)
-{
-    return value ? "yes" : "no";
-}
-
-QByteArray Text(PathValidity value)
-{
-    return QByteArray::number(static_cast<int>(value));
-}
-
-/// What was thrown last: its class, and what() as a `std::exception`.
-struct Thrown
-{
-    QByteArray type;
-    QByteArray what;
-};
-
-Thrown& LastThrown()
-{
-    static thread_local Thrown thrown;
-    return thrown;
-}
-
-class Uppercase : public QTranslator
+/// Returns translations in upper case, with white space before and after them.
+class UpperCaseTranslator : public QTranslator
 {
     Q_OBJECT
 
@@ -94,22 +70,6 @@ QString Message(PathValidity validity)
 
 } // namespace
 
-// In the way of the C++ library's own: the library under test calls this. The compiler has declared it already, with
-// parameters of its own.
-[[noreturn]] Q_DECL_EXPORT void NoteAndThrow(void* object, std::type_info* type,
-                                             void (*destroy)(void*)) __asm__("__cxa_throw");
-
-void NoteAndThrow(void* object, std::type_info* type, void (*destroy)(void*))
-{
-    static auto const next = NextFunction<void (*)(void*, std::type_info*, void (*)(void*))>("__cxa_throw");
-    void* base = object;
-    bool const isException = typeid(std::exception).__do_catch(type, &base, 1);
-    LastThrown() = {QByteArray::fromStdString(boost::core::demangle(type->name())),
-                    isException ? static_cast<std::exception*>(base)->what() : "not an exception"};
-    next(object, type, destroy);
-    std::terminate();
-}
-
 Q_DECLARE_METATYPE(PathValidity)
 
 class FileUtilsPathTest : public Zelkor::Testing::FolderTestCase
@@ -117,29 +77,29 @@ class FileUtilsPathTest : public Zelkor::Testing::FolderTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void pathThatIsNotAbsoluteIsNotValid_data();
-    void pathThatIsNotAbsoluteIsNotValid();
-    void absolutePathIsCheckedAndNothingIsLeft_data();
-    void absolutePathIsCheckedAndNothingIsLeft();
-    void pathOf4000CharactersIsValid();
-    void emptyParentsOfTheCheckedPathAreRemoved();
-    void existingFolderStaysThoughEmpty();
-    void ordinaryUserIsToldWhatIsClosed_data();
-    void ordinaryUserIsToldWhatIsClosed();
-    void folderIsNotWritableWhenClosedToTheRealUser();
-    void messageTellsTheReason_data() { ReasonRows(); }
-    void messageTellsTheReason();
-    void messageIsTranslatedAndTrimmed_data() { ReasonRows(); }
-    void messageIsTranslatedAndTrimmed();
-    void messageTravelsInAnErrorOfTheFunction();
-    void validPathLeavesTheTextAlone();
-    void fullVolumeIsNotValid();
+    void rejectsAPathThatIsNotAbsolute_data();
+    void rejectsAPathThatIsNotAbsolute();
+    void checksAnAbsolutePathAndRemovesItsFolders_data();
+    void checksAnAbsolutePathAndRemovesItsFolders();
+    void acceptsAPathOf4000Characters();
+    void removesEmptyParentsOfTheCheckedPath();
+    void keepsAnExistingEmptyFolder();
+    void checksThePermissionsOfAnOrdinaryUser_data();
+    void checksThePermissionsOfAnOrdinaryUser();
+    void checksThePermissionsOfTheRealUser();
+    void returnsAMessageWithTheReason_data() { ReasonRows(); }
+    void returnsAMessageWithTheReason();
+    void translatesAndTrimsTheMessage_data() { ReasonRows(); }
+    void translatesAndTrimsTheMessage();
+    void throwsALocalErrorInternally();
+    void doesNotChangeTheTextForAValidPath();
+    void rejectsAFullVolume();
 
 private:
     static void ReasonRows();
 };
 
-void FileUtilsPathTest::pathThatIsNotAbsoluteIsNotValid_data()
+void FileUtilsPathTest::rejectsAPathThatIsNotAbsolute_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<PathValidity>("validity");
@@ -154,18 +114,18 @@ void FileUtilsPathTest::pathThatIsNotAbsoluteIsNotValid_data()
     // clang-format off
     Row const rows[] = {
         {"blank", " "},
-        {"blanks", "   "},
+        {"several blanks", "   "},
         {"tab", "\t"},
         {"name", "name"},
         {"name with blank at end", "name "},
         {"name with blank before slash", "a /b"},
         {"names", "name/below"},
-        {"folder that is there", "existing"},
-        {"folder that is there with slash", "existing/"},
+        {"existing folder", "existing"},
+        {"existing folder with slash", "existing/"},
         {"dot", "."},
         {"two dots", ".."},
-        {"from the current folder", "./name"},
-        {"from the folder above", "../name"},
+        {"relative to the current folder", "./name"},
+        {"relative to the parent folder", "../name"},
         {"home", "~"},
         {"in home", "~/name"},
         {"blank in front", " /tmp"},
@@ -175,7 +135,7 @@ void FileUtilsPathTest::pathThatIsNotAbsoluteIsNotValid_data()
         {"network", "\\\\server\\share"},
         {"backslash", "\\tmp"},
         {"URL", "file:///tmp"},
-        {"place marker", "%1"},
+        {"placeholder", "%1"},
     };
     // clang-format on
     for (Row const& row : rows) {
@@ -183,12 +143,12 @@ void FileUtilsPathTest::pathThatIsNotAbsoluteIsNotValid_data()
     }
 }
 
-void FileUtilsPathTest::pathThatIsNotAbsoluteIsNotValid()
+void FileUtilsPathTest::rejectsAPathThatIsNotAbsolute()
 {
     QFETCH(QString, path);
     QFETCH(PathValidity, validity);
     MakeFolder(At("existing"));
-    AtFolder const here(Root());
+    WorkingFolder const current(Root());
 
     QCOMPARE(IsThisPathValid(path), validity);
 
@@ -196,10 +156,10 @@ void FileUtilsPathTest::pathThatIsNotAbsoluteIsNotValid()
     QVERIFY(!IsThisPathValid(path, &text));
     QCOMPARE(text, Message(validity));
     QVERIFY(!IsThisPathValid(path, nullptr));
-    QCOMPARE(TreeOf(Root()), QByteArrayList{"existing"});
+    QCOMPARE(ListTree(Root()), QByteArrayList{"existing"});
 }
 
-void FileUtilsPathTest::absolutePathIsCheckedAndNothingIsLeft_data()
+void FileUtilsPathTest::checksAnAbsolutePathAndRemovesItsFolders_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<PathValidity>("validity");
@@ -221,13 +181,13 @@ void FileUtilsPathTest::absolutePathIsCheckedAndNothingIsLeft_data()
         {"double quotes", "a \"name\" in quotes", PathValidity::Valid},
         {"single quote", "it's", PathValidity::Valid},
         {"line feed", "first\nsecond\n", PathValidity::Valid},
-        {"place marker", "%1", PathValidity::Valid},
-        {"no UTF-8", "\xff\xfe", PathValidity::Valid},
-        {"letters beyond ASCII", "\xd0\xb8\xd0\xbc\xd1\x8f", PathValidity::Valid},
+        {"placeholder", "%1", PathValidity::Valid},
+        {"invalid UTF-8", "\xff\xfe", PathValidity::Valid},
+        {"non-ASCII letters", "\xd0\xb8\xd0\xbc\xd1\x8f", PathValidity::Valid},
         {"backslash", "a\\b", PathValidity::Valid},
         {"blank inside", "two words", PathValidity::Valid},
         {"blank in front", " name", PathValidity::Valid},
-        {"blank in front of each", " a/ b", PathValidity::Valid},
+        {"blank in front of each name", " a/ b", PathValidity::Valid},
         {"blank after backslash", "a\\ b", PathValidity::Valid},
         {"tab at end", "name\t", PathValidity::Valid},
         {"tab before slash", "name\t/below", PathValidity::Valid},
@@ -241,7 +201,7 @@ void FileUtilsPathTest::absolutePathIsCheckedAndNothingIsLeft_data()
         {"folder", "folder", PathValidity::Valid},
         {"folder with slash", "folder/", PathValidity::Valid},
         {"folder with dot", "folder/.", PathValidity::Valid},
-        {"folder above", "folder/..", PathValidity::Valid},
+        {"parent folder", "folder/..", PathValidity::Valid},
         {"link to folder", "link", PathValidity::Valid},
         {"folder with blank at end", "blank ", PathValidity::Valid},
         {"folder with blank before slash", "blank /inside", PathValidity::Valid},
@@ -253,13 +213,13 @@ void FileUtilsPathTest::absolutePathIsCheckedAndNothingIsLeft_data()
 
         {"blank at end", "name ", PathValidity::TrailingSpace},
         {"two blanks at end", "name  ", PathValidity::TrailingSpace},
-        {"nothing but blank", " ", PathValidity::TrailingSpace},
+        {"blank only", " ", PathValidity::TrailingSpace},
         {"blank before slash", "name /below", PathValidity::TrailingSpace},
         {"blank before last slash", "name /", PathValidity::TrailingSpace},
         {"blank before backslash", "name \\below", PathValidity::TrailingSpace},
         {"missing below folder with blank", "blank /missing", PathValidity::TrailingSpace},
-        {"blank before it is tried", "file/name ", PathValidity::TrailingSpace},
-        {"blank in name too long", QByteArray(256, 'n') + ' ', PathValidity::TrailingSpace},
+        {"blank in a path that cannot be created", "file/name ", PathValidity::TrailingSpace},
+        {"blank in a name that is too long", QByteArray(256, 'n') + ' ', PathValidity::TrailingSpace},
 
         {"below file", "file/missing", PathValidity::CannotCreate},
         {"dangling link", "dangling", PathValidity::CannotCreate},
@@ -272,35 +232,35 @@ void FileUtilsPathTest::absolutePathIsCheckedAndNothingIsLeft_data()
     }
 }
 
-void FileUtilsPathTest::absolutePathIsCheckedAndNothingIsLeft()
+void FileUtilsPathTest::checksAnAbsolutePathAndRemovesItsFolders()
 {
     QFETCH(QByteArray, name);
     QFETCH(PathValidity, validity);
-    MakeTree(Root(), {{"folder/", New},
-                      {"folder/kept", New},
-                      {"blank /", New},
-                      {"blank /inside/", New},
-                      {"blank \\name/", New},
-                      {"file", New},
-                      {"pipe|", New},
-                      {"link@folder", New},
-                      {"link-to-file@file", New},
-                      {"dangling@nowhere", New},
-                      {"loop@loop", New}});
-    QByteArrayList const before = TreeOf(Root());
+    MakeFolder(At("folder"));
+    MakeFile(At("folder/kept"));
+    MakeFolder(At("blank "));
+    MakeFolder(At("blank /inside"));
+    MakeFolder(At("blank \\name"));
+    MakeFile(At("file"));
+    MakePipe(At("pipe"));
+    MakeLink(At("link"), "folder");
+    MakeLink(At("link-to-file"), "file");
+    MakeLink(At("dangling"), "nowhere");
+    MakeLink(At("loop"), "loop");
+    QByteArrayList const before = ListTree(Root());
 
     QCOMPARE(IsThisPathValid(PathAt(name)), validity);
-    QCOMPARE(TreeOf(Root()), before);
+    QCOMPARE(ListTree(Root()), before);
 
     QString text = QStringLiteral("before");
     QCOMPARE(IsThisPathValid(PathAt(name), &text), validity == PathValidity::Valid);
     QCOMPARE(text, validity == PathValidity::Valid ? QStringLiteral("before") : Message(validity));
     QCOMPARE(IsThisPathValid(PathAt(name), nullptr), validity == PathValidity::Valid);
-    QCOMPARE(TreeOf(Root()), before);
-    QCOMPARE(Content(At("file")), QByteArray("content"));
+    QCOMPARE(ListTree(Root()), before);
+    QCOMPARE(ReadFile(At("file")), QByteArray("content"));
 }
 
-void FileUtilsPathTest::pathOf4000CharactersIsValid()
+void FileUtilsPathTest::acceptsAPathOf4000Characters()
 {
     MakeFile(At("kept"));
     QString path = PathAt("") + QStringLiteral("123456789/").repeated(400);
@@ -308,28 +268,31 @@ void FileUtilsPathTest::pathOf4000CharactersIsValid()
 
     QCOMPARE(IsThisPathValid(path), PathValidity::Valid);
 
-    QCOMPARE(TreeOf(Root()), QByteArrayList{"kept"});
+    QCOMPARE(ListTree(Root()), QByteArrayList{"kept"});
 }
 
-void FileUtilsPathTest::emptyParentsOfTheCheckedPathAreRemoved()
+void FileUtilsPathTest::removesEmptyParentsOfTheCheckedPath()
 {
-    MakeTree(Root(), {{"kept/", New}, {"kept/empty/", New}, {"kept/file", New}});
+    MakeFolder(At("kept"));
+    MakeFolder(At("kept/empty"));
+    MakeFile(At("kept/file"));
 
     QCOMPARE(IsThisPathValid(PathAt("kept/empty/missing/too")), PathValidity::Valid);
 
-    QCOMPARE(TreeOf(Root()), (QByteArrayList{"kept", "kept/file"}));
+    QCOMPARE(ListTree(Root()), (QByteArrayList{"kept", "kept/file"}));
 }
 
-void FileUtilsPathTest::existingFolderStaysThoughEmpty()
+void FileUtilsPathTest::keepsAnExistingEmptyFolder()
 {
-    MakeTree(Root(), {{"empty/", New}, {"empty/empty/", New}});
+    MakeFolder(At("empty"));
+    MakeFolder(At("empty/empty"));
 
     QCOMPARE(IsThisPathValid(PathAt("empty/empty")), PathValidity::Valid);
 
-    QCOMPARE(TreeOf(Root()), (QByteArrayList{"empty", "empty/empty"}));
+    QCOMPARE(ListTree(Root()), (QByteArrayList{"empty", "empty/empty"}));
 }
 
-void FileUtilsPathTest::ordinaryUserIsToldWhatIsClosed_data()
+void FileUtilsPathTest::checksThePermissionsOfAnOrdinaryUser_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<PathValidity>("validity");
@@ -339,16 +302,18 @@ void FileUtilsPathTest::ordinaryUserIsToldWhatIsClosed_data()
     QTest::newRow("folder of another user") << QByteArray("others") << PathValidity::NotWritable;
     QTest::newRow("folder open to all") << QByteArray("open") << PathValidity::Valid;
     QTest::newRow("folder open to the group") << QByteArray("groups") << PathValidity::Valid;
-    QTest::newRow("folder that can be written and not entered") << QByteArray("blocked") << PathValidity::NotWritable;
-    QTest::newRow("root of the system") << QByteArray("/") << PathValidity::NotWritable;
+    QTest::newRow("writable folder without search permission") << QByteArray("blocked") << PathValidity::NotWritable;
+    QTest::newRow("root folder") << QByteArray("/") << PathValidity::NotWritable;
     QTest::newRow("missing in folder of another user") << QByteArray("others/missing") << PathValidity::CannotCreate;
-    QTest::newRow("missing in own closed folder") << QByteArray("own-closed/missing") << PathValidity::CannotCreate;
+    QTest::newRow("missing in own folder without write permission")
+        << QByteArray("own-closed/missing") << PathValidity::CannotCreate;
     QTest::newRow("deep in folder of another user") << QByteArray("others/a/b/c") << PathValidity::CannotCreate;
-    QTest::newRow("below what cannot be looked into") << QByteArray("hidden/folder") << PathValidity::CannotCreate;
-    QTest::newRow("blank before it is tried") << QByteArray("others/missing ") << PathValidity::TrailingSpace;
+    QTest::newRow("in a folder without permissions") << QByteArray("hidden/folder") << PathValidity::CannotCreate;
+    QTest::newRow("blank in a path that cannot be created")
+        << QByteArray("others/missing ") << PathValidity::TrailingSpace;
 }
 
-void FileUtilsPathTest::ordinaryUserIsToldWhatIsClosed()
+void FileUtilsPathTest::checksThePermissionsOfAnOrdinaryUser()
 {
     QFETCH(QByteArray, name);
     QFETCH(PathValidity, validity);
@@ -365,34 +330,34 @@ void FileUtilsPathTest::ordinaryUserIsToldWhatIsClosed()
                                  Folder{"hidden", Them, TheirGroup, 0700}}) {
         MakeFolder(At(folder.name));
         MakeFile(At(std::string(folder.name) + "/kept"));
-        Check(chown(At(folder.name).c_str(), folder.owner, folder.group));
-        Check(chmod(At(folder.name).c_str(), folder.mode));
+        SetOwner(At(folder.name), folder.owner, folder.group);
+        Chmod(At(folder.name), folder.mode);
     }
     MakeFolder(At("hidden/folder"));
-    QByteArrayList const before = TreeOf(Root());
+    QByteArrayList const before = ListTree(Root());
     QString const path = name.startsWith('/') ? QString::fromLatin1(name) : PathAt(name);
 
-    QByteArray const found = RunAs({Us, Us, OurGroup, OurGroup, {}}, [&] {
+    Identity const us{Us, Us, OurGroup, OurGroup, {}};
+    QCOMPARE(RunAs(us, [&] { return IsThisPathValid(path); }), validity);
+    QVariantList const result = RunAs(us, [&] {
         QString text;
         bool const isValid = IsThisPathValid(path, &text);
-        return Text(IsThisPathValid(path)) + Text(isValid) + text.toUtf8();
+        return QVariantList{isValid, text};
     });
 
-    QCOMPARE(found, Text(validity) + Text(validity == PathValidity::Valid) + Message(validity).toUtf8());
-    QCOMPARE(TreeOf(Root()), before);
+    QCOMPARE(result, (QVariantList{validity == PathValidity::Valid, Message(validity)}));
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void FileUtilsPathTest::folderIsNotWritableWhenClosedToTheRealUser()
+void FileUtilsPathTest::checksThePermissionsOfTheRealUser()
 {
     MakeFolder(At("folder"));
-    Check(chown(At("folder").c_str(), RootUser, TheirGroup));
-    Check(chmod(At("folder").c_str(), 0757));
+    SetOwner(At("folder"), RootUser, TheirGroup);
+    Chmod(At("folder"), 0757);
 
-    QByteArray const found = RunAs({Them, Us, TheirGroup, OurGroup, {}}, [&] {
-        return Text(CanCreateFileIn(PathAt("folder"))) + ' ' + Text(IsThisPathValid(PathAt("folder")));
-    });
-
-    QCOMPARE(found, "yes " + Text(PathValidity::NotWritable));
+    Identity const otherRealUser{Them, Us, TheirGroup, OurGroup, {}};
+    QVERIFY(RunAs(otherRealUser, [&] { return CanCreateFileIn(PathAt("folder")); }));
+    QCOMPARE(RunAs(otherRealUser, [&] { return IsThisPathValid(PathAt("folder")); }), PathValidity::NotWritable);
 }
 
 void FileUtilsPathTest::ReasonRows()
@@ -406,7 +371,7 @@ void FileUtilsPathTest::ReasonRows()
     QTest::newRow("cannot be created") << QByteArray("/dev/null/name") << Message(PathValidity::CannotCreate);
 }
 
-void FileUtilsPathTest::messageTellsTheReason()
+void FileUtilsPathTest::returnsAMessageWithTheReason()
 {
     QFETCH(QByteArray, path);
     QFETCH(QString, message);
@@ -417,11 +382,11 @@ void FileUtilsPathTest::messageTellsTheReason()
     QCOMPARE(text, message);
 }
 
-void FileUtilsPathTest::messageIsTranslatedAndTrimmed()
+void FileUtilsPathTest::translatesAndTrimsTheMessage()
 {
     QFETCH(QByteArray, path);
     QFETCH(QString, message);
-    Uppercase translator;
+    UpperCaseTranslator translator;
     QVERIFY(QCoreApplication::installTranslator(&translator));
 
     QString text;
@@ -432,22 +397,22 @@ void FileUtilsPathTest::messageIsTranslatedAndTrimmed()
     QCOMPARE(text, message.toUpper());
 }
 
-void FileUtilsPathTest::messageTravelsInAnErrorOfTheFunction()
+void FileUtilsPathTest::throwsALocalErrorInternally()
 {
-    LastThrown() = {};
+    GetLastException() = {};
     QString text;
 
     QVERIFY(!IsThisPathValid(QString(), &text));
 
-    QCOMPARE(LastThrown().type, QByteArray("Zelkor::Util::IsThisPathValid(QString const&, QString*)::Error"));
-    QCOMPARE(LastThrown().what, QByteArray(std::exception().what()));
+    QCOMPARE(GetLastException().type, QByteArray("Zelkor::Util::IsThisPathValid(QString const&, QString*)::Error"));
+    QCOMPARE(GetLastException().what, QByteArray(std::exception().what()));
 
-    LastThrown() = {};
+    GetLastException() = {};
     QVERIFY(IsThisPathValid(PathAt(""), &text));
-    QCOMPARE(LastThrown().type, QByteArray());
+    QCOMPARE(GetLastException().type, QByteArray());
 }
 
-void FileUtilsPathTest::validPathLeavesTheTextAlone()
+void FileUtilsPathTest::doesNotChangeTheTextForAValidPath()
 {
     MakeFile(At("kept"));
     QString text = QStringLiteral(" before ");
@@ -456,17 +421,19 @@ void FileUtilsPathTest::validPathLeavesTheTextAlone()
     QCOMPARE(text, QStringLiteral(" before "));
 }
 
-void FileUtilsPathTest::fullVolumeIsNotValid()
+void FileUtilsPathTest::rejectsAFullVolume()
 {
     MakeFolder(At("volume"));
 
-    QByteArray const found = RunWithMount(At("volume"), "nr_inodes=2,mode=0777", [&] {
-        QByteArray const withRoom = Text(IsThisPathValid(PathAt("volume"))) + Text(IsThisPathValid(PathAt("volume/a")));
+    QVector<PathValidity> const found = RunWithMount(At("volume"), "nr_inodes=2,mode=0777", [&] {
+        QVector<PathValidity> result{IsThisPathValid(PathAt("volume")), IsThisPathValid(PathAt("volume/a"))};
         MakeFile(At("volume/last"));
-        return withRoom + Text(IsThisPathValid(PathAt("volume"))) + Text(IsThisPathValid(PathAt("volume/a")));
+        result << IsThisPathValid(PathAt("volume")) << IsThisPathValid(PathAt("volume/a"));
+        return result;
     });
 
-    QCOMPARE(found, QByteArray("0035"));
+    QCOMPARE(found, (QVector<PathValidity>{PathValidity::Valid, PathValidity::Valid, PathValidity::NotWritable,
+                                           PathValidity::CannotCreate}));
 }
 
 ZQTUTIL_TEST_MAIN(FileUtilsPathTest)

@@ -1,15 +1,17 @@
+#include <support/overrides/FixedClock.h>
 #include <support/processes/ChildProcess.h>
 #include <support/sandbox/Environment.h>
+#include <support/sandbox/FileTimes.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
-#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/Mounts.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/FileUtils.h>
 
 #include <QtCore/QFile>
 #include <QtTest/QtTest>
 
-#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -23,8 +25,6 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 using namespace Zelkor::Testing;
@@ -35,102 +35,53 @@ static_assert(std::is_same_v<decltype(&RemoveDir), void (*)(QString const&, int,
 namespace
 {
 
-// What the system answers, while a test says so
-
-struct Answers
-{
-    std::atomic<Milliseconds> now{0}; // 0: the real time
-    std::atomic<int> looksAtTheClock{0};
-};
-
-Answers& Fixed()
-{
-    static Answers answers;
-    return answers;
-}
-
-struct RealAnswers
-{
-    ~RealAnswers()
-    {
-        Fixed().now = 0;
-        Fixed().looksAtTheClock = 0;
-    }
-};
-
-constexpr long SubMilliseconds = 700000; // of the fixed clock, in nanoseconds
+constexpr Milliseconds Old = 100 * Day;
+constexpr Milliseconds New = 0;
 
 } // namespace
-
-// In the way of the system libraries' functions: the library under test and Qt call these.
-
-extern "C" {
-
-Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
-{
-    Milliseconds const fixed = clock == CLOCK_REALTIME ? Fixed().now.load() : 0;
-    if (fixed == 0) {
-        return static_cast<int>(syscall(SYS_clock_gettime, clock, time));
-    }
-    ++Fixed().looksAtTheClock;
-    *time = TimeOf(fixed, SubMilliseconds);
-    return 0;
-}
-
-Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
-{
-    timespec precise;
-    int const result = clock_gettime(CLOCK_REALTIME, &precise);
-    *time = {precise.tv_sec, precise.tv_nsec / 1000};
-    return result;
-}
-
-} // extern "C"
-
-Q_DECLARE_METATYPE(std::vector<Entry>)
 
 class FileUtilsRemovalTest : public Zelkor::Testing::FolderTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatIsOldEnoughIsRemoved_data();
-    void whatIsOldEnoughIsRemoved();
-    void ageIsExactToTheMillisecond_data();
-    void ageIsExactToTheMillisecond();
-    void timeFartherThanMillisecondsReachCountsAsFar();
-    void daysAreThoseOfTheCalendar_data();
-    void daysAreThoseOfTheCalendar();
-    void everyKindIsRemovedByItsOwnAge_data();
-    void everyKindIsRemovedByItsOwnAge();
-    void treeIsRemovedByAge_data();
-    void treeIsRemovedByAge();
-    void folderItselfIsRemovedWhenAskedAndEmpty_data();
-    void folderItselfIsRemovedWhenAskedAndEmpty();
-    void linkToAFolderIsLeftWithAllBehindIt_data();
-    void linkToAFolderIsLeftWithAllBehindIt();
-    void pathThroughALinkLeadsWhereTheSystemSays();
-    void pathThatIsNoFolderIsLeftAlone_data();
-    void pathThatIsNoFolderIsLeftAlone();
-    void emptyPathIsNotTheCurrentFolder_data();
-    void emptyPathIsNotTheCurrentFolder();
-    void pathWithNulIsNotCutShort();
-    void anyWritingOfThePathWorks_data();
-    void anyWritingOfThePathWorks();
-    void anyNameIsRemoved_data() { NameRows(); }
-    void anyNameIsRemoved();
-    void whatCannotBeRemovedStopsNothing_data();
-    void whatCannotBeRemovedStopsNothing();
-    void manyEntriesAreAllRemoved();
-    void treeDeeperThanAnyPathIsRemovedWithFewDescriptors_data();
-    void treeDeeperThanAnyPathIsRemovedWithFewDescriptors();
-    void descriptorsAndCurrentFolderStayAsTheyWere();
+    void removesEntriesOlderThanTheGivenDays_data();
+    void removesEntriesOlderThanTheGivenDays();
+    void comparesAgesToTheMillisecond_data();
+    void comparesAgesToTheMillisecond();
+    void acceptsTimesBeyondTheRangeOfMilliseconds();
+    void subtractsCalendarDays_data();
+    void subtractsCalendarDays();
+    void removesAnyKindOfEntryByItsOwnAge_data();
+    void removesAnyKindOfEntryByItsOwnAge();
+    void removesTreesByAge_data();
+    void removesTreesByAge();
+    void removesTheFolderItselfIfRequestedAndEmpty_data();
+    void removesTheFolderItselfIfRequestedAndEmpty();
+    void keepsALinkToAFolderAndItsTarget_data();
+    void keepsALinkToAFolderAndItsTarget();
+    void resolvesAPathThroughALinkAsTheSystemDoes();
+    void ignoresAPathThatIsNotAFolder_data();
+    void ignoresAPathThatIsNotAFolder();
+    void ignoresAnEmptyPath_data();
+    void ignoresAnEmptyPath();
+    void doesNotTruncateAPathAtANulCharacter();
+    void acceptsEquivalentPaths_data();
+    void acceptsEquivalentPaths();
+    void removesEntriesWithAnyName_data() { NameRows(); }
+    void removesEntriesWithAnyName();
+    void continuesAfterAnEntryThatCannotBeRemoved_data();
+    void continuesAfterAnEntryThatCannotBeRemoved();
+    void removesThousandsOfEntries();
+    void removesATreeDeeperThanAnyPathWithFewDescriptors_data();
+    void removesATreeDeeperThanAnyPathWithFewDescriptors();
+    void keepsDescriptorsAndCurrentFolder();
 
 private:
     void MakeDeepTree(std::string const& path, int levels, bool withNewFile) const;
 };
 
-void FileUtilsRemovalTest::whatIsOldEnoughIsRemoved_data()
+void FileUtilsRemovalTest::removesEntriesOlderThanTheGivenDays_data()
 {
     QTest::addColumn<int>("days");
     QTest::addColumn<QByteArray>("left");
@@ -148,14 +99,14 @@ void FileUtilsRemovalTest::whatIsOldEnoughIsRemoved_data()
     // clang-format on
 }
 
-void FileUtilsRemovalTest::whatIsOldEnoughIsRemoved()
+void FileUtilsRemovalTest::removesEntriesOlderThanTheGivenDays()
 {
     QFETCH(int, days);
     QFETCH(QByteArray, left);
     struct Row
     {
         char const* name;
-        Milliseconds moment;
+        Milliseconds time;
     };
     Milliseconds const now = Now();
     Row const rows[] = {{"in-25h", now + 25 * Hour},
@@ -166,19 +117,24 @@ void FileUtilsRemovalTest::whatIsOldEnoughIsRemoved()
                         {"30d-less-1h", now - 30 * Day + Hour},
                         {"30d-and-1h", now - 30 * Day - Hour},
                         {"1960", -10 * (365 * Day) - 1}};
-    for (char const* const slash : {"", "/"}) {
+    for (bool const folders : {false, true}) {
         for (Row const& row : rows) {
-            Date(MakeEntry(At(row.name) + slash), row.moment);
+            if (folders) {
+                MakeFolder(At(row.name));
+            } else {
+                MakeFile(At(row.name));
+            }
+            SetTime(At(row.name), row.time);
         }
 
         RemoveDir(PathAt(""), days, false);
 
-        QCOMPARE(TreeOf(Root()).join(' '), left);
-        Empty(Root());
+        QCOMPARE(ListTree(Root()).join(' '), left);
+        EmptyFolder(Root());
     }
 }
 
-void FileUtilsRemovalTest::ageIsExactToTheMillisecond_data()
+void FileUtilsRemovalTest::comparesAgesToTheMillisecond_data()
 {
     QTest::addColumn<int>("days");
     for (int const days : {0, 1, 30, -1, 20000}) {
@@ -186,46 +142,42 @@ void FileUtilsRemovalTest::ageIsExactToTheMillisecond_data()
     }
 }
 
-void FileUtilsRemovalTest::ageIsExactToTheMillisecond()
+void FileUtilsRemovalTest::comparesAgesToTheMillisecond()
 {
     QFETCH(int, days);
-    RealAnswers const realAfterwards;
-    constexpr Milliseconds TheTime = 1'600'000'000'123;
-    Milliseconds const threshold = TheTime - days * Day;
+    constexpr Milliseconds CurrentTime = 1'600'000'000'123;
+    Milliseconds const threshold = CurrentTime - days * Day;
     MakeFolder(At("folder"));
     struct Row
     {
         char const* name;
-        Milliseconds moment;
+        Milliseconds time;
         long nanoseconds;
     };
-    Row const rows[] = {{"day before", threshold - Day, 0},
-                        {"1 ms before", threshold - 1, 999999},
-                        {"then", threshold, 0},
-                        {"in the same ms", threshold, 999999},
-                        {"1 ms after", threshold + 1, 0},
-                        {"1 s after", threshold + Second, 0}};
+    Row const rows[] = {{"day before", threshold - Day, 0}, {"1 ms before", threshold - 1, 999999},
+                        {"same ms", threshold, 0},          {"end of same ms", threshold, 999999},
+                        {"1 ms after", threshold + 1, 0},   {"1 s after", threshold + Second, 0}};
     for (Row const& row : rows) {
         std::string const folder = At("folder/folder ") + row.name;
         MakeFolder(folder);
         MakeFile(folder + "/file");
-        Date(folder + "/file", row.moment, row.nanoseconds);
-        Date(folder, row.moment, row.nanoseconds);
+        SetTime(folder + "/file", row.time, row.nanoseconds);
+        SetTime(folder, row.time, row.nanoseconds);
         MakeFile(At("folder/file ") + row.name);
-        Date(At("folder/file ") + row.name, row.moment, row.nanoseconds);
+        SetTime(At("folder/file ") + row.name, row.time, row.nanoseconds);
     }
 
-    Fixed().now = TheTime;
+    FixedClock const clock(CurrentTime);
     RemoveDir(PathAt("folder"), days, false);
 
-    QVERIFY(Fixed().looksAtTheClock > 0);
-    QCOMPARE(TreeOf(At("folder")),
+    QVERIFY(clock.ReadCount() > 0);
+    QCOMPARE(ListTree(At("folder")),
              (QByteArrayList{"file 1 ms after", "file 1 s after", "folder 1 ms after", "folder 1 ms after/file",
                              "folder 1 s after", "folder 1 s after/file"}));
 }
 
-// A disc in memory keeps any number of seconds.
-void FileUtilsRemovalTest::timeFartherThanMillisecondsReachCountsAsFar()
+// A file system in memory stores any number of seconds.
+void FileUtilsRemovalTest::acceptsTimesBeyondTheRangeOfMilliseconds()
 {
     MakeFolder(At("volume"));
     QByteArray const left = RunWithMount(At("volume"), "mode=0777", [&] {
@@ -239,12 +191,12 @@ void FileUtilsRemovalTest::timeFartherThanMillisecondsReachCountsAsFar()
             }
         }
         RemoveDir(PathAt("volume"), 0, false);
-        return TreeOf(At("volume")).join(' ');
+        return ListTree(At("volume")).join(' ');
     });
     QCOMPARE(left, QByteArray("future"));
 }
 
-void FileUtilsRemovalTest::daysAreThoseOfTheCalendar_data()
+void FileUtilsRemovalTest::subtractsCalendarDays_data()
 {
     QTest::addColumn<Milliseconds>("now");
     QTest::addColumn<Milliseconds>("threshold");
@@ -254,144 +206,243 @@ void FileUtilsRemovalTest::daysAreThoseOfTheCalendar_data()
     QTest::newRow("day of 25 hours") << 1635681600 * Second << (1635681600 * Second - 25 * Hour);
 }
 
-void FileUtilsRemovalTest::daysAreThoseOfTheCalendar()
+void FileUtilsRemovalTest::subtractsCalendarDays()
 {
     QFETCH(Milliseconds, now);
     QFETCH(Milliseconds, threshold);
-    RealAnswers const realAfterwards;
-    Environment const zone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
-    MakeFile(At("in time"));
+    EnvironmentVariable const zone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    MakeFile(At("old enough"));
     MakeFile(At("too new"));
-    Date(At("in time"), threshold);
-    Date(At("too new"), threshold + 1);
+    SetTime(At("old enough"), threshold);
+    SetTime(At("too new"), threshold + 1);
 
-    Fixed().now = now;
+    FixedClock const clock(now);
     RemoveDir(PathAt(""), 1, false);
 
-    QCOMPARE(TreeOf(Root()), QByteArrayList{"too new"});
+    QCOMPARE(ListTree(Root()), QByteArrayList{"too new"});
 }
 
-void FileUtilsRemovalTest::everyKindIsRemovedByItsOwnAge_data()
+void FileUtilsRemovalTest::removesAnyKindOfEntryByItsOwnAge_data()
 {
-    QTest::addColumn<QByteArray>("description");
-    struct Row
-    {
-        char const* title;
-        char const* description;
+    QTest::addColumn<std::string>("name");
+    QTest::addColumn<Maker>("make");
+    auto const row = [](char const* title, std::string const& name, Maker make) {
+        QTest::newRow(title) << name << make;
     };
-    for (Row const& row :
-         {Row{"file", "it"}, Row{"hidden file", ".it"}, Row{"name of three dots", "..."}, Row{"folder", "it/"},
-          Row{"hidden folder", ".it/"}, Row{"pipe", "it|"}, Row{"hidden pipe", ".it|"}, Row{"socket", "it="},
-          Row{"device", "it%"}, Row{"dangling link", "it@nowhere"}, Row{"hidden dangling link", ".it@nowhere"},
-          Row{"link to itself", "it@it"}, Row{"link to an old file", "it@../old-file"},
-          Row{"link to a new file", "it@../new-file"}, Row{"link to an old folder", "it@../old-folder"},
-          Row{"link to a new folder", "it@../new-folder"}, Row{"link to the folder above", "it@.."},
-          Row{"link to its own folder", "it@."}, Row{"link with a slash to a folder", "it@../old-folder/"}}) {
-        QTest::newRow(row.title) << QByteArray(row.description);
-    }
+    row("file", "it", [](std::string const& path) { MakeFile(path); });
+    row("hidden file", ".it", [](std::string const& path) { MakeFile(path); });
+    row("name of three dots", "...", [](std::string const& path) { MakeFile(path); });
+    row("folder", "it", [](std::string const& path) { MakeFolder(path); });
+    row("hidden folder", ".it", [](std::string const& path) { MakeFolder(path); });
+    row("pipe", "it", [](std::string const& path) { MakePipe(path); });
+    row("hidden pipe", ".it", [](std::string const& path) { MakePipe(path); });
+    row("socket", "it", [](std::string const& path) { MakeSocket(path); });
+    row("device", "it", [](std::string const& path) { MakeDevice(path); });
+    row("dangling link", "it", [](std::string const& path) { MakeLink(path, "nowhere"); });
+    row("hidden dangling link", ".it", [](std::string const& path) { MakeLink(path, "nowhere"); });
+    row("link to itself", "it", [](std::string const& path) { MakeLink(path, "it"); });
+    row("link to an old file", "it", [](std::string const& path) { MakeLink(path, "../old-file"); });
+    row("link to a new file", "it", [](std::string const& path) { MakeLink(path, "../new-file"); });
+    row("link to an old folder", "it", [](std::string const& path) { MakeLink(path, "../old-folder"); });
+    row("link to a new folder", "it", [](std::string const& path) { MakeLink(path, "../new-folder"); });
+    row("link to the parent folder", "it", [](std::string const& path) { MakeLink(path, ".."); });
+    row("link to its own folder", "it", [](std::string const& path) { MakeLink(path, "."); });
+    row("link to a folder, with a slash", "it", [](std::string const& path) { MakeLink(path, "../old-folder/"); });
 }
 
-void FileUtilsRemovalTest::everyKindIsRemovedByItsOwnAge()
+void FileUtilsRemovalTest::removesAnyKindOfEntryByItsOwnAge()
 {
-    QFETCH(QByteArray, description);
-    std::string const inFolder = "folder/" + description.toStdString();
-    std::string const inSubfolder = "folder/below/" + description.toStdString();
-    QByteArray const outside = "new-file new-folder new-folder/file old-file old-folder old-folder/file";
+    QFETCH(std::string, name);
+    QFETCH(Maker, make);
     for (Milliseconds const age : {New, Old}) {
-        MakeTree(Root(), {{"old-folder/", Old},
-                          {"old-folder/file", Old},
-                          {"new-folder/", New},
-                          {"new-folder/file", Old},
-                          {"old-file", Old},
-                          {"new-file", New},
-                          {"folder/", New},
-                          {"folder/below/", Old},
-                          {inFolder.c_str(), age},
-                          {inSubfolder.c_str(), age}});
-        QByteArrayList const before = TreeOf(Root());
+        MakeFolder(At("old-folder"));
+        MakeFile(At("old-folder/file"));
+        MakeFolder(At("new-folder"));
+        MakeFile(At("new-folder/file"));
+        MakeFile(At("old-file"));
+        MakeFile(At("new-file"));
+        QByteArrayList const beside = ListTree(Root());
+        MakeFolder(At("folder"));
+        MakeFolder(At("folder/below"));
+        make(At("folder/" + name));
+        make(At("folder/below/" + name));
+        SetAgeOfEntries(Root(), Old);
+        SetAge(At("new-folder"), New);
+        SetAge(At("new-file"), New);
+        SetAge(At("folder"), New);
+        SetAge(At("folder/" + name), age);
+        SetAge(At("folder/below/" + name), age);
+        QByteArrayList const before = ListTree(Root());
 
         RemoveDir(PathAt("folder"), 1, false);
 
-        QCOMPARE(TreeOf(Root()).join(' '), age == Old ? "folder " + outside : before.join(' '));
-        QCOMPARE(Content(At("old-folder/file")), QByteArray("content"));
-        QCOMPARE(Content(At("old-file")), QByteArray("content"));
-        Empty(Root());
+        if (age == Old) {
+            QCOMPARE(ListTree(At("folder")), QByteArrayList());
+            QCOMPARE(ListTree(Root()).join(' '), "folder " + beside.join(' '));
+        } else {
+            QCOMPARE(ListTree(Root()), before);
+        }
+        QCOMPARE(ReadFile(At("old-folder/file")), QByteArray("content"));
+        QCOMPARE(ReadFile(At("old-file")), QByteArray("content"));
+        EmptyFolder(Root());
     }
 }
 
-void FileUtilsRemovalTest::treeIsRemovedByAge_data()
+void FileUtilsRemovalTest::removesTreesByAge_data()
 {
-    QTest::addColumn<std::vector<Entry>>("entries");
+    QTest::addColumn<Maker>("makeEntries"); // in the folder at the path
     QTest::addColumn<QByteArrayList>("left");
-    using Entries = std::vector<Entry>;
-    QTest::newRow("old tree") << Entries{{"a/", Old},      {"a/1", Old},      {"a/b/", Old}, {"a/b/c/", Old},
-                                         {"a/b/c/2", Old}, {"a/empty/", Old}, {"a/b/3", Old}}
-                              << QByteArrayList();
-    QTest::newRow("new tree") << Entries{{"a/", New}, {"a/1", New}, {"a/b/", New}, {"a/b/2", New}}
-                              << QByteArrayList{"a", "a/1", "a/b", "a/b/2"};
-    QTest::newRow("new folder is not entered")
-        << Entries{{"a/", New}, {"a/1", Old}, {"a/b/", Old}, {"a/b/2", Old}, {"a/pipe|", Old}}
-        << QByteArrayList{"a", "a/1", "a/b", "a/b/2", "a/pipe"};
-    QTest::newRow("old folder keeps a new file")
-        << Entries{{"a/", Old}, {"a/1", Old}, {"a/new", New}, {"a/3", Old}, {"a/b/", Old}, {"a/b/4", Old}}
-        << QByteArrayList{"a", "a/new"};
-    QTest::newRow("old folder keeps a new empty folder")
-        << Entries{{"a/", Old}, {"a/1", Old}, {"a/new/", New}} << QByteArrayList{"a", "a/new"};
-    QTest::newRow("old folders keep a new file far below")
-        << Entries{{"a/", Old},      {"a/1", Old},       {"a/b/", Old}, {"a/b/2", Old}, {"a/b/c/", Old},
-                   {"a/b/c/3", Old}, {"a/b/c/new", New}, {"a/d/", Old}, {"a/d/4", Old}}
-        << QByteArrayList{"a", "a/b", "a/b/c", "a/b/c/new"};
-    QTest::newRow("new folder below an old one is not entered")
-        << Entries{{"a/", Old}, {"a/new/", New}, {"a/new/1", Old}, {"a/z/", Old}, {"a/z/2", Old}}
-        << QByteArrayList{"a", "a/new", "a/new/1"};
-    QTest::newRow("old folders before and after a new one")
-        << Entries{{"a/", Old}, {"a/1", Old}, {"b/", New}, {"b/1", Old}, {"c/", Old}, {"c/1", Old}}
-        << QByteArrayList{"b", "b/1"};
-    QTest::newRow("old file beside new ones")
-        << Entries{{"1", New}, {"2", Old}, {"3", New}} << QByteArrayList{"1", "3"};
+    auto const row = [](char const* title, Maker makeEntries, QByteArrayList const& left) {
+        QTest::newRow(title) << makeEntries << left;
+    };
+    row("old tree",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFile(root + "/a/1");
+            MakeFolder(root + "/a/b");
+            MakeFolder(root + "/a/b/c");
+            MakeFile(root + "/a/b/c/2");
+            MakeFolder(root + "/a/empty");
+            MakeFile(root + "/a/b/3");
+            SetAgeOfEntries(root, Old);
+        },
+        {});
+    row("new tree",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFile(root + "/a/1");
+            MakeFolder(root + "/a/b");
+            MakeFile(root + "/a/b/2");
+            SetAgeOfEntries(root, New);
+        },
+        {"a", "a/1", "a/b", "a/b/2"});
+    row("new folder with old entries",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFile(root + "/a/1");
+            MakeFolder(root + "/a/b");
+            MakeFile(root + "/a/b/2");
+            MakePipe(root + "/a/pipe");
+            SetAgeOfEntries(root, Old);
+            SetAge(root + "/a", New);
+        },
+        {"a", "a/1", "a/b", "a/b/2", "a/pipe"});
+    row("old folder with a new file",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFile(root + "/a/1");
+            MakeFile(root + "/a/new");
+            MakeFile(root + "/a/3");
+            MakeFolder(root + "/a/b");
+            MakeFile(root + "/a/b/4");
+            SetAgeOfEntries(root, Old);
+            SetAge(root + "/a/new", New);
+        },
+        {"a", "a/new"});
+    row("old folder with a new empty folder",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFile(root + "/a/1");
+            MakeFolder(root + "/a/new");
+            SetAgeOfEntries(root, Old);
+            SetAge(root + "/a/new", New);
+        },
+        {"a", "a/new"});
+    row("old folders with a new file far below",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFile(root + "/a/1");
+            MakeFolder(root + "/a/b");
+            MakeFile(root + "/a/b/2");
+            MakeFolder(root + "/a/b/c");
+            MakeFile(root + "/a/b/c/3");
+            MakeFile(root + "/a/b/c/new");
+            MakeFolder(root + "/a/d");
+            MakeFile(root + "/a/d/4");
+            SetAgeOfEntries(root, Old);
+            SetAge(root + "/a/b/c/new", New);
+        },
+        {"a", "a/b", "a/b/c", "a/b/c/new"});
+    row("new folder below an old one",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFolder(root + "/a/new");
+            MakeFile(root + "/a/new/1");
+            MakeFolder(root + "/a/z");
+            MakeFile(root + "/a/z/2");
+            SetAgeOfEntries(root, Old);
+            SetAge(root + "/a/new", New);
+        },
+        {"a", "a/new", "a/new/1"});
+    row("old folders before and after a new one",
+        [](std::string const& root) {
+            MakeFolder(root + "/a");
+            MakeFile(root + "/a/1");
+            MakeFolder(root + "/b");
+            MakeFile(root + "/b/1");
+            MakeFolder(root + "/c");
+            MakeFile(root + "/c/1");
+            SetAgeOfEntries(root, Old);
+            SetAge(root + "/b", New);
+        },
+        {"b", "b/1"});
+    row("old file beside new ones",
+        [](std::string const& root) {
+            MakeFile(root + "/1");
+            MakeFile(root + "/2");
+            MakeFile(root + "/3");
+            SetAgeOfEntries(root, Old);
+            SetAge(root + "/1", New);
+            SetAge(root + "/3", New);
+        },
+        {"1", "3"});
 }
 
-void FileUtilsRemovalTest::treeIsRemovedByAge()
+void FileUtilsRemovalTest::removesTreesByAge()
 {
-    QFETCH(std::vector<Entry>, entries);
+    QFETCH(Maker, makeEntries);
     QFETCH(QByteArrayList, left);
-    MakeTree(Root(), entries);
+    makeEntries(Root());
 
     RemoveDir(PathAt(""), 1, false);
 
-    QCOMPARE(TreeOf(Root()), left);
+    QCOMPARE(ListTree(Root()), left);
 }
 
-void FileUtilsRemovalTest::folderItselfIsRemovedWhenAskedAndEmpty_data()
+void FileUtilsRemovalTest::removesTheFolderItselfIfRequestedAndEmpty_data()
 {
     QTest::addColumn<Milliseconds>("ageOfFolder");
     QTest::addColumn<Milliseconds>("ageOfFile");
     QTest::addColumn<bool>("removeFolderItself");
     QTest::addColumn<QByteArrayList>("left");
     for (Milliseconds const age : {New, Old, -Old}) {
-        char const* const title = age == New ? "new folder" : age == Old ? "old folder" : "folder of the future";
-        QTest::addRow("%s, emptied, asked", title) << age << Old << true << QByteArrayList();
-        QTest::addRow("%s, emptied, not asked", title) << age << Old << false << QByteArrayList{"folder"};
-        QTest::addRow("%s, not emptied, asked", title) << age << New << true << QByteArrayList{"folder", "folder/file"};
-        QTest::addRow("%s, not emptied, not asked", title)
+        char const* const title = age == New ? "new folder" : age == Old ? "old folder" : "folder with a future time";
+        QTest::addRow("%s, emptied, requested", title) << age << Old << true << QByteArrayList();
+        QTest::addRow("%s, emptied, not requested", title) << age << Old << false << QByteArrayList{"folder"};
+        QTest::addRow("%s, not emptied, requested", title)
+            << age << New << true << QByteArrayList{"folder", "folder/file"};
+        QTest::addRow("%s, not emptied, not requested", title)
             << age << New << false << QByteArrayList{"folder", "folder/file"};
     }
 }
 
-void FileUtilsRemovalTest::folderItselfIsRemovedWhenAskedAndEmpty()
+void FileUtilsRemovalTest::removesTheFolderItselfIfRequestedAndEmpty()
 {
     QFETCH(Milliseconds, ageOfFolder);
     QFETCH(Milliseconds, ageOfFile);
     QFETCH(bool, removeFolderItself);
     QFETCH(QByteArrayList, left);
-    MakeTree(Root(), {{"folder/", ageOfFolder}, {"folder/file", ageOfFile}});
+    MakeFolder(At("folder"));
+    MakeFile(At("folder/file"));
+    SetAge(At("folder/file"), ageOfFile);
+    SetAge(At("folder"), ageOfFolder);
 
     RemoveDir(PathAt("folder"), 1, removeFolderItself);
 
-    QCOMPARE(TreeOf(Root()), left);
+    QCOMPARE(ListTree(Root()), left);
 }
 
-void FileUtilsRemovalTest::linkToAFolderIsLeftWithAllBehindIt_data()
+void FileUtilsRemovalTest::keepsALinkToAFolderAndItsTarget_data()
 {
     QTest::addColumn<QByteArray>("path");
     for (char const* const path : {"link", "link/", "link//", "link/.", "link/./", ".//link//.//", "link-to-link",
@@ -400,40 +451,42 @@ void FileUtilsRemovalTest::linkToAFolderIsLeftWithAllBehindIt_data()
     }
 }
 
-void FileUtilsRemovalTest::linkToAFolderIsLeftWithAllBehindIt()
+void FileUtilsRemovalTest::keepsALinkToAFolderAndItsTarget()
 {
     QFETCH(QByteArray, path);
-    MakeTree(Root(), {{"folder/", Old},
-                      {"folder/file", Old},
-                      {"folder/empty/", Old},
-                      {"old/", Old},
-                      {"old/link@../folder", Old},
-                      {"link@folder", Old},
-                      {"link-to-link@link", Old}});
-    QByteArrayList const before = TreeOf(Root());
+    MakeFolder(At("folder"));
+    MakeFile(At("folder/file"));
+    MakeFolder(At("folder/empty"));
+    MakeFolder(At("old"));
+    MakeLink(At("old/link"), "../folder");
+    MakeLink(At("link"), "folder");
+    MakeLink(At("link-to-link"), "link");
+    SetAgeOfEntries(Root(), Old);
+    QByteArrayList const before = ListTree(Root());
     for (bool const removeFolderItself : {false, true}) {
         RemoveDir(PathAt(path), 1, removeFolderItself);
-        QCOMPARE(TreeOf(Root()), before);
+        QCOMPARE(ListTree(Root()), before);
 
-        AtFolder const here(Root());
+        WorkingFolder const current(Root());
         RemoveDir(QString::fromLatin1(path), 1, removeFolderItself);
-        QCOMPARE(TreeOf(Root()), before);
+        QCOMPARE(ListTree(Root()), before);
     }
 }
 
-void FileUtilsRemovalTest::pathThroughALinkLeadsWhereTheSystemSays()
+void FileUtilsRemovalTest::resolvesAPathThroughALinkAsTheSystemDoes()
 {
-    MakeTree(Root(), {{"elsewhere/", Old},
-                      {"elsewhere/file", Old},
-                      {"elsewhere/folder/", Old},
-                      {"link@elsewhere/folder", Old},
-                      {"canary", Old}});
+    MakeFolder(At("elsewhere"));
+    MakeFile(At("elsewhere/file"));
+    MakeFolder(At("elsewhere/folder"));
+    MakeLink(At("link"), "elsewhere/folder");
+    MakeFile(At("canary"));
+    SetAgeOfEntries(Root(), Old);
     RemoveDir(PathAt("link/.."), 1, false);
     QVERIFY(QFile::exists(PathAt("canary")));
     QVERIFY(!QFile::exists(PathAt("elsewhere/file")));
 }
 
-void FileUtilsRemovalTest::pathThatIsNoFolderIsLeftAlone_data()
+void FileUtilsRemovalTest::ignoresAPathThatIsNotAFolder_data()
 {
     QTest::addColumn<QByteArray>("path");
     for (char const* const path : {"missing", "missing/", "missing/below", "file", "file/", "file/below", "pipe",
@@ -444,23 +497,24 @@ void FileUtilsRemovalTest::pathThatIsNoFolderIsLeftAlone_data()
     QTest::newRow("path that is too long") << QByteArray("folder/").repeated(1000);
 }
 
-void FileUtilsRemovalTest::pathThatIsNoFolderIsLeftAlone()
+void FileUtilsRemovalTest::ignoresAPathThatIsNotAFolder()
 {
     QFETCH(QByteArray, path);
-    MakeTree(Root(), {{"folder/", Old},
-                      {"file", Old},
-                      {"pipe|", Old},
-                      {"dangling@missing", Old},
-                      {"loop@loop", Old},
-                      {"link-to-file@file", Old}});
-    QByteArrayList const before = TreeOf(Root());
+    MakeFolder(At("folder"));
+    MakeFile(At("file"));
+    MakePipe(At("pipe"));
+    MakeLink(At("dangling"), "missing");
+    MakeLink(At("loop"), "loop");
+    MakeLink(At("link-to-file"), "file");
+    SetAgeOfEntries(Root(), Old);
+    QByteArrayList const before = ListTree(Root());
 
     RemoveDir(PathAt(path), 0, true);
 
-    QCOMPARE(TreeOf(Root()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void FileUtilsRemovalTest::emptyPathIsNotTheCurrentFolder_data()
+void FileUtilsRemovalTest::ignoresAnEmptyPath_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<bool>("removeFolderItself");
@@ -470,34 +524,39 @@ void FileUtilsRemovalTest::emptyPathIsNotTheCurrentFolder_data()
     }
 }
 
-void FileUtilsRemovalTest::emptyPathIsNotTheCurrentFolder()
+void FileUtilsRemovalTest::ignoresAnEmptyPath()
 {
     QFETCH(QString, path);
     QFETCH(bool, removeFolderItself);
-    MakeTree(Root(), {{"current/", Old}, {"current/file", Old}, {"current/empty/", Old}});
-    QByteArrayList const before = TreeOf(Root());
-    AtFolder const here(At("current"));
+    MakeFolder(At("current"));
+    MakeFile(At("current/file"));
+    MakeFolder(At("current/empty"));
+    SetAgeOfEntries(Root(), Old);
+    QByteArrayList const before = ListTree(Root());
+    WorkingFolder const current(At("current"));
 
     RemoveDir(path, 0, removeFolderItself);
 
-    QCOMPARE(TreeOf(Root()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void FileUtilsRemovalTest::pathWithNulIsNotCutShort()
+void FileUtilsRemovalTest::doesNotTruncateAPathAtANulCharacter()
 {
-    MakeTree(Root(), {{"folder/", Old}, {"folder/file", Old}});
-    QByteArrayList const before = TreeOf(Root());
-    // Qt may complain of such a name, as often as it likes.
+    MakeFolder(At("folder"));
+    MakeFile(At("folder/file"));
+    SetAgeOfEntries(Root(), Old);
+    QByteArrayList const before = ListTree(Root());
+    // Qt may warn about such a name, once or several times.
     QtMessageHandler const handler =
         qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) {});
     for (QString const& tail : {QString(QChar::Null), QChar::Null + QStringLiteral("tail")}) {
         RemoveDir(PathAt("folder") + tail, 0, true);
     }
     qInstallMessageHandler(handler);
-    QCOMPARE(TreeOf(Root()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void FileUtilsRemovalTest::anyWritingOfThePathWorks_data()
+void FileUtilsRemovalTest::acceptsEquivalentPaths_data()
 {
     QTest::addColumn<QByteArray>("path");
     for (char const* const path :
@@ -507,26 +566,33 @@ void FileUtilsRemovalTest::anyWritingOfThePathWorks_data()
     }
 }
 
-void FileUtilsRemovalTest::anyWritingOfThePathWorks()
+void FileUtilsRemovalTest::acceptsEquivalentPaths()
 {
     QFETCH(QByteArray, path);
-    MakeTree(Root(), {{"beside/", Old}, {"beside/file", Old}, {"link-to-top@.", Old}});
-    QByteArrayList const beside = TreeOf(Root());
-    AtFolder const here(Root());
+    MakeFolder(At("beside"));
+    MakeFile(At("beside/file"));
+    MakeLink(At("link-to-top"), ".");
+    SetAgeOfEntries(Root(), Old);
+    QByteArrayList const beside = ListTree(Root());
+    WorkingFolder const current(Root());
     for (QString const& written : {PathAt(path), QString::fromLatin1(path)}) {
-        MakeTree(Root(), {{"folder/", Old}, {"folder/file", Old}, {"folder/below/", Old}, {"folder/below/file", Old}});
+        MakeFolder(At("folder"));
+        MakeFile(At("folder/file"));
+        MakeFolder(At("folder/below"));
+        MakeFile(At("folder/below/file"));
+        SetAgeOfEntries(Root(), Old);
         RemoveDir(written, 1, false);
-        QCOMPARE(TreeOf(At("folder")), QByteArrayList());
+        QCOMPARE(ListTree(At("folder")), QByteArrayList());
         RemoveDir(written, 1, true);
-        QCOMPARE(TreeOf(Root()), beside);
+        QCOMPARE(ListTree(Root()), beside);
     }
 }
 
-void FileUtilsRemovalTest::anyNameIsRemoved()
+void FileUtilsRemovalTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
-    // What is no UTF-8 cannot be named by a QString, but stand in the folder.
+    // A QString cannot contain a name that is not valid UTF-8, but the folder can contain such entries.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
     MakeFolder(folder);
@@ -540,69 +606,56 @@ void FileUtilsRemovalTest::anyNameIsRemoved()
 
     RemoveDir(PathAt(encoded), 0, true);
 
-    QCOMPARE(TreeOf(Root()), QByteArrayList{"canary"});
+    QCOMPARE(ListTree(Root()), QByteArrayList{"canary"});
 }
 
-void FileUtilsRemovalTest::whatCannotBeRemovedStopsNothing_data()
+void FileUtilsRemovalTest::continuesAfterAnEntryThatCannotBeRemoved_data()
 {
-    QTest::addColumn<std::vector<Entry>>("entries");
-    QTest::addColumn<QByteArray>("closed");
+    QTest::addColumn<std::string>("closed"); // the entry that gets the mode
     QTest::addColumn<uint>("mode");
     QTest::addColumn<QByteArrayList>("left");
-    using Entries = std::vector<Entry>;
-    Entries const around = {{"a/", Old},    {"a/1", Old}, {"b/", Old},  {"b/2", Old}, {"b/c/", Old},
-                            {"b/c/3", Old}, {"d/", Old},  {"d/4", Old}, {"5", Old}};
-    auto const with = [&](Entries const& more) {
-        Entries all = around;
-        all.insert(all.end(), more.begin(), more.end());
-        return all;
+    auto const row = [](char const* title, std::string const& closed, uint mode, QByteArrayList const& left) {
+        QTest::newRow(title) << closed << mode << left;
     };
-    QTest::newRow("read-only folder") << around << QByteArray("b") << 0555U << QByteArrayList{"b", "b/2", "b/c"};
-    QTest::newRow("read-only folder far below")
-        << around << QByteArray("b/c") << 0555U << QByteArrayList{"b", "b/c", "b/c/3"};
-    QTest::newRow("unreadable folder") << around << QByteArray("b") << 0300U
-                                       << QByteArrayList{"b", "b/2", "b/c", "b/c/3"};
-    QTest::newRow("folder that cannot be entered")
-        << around << QByteArray("b") << 0600U << QByteArrayList{"b", "b/2", "b/c", "b/c/3"};
-    QTest::newRow("closed folder") << around << QByteArray("b") << 0000U << QByteArrayList{"b", "b/2", "b/c", "b/c/3"};
-    QTest::newRow("empty folder that is closed") << with({{"e/", Old}}) << QByteArray("e") << 0000U << QByteArrayList();
-    QTest::newRow("read-only file") << around << QByteArray("b/2") << 0000U << QByteArrayList();
-    QTest::newRow("start that is read-only")
-        << around << QByteArray(".") << 0555U << QByteArrayList{"5", "a", "b", "d"};
-    QTest::newRow("start that cannot be read")
-        << around << QByteArray(".") << 0300U
-        << QByteArrayList{"5", "a", "a/1", "b", "b/2", "b/c", "b/c/3", "d", "d/4"};
+    row("read-only folder", "b", 0555, {"b", "b/2", "b/c"});
+    row("read-only folder far below", "b/c", 0555, {"b", "b/c", "b/c/3"});
+    row("unreadable folder", "b", 0300, {"b", "b/2", "b/c", "b/c/3"});
+    row("folder without search permission", "b", 0600, {"b", "b/2", "b/c", "b/c/3"});
+    row("folder without permissions", "b", 0000, {"b", "b/2", "b/c", "b/c/3"});
+    row("empty folder without permissions", "e", 0000, {});
+    row("file without permissions", "b/2", 0000, {});
+    row("read-only start folder", ".", 0555, {"5", "a", "b", "d", "e"});
+    row("unreadable start folder", ".", 0300, {"5", "a", "a/1", "b", "b/2", "b/c", "b/c/3", "d", "d/4", "e"});
 }
 
-void FileUtilsRemovalTest::whatCannotBeRemovedStopsNothing()
+void FileUtilsRemovalTest::continuesAfterAnEntryThatCannotBeRemoved()
 {
-    QFETCH(std::vector<Entry>, entries);
-    QFETCH(QByteArray, closed);
+    QFETCH(std::string, closed);
     QFETCH(uint, mode);
     QFETCH(QByteArrayList, left);
-    MakeFolder(At("start"), 0777);
-    Check(chmod(Root().c_str(), 0777));
+    Chmod(Root(), 0777);
 
     RunAsOrdinaryUser([&] {
-        MakeTree(At("start"), entries);
-        return QByteArray();
-    });
-    // It belongs to whom the entries in it belong to.
-    struct stat status;
-    Check(stat(At("start/a").c_str(), &status));
-    Check(chown(At("start").c_str(), status.st_uid, status.st_gid));
-    Check(chmod(At("start/" + closed.toStdString()).c_str(), mode));
-    Date(At("start/" + closed.toStdString()), Now() - Old);
-
-    RunAsOrdinaryUser([&] {
+        MakeFolder(At("start"));
+        MakeFolder(At("start/a"));
+        MakeFile(At("start/a/1"));
+        MakeFolder(At("start/b"));
+        MakeFile(At("start/b/2"));
+        MakeFolder(At("start/b/c"));
+        MakeFile(At("start/b/c/3"));
+        MakeFolder(At("start/d"));
+        MakeFile(At("start/d/4"));
+        MakeFolder(At("start/e"));
+        MakeFile(At("start/5"));
+        SetAgeOfEntries(Root(), Old);
+        Chmod(At("start/" + closed), mode);
         RemoveDir(PathAt("start"), 1, false);
-        return QByteArray();
     });
 
-    QCOMPARE(TreeOf(At("start")), left);
+    QCOMPARE(ListTree(At("start")), left);
 }
 
-void FileUtilsRemovalTest::manyEntriesAreAllRemoved()
+void FileUtilsRemovalTest::removesThousandsOfEntries()
 {
     for (int i = 0; i < 5000; ++i) {
         MakeFile(At(std::to_string(i)));
@@ -615,11 +668,11 @@ void FileUtilsRemovalTest::manyEntriesAreAllRemoved()
 
     RemoveDir(PathAt(""), 0, false);
 
-    QCOMPARE(TreeOf(Root()), QByteArrayList());
+    QCOMPARE(ListTree(Root()), QByteArrayList());
 }
 
-/// Folders in each other, each with an old file before and an old folder with such a file behind the next one by name.
-/// The path of the last is longer than the system takes. A new file may lie in the last.
+/// Creates nested folders. Each contains an old file "a", the next folder, and an old folder "z" with an old file, in
+/// this order of names. The path of the last folder is longer than the system accepts. It contains a file "last".
 void FileUtilsRemovalTest::MakeDeepTree(std::string const& path, int levels, bool withNewFile) const
 {
     Milliseconds const old = Now() - Old;
@@ -630,65 +683,68 @@ void FileUtilsRemovalTest::MakeDeepTree(std::string const& path, int levels, boo
         MakeFileAt(folder, "a");
         Check(mkdirat(folder, "z", 0755));
         MakeFileAt(folder, "z/file");
-        Date(folder, "a", old);
-        Date(folder, "z/file", old);
-        Date(folder, "z", old);
+        SetTimeAt(folder, "a", old);
+        SetTimeAt(folder, "z/file", old);
+        SetTimeAt(folder, "z", old);
         Check(mkdirat(folder, next.c_str(), 0755));
         Descriptor const below(openat(folder, next.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        Date(folder, ".", old);
-        folder.Become(fcntl(below, F_DUPFD_CLOEXEC, 0));
+        SetTimeAt(folder, ".", old);
+        folder.Reset(fcntl(below, F_DUPFD_CLOEXEC, 0));
     }
     MakeFileAt(folder, "last");
     if (!withNewFile) {
-        Date(folder, "last", old);
+        SetTimeAt(folder, "last", old);
     }
-    Date(folder, ".", old);
+    SetTimeAt(folder, ".", old);
 }
 
-void FileUtilsRemovalTest::treeDeeperThanAnyPathIsRemovedWithFewDescriptors_data()
+void FileUtilsRemovalTest::removesATreeDeeperThanAnyPathWithFewDescriptors_data()
 {
     QTest::addColumn<bool>("withNewFile");
     QTest::newRow("all old") << false;
     QTest::newRow("new file in the last folder") << true;
 }
 
-void FileUtilsRemovalTest::treeDeeperThanAnyPathIsRemovedWithFewDescriptors()
+void FileUtilsRemovalTest::removesATreeDeeperThanAnyPathWithFewDescriptors()
 {
     QFETCH(bool, withNewFile);
     constexpr int Levels = 1000;
     MakeDeepTree(At("deep"), Levels, withNewFile);
 
-    RunInFork(
-        [] {
-            rlimit const few{24, 24};
-            Check(setrlimit(RLIMIT_NOFILE, &few));
-        },
-        [&] {
-            RemoveDir(PathAt("deep"), 1, true);
-            return QByteArray();
-        });
+    RunInChild([&] {
+        rlimit const few{24, 24};
+        Check(setrlimit(RLIMIT_NOFILE, &few));
+        RemoveDir(PathAt("deep"), 1, true);
+    });
 
     QCOMPARE(Exists(At("deep")), withNewFile);
     if (!withNewFile) {
         return;
     }
-    // Only the way to the new file is left.
+    // Only the folders on the path to the new file are left.
     Descriptor folder(open(At("deep").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     for (int level = 0; level < Levels; ++level) {
         std::vector<std::string> const names = NamesIn(folder, ".");
         QCOMPARE(names.size(), std::size_t{1});
-        folder.Become(openat(folder, names.front().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        folder.Reset(openat(folder, names.front().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
     QCOMPARE(NamesIn(folder, "."), std::vector<std::string>{"last"});
 }
 
-void FileUtilsRemovalTest::descriptorsAndCurrentFolderStayAsTheyWere()
+void FileUtilsRemovalTest::keepsDescriptorsAndCurrentFolder()
 {
-    MakeTree(Root(), {{"a/", Old}, {"a/b/", Old}, {"a/b/1", Old}, {"a/new/", New}, {"a/link@b", Old}, {"file", Old}});
+    MakeFolder(At("a"));
+    MakeFolder(At("a/b"));
+    MakeFile(At("a/b/1"));
+    MakeFolder(At("a/new"));
+    MakeLink(At("a/link"), "b");
+    MakeFile(At("file"));
+    SetAgeOfEntries(Root(), Old);
+    SetAge(At("a/new"), New);
     MakeDeepTree(At("deep"), 100, true);
-    AtFolder const here(At("a/new"));
+    WorkingFolder const current(At("a/new"));
     QByteArray const folder = CurrentFolder();
-    int const descriptors = OpenDescriptors();
+    int const descriptors = CountOpenDescriptors();
 
     for (char const* const path : {"deep", "a/link", "missing", "file", "a", ""}) {
         RemoveDir(PathAt(path), 1, false);
@@ -696,7 +752,7 @@ void FileUtilsRemovalTest::descriptorsAndCurrentFolderStayAsTheyWere()
         CanCreateFileIn(PathAt(path));
     }
 
-    QCOMPARE(OpenDescriptors(), descriptors);
+    QCOMPARE(CountOpenDescriptors(), descriptors);
     QCOMPARE(CurrentFolder(), folder);
 }
 

@@ -1,7 +1,7 @@
 #include <support/logs/LogCapture.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
-#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/FileUtils.h>
 
@@ -27,65 +27,65 @@ class FileUtilsRemoveFileTest : public Zelkor::Testing::FolderTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void oneEntryIsRemoved_data();
-    void oneEntryIsRemoved();
-    void linkIsRemovedAndNotItsTarget_data();
-    void linkIsRemovedAndNotItsTarget();
-    void hardLinkIsRemovedAndNotTheOtherName();
-    void whatIsMissingIsNotRemoved_data();
-    void whatIsMissingIsNotRemoved();
-    void folderWithContentStaysAsItIs();
-    void linkToAFolderWithASlashRemovesNothing();
-    void pathWithNulRemovesNothing();
-    void withoutPermissionNothingIsRemoved_data();
-    void withoutPermissionNothingIsRemoved();
-    void anyNameIsRemoved_data() { NameRows(); }
-    void anyNameIsRemoved();
+    void removesOneEntry_data();
+    void removesOneEntry();
+    void removesALinkButNotItsTarget_data();
+    void removesALinkButNotItsTarget();
+    void removesOneHardLinkOnly();
+    void returnsFalseForAMissingEntry_data();
+    void returnsFalseForAMissingEntry();
+    void keepsAFolderWithContent();
+    void keepsALinkToAFolderWithASlash();
+    void doesNotTruncateAPathAtANulCharacter();
+    void removesNothingWithoutPermission_data();
+    void removesNothingWithoutPermission();
+    void removesEntriesWithAnyName_data() { NameRows(); }
+    void removesEntriesWithAnyName();
 };
 
-void FileUtilsRemoveFileTest::oneEntryIsRemoved_data()
+void FileUtilsRemoveFileTest::removesOneEntry_data()
 {
     QTest::addColumn<Maker>("make");
     auto const add = [](char const* name, Maker make) { QTest::newRow(name) << make; };
-    add("file", [](std::string const& path) { Write(path, "hello"); });
-    add("empty file", [](std::string const& path) { Write(path, ""); });
-    add("file that cannot be written", [](std::string const& path) {
-        Write(path, "hello");
+    add("file", [](std::string const& path) { WriteFile(path, "hello"); });
+    add("empty file", [](std::string const& path) { WriteFile(path, ""); });
+    add("read-only file", [](std::string const& path) {
+        WriteFile(path, "hello");
         Chmod(path, 0444);
     });
     add("empty folder", [](std::string const& path) { MakeFolder(path); });
     add("dangling link", [](std::string const& path) { MakeLink(path, "nowhere"); });
     add("link to itself", [](std::string const& path) { MakeLink(path, path); });
-    add("pipe", [](std::string const& path) { Check(mkfifo(path.c_str(), 0644)); });
+    add("pipe", [](std::string const& path) { MakePipe(path); });
     add("socket", MakeSocket);
 }
 
-void FileUtilsRemoveFileTest::oneEntryIsRemoved()
+void FileUtilsRemoveFileTest::removesOneEntry()
 {
     QFETCH(Maker, make);
     LogCapture const capture;
-    MakeFile(At("beside"), 1);
-    make(At("it"));
+    MakeFile(At("other"), 1);
+    make(At("entry"));
 
-    QVERIFY(RemoveFile(ioPath(At("it"))));
+    QVERIFY(RemoveFile(ioPath(At("entry"))));
 
-    QVERIFY(!Exists(At("it")));
-    QVERIFY(Exists(At("beside")));
-    QVERIFY(!RemoveFile(ioPath(At("it"))));
+    QVERIFY(!Exists(At("entry")));
+    QVERIFY(Exists(At("other")));
+    QVERIFY(!RemoveFile(ioPath(At("entry"))));
     QCOMPARE(capture.Texts(), QStringList());
 }
 
-void FileUtilsRemoveFileTest::linkIsRemovedAndNotItsTarget_data()
+void FileUtilsRemoveFileTest::removesALinkButNotItsTarget_data()
 {
     QTest::addColumn<QByteArray>("target");
-    QTest::newRow("a file") << QByteArray("target");
-    QTest::newRow("a folder with content") << QByteArray("full");
-    QTest::newRow("an empty folder") << QByteArray("empty");
-    QTest::newRow("a link") << QByteArray("link-to-target");
-    QTest::newRow("a dangling link") << QByteArray("dangling");
+    QTest::newRow("file") << QByteArray("target");
+    QTest::newRow("folder with content") << QByteArray("full");
+    QTest::newRow("empty folder") << QByteArray("empty");
+    QTest::newRow("link") << QByteArray("link-to-target");
+    QTest::newRow("dangling link") << QByteArray("dangling");
 }
 
-void FileUtilsRemoveFileTest::linkIsRemovedAndNotItsTarget()
+void FileUtilsRemoveFileTest::removesALinkButNotItsTarget()
 {
     QFETCH(QByteArray, target);
     LogCapture const capture;
@@ -102,10 +102,10 @@ void FileUtilsRemoveFileTest::linkIsRemovedAndNotItsTarget()
     QCOMPARE(capture.Texts(), QStringList());
 }
 
-void FileUtilsRemoveFileTest::hardLinkIsRemovedAndNotTheOtherName()
+void FileUtilsRemoveFileTest::removesOneHardLinkOnly()
 {
-    Write(At("name"), "hello");
-    Check(link(At("name").c_str(), At("other").c_str()));
+    WriteFile(At("name"), "hello");
+    MakeHardLink(At("other"), At("name"));
 
     QVERIFY(RemoveFile(ioPath(At("name"))));
 
@@ -113,7 +113,7 @@ void FileUtilsRemoveFileTest::hardLinkIsRemovedAndNotTheOtherName()
     QCOMPARE(GetPathSize(ioPath(At("other"))), 5ULL);
 }
 
-void FileUtilsRemoveFileTest::whatIsMissingIsNotRemoved_data()
+void FileUtilsRemoveFileTest::returnsFalseForAMissingEntry_data()
 {
     QTest::addColumn<QByteArray>("path");
     QTest::newRow("missing") << QByteArray("missing");
@@ -125,12 +125,12 @@ void FileUtilsRemoveFileTest::whatIsMissingIsNotRemoved_data()
     QTest::newRow("empty path") << QByteArray();
 }
 
-void FileUtilsRemoveFileTest::whatIsMissingIsNotRemoved()
+void FileUtilsRemoveFileTest::returnsFalseForAMissingEntry()
 {
     QFETCH(QByteArray, path);
     LogCapture const capture;
-    Write(At("file"), "hello");
-    AtFolder const here(At(""));
+    WriteFile(At("file"), "hello");
+    WorkingFolder const current(At(""));
 
     QVERIFY(!RemoveFile(ioPath(path.toStdString())));
 
@@ -138,11 +138,11 @@ void FileUtilsRemoveFileTest::whatIsMissingIsNotRemoved()
     QCOMPARE(capture.Texts(), QStringList());
 }
 
-void FileUtilsRemoveFileTest::folderWithContentStaysAsItIs()
+void FileUtilsRemoveFileTest::keepsAFolderWithContent()
 {
     LogCapture const capture;
     MakeFolder(At("folder"));
-    Write(At("folder/.hidden"), "hello");
+    WriteFile(At("folder/.hidden"), "hello");
     MakeFolder(At("folder/empty"));
 
     QVERIFY(!RemoveFile(ioPath(At("folder"))));
@@ -152,7 +152,7 @@ void FileUtilsRemoveFileTest::folderWithContentStaysAsItIs()
     QCOMPARE(capture.Texts(), QStringList());
 }
 
-void FileUtilsRemoveFileTest::linkToAFolderWithASlashRemovesNothing()
+void FileUtilsRemoveFileTest::keepsALinkToAFolderWithASlash()
 {
     LogCapture const capture;
     MakeFolder(At("empty"));
@@ -165,10 +165,10 @@ void FileUtilsRemoveFileTest::linkToAFolderWithASlashRemovesNothing()
     QCOMPARE(capture.Texts(), QStringList());
 }
 
-void FileUtilsRemoveFileTest::pathWithNulRemovesNothing()
+void FileUtilsRemoveFileTest::doesNotTruncateAPathAtANulCharacter()
 {
     LogCapture const capture;
-    Write(At("file"), "hello");
+    WriteFile(At("file"), "hello");
     MakeFolder(At("empty"));
 
     QVERIFY(!RemoveFile(ioPath(At(std::string("file\0", 5)))));
@@ -180,42 +180,43 @@ void FileUtilsRemoveFileTest::pathWithNulRemovesNothing()
     QCOMPARE(capture.Texts(), QStringList());
 }
 
-void FileUtilsRemoveFileTest::withoutPermissionNothingIsRemoved_data()
+void FileUtilsRemoveFileTest::removesNothingWithoutPermission_data()
 {
     QTest::addColumn<uint>("mode");
-    QTest::newRow("folder cannot be written") << 0555U;
-    QTest::newRow("folder cannot be searched") << 0444U;
-    QTest::newRow("folder is closed") << 0000U;
+    QTest::newRow("no write permission") << 0555U;
+    QTest::newRow("no search permission") << 0444U;
+    QTest::newRow("no permissions") << 0000U;
 }
 
-void FileUtilsRemoveFileTest::withoutPermissionNothingIsRemoved()
+void FileUtilsRemoveFileTest::removesNothingWithoutPermission()
 {
     QFETCH(uint, mode);
     MakeFolder(At("folder"));
-    Write(At("folder/file"), "hello");
+    WriteFile(At("folder/file"), "hello");
     MakeFolder(At("folder/empty"));
     Chmod(At("folder"), mode);
 
-    QByteArray const result = RunAsOrdinaryUser([&] {
+    QVector<int> const result = RunAsOrdinaryUser([&] {
         LogCapture const capture;
-        bool const removed = RemoveFile(ioPath(At("folder/file"))) || RemoveFile(ioPath(At("folder/empty")));
-        return QByteArray::number(removed) + ' ' + QByteArray::number(capture.Lines().size());
+        bool const isFileRemoved = RemoveFile(ioPath(At("folder/file")));
+        bool const isFolderRemoved = RemoveFile(ioPath(At("folder/empty")));
+        return QVector<int>{isFileRemoved, isFolderRemoved, capture.Lines().size()};
     });
 
-    QCOMPARE(result, QByteArray("0 0"));
+    QCOMPARE(result, (QVector<int>{false, false, 0}));
     Chmod(At("folder"), 0755);
     QVERIFY(Exists(At("folder/file")));
     QVERIFY(Exists(At("folder/empty")));
 }
 
-void FileUtilsRemoveFileTest::anyNameIsRemoved()
+void FileUtilsRemoveFileTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     LogCapture const capture;
     std::string const folder = At(name.toStdString());
     std::string const file = folder + '/' + name.toStdString();
     MakeFolder(folder);
-    Write(file, "hello");
+    WriteFile(file, "hello");
 
     QVERIFY(RemoveFile(ioPath(file)));
     QVERIFY(!Exists(file));

@@ -1,8 +1,8 @@
-// GetPathSize() on trees that change meanwhile, and what does not change by it.
+// GetPathSize() on trees that change while it runs, and its effects on the process.
 
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
-#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/Users.h>
 #include <unit/files/MeasuredSize.h>
 
 #include <Util/FileUtils.h>
@@ -31,8 +31,8 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// The sizes of files by their paths, and how much of them remains when some paths are sizeless.
-class Ledger
+/// The expected sizes of files.
+class FileSizes
 {
 public:
     void MakeFile(std::string const& path, off_t size)
@@ -41,7 +41,8 @@ public:
         files_[QByteArray::fromStdString(path)] = static_cast<Bytes>(size);
     }
 
-    Bytes Without(QByteArrayList const& sizeless) const
+    /// Returns the sum of all files that are not among or below the paths \a sizeless.
+    Bytes SumWithout(QByteArrayList const& sizeless) const
     {
         Bytes sum = 0;
         for (auto file = files_.begin(); file != files_.end(); ++file) {
@@ -57,18 +58,19 @@ private:
     QMap<QByteArray, Bytes> files_;
 };
 
-/// A chain of folders, with files and side folders at each level, and a dangling link "trigger" in the last.
-void MakeChain(std::string const& path, int levels, Ledger& ledger)
+/// Creates nested folders "c" with files and side folders at each level. The last folder contains a dangling link
+/// "trigger": GetPathSize() logs it, and the test then changes the tree.
+void MakeChain(std::string const& path, int levels, FileSizes& sizes)
 {
     std::string folder = path;
     for (int level = 0; level < levels; ++level) {
         MakeFolder(folder);
-        ledger.MakeFile(folder + "/file", 1 + level);
-        // On either side of the way down, whatever the order.
+        sizes.MakeFile(folder + "/file", 1 + level);
+        // Several, so that GetPathSize() visits some of them before the next level and some after it.
         for (int i = 0; i < 6; ++i) {
             std::string const side = folder + "/s" + std::to_string(i);
             MakeFolder(side);
-            ledger.MakeFile(side + "/file", off_t{1000} * (1 + level));
+            sizes.MakeFile(side + "/file", off_t{1000} * (1 + level));
         }
         folder += "/c";
     }
@@ -77,6 +79,7 @@ void MakeChain(std::string const& path, int levels, Ledger& ledger)
 
 constexpr int ChainLevels = 60;
 
+/// Returns the path of a folder of the chain, relative to the test's folder.
 std::string Chain(int levels)
 {
     std::string path = "chain";
@@ -93,37 +96,37 @@ class FileUtilsSizeChangesTest : public Zelkor::Testing::FolderTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatVanishesMeanwhileIsSizelessOrCounted_data();
-    void whatVanishesMeanwhileIsSizelessOrCounted();
-    void folderReplacedMeanwhileIsNotFollowed();
-    void treeRearrangedMeanwhileLosesOnlyWhatIsLogged_data();
-    void treeRearrangedMeanwhileLosesOnlyWhatIsLogged();
-    void folderClosedMeanwhileLosesOnlyWhatIsLogged();
+    void countsOrLogsEntriesThatAreRemoved_data();
+    void countsOrLogsEntriesThatAreRemoved();
+    void doesNotFollowALinkThatReplacesAFolder();
+    void logsEachFolderThatIsMoved_data();
+    void logsEachFolderThatIsMoved();
+    void logsAFolderThatLosesItsPermissions();
 
-    void descriptorsAndCurrentFolderStayAsTheyWere();
-    void severalThreadsMeasureSideBySide();
+    void keepsDescriptorsAndCurrentFolder();
+    void runsOnSeveralThreads();
 };
 
-void FileUtilsSizeChangesTest::whatVanishesMeanwhileIsSizelessOrCounted_data()
+void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved_data()
 {
     QTest::addColumn<bool>("folders");
     QTest::newRow("files") << false;
     QTest::newRow("folders") << true;
 }
 
-// Which of two entries is looked at first is the file system's affair: an entry is either counted or logged, once.
-void FileUtilsSizeChangesTest::whatVanishesMeanwhileIsSizelessOrCounted()
+// The file system determines the order of entries. Each entry is either counted or logged, once.
+void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved()
 {
     QFETCH(bool, folders);
     constexpr int Count = 40;
-    Ledger ledger;
+    FileSizes sizes;
     MakeFolder(At("start"));
     for (int i = 0; i < Count; ++i) {
         std::string const victim = At("start/v" + std::to_string(i));
         if (folders) {
             MakeFolder(victim);
         }
-        ledger.MakeFile(folders ? victim + "/file" : victim, 1 << (i % 20));
+        sizes.MakeFile(folders ? victim + "/file" : victim, 1 << (i % 20));
         MakeLink(At("start/t" + std::to_string(i)), "nowhere");
     }
     QByteArray const trigger = QByteArray::fromStdString(At("start/t"));
@@ -135,17 +138,17 @@ void FileUtilsSizeChangesTest::whatVanishesMeanwhileIsSizelessOrCounted()
         }
     });
 
-    QCOMPARE(measured.bytes, ledger.Without(measured.sizeless));
+    QCOMPARE(measured.bytes, sizes.SumWithout(measured.sizeless));
     int triggers = 0;
     for (QByteArray const& path : qAsConst(measured.sizeless)) {
         triggers += path.startsWith(trigger) ? 1 : 0;
         QCOMPARE(measured.sizeless.count(path), 1);
     }
     QCOMPARE(triggers, Count);
-    QVERIFY2(measured.sizeless.size() > Count, "Nothing vanished before it was looked at");
+    QVERIFY2(measured.sizeless.size() > Count, "No entry was removed before it was visited");
 }
 
-void FileUtilsSizeChangesTest::folderReplacedMeanwhileIsNotFollowed()
+void FileUtilsSizeChangesTest::doesNotFollowALinkThatReplacesAFolder()
 {
     MakeFolder(At("start"));
     MakeFolder(At("other"));
@@ -167,29 +170,29 @@ void FileUtilsSizeChangesTest::folderReplacedMeanwhileIsNotFollowed()
     QVERIFY(measured.sizeless.contains(QByteArray::fromStdString(At("start/trigger"))));
 }
 
-void FileUtilsSizeChangesTest::treeRearrangedMeanwhileLosesOnlyWhatIsLogged_data()
+void FileUtilsSizeChangesTest::logsEachFolderThatIsMoved_data()
 {
     QTest::addColumn<Maker>("rearrange");
-    QTest::addColumn<QByteArray>("touched"); // nothing else may be lost
+    QTest::addColumn<QByteArray>("changed"); // only entries below this folder may be missing from the sum
 
-    auto const add = [](char const* name, std::string const& touched, Maker rearrange) {
-        QTest::newRow(name) << rearrange << QByteArray::fromStdString(touched);
+    auto const add = [](char const* name, std::string const& changed, Maker rearrange) {
+        QTest::newRow(name) << rearrange << QByteArray::fromStdString(changed);
     };
-    add("a folder near the start is moved", Chain(1),
+    add("folder near the start moved", Chain(1),
         [](std::string const& root) { boost::filesystem::rename(root + Chain(1), root + "away"); });
-    add("a folder near the end is moved", Chain(55),
+    add("folder near the end moved", Chain(55),
         [](std::string const& root) { boost::filesystem::rename(root + Chain(55), root + "away"); });
-    add("the start is moved", Chain(0),
+    add("start folder moved", Chain(0),
         [](std::string const& root) { boost::filesystem::rename(root + Chain(0), root + "away"); });
-    add("a folder and one above it are moved apart", Chain(2), [](std::string const& root) {
+    add("folder and one of its parents moved apart", Chain(2), [](std::string const& root) {
         boost::filesystem::rename(root + Chain(6), root + "away");
         boost::filesystem::rename(root + Chain(2), root + "far-away");
     });
-    add("the start and a folder of it are moved apart", Chain(0), [](std::string const& root) {
+    add("start folder and a folder below it moved apart", Chain(0), [](std::string const& root) {
         boost::filesystem::rename(root + Chain(3), root + "away");
         boost::filesystem::rename(root + Chain(0), root + "far-away");
     });
-    add("two folders are moved, and others stand in their places", Chain(4), [](std::string const& root) {
+    add("two folders moved and replaced", Chain(4), [](std::string const& root) {
         boost::filesystem::rename(root + Chain(9), root + "away");
         boost::filesystem::rename(root + Chain(4), root + "far-away");
         for (int level = 4; level <= 9; ++level) {
@@ -199,22 +202,22 @@ void FileUtilsSizeChangesTest::treeRearrangedMeanwhileLosesOnlyWhatIsLogged_data
             MakeFile(root + Chain(level) + "/s5/decoy", 1 << 30);
         }
     });
-    add("a folder is moved, and a link to it stands in its place", Chain(4), [](std::string const& root) {
+    add("folder moved and replaced with a link", Chain(4), [](std::string const& root) {
         boost::filesystem::rename(root + Chain(9), root + "away");
         boost::filesystem::rename(root + Chain(4), root + "far-away");
         MakeLink(root + Chain(4), root + "far-away");
     });
-    add("a folder is removed with all that is in it", Chain(20),
+    add("folder removed with its content", Chain(20),
         [](std::string const& root) { boost::filesystem::remove_all(root + Chain(20)); });
 }
 
-void FileUtilsSizeChangesTest::treeRearrangedMeanwhileLosesOnlyWhatIsLogged()
+void FileUtilsSizeChangesTest::logsEachFolderThatIsMoved()
 {
     QFETCH(Maker, rearrange);
-    QFETCH(QByteArray, touched);
-    Ledger ledger;
-    MakeChain(At(Chain(0)), ChainLevels, ledger);
-    int const descriptorsBefore = OpenDescriptors();
+    QFETCH(QByteArray, changed);
+    FileSizes sizes;
+    MakeChain(At(Chain(0)), ChainLevels, sizes);
+    int const descriptorsBefore = CountOpenDescriptors();
     bool rearranged = false;
 
     Measured measured = Measure(At(Chain(0)), [&](QByteArray const& path) {
@@ -225,23 +228,23 @@ void FileUtilsSizeChangesTest::treeRearrangedMeanwhileLosesOnlyWhatIsLogged()
     });
 
     QVERIFY(rearranged);
-    QCOMPARE(measured.bytes, ledger.Without(measured.sizeless));
-    QByteArray const lost = QByteArray::fromStdString(At(touched.toStdString()));
+    QCOMPARE(measured.bytes, sizes.SumWithout(measured.sizeless));
+    QByteArray const lost = QByteArray::fromStdString(At(changed.toStdString()));
     for (QByteArray const& path : qAsConst(measured.sizeless)) {
         QVERIFY2(path == lost || path.startsWith(lost + '/'), path.constData());
         QCOMPARE(measured.sizeless.count(path), 1);
     }
-    QCOMPARE(OpenDescriptors(), descriptorsBefore);
+    QCOMPARE(CountOpenDescriptors(), descriptorsBefore);
 }
 
-void FileUtilsSizeChangesTest::folderClosedMeanwhileLosesOnlyWhatIsLogged()
+void FileUtilsSizeChangesTest::logsAFolderThatLosesItsPermissions()
 {
-    Ledger ledger;
-    MakeChain(At(Chain(0)), ChainLevels, ledger);
-    // Only the owner may close it.
+    FileSizes sizes;
+    MakeChain(At(Chain(0)), ChainLevels, sizes);
+    // Only the owner may change the permissions.
     if (geteuid() == 0) {
         for (int level = 0; level < ChainLevels; ++level) {
-            Check(chown(At(Chain(level)).c_str(), Nobody, Nobody));
+            SetOwner(At(Chain(level)), Nobody, Nobody);
         }
     }
 
@@ -251,7 +254,7 @@ void FileUtilsSizeChangesTest::folderClosedMeanwhileLosesOnlyWhatIsLogged()
         }
     });
 
-    QCOMPARE(measured.bytes, ledger.Without(measured.sizeless));
+    QCOMPARE(measured.bytes, sizes.SumWithout(measured.sizeless));
     QByteArray const closed = QByteArray::fromStdString(At(Chain(10)));
     for (QByteArray const& path : measured.sizeless) {
         QVERIFY2(path == closed || path.startsWith(closed + '/'), path.constData());
@@ -261,39 +264,40 @@ void FileUtilsSizeChangesTest::folderClosedMeanwhileLosesOnlyWhatIsLogged()
     QCOMPARE(status.st_mode & 0777U, 0U);
 }
 
-void FileUtilsSizeChangesTest::descriptorsAndCurrentFolderStayAsTheyWere()
+void FileUtilsSizeChangesTest::keepsDescriptorsAndCurrentFolder()
 {
-    Ledger ledger;
-    MakeChain(At(Chain(0)), ChainLevels, ledger);
+    FileSizes sizes;
+    MakeChain(At(Chain(0)), ChainLevels, sizes);
     MakeTargets();
     Measure(At("missing"));
     QByteArray const currentBefore = CurrentFolder();
-    int const descriptorsBefore = OpenDescriptors();
+    int const descriptorsBefore = CountOpenDescriptors();
 
     for (char const* const name : {"", "target", "full", "pipe", "dangling", "link-to-full", "missing"}) {
         Measure(At(name));
-        QCOMPARE(OpenDescriptors(), descriptorsBefore);
+        QCOMPARE(CountOpenDescriptors(), descriptorsBefore);
     }
 
     QCOMPARE(CurrentFolder(), currentBefore);
 }
 
-void FileUtilsSizeChangesTest::severalThreadsMeasureSideBySide()
+void FileUtilsSizeChangesTest::runsOnSeveralThreads()
 {
-    Ledger ledger;
-    MakeChain(At(Chain(0)), ChainLevels, ledger);
+    FileSizes sizes;
+    MakeChain(At(Chain(0)), ChainLevels, sizes);
     boost::filesystem::remove(At(Chain(ChainLevels - 1)) + "/trigger");
-    std::atomic<int> right{0};
+    std::atomic<int> correctResults{0};
     std::vector<std::thread> threads;
     threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] { right += GetPathSize(ioPath(At(Chain(0)))) == ledger.Without({}) ? 1 : 0; });
+        threads.emplace_back(
+            [&] { correctResults += GetPathSize(ioPath(At(Chain(0)))) == sizes.SumWithout({}) ? 1 : 0; });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
 
-    QCOMPARE(right.load(), 4);
+    QCOMPARE(correctResults.load(), 4);
 }
 
 ZQTUTIL_TEST_MAIN(FileUtilsSizeChangesTest)

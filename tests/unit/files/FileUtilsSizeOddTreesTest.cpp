@@ -1,8 +1,10 @@
-// GetPathSize() on trees that are closed, broken, deep or anyhow, and with next to nothing left to open them with.
+// GetPathSize() on trees without permissions, with read errors, of great depth or with random entries, and with few
+// file descriptors.
 
-#include <support/overrides/NextFunction.h>
+#include <support/overrides/FolderReading.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
+#include <support/sandbox/Users.h>
 #include <unit/files/MeasuredSize.h>
 
 #include <QtCore/QByteArray>
@@ -12,7 +14,6 @@
 #include <boost/filesystem.hpp>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <random>
@@ -20,7 +21,6 @@
 #include <utility>
 #include <vector>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -31,38 +31,7 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-// What a file system may answer and a test cannot ask the real one for. While armed, every folder is read that way.
-struct ReadingFaults
-{
-    std::atomic<bool> tellsNoKinds{false};
-    std::atomic<ino_t> brokenFolder{0}; // reading it fails after its last entry
-    std::atomic<int> hits{0};
-};
-
-ReadingFaults& Faults()
-{
-    static ReadingFaults faults;
-    return faults;
-}
-
-struct DisarmFaults
-{
-    ~DisarmFaults()
-    {
-        Faults().tellsNoKinds = false;
-        Faults().brokenFolder = 0;
-        Faults().hits = 0;
-    }
-};
-
-ino_t InodeOf(std::string const& path)
-{
-    struct stat status;
-    Check(stat(path.c_str(), &status));
-    return status.st_ino;
-}
-
-/// Leaves the process so many descriptors to open.
+/// Opens descriptors until the process can open only \a count more. The destructor closes them.
 class FewDescriptors
 {
 public:
@@ -73,36 +42,36 @@ public:
         limit.rlim_cur = 64;
         Check(setrlimit(RLIMIT_NOFILE, &limit));
         for (int descriptor = dup(2); descriptor >= 0; descriptor = dup(2)) {
-            taken_.push_back(descriptor);
+            opened_.push_back(descriptor);
         }
-        if (errno != EMFILE || taken_.size() < count) {
+        if (errno != EMFILE || opened_.size() < count) {
             qFatal("Too many descriptors are open already");
         }
         for (; count > 0; --count) {
-            close(taken_.back());
-            taken_.pop_back();
+            close(opened_.back());
+            opened_.pop_back();
         }
     }
-    ~FewDescriptors() { std::for_each(taken_.begin(), taken_.end(), close); }
+    ~FewDescriptors() { std::for_each(opened_.begin(), opened_.end(), close); }
     FewDescriptors(FewDescriptors const&) = delete;
     FewDescriptors& operator=(FewDescriptors const&) = delete;
 
 private:
-    std::vector<int> taken_;
+    std::vector<int> opened_;
 };
 
-/// Measures in a child process that has so many descriptors left to open.
+/// Calls Measure() in a child process that can open only \a count descriptors.
 Measured MeasureWithDescriptors(std::size_t count, std::string const& path)
 {
-    return MeasuredByOrdinaryUser([&] {
-        // What is loaded late needs descriptors too, and so do the sanitizers afterwards.
+    return RunAsOrdinaryUser([&] {
+        // The first call may load libraries, which needs descriptors too.
         Measure(path + "/nothing");
         FewDescriptors const few(count);
         return Measure(path);
     });
 }
 
-/// The rule as it reads, with paths, recursion and Boost.Filesystem alone.
+/// A simple reference implementation with recursion and Boost.Filesystem.
 Bytes ReferenceSize(boost::filesystem::path const& path, QByteArrayList& sizeless)
 {
     namespace fs = boost::filesystem;
@@ -136,24 +105,24 @@ Measured MeasureByReference(std::string const& path)
     return measured;
 }
 
-/// A tree with everything in it that an ordinary user can make, the same for the same seed.
+/// Creates a tree with random entries of all kinds that an ordinary user can create. Equal seeds give equal trees.
 class RandomTree
 {
 public:
-    RandomTree(unsigned seed, bool withClosedFolders)
+    RandomTree(unsigned seed, bool withRestrictedFolders)
         : random_(seed)
-        , withClosedFolders_(withClosedFolders)
+        , withRestrictedFolders_(withRestrictedFolders)
     {}
 
     void Make(std::string const& path, int levels)
     {
         MakeFolder(path);
         std::string const first = path + "/0";
-        Write(first, std::string(Pick(100) + 1, 'x'));
+        WriteFile(first, std::string(Pick(100) + 1, 'x'));
         for (unsigned i = 1, count = Pick(9); i <= count; ++i) {
             MakeEntry(path + '/' + std::to_string(i), first, levels);
         }
-        if (withClosedFolders_ && Pick(3) == 0) {
+        if (withRestrictedFolders_ && Pick(3) == 0) {
             constexpr mode_t Modes[] = {0700, 0000, 0744, 0711, 0755};
             Chmod(path, Modes[Pick(5)]);
         }
@@ -170,7 +139,7 @@ private:
         case 1:
             return MakeFile(path, 0);
         case 2:
-            return static_cast<void>(Check(link(file.c_str(), path.c_str())));
+            return MakeHardLink(path, file);
         case 3:
             return MakeLink(path, "0");
         case 4:
@@ -180,19 +149,20 @@ private:
         case 6:
             return MakeLink(path, path);
         case 7:
-            return static_cast<void>(Check(mkfifo(path.c_str(), 0644)));
+            return MakePipe(path);
         case 8:
-            return Write(path, std::string(Pick(5000), 'y'));
+            return WriteFile(path, std::string(Pick(5000), 'y'));
         default:
             return Make(path, levels - 1);
         }
     }
 
     std::mt19937 random_;
-    bool withClosedFolders_;
+    bool withRestrictedFolders_;
 };
 
-/// Folders "d" in each other, with so many files of one byte and side folders "s0"... with such a file at each level.
+/// Creates nested folders "d". Each level contains \a files files of one byte, and \a sideFolders folders "s0", "s1"
+/// and so on with such a file. The last level contains a dangling link.
 void MakeDeepTree(std::string const& path, int levels, int files, int sideFolders)
 {
     MakeFolder(path);
@@ -214,68 +184,46 @@ void MakeDeepTree(std::string const& path, int levels, int files, int sideFolder
     close(folder);
 }
 
-bool IsBroken(DIR* stream)
-{
-    struct stat status;
-    return Faults().brokenFolder != 0 && fstat(dirfd(stream), &status) == 0 && status.st_ino == Faults().brokenFolder;
-}
-
 } // namespace
-
-/// Stands before the C library's own: the library under test calls this one.
-extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
-{
-    static auto const next = NextFunction<dirent* (*)(DIR*)>("readdir");
-    dirent* const entry = next(stream);
-    if (entry && Faults().tellsNoKinds) {
-        ++Faults().hits;
-        entry->d_type = DT_UNKNOWN;
-    }
-    if (!entry && IsBroken(stream)) {
-        ++Faults().hits;
-        errno = EIO;
-    }
-    return entry;
-}
 
 class FileUtilsSizeOddTreesTest : public Zelkor::Testing::FolderTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void folderClosedToUsIsSizelessAsAWhole_data();
-    void folderClosedToUsIsSizelessAsAWhole();
-    void entriesOfAFolderWithoutSearchPermissionAreSizelessEach();
-    void pathBelowAClosedFolderIsSizeless();
-    void fileThatCannotBeReadHasASize();
+    void logsAFolderWithoutReadPermissionOnce_data();
+    void logsAFolderWithoutReadPermissionOnce();
+    void logsEachEntryOfAFolderWithoutSearchPermission();
+    void logsAPathInAFolderWithoutPermissions();
+    void measuresAFileWithoutReadPermission();
 
-    void folderWhoseReadingFailsLosesItsSum();
-    void startWhoseReadingFailsIsSizeless();
-    void fileSystemThatTellsNoKindsIsMeasuredAlike();
+    void ignoresAFolderWithAReadError();
+    void logsAStartFolderWithAReadError();
+    void measuresAFileSystemWithoutEntryTypes();
 
-    void treeDeeperThanAnyPathIsMeasured();
-    void deepTreeIsMeasuredWithFewDescriptors();
-    void folderIsSizelessWithoutAnyDescriptor();
-    void fileNeedsNoDescriptor();
+    void measuresATreeDeeperThanAnyPath();
+    void measuresADeepTreeWithFewDescriptors();
+    void logsAFolderWithoutADescriptor();
+    void measuresAFileWithoutADescriptor();
 
-    void agreesWithTheRuleOnAnyTree_data() { SeedRows(); }
-    void agreesWithTheRuleOnAnyTree();
-    void agreesWithTheRuleOnAnyTreeWithClosedFolders_data() { SeedRows(); }
-    void agreesWithTheRuleOnAnyTreeWithClosedFolders();
+    void agreesWithTheReferenceOnRandomTrees_data() { SeedRows(); }
+    void agreesWithTheReferenceOnRandomTrees();
+    void agreesWithTheReferenceOnTreesWithRestrictedFolders_data() { SeedRows(); }
+    void agreesWithTheReferenceOnTreesWithRestrictedFolders();
 
 private:
     static void SeedRows();
 };
 
-void FileUtilsSizeOddTreesTest::folderClosedToUsIsSizelessAsAWhole_data()
+void FileUtilsSizeOddTreesTest::logsAFolderWithoutReadPermissionOnce_data()
 {
     QTest::addColumn<uint>("mode");
-    QTest::newRow("nothing is allowed") << 0000U;
-    QTest::newRow("only search is allowed") << 0111U;
-    QTest::newRow("only writing is allowed") << 0222U;
+    QTest::newRow("no permissions") << 0000U;
+    QTest::newRow("search permission only") << 0111U;
+    QTest::newRow("write permission only") << 0222U;
 }
 
-void FileUtilsSizeOddTreesTest::folderClosedToUsIsSizelessAsAWhole()
+void FileUtilsSizeOddTreesTest::logsAFolderWithoutReadPermissionOnce()
 {
     QFETCH(uint, mode);
     MakeFolder(At("start"));
@@ -295,7 +243,7 @@ void FileUtilsSizeOddTreesTest::folderClosedToUsIsSizelessAsAWhole()
     QCOMPARE(start.sizeless, QByteArrayList{QByteArray::fromStdString(At("start/closed"))});
 }
 
-void FileUtilsSizeOddTreesTest::entriesOfAFolderWithoutSearchPermissionAreSizelessEach()
+void FileUtilsSizeOddTreesTest::logsEachEntryOfAFolderWithoutSearchPermission()
 {
     MakeFolder(At("start"));
     MakeFile(At("start/file"), 5);
@@ -314,7 +262,7 @@ void FileUtilsSizeOddTreesTest::entriesOfAFolderWithoutSearchPermissionAreSizele
                                                 QByteArray::fromStdString(At("start/list/link"))}));
 }
 
-void FileUtilsSizeOddTreesTest::pathBelowAClosedFolderIsSizeless()
+void FileUtilsSizeOddTreesTest::logsAPathInAFolderWithoutPermissions()
 {
     MakeFolder(At("closed"));
     MakeFile(At("closed/file"), 5);
@@ -326,7 +274,7 @@ void FileUtilsSizeOddTreesTest::pathBelowAClosedFolderIsSizeless()
     QCOMPARE(measured.sizeless, QByteArrayList{QByteArray::fromStdString(At("closed/file"))});
 }
 
-void FileUtilsSizeOddTreesTest::fileThatCannotBeReadHasASize()
+void FileUtilsSizeOddTreesTest::measuresAFileWithoutReadPermission()
 {
     MakeFile(At("file"), 5);
     Chmod(At("file"), 0000);
@@ -337,9 +285,8 @@ void FileUtilsSizeOddTreesTest::fileThatCannotBeReadHasASize()
     QCOMPARE(measured.sizeless, QByteArrayList());
 }
 
-void FileUtilsSizeOddTreesTest::folderWhoseReadingFailsLosesItsSum()
+void FileUtilsSizeOddTreesTest::ignoresAFolderWithAReadError()
 {
-    DisarmFaults const disarm;
     MakeFolder(At("start"));
     MakeFile(At("start/file"), 5);
     MakeFolder(At("start/broken"));
@@ -348,48 +295,46 @@ void FileUtilsSizeOddTreesTest::folderWhoseReadingFailsLosesItsSum()
     MakeFile(At("start/broken/folder/file"), 700);
     MakeFolder(At("start/whole"));
     MakeFile(At("start/whole/file"), 8000);
-    Faults().brokenFolder = InodeOf(At("start/broken"));
+    UnreadableFolder const fault(At("start/broken"));
 
     Measured const measured = Measure(At("start"));
 
-    QVERIFY(Faults().hits > 0);
+    QVERIFY(fault.Count() > 0);
     QCOMPARE(measured.bytes, 8005ULL);
     QCOMPARE(measured.sizeless, QByteArrayList{QByteArray::fromStdString(At("start/broken"))});
 }
 
-void FileUtilsSizeOddTreesTest::startWhoseReadingFailsIsSizeless()
+void FileUtilsSizeOddTreesTest::logsAStartFolderWithAReadError()
 {
-    DisarmFaults const disarm;
     MakeFolder(At("start"));
     MakeFile(At("start/file"), 5);
-    Faults().brokenFolder = InodeOf(At("start"));
+    UnreadableFolder const fault(At("start"));
 
     Measured const measured = Measure(At("start"));
 
-    QVERIFY(Faults().hits > 0);
+    QVERIFY(fault.Count() > 0);
     QCOMPARE(measured.bytes, 0ULL);
     QCOMPARE(measured.sizeless, QByteArrayList{QByteArray::fromStdString(At("start"))});
 }
 
-void FileUtilsSizeOddTreesTest::fileSystemThatTellsNoKindsIsMeasuredAlike()
+void FileUtilsSizeOddTreesTest::measuresAFileSystemWithoutEntryTypes()
 {
-    DisarmFaults const disarm;
     RandomTree(7, false).Make(At("tree"), 5);
     Measured const expected = MeasureByReference(At("tree"));
-    Faults().tellsNoKinds = true;
+    EntriesWithoutTypes const fault;
 
     Measured const measured = Measure(At("tree"));
 
-    QVERIFY(Faults().hits > 0);
+    QVERIFY(fault.Count() > 0);
     QCOMPARE(measured.bytes, expected.bytes);
     QCOMPARE(measured.sizeless, expected.sizeless);
 }
 
-void FileUtilsSizeOddTreesTest::treeDeeperThanAnyPathIsMeasured()
+void FileUtilsSizeOddTreesTest::measuresATreeDeeperThanAnyPath()
 {
     constexpr int Levels = 3000;
     MakeDeepTree(At("deep"), Levels, 1, 0);
-    // Found again on the way back, or not: it is entered before or after.
+    // The order of entries decides whether this folder is visited before or after the deep one.
     MakeFolder(At("deep/side"));
     MakeFile(At("deep/side/file"), 50000);
 
@@ -400,13 +345,13 @@ void FileUtilsSizeOddTreesTest::treeDeeperThanAnyPathIsMeasured()
              QByteArrayList{QByteArray::fromStdString(At("deep")) + QByteArray("/d").repeated(Levels) + "/dangling"});
 }
 
-// One test for all counts: the tree takes long to make.
-void FileUtilsSizeOddTreesTest::deepTreeIsMeasuredWithFewDescriptors()
+// One function for all counts, because creating the tree takes long.
+void FileUtilsSizeOddTreesTest::measuresADeepTreeWithFewDescriptors()
 {
     constexpr int Levels = 1000;
     MakeDeepTree(At("deep"), Levels, 2, 2);
 
-    // A folder and the one below it are the least.
+    // Two is the minimum: a folder and the one below it.
     for (std::size_t const descriptors : {2U, 3U, 4U, 12U}) {
         Measured const measured = MeasureWithDescriptors(descriptors, At("deep"));
         QCOMPARE(measured.bytes, Bytes{4} * Levels);
@@ -415,7 +360,7 @@ void FileUtilsSizeOddTreesTest::deepTreeIsMeasuredWithFewDescriptors()
     }
 }
 
-void FileUtilsSizeOddTreesTest::folderIsSizelessWithoutAnyDescriptor()
+void FileUtilsSizeOddTreesTest::logsAFolderWithoutADescriptor()
 {
     MakeFolder(At("folder"));
     MakeFile(At("folder/file"), 5);
@@ -426,7 +371,7 @@ void FileUtilsSizeOddTreesTest::folderIsSizelessWithoutAnyDescriptor()
     QCOMPARE(measured.sizeless, QByteArrayList{QByteArray::fromStdString(At("folder"))});
 }
 
-void FileUtilsSizeOddTreesTest::fileNeedsNoDescriptor()
+void FileUtilsSizeOddTreesTest::measuresAFileWithoutADescriptor()
 {
     MakeFile(At("file"), 5);
 
@@ -444,7 +389,7 @@ void FileUtilsSizeOddTreesTest::SeedRows()
     }
 }
 
-void FileUtilsSizeOddTreesTest::agreesWithTheRuleOnAnyTree()
+void FileUtilsSizeOddTreesTest::agreesWithTheReferenceOnRandomTrees()
 {
     QFETCH(uint, seed);
     RandomTree(seed, false).Make(At("tree"), 5);
@@ -456,14 +401,14 @@ void FileUtilsSizeOddTreesTest::agreesWithTheRuleOnAnyTree()
     QCOMPARE(measured.sizeless, expected.sizeless);
 }
 
-void FileUtilsSizeOddTreesTest::agreesWithTheRuleOnAnyTreeWithClosedFolders()
+void FileUtilsSizeOddTreesTest::agreesWithTheReferenceOnTreesWithRestrictedFolders()
 {
     QFETCH(uint, seed);
     RandomTree(seed, true).Make(At("tree"), 5);
 
     Measured const measured = MeasureAsOrdinaryUser(At("tree"));
 
-    Measured const expected = MeasuredByOrdinaryUser([&] { return MeasureByReference(At("tree")); });
+    Measured const expected = RunAsOrdinaryUser([&] { return MeasureByReference(At("tree")); });
     QCOMPARE(measured.bytes, expected.bytes);
     QCOMPARE(measured.sizeless, expected.sizeless);
 }

@@ -1,4 +1,4 @@
-// What GetPathSize() counts and what it logs, whatever the names are.
+// The sum and the log messages of GetPathSize() for unchanging trees.
 
 #include <support/logs/LogCapture.h>
 #include <support/sandbox/FolderTestCase.h>
@@ -29,31 +29,31 @@ class FileUtilsSizeTest : public Zelkor::Testing::FolderTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void fileOrOddityIsMeasured_data() { EntryRows(); }
-    void fileOrOddityIsMeasured();
-    void fileOrOddityInAFolderIsMeasured_data() { EntryRows(); }
-    void fileOrOddityInAFolderIsMeasured();
-    void pathToNothingIsSizeless_data();
-    void pathToNothingIsSizeless();
-    void sizelessIsLoggedAsOneErrorOfThisFile();
-    void deviceIsSizeless();
-    void pathWithNulIsSizelessAndNotCutShort_data();
-    void pathWithNulIsSizelessAndNotCutShort();
+    void measuresEntriesOfAllKinds_data() { EntryRows(); }
+    void measuresEntriesOfAllKinds();
+    void measuresEntriesOfAllKindsInAFolder_data() { EntryRows(); }
+    void measuresEntriesOfAllKindsInAFolder();
+    void logsAPathWithoutAnEntry_data();
+    void logsAPathWithoutAnEntry();
+    void logsOneErrorForEachPathWithoutASize();
+    void logsADevice();
+    void doesNotTruncateAPathAtANulCharacter_data();
+    void doesNotTruncateAPathAtANulCharacter();
 
-    void emptyFolderHasNoBytesAndIsNotLogged();
-    void folderIsTheSumOfAllBelowIt();
-    void hiddenFilesCount();
-    void everyNameOfAFileCounts();
-    void sumPassesFourGibibytes();
-    void linkToAFolderIsNotEntered();
-    void linkToAFolderWithASlashIsTheFolder();
+    void returnsZeroForAnEmptyFolder();
+    void addsTheSizesOfAllFilesBelowAFolder();
+    void includesHiddenFiles();
+    void countsEachHardLink();
+    void addsMoreThanFourGibibytes();
+    void doesNotFollowALinkToAFolder();
+    void followsALinkToAFolderWithASlash();
 
-    void anyNameIsMeasured_data() { NameRows(); }
-    void anyNameIsMeasured();
-    void anyNameIsLoggedByteForByte_data() { NameRows(); }
-    void anyNameIsLoggedByteForByte();
-    void loggedPathIsTheStartAndTheNames_data();
-    void loggedPathIsTheStartAndTheNames();
+    void measuresEntriesWithAnyName_data() { NameRows(); }
+    void measuresEntriesWithAnyName();
+    void logsAnyNameByteForByte_data() { NameRows(); }
+    void logsAnyNameByteForByte();
+    void logsTheStartPathAndTheNamesBelowIt_data();
+    void logsTheStartPathAndTheNamesBelowIt();
 
 private:
     static void EntryRows();
@@ -73,24 +73,24 @@ void FileUtilsSizeTest::EntryRows()
     };
     // clang-format off
     Row const withSize[] = {
-        {"file", [](std::string const& path) { Write(path, "hello"); }, 5},
-        {"empty file", [](std::string const& path) { Write(path, ""); }, 0},
-        {"file of one byte", [](std::string const& path) { Write(path, std::string(1, '\0')); }, 1},
-        {"file of holes", [](std::string const& path) { MakeFile(path, 0x7fff'ffff'ffLL); }, 0x7fff'ffff'ffULL},
+        {"file", [](std::string const& path) { WriteFile(path, "hello"); }, 5},
+        {"empty file", [](std::string const& path) { WriteFile(path, ""); }, 0},
+        {"file of one byte", [](std::string const& path) { WriteFile(path, std::string(1, '\0')); }, 1},
+        {"sparse file", [](std::string const& path) { MakeFile(path, 0x7fff'ffff'ffLL); }, 0x7fff'ffff'ffULL},
         {"file of 4 GiB", [](std::string const& path) { MakeFile(path, 0x1'0000'0000LL); }, 0x1'0000'0000ULL},
         {"link to a file", [](std::string const& path) { MakeLink(path, "../target"); }, 321},
         {"link to a link to a file", [](std::string const& path) { MakeLink(path, "../link-to-target"); }, 321},
     };
-    Row const without[] = {
+    Row const sizeless[] = {
         {"dangling link", [](std::string const& path) { MakeLink(path, "nowhere"); }, 0},
         {"link to a dangling link", [](std::string const& path) { MakeLink(path, "../dangling"); }, 0},
         {"link to itself", [](std::string const& path) { MakeLink(path, path); }, 0},
         {"link to a loop of links", [](std::string const& path) { MakeLink(path, "../ring1"); }, 0},
         {"link to a folder", [](std::string const& path) { MakeLink(path, "../full"); }, 0},
         {"link to a link to a folder", [](std::string const& path) { MakeLink(path, "../link-to-full"); }, 0},
-        {"link to the folder above", [](std::string const& path) { MakeLink(path, ".."); }, 0},
+        {"link to the parent folder", [](std::string const& path) { MakeLink(path, ".."); }, 0},
         {"link to a device", [](std::string const& path) { MakeLink(path, "/dev/null"); }, 0},
-        {"pipe", [](std::string const& path) { Check(mkfifo(path.c_str(), 0644)); }, 0},
+        {"pipe", [](std::string const& path) { MakePipe(path); }, 0},
         {"link to a pipe", [](std::string const& path) { MakeLink(path, "../pipe"); }, 0},
         {"socket", MakeSocket, 0},
     };
@@ -98,12 +98,12 @@ void FileUtilsSizeTest::EntryRows()
     for (Row const& row : withSize) {
         QTest::newRow(row.name) << row.make << row.bytes << false;
     }
-    for (Row const& row : without) {
+    for (Row const& row : sizeless) {
         QTest::newRow(row.name) << row.make << row.bytes << true;
     }
 }
 
-void FileUtilsSizeTest::fileOrOddityIsMeasured()
+void FileUtilsSizeTest::measuresEntriesOfAllKinds()
 {
     QFETCH(Maker, make);
     QFETCH(Bytes, bytes);
@@ -119,7 +119,7 @@ void FileUtilsSizeTest::fileOrOddityIsMeasured()
     QCOMPARE(measured.sizeless, sizeless ? QByteArrayList{QByteArray::fromStdString(path)} : QByteArrayList());
 }
 
-void FileUtilsSizeTest::fileOrOddityInAFolderIsMeasured()
+void FileUtilsSizeTest::measuresEntriesOfAllKindsInAFolder()
 {
     QFETCH(Maker, make);
     QFETCH(Bytes, bytes);
@@ -137,7 +137,7 @@ void FileUtilsSizeTest::fileOrOddityInAFolderIsMeasured()
              sizeless ? QByteArrayList{QByteArray::fromStdString(At("around/it"))} : QByteArrayList());
 }
 
-void FileUtilsSizeTest::pathToNothingIsSizeless_data()
+void FileUtilsSizeTest::logsAPathWithoutAnEntry_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::newRow("missing") << QByteArray("missing");
@@ -149,7 +149,7 @@ void FileUtilsSizeTest::pathToNothingIsSizeless_data()
     QTest::newRow("path that is too long") << QByteArray("xx/").repeated(1500);
 }
 
-void FileUtilsSizeTest::pathToNothingIsSizeless()
+void FileUtilsSizeTest::logsAPathWithoutAnEntry()
 {
     QFETCH(QByteArray, name);
     MakeFile(At("file"), 5);
@@ -161,7 +161,7 @@ void FileUtilsSizeTest::pathToNothingIsSizeless()
     QCOMPARE(measured.sizeless, QByteArrayList{QByteArray::fromStdString(path)});
 }
 
-void FileUtilsSizeTest::sizelessIsLoggedAsOneErrorOfThisFile()
+void FileUtilsSizeTest::logsOneErrorForEachPathWithoutASize()
 {
     LogCapture const capture;
 
@@ -179,23 +179,23 @@ void FileUtilsSizeTest::sizelessIsLoggedAsOneErrorOfThisFile()
     QCOMPARE(lines[1].text, QStringLiteral("Erorr get size for: "));
 }
 
-void FileUtilsSizeTest::deviceIsSizeless()
+void FileUtilsSizeTest::logsADevice()
 {
     Measured const measured = Measure("/dev/null");
     QCOMPARE(measured.bytes, 0ULL);
     QCOMPARE(measured.sizeless, QByteArrayList{"/dev/null"});
 }
 
-void FileUtilsSizeTest::pathWithNulIsSizelessAndNotCutShort_data()
+void FileUtilsSizeTest::doesNotTruncateAPathAtANulCharacter_data()
 {
     QTest::addColumn<QByteArray>("tail");
     QTest::newRow("after a file") << QByteArray("file\0", 5);
-    QTest::newRow("between a file and more") << QByteArray("file\0more", 9);
+    QTest::newRow("between a file and further text") << QByteArray("file\0more", 9);
     QTest::newRow("after a folder") << QByteArray("folder\0/file", 12);
-    QTest::newRow("after nothing") << QByteArray("missing\0", 8);
+    QTest::newRow("after a missing name") << QByteArray("missing\0", 8);
 }
 
-void FileUtilsSizeTest::pathWithNulIsSizelessAndNotCutShort()
+void FileUtilsSizeTest::doesNotTruncateAPathAtANulCharacter()
 {
     QFETCH(QByteArray, tail);
     MakeFile(At("file"), 5);
@@ -209,7 +209,7 @@ void FileUtilsSizeTest::pathWithNulIsSizelessAndNotCutShort()
     QCOMPARE(measured.sizeless, QByteArrayList{QByteArray::fromStdString(path)});
 }
 
-void FileUtilsSizeTest::emptyFolderHasNoBytesAndIsNotLogged()
+void FileUtilsSizeTest::returnsZeroForAnEmptyFolder()
 {
     MakeFolder(At("empty"));
     MakeFolder(At("empty/empty"));
@@ -220,7 +220,7 @@ void FileUtilsSizeTest::emptyFolderHasNoBytesAndIsNotLogged()
     }
 }
 
-void FileUtilsSizeTest::folderIsTheSumOfAllBelowIt()
+void FileUtilsSizeTest::addsTheSizesOfAllFilesBelowAFolder()
 {
     MakeFolder(At("a"));
     MakeFile(At("a/1"), 1);
@@ -232,7 +232,7 @@ void FileUtilsSizeTest::folderIsTheSumOfAllBelowIt()
     MakeFile(At("a/b/c/1"), 4000);
     MakeFolder(At("a/d"));
     MakeFile(At("a/d/1"), 50000);
-    MakeFile(At("beside"), 600000);
+    MakeFile(At("other"), 600000);
 
     Measured const measured = Measure(At("a"));
 
@@ -240,7 +240,7 @@ void FileUtilsSizeTest::folderIsTheSumOfAllBelowIt()
     QCOMPARE(measured.sizeless, QByteArrayList());
 }
 
-void FileUtilsSizeTest::hiddenFilesCount()
+void FileUtilsSizeTest::includesHiddenFiles()
 {
     MakeFile(At(".hidden"), 1);
     MakeFile(At("..two-dots"), 20);
@@ -256,18 +256,18 @@ void FileUtilsSizeTest::hiddenFilesCount()
     QCOMPARE(measured.sizeless, QByteArrayList());
 }
 
-void FileUtilsSizeTest::everyNameOfAFileCounts()
+void FileUtilsSizeTest::countsEachHardLink()
 {
     MakeFolder(At("folder"));
     MakeFile(At("name"), 11);
     for (char const* const name : {"second", "folder/third"}) {
-        Check(link(At("name").c_str(), At(name).c_str()));
+        MakeHardLink(At(name), At("name"));
     }
     QCOMPARE(Measure(At("")).bytes, 33ULL);
     QCOMPARE(Measure(At("folder")).bytes, 11ULL);
 }
 
-void FileUtilsSizeTest::sumPassesFourGibibytes()
+void FileUtilsSizeTest::addsMoreThanFourGibibytes()
 {
     MakeFolder(At("below"));
     MakeFile(At("1"), 0xffff'ffffLL);
@@ -278,7 +278,7 @@ void FileUtilsSizeTest::sumPassesFourGibibytes()
     QCOMPARE(Measure(At("below")).bytes, 0x124'4567'89aaULL);
 }
 
-void FileUtilsSizeTest::linkToAFolderIsNotEntered()
+void FileUtilsSizeTest::doesNotFollowALinkToAFolder()
 {
     MakeFolder(At("start"));
     MakeFile(At("start/file"), 3);
@@ -294,7 +294,7 @@ void FileUtilsSizeTest::linkToAFolderIsNotEntered()
                                                 QByteArray::fromStdString(At("start/other"))}));
 }
 
-void FileUtilsSizeTest::linkToAFolderWithASlashIsTheFolder()
+void FileUtilsSizeTest::followsALinkToAFolderWithASlash()
 {
     MakeFolder(At("folder"));
     MakeFile(At("folder/file"), 9);
@@ -306,7 +306,7 @@ void FileUtilsSizeTest::linkToAFolderWithASlashIsTheFolder()
     QCOMPARE(measured.sizeless, QByteArrayList());
 }
 
-void FileUtilsSizeTest::anyNameIsMeasured()
+void FileUtilsSizeTest::measuresEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const folder = At(name.toStdString());
@@ -321,7 +321,7 @@ void FileUtilsSizeTest::anyNameIsMeasured()
     }
 }
 
-void FileUtilsSizeTest::anyNameIsLoggedByteForByte()
+void FileUtilsSizeTest::logsAnyNameByteForByte()
 {
     QFETCH(QByteArray, name);
     std::string const folder = At(name.toStdString());
@@ -336,24 +336,24 @@ void FileUtilsSizeTest::anyNameIsLoggedByteForByte()
     }
 }
 
-void FileUtilsSizeTest::loggedPathIsTheStartAndTheNames_data()
+void FileUtilsSizeTest::logsTheStartPathAndTheNamesBelowIt_data()
 {
     QTest::addColumn<QByteArray>("start");
     QTest::addColumn<QByteArray>("logged");
-    // "%" stands for the absolute path of the test's folder.
+    // The test replaces "%" with the absolute path of its folder.
     QTest::newRow("absolute") << QByteArray("%/a") << QByteArray("%/a/b/gone");
     QTest::newRow("absolute with a slash") << QByteArray("%/a/") << QByteArray("%/a/b/gone");
     QTest::newRow("absolute with two slashes") << QByteArray("%/a//") << QByteArray("%/a//b/gone");
     QTest::newRow("two slashes inside") << QByteArray("%//a") << QByteArray("%//a/b/gone");
     QTest::newRow("relative") << QByteArray("a") << QByteArray("a/b/gone");
     QTest::newRow("relative with a slash") << QByteArray("a/") << QByteArray("a/b/gone");
-    QTest::newRow("relative from here") << QByteArray("./a") << QByteArray("./a/b/gone");
-    QTest::newRow("here") << QByteArray(".") << QByteArray("./a/b/gone");
-    QTest::newRow("here with a slash") << QByteArray("./") << QByteArray("./a/b/gone");
-    QTest::newRow("above") << QByteArray("a/..") << QByteArray("a/../a/b/gone");
+    QTest::newRow("relative to the current folder") << QByteArray("./a") << QByteArray("./a/b/gone");
+    QTest::newRow("current folder") << QByteArray(".") << QByteArray("./a/b/gone");
+    QTest::newRow("current folder with a slash") << QByteArray("./") << QByteArray("./a/b/gone");
+    QTest::newRow("parent folder") << QByteArray("a/..") << QByteArray("a/../a/b/gone");
 }
 
-void FileUtilsSizeTest::loggedPathIsTheStartAndTheNames()
+void FileUtilsSizeTest::logsTheStartPathAndTheNamesBelowIt()
 {
     QFETCH(QByteArray, start);
     QFETCH(QByteArray, logged);
@@ -362,7 +362,7 @@ void FileUtilsSizeTest::loggedPathIsTheStartAndTheNames()
     MakeFolder(At("a/b"));
     MakeLink(At("a/b/gone"), "nowhere");
     MakeFile(At("a/b/file"), 9);
-    AtFolder const here(At(""));
+    WorkingFolder const current(At(""));
 
     Measured const measured = Measure(start.replace('%', root).toStdString());
 

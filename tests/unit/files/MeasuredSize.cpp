@@ -1,12 +1,11 @@
 #include <unit/files/MeasuredSize.h>
 
 #include <support/logs/LogCapture.h>
-#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/FileUtils.h>
 
 #include <QtCore/QDataStream>
-#include <QtCore/QIODevice>
 
 #include <glog/logging.h>
 
@@ -19,13 +18,13 @@ namespace Zelkor::Testing
 namespace
 {
 
-/// Keeps the paths of the lines that something has no size, byte for byte, and calls something at each, in the middle
-/// of the walk.
+/// Collects the paths of the messages about entries without a size, byte for byte. Calls a function during the walk for
+/// each of them.
 class SizelessLog : public google::LogSink
 {
 public:
-    explicit SizelessLog(std::function<void(QByteArray const&)> atEach)
-        : atEach_(std::move(atEach))
+    explicit SizelessLog(std::function<void(QByteArray const&)> onSizeless)
+        : onSizeless_(std::move(onSizeless))
     {
         google::AddLogSink(this);
     }
@@ -45,55 +44,45 @@ public:
     {
         static QByteArray const Prefix("Erorr get size for: ");
         QByteArray const text(message, static_cast<int>(messageSize));
-        bool const asExpected = severity == google::GLOG_ERROR &&
+        bool const isExpected = severity == google::GLOG_ERROR &&
                                 QByteArray(fullFilename) == QByteArray("Util/FileUtils.cpp") && text.startsWith(Prefix);
-        paths_ += asExpected ? text.mid(Prefix.size()) : "not one of the expected lines: " + text;
-        if (atEach_) {
-            atEach_(paths_.last());
+        paths_ += isExpected ? text.mid(Prefix.size()) : "unexpected log line: " + text;
+        if (onSizeless_) {
+            onSizeless_(paths_.last());
         }
     }
 
 private:
     LogCapture const capture_;
-    std::function<void(QByteArray const&)> atEach_;
+    std::function<void(QByteArray const&)> onSizeless_;
     QByteArrayList paths_;
 };
 
-QByteArray Packed(Measured const& measured)
-{
-    QByteArray packed;
-    QDataStream stream(&packed, QIODevice::WriteOnly);
-    stream << quint64{measured.bytes} << measured.sizeless;
-    return packed;
-}
-
-Measured Unpacked(QByteArray const& packed)
-{
-    quint64 bytes = 0;
-    Measured measured;
-    QDataStream stream(packed);
-    stream >> bytes >> measured.sizeless;
-    measured.bytes = bytes;
-    return measured;
-}
-
 } // namespace
 
-Measured Measure(std::string const& path, std::function<void(QByteArray const&)> atEach)
+Measured Measure(std::string const& path, std::function<void(QByteArray const&)> onSizeless)
 {
-    SizelessLog const log(std::move(atEach));
+    SizelessLog const log(std::move(onSizeless));
     Bytes const bytes = Util::GetPathSize(ioPath(path));
     return {bytes, log.Paths()};
 }
 
-Measured MeasuredByOrdinaryUser(std::function<Measured()> const& measure)
+QDataStream& operator<<(QDataStream& stream, Measured const& measured)
 {
-    return Unpacked(RunAsOrdinaryUser([&] { return Packed(measure()); }));
+    return stream << quint64{measured.bytes} << measured.sizeless;
 }
 
-Measured MeasureAsOrdinaryUser(std::string const& path, std::function<void(QByteArray const&)> const& atEach)
+QDataStream& operator>>(QDataStream& stream, Measured& measured)
 {
-    return MeasuredByOrdinaryUser([&] { return Measure(path, atEach); });
+    quint64 bytes = 0;
+    stream >> bytes >> measured.sizeless;
+    measured.bytes = bytes;
+    return stream;
+}
+
+Measured MeasureAsOrdinaryUser(std::string const& path, std::function<void(QByteArray const&)> const& onSizeless)
+{
+    return RunAsOrdinaryUser([&] { return Measure(path, onSizeless); });
 }
 
 } // namespace Zelkor::Testing

@@ -1,32 +1,32 @@
 #pragma once
 
-// What GetPathSize() answers and logs of a path.
-
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayList>
 
 #include <functional>
 #include <string>
 
+class QDataStream;
+
 namespace Zelkor::Testing
 {
 
 using Bytes = unsigned long long;
 
-/// What GetPathSize() returned, and the paths it logged, sorted, byte for byte.
+/// The result of GetPathSize(), and the paths that it logged because they have no size: sorted, byte for byte.
 struct Measured
 {
     Bytes bytes = 0;
     QByteArrayList sizeless;
 };
 
-/// Calls \a atEach with each path that is logged, byte for byte, in the middle of the walk.
-Measured Measure(std::string const& path, std::function<void(QByteArray const&)> atEach = {});
+QDataStream& operator<<(QDataStream& stream, Measured const& measured);
+QDataStream& operator>>(QDataStream& stream, Measured& measured);
 
-/// The result of \a measure in a child process without privileges.
-Measured MeasuredByOrdinaryUser(std::function<Measured()> const& measure);
+/// Calls GetPathSize(). Calls \a onSizeless with each path that GetPathSize() logs, at the time of the log message.
+Measured Measure(std::string const& path, std::function<void(QByteArray const&)> onSizeless = {});
 
-/// Measures in a child process without privileges.
-Measured MeasureAsOrdinaryUser(std::string const& path, std::function<void(QByteArray const&)> const& atEach = {});
+/// As Measure(), in a child process without privileges.
+Measured MeasureAsOrdinaryUser(std::string const& path, std::function<void(QByteArray const&)> const& onSizeless = {});
 
 } // namespace Zelkor::Testing

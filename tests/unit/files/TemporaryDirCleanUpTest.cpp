@@ -1,61 +1,80 @@
-// What temporary directories clear away of what runs leave behind, also of processes and threads that run at once.
+// The removal of old temporary directories of an application, also by several processes or threads at the same time.
 
-#include <support/processes/Plays.h>
-#include <support/sandbox/TemporaryFolders.h>
-#include <unit/files/TemporaryDirPlay.h>
+#include <support/processes/ChildProcess.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/Users.h>
 #include <unit/files/TemporaryDirTestCase.h>
 
-#include <QtCore/QDir>
-#include <QtCore/QFileInfo>
 #include <QtCore/QSet>
 #include <QtTest/QtTest>
 
+#include <algorithm>
+#include <future>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include <fcntl.h>
+
+using Zelkor::Util::TemporaryDir;
 using namespace Zelkor::Testing;
 
-/// Makes something at a path that is not taken.
-using Maker = void (*)(QString const& path);
-Q_DECLARE_METATYPE(Maker)
+/// Creates an entry at \a path, which may link to entries of the folder \a outside.
+using LeftoverMaker = void (*)(std::string const& path, std::string const& outside);
+Q_DECLARE_METATYPE(LeftoverMaker)
 
 namespace
 {
 
-void MakeReadOnlyFile(QString const& path)
+void MakeLeftoverFile(std::string const& path, std::string const& /*outside*/)
+{
+    MakeFile(path);
+}
+
+void MakeLeftoverFolder(std::string const& path, std::string const& /*outside*/)
+{
+    MakeFolder(path);
+}
+
+void MakeReadOnlyFile(std::string const& path, std::string const& /*outside*/)
 {
     MakeFile(path);
     Chmod(path, 0);
 }
 
-void MakeLinkToFile(QString const& path)
+void MakeLinkToFile(std::string const& path, std::string const& outside)
 {
-    MakeLink(path, Outside(path) + QStringLiteral("/canary"));
+    MakeLink(path, outside + "/canary");
 }
 
-void MakeLinkToFolder(QString const& path)
+void MakeLinkToFolder(std::string const& path, std::string const& outside)
 {
-    MakeLink(path, Outside(path));
+    MakeLink(path, outside);
 }
 
-void MakeLinkUp(QString const& path)
+void MakeLinkToParent(std::string const& path, std::string const& /*outside*/)
 {
-    MakeLink(path, QStringLiteral(".."));
+    MakeLink(path, "..");
 }
 
-void MakeDanglingLink(QString const& path)
+void MakeDanglingLink(std::string const& path, std::string const& /*outside*/)
 {
-    MakeLink(path, QStringLiteral("nowhere"));
+    MakeLink(path, "nowhere");
 }
 
-void MakeLinkToItself(QString const& path)
+void MakeLinkToItself(std::string const& path, std::string const& /*outside*/)
 {
-    MakeLink(path, path.section(QLatin1Char('/'), -1));
+    MakeLink(path, NameOf(path));
 }
 
-void MakeHardLinkToFile(QString const& path)
+void MakeHardLinkToFile(std::string const& path, std::string const& outside)
 {
-    MakeHardLink(path, Outside(path) + QStringLiteral("/canary"));
+    MakeHardLink(path, outside + "/canary");
+}
+
+void MakeLeftoverPipe(std::string const& path, std::string const& /*outside*/)
+{
+    MakePipe(path);
 }
 
 } // namespace
@@ -65,282 +84,329 @@ class TemporaryDirCleanUpTest : public TemporaryDirTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void removesWhatIsLeftBehind_data();
-    void removesWhatIsLeftBehind();
-    void leavesHiddenAndSystemEntries_data();
-    void leavesHiddenAndSystemEntries();
-    void leavesOtherApplicationsFolders();
-    void leavesWhatItCannotRemove();
+    void removesLeftovers_data();
+    void removesLeftovers();
+    void keepsHiddenAndSpecialEntries_data();
+    void keepsHiddenAndSpecialEntries();
+    void keepsFoldersOfOtherApplications();
+    void continuesAfterAnEntryThatCannotBeRemoved();
     void emptiesTheFolderOncePerProcess();
-    void emptiesTheFolderOfARunningCopyOnce();
-    void removesWhatAKilledProcessLeft();
+    void emptiesTheFolderOfARunningProcessOnce();
+    void removesTheDirectoryOfAKilledProcess();
 
-    void isMadeByManyProcessesAtOnce_data();
-    void isMadeByManyProcessesAtOnce();
-    void isMadeOnManyThreadsAtOnce_data();
-    void isMadeOnManyThreadsAtOnce();
+    void manyProcessesCreateDirectoriesAtOnce_data();
+    void manyProcessesCreateDirectoriesAtOnce();
+    void manyThreadsCreateDirectoriesAtOnce_data();
+    void manyThreadsCreateDirectoriesAtOnce();
 };
 
-void TemporaryDirCleanUpTest::removesWhatIsLeftBehind_data()
+void TemporaryDirCleanUpTest::removesLeftovers_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<Maker>("make");
-    auto const row = [](char const* title, Maker make, QString const& name = QStringLiteral("leftover")) {
+    QTest::addColumn<std::string>("name");
+    QTest::addColumn<LeftoverMaker>("make");
+    auto const row = [](char const* title, LeftoverMaker make, std::string const& name = "leftover") {
         QTest::newRow(title) << name << make;
     };
-    row("file", MakeFile);
-    row("folder", MakeFolder);
-    row("folder with hidden things and links", MakeTree);
+    row("file", MakeLeftoverFile);
+    row("folder", MakeLeftoverFolder);
+    row("folder with hidden entries and links", MakeTree);
     row("file without permissions", MakeReadOnlyFile);
     row("link to a file", MakeLinkToFile);
     row("link to a folder", MakeLinkToFolder);
-    row("link to the folder above", MakeLinkUp);
+    row("link to the parent folder", MakeLinkToParent);
     row("hard link", MakeHardLinkToFile);
-    row("name with wildcards", MakeFile, QStringLiteral("*?[a]"));
-    row("name with a line feed", MakeFile, QStringLiteral("a\nb"));
-    row("name with a place marker", MakeTree, QStringLiteral("%1"));
-    row("name beyond ASCII", MakeTree, QStringLiteral("\u00E4\u20AC"));
-    row("name with blanks", MakeTree, QStringLiteral(" a b "));
-    row("directory of an earlier object", MakeTree, QStringLiteral("aBcDeF"));
+    row("name with wildcards", MakeLeftoverFile, "*?[a]");
+    row("name with a line feed", MakeLeftoverFile, "a\nb");
+    row("name with a placeholder", MakeTree, "%1");
+    row("non-ASCII name", MakeTree, "\u00E4\u20AC");
+    row("name with blanks", MakeTree, " a b ");
+    row("directory of an earlier object", MakeTree, "aBcDeF");
 }
 
-void TemporaryDirCleanUpTest::removesWhatIsLeftBehind()
+void TemporaryDirCleanUpTest::removesLeftovers()
 {
-    QFETCH(QString, name);
-    QFETCH(Maker, make);
-    MakeFolder(own_);
-    QStringList const before = Listing(Sandbox());
-    make(own_ + QLatin1Char('/') + name);
-    MakeFile(own_ + QStringLiteral("/zzz"));
+    QFETCH(std::string, name);
+    QFETCH(LeftoverMaker, make);
+    MakeFolders(appFolder_);
+    QByteArrayList const before = ListTree(Root());
+    make(appFolder_ + '/' + name, outside_);
+    MakeFile(appFolder_ + "/zzz");
 
-    Made const made = MakeOne();
+    DirectoryState const state = RunInChild(CreateDirectory);
 
-    QVERIFY2(made.valid, qPrintable(made.error));
-    QCOMPARE(made.complaints, QStringList());
-    QCOMPARE(Listing(Sandbox()), before);
+    QVERIFY2(state.isValid, state.error.c_str());
+    QCOMPARE(state.problems, QStringList());
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirCleanUpTest::leavesHiddenAndSystemEntries_data()
+void TemporaryDirCleanUpTest::keepsHiddenAndSpecialEntries_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<Maker>("make");
-    QTest::newRow("hidden file") << QStringLiteral(".file") << Maker(MakeFile);
-    QTest::newRow("hidden folder") << QStringLiteral(".folder") << Maker(MakeTree);
-    QTest::newRow("hidden link") << QStringLiteral(".link") << Maker(MakeLinkToFolder);
-    QTest::newRow("dangling link") << QStringLiteral("dangling") << Maker(MakeDanglingLink);
-    QTest::newRow("link to itself") << QStringLiteral("loop") << Maker(MakeLinkToItself);
-    QTest::newRow("pipe") << QStringLiteral("pipe") << Maker(MakePipe);
+    QTest::addColumn<std::string>("name");
+    QTest::addColumn<LeftoverMaker>("make");
+    auto const row = [](char const* title, LeftoverMaker make, std::string const& name) {
+        QTest::newRow(title) << name << make;
+    };
+    row("hidden file", MakeLeftoverFile, ".file");
+    row("hidden folder", MakeTree, ".folder");
+    row("hidden link", MakeLinkToFolder, ".link");
+    row("dangling link", MakeDanglingLink, "dangling");
+    row("link to itself", MakeLinkToItself, "loop");
+    row("pipe", MakeLeftoverPipe, "pipe");
 }
 
-void TemporaryDirCleanUpTest::leavesHiddenAndSystemEntries()
+void TemporaryDirCleanUpTest::keepsHiddenAndSpecialEntries()
 {
-    QFETCH(QString, name);
-    QFETCH(Maker, make);
-    MakeFolder(own_);
-    make(own_ + QLatin1Char('/') + name);
-    QStringList const before = Listing(Sandbox());
-    MakeFile(own_ + QStringLiteral("/leftover"));
+    QFETCH(std::string, name);
+    QFETCH(LeftoverMaker, make);
+    MakeFolders(appFolder_);
+    make(appFolder_ + '/' + name, outside_);
+    QByteArrayList const before = ListTree(Root());
+    MakeFile(appFolder_ + "/leftover");
 
-    QVERIFY(MakeOne().valid);
+    QVERIFY(RunInChild(CreateDirectory).isValid);
 
-    QCOMPARE(Listing(Sandbox()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirCleanUpTest::leavesOtherApplicationsFolders()
+void TemporaryDirCleanUpTest::keepsFoldersOfOtherApplications()
 {
-    MakeFolder(own_);
+    MakeFolders(appFolder_);
     for (char const* const folder : {"", "/Studio", "/Studio/2", "/Studio/1/Studio", "/Studio/2/Other", "/Other/2"}) {
-        QString const path = tmp_ + QString::fromLatin1(folder);
-        MakeFolder(path);
-        MakeFile(path + QStringLiteral("/file"));
+        MakeFolders(tmp_ + folder);
+        MakeFile(tmp_ + folder + "/file");
     }
-    MakeFile(own_ + QStringLiteral("er"));
-    QStringList const before = Listing(Sandbox());
-    MakeFile(own_ + QStringLiteral("/leftover"));
+    MakeFile(appFolder_ + "er");
+    QByteArrayList const before = ListTree(Root());
+    MakeFile(appFolder_ + "/leftover");
 
-    QVERIFY(MakeOne().valid);
+    QVERIFY(RunInChild(CreateDirectory).isValid);
 
-    QCOMPARE(Listing(Sandbox()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirCleanUpTest::leavesWhatItCannotRemove()
+void TemporaryDirCleanUpTest::continuesAfterAnEntryThatCannotBeRemoved()
 {
     Chmod(tmp_, 01777);
-    QStringList const steps{QStringLiteral("ordinary user"), QStringLiteral("make"),
-                            QStringLiteral("put locked folder=locked"), QStringLiteral("await")};
-    Player killed(tmp_, application_ + steps);
-    QString const left = killed.HearMade().path;
-    QString const locked = left + QStringLiteral("/locked");
-    QTRY_VERIFY(QFileInfo(locked).isDir() && !QFileInfo(locked).permission(QFileDevice::WriteOwner));
+    ChildProcess killed([](ChildProcess::Parent const& parent) {
+        BecomeOrdinaryUser();
+        TemporaryDir const directory;
+        std::string const path = directory.path().toStdString();
+        MakeFolder(path + "/locked");
+        MakeFile(path + "/locked/file");
+        Chmod(path + "/locked", 0555);
+        parent.Send(QByteArray::fromStdString(path));
+        parent.WaitForContinue();
+    });
+    std::string const leftover = killed.Receive<QByteArray>().toStdString();
     killed.Kill();
-    Chmod(own_, 0777);
-    MakeFile(own_ + QStringLiteral("/AAA"));
-    MakeFile(own_ + QStringLiteral("/zzz"));
+    Chmod(appFolder_, 0777);
+    MakeFile(appFolder_ + "/AAA");
+    MakeFile(appFolder_ + "/zzz");
 
-    Made const made = MakeOne({QStringLiteral("ordinary user")});
+    DirectoryState const state = RunAsOrdinaryUser(CreateDirectory);
 
-    Chmod(locked, 0755);
-    QVERIFY2(made.valid, qPrintable(made.error));
-    QVERIFY(made.isThere);
-    QCOMPARE(QDir(own_).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-             QStringList(left.section(QLatin1Char('/'), -1)));
-    QVERIFY(Exists(locked + QStringLiteral("/file")));
+    Chmod(leftover + "/locked", 0755);
+    QVERIFY2(state.isValid, state.error.c_str());
+    QVERIFY(state.exists);
+    QCOMPARE(NamesIn(AT_FDCWD, appFolder_.c_str()), std::vector<std::string>{NameOf(leftover)});
+    QVERIFY(Exists(leftover + "/locked/file"));
 }
 
 void TemporaryDirCleanUpTest::emptiesTheFolderOncePerProcess()
 {
-    QString const make = QStringLiteral("make");
-    QString const wait = QStringLiteral("await");
-    Player player(tmp_, application_ + QStringList{make, QStringLiteral("put file=file"), wait, make, wait});
-    Made const first = player.HearMade();
-    MakeTree(own_ + QStringLiteral("/late folder"));
-    MakeFile(own_ + QStringLiteral("/late"));
-    QTRY_VERIFY(Exists(first.file));
-    player.GoOn();
-    Made const second = player.HearMade();
-    QVERIFY(second.isThere);
-    QVERIFY(second.path != first.path);
-    QVERIFY(Exists(first.file));
-    QVERIFY(Exists(own_ + QStringLiteral("/late folder/file")));
-    QVERIFY(Exists(own_ + QStringLiteral("/late")));
-    player.GoOn();
-    player.End();
+    auto const states = RunInChild([&] {
+        LogCapture const log;
+        TemporaryDir const first;
+        MakeFile(StateOf(first, log).file);
+        MakeTree(appFolder_ + "/late folder", outside_);
+        MakeFile(appFolder_ + "/late");
+
+        TemporaryDir const second;
+        bool const isKept = Exists(StateOf(first, log).file) && Exists(appFolder_ + "/late folder/file") &&
+                            Exists(appFolder_ + "/late");
+        return isKept ? QVector<DirectoryState>{StateOf(first, log), StateOf(second, log)} : QVector<DirectoryState>();
+    });
+
+    QCOMPARE(states.size(), 2);
+    QVERIFY(states[1].exists);
+    QVERIFY(states[1].path != states[0].path);
 }
 
-void TemporaryDirCleanUpTest::emptiesTheFolderOfARunningCopyOnce()
+void TemporaryDirCleanUpTest::emptiesTheFolderOfARunningProcessOnce()
 {
-    QString const make = QStringLiteral("make");
-    QString const wait = QStringLiteral("await");
-    QStringList const steps = application_ + QStringList{make, wait, make, wait};
-    Player first(tmp_, steps);
-    QString const ofFirst = first.HearMade().path;
-    QVERIFY(Exists(ofFirst));
+    auto const createTwo = [](ChildProcess::Parent const& parent) {
+        TemporaryDir const first;
+        parent.Send(first.path());
+        parent.WaitForContinue();
+        TemporaryDir const second;
+        parent.Send(second.path());
+        parent.WaitForContinue();
+    };
 
-    Player second(tmp_, steps);
-    QString const ofSecond = second.HearMade().path;
-    QVERIFY(Exists(ofSecond));
-    QVERIFY(!Exists(ofFirst));
+    ChildProcess a(createTwo);
+    std::string const firstOfA = a.Receive<QString>().toStdString();
+    QVERIFY(Exists(firstOfA));
 
-    first.GoOn();
-    QString const nextOfFirst = first.HearMade().path;
-    second.GoOn();
-    QString const nextOfSecond = second.HearMade().path;
-    QVERIFY(Exists(ofSecond));
-    QVERIFY(Exists(nextOfFirst));
-    QVERIFY(Exists(nextOfSecond));
+    // The first directory of a process removes the directories of all earlier processes.
+    ChildProcess b(createTwo);
+    std::string const firstOfB = b.Receive<QString>().toStdString();
+    QVERIFY(Exists(firstOfB));
+    QVERIFY(!Exists(firstOfA));
 
-    first.GoOn();
-    first.End();
-    QVERIFY(!Exists(nextOfFirst));
-    QVERIFY(Exists(ofSecond));
-    QVERIFY(Exists(nextOfSecond));
-    second.GoOn();
-    second.End();
-    QCOMPARE(Listing(own_), QStringList());
+    // The second one removes nothing.
+    a.Continue();
+    std::string const secondOfA = a.Receive<QString>().toStdString();
+    b.Continue();
+    std::string const secondOfB = b.Receive<QString>().toStdString();
+    QVERIFY(Exists(firstOfB));
+    QVERIFY(Exists(secondOfA));
+    QVERIFY(Exists(secondOfB));
+
+    a.Continue();
+    a.Finish();
+    QVERIFY(!Exists(secondOfA));
+    QVERIFY(Exists(firstOfB));
+    QVERIFY(Exists(secondOfB));
+    b.Continue();
+    b.Finish();
+    QCOMPARE(ListTree(appFolder_), QByteArrayList());
 }
 
-void TemporaryDirCleanUpTest::removesWhatAKilledProcessLeft()
+void TemporaryDirCleanUpTest::removesTheDirectoryOfAKilledProcess()
 {
-    QStringList const steps{QStringLiteral("make"), QStringLiteral("put file=file"), QStringLiteral("await")};
-    Player killed(tmp_, application_ + steps);
-    Made const left = killed.HearMade();
-    QTRY_VERIFY(Exists(left.file));
+    ChildProcess killed([](ChildProcess::Parent const& parent) {
+        LogCapture const log;
+        TemporaryDir const directory;
+        DirectoryState const state = StateOf(directory, log);
+        MakeFile(state.file);
+        parent.Send(state);
+        parent.WaitForContinue();
+    });
+    auto const leftover = killed.Receive<DirectoryState>();
     killed.Kill();
-    QVERIFY(Exists(left.file));
+    QVERIFY(Exists(leftover.file));
 
-    Made const made = MakeOne();
+    DirectoryState const state = RunInChild(CreateDirectory);
 
-    QVERIFY(made.isThere);
-    QVERIFY(!Exists(left.path));
-    QCOMPARE(Listing(own_), QStringList());
+    QVERIFY(state.exists);
+    QVERIFY(!Exists(leftover.path));
+    QCOMPARE(ListTree(appFolder_), QByteArrayList());
 }
 
-void TemporaryDirCleanUpTest::isMadeByManyProcessesAtOnce_data()
+void TemporaryDirCleanUpTest::manyProcessesCreateDirectoriesAtOnce_data()
 {
     QTest::addColumn<int>("leftovers");
     QTest::newRow("no folder yet") << -1;
     QTest::newRow("leftovers") << 30;
 }
 
-void TemporaryDirCleanUpTest::isMadeByManyProcessesAtOnce()
+void TemporaryDirCleanUpTest::manyProcessesCreateDirectoriesAtOnce()
 {
     QFETCH(int, leftovers);
+    constexpr int ProcessCount = 8;
     if (leftovers >= 0) {
-        MakeFolder(own_);
+        MakeFolders(appFolder_);
     }
     for (int i = 0; i < leftovers; ++i) {
-        MakeTree(own_ + QLatin1Char('/') + QString::number(i));
+        MakeTree(appFolder_ + '/' + std::to_string(i), outside_);
     }
 
-    std::vector<std::unique_ptr<Player>> players;
-    players.reserve(8);
-    for (int i = 0; i < 8; ++i) {
-        players.push_back(
-            std::make_unique<Player>(tmp_, application_ + QStringList{QStringLiteral("await"), QStringLiteral("make"),
-                                                                      QStringLiteral("await")}));
+    std::vector<std::unique_ptr<ChildProcess>> processes;
+    processes.reserve(ProcessCount);
+    for (int i = 0; i < ProcessCount; ++i) {
+        processes.push_back(std::make_unique<ChildProcess>([](ChildProcess::Parent const& parent) {
+            parent.WaitForContinue();
+            LogCapture const log;
+            TemporaryDir const directory;
+            parent.Send(StateOf(directory, log));
+            parent.WaitForContinue();
+        }));
     }
-    for (auto const& player : players) {
-        player->GoOn();
+    for (auto const& process : processes) {
+        process->Continue();
     }
     QSet<QString> paths;
-    for (auto const& player : players) {
-        Made const made = player->HearMade();
-        QVERIFY2(made.valid, qPrintable(made.error));
-        QCOMPARE(made.complaints, QStringList());
-        paths += made.path;
+    for (auto const& process : processes) {
+        auto const state = process->Receive<DirectoryState>();
+        QVERIFY2(state.isValid, state.error.c_str());
+        QCOMPARE(state.problems, QStringList());
+        paths += QString::fromStdString(state.path);
     }
-    for (auto const& player : players) {
-        player->GoOn();
-        player->End();
+    for (auto const& process : processes) {
+        process->Continue();
+        process->Finish();
     }
+    QCOMPARE(paths.size(), ProcessCount);
 
-    QCOMPARE(paths.size(), 8);
-    // They hindered each other perhaps; nothing that they did hinders the next.
-    QVERIFY(MakeOne().valid);
-    QCOMPARE(Listing(own_), QStringList());
+    // A process may have removed directories of another one. The next process is not affected.
+    QVERIFY(RunInChild(CreateDirectory).isValid);
+    QCOMPARE(ListTree(appFolder_), QByteArrayList());
 }
 
-void TemporaryDirCleanUpTest::isMadeOnManyThreadsAtOnce_data()
+void TemporaryDirCleanUpTest::manyThreadsCreateDirectoriesAtOnce_data()
 {
     QTest::addColumn<int>("leftovers");
     QTest::newRow("no folder yet") << -1;
     QTest::newRow("empty folder") << 0;
-    QTest::newRow("more leftovers than are listed in one go") << 4000;
+    QTest::newRow("more leftovers than one read of the folder returns") << 4000;
 }
 
-void TemporaryDirCleanUpTest::isMadeOnManyThreadsAtOnce()
+void TemporaryDirCleanUpTest::manyThreadsCreateDirectoriesAtOnce()
 {
     QFETCH(int, leftovers);
+    constexpr int ThreadCount = 16;
     if (leftovers >= 0) {
-        MakeFolder(own_);
+        MakeFolders(appFolder_);
     }
     for (int i = 0; i < leftovers; ++i) {
-        MakeFile(own_ + QStringLiteral("/leftover %1").arg(i));
+        MakeFile(appFolder_ + "/leftover " + std::to_string(i));
     }
-    Player player(tmp_, application_ + QStringList{QStringLiteral("make on threads=16"), QStringLiteral("await")});
-    QStringList names;
-    for (int i = 0; i < 16; ++i) {
-        QJsonObject const facts = player.Hear();
-        Made const made = MadeFrom(facts);
-        QVERIFY2(made.valid, qPrintable(made.error));
-        QVERIFY(made.isThere);
-        QVERIFY(facts.value(QStringLiteral("hasFile")).toBool());
-        QCOMPARE(QFileInfo(made.path).path(), own_);
-        names += made.path.section(QLatin1Char('/'), -1);
+
+    ChildProcess child([](ChildProcess::Parent const& parent) {
+        LogCapture const log;
+        std::promise<void> start;
+        std::shared_future<void> const started = start.get_future().share();
+        std::vector<std::future<std::unique_ptr<TemporaryDir>>> results;
+        results.reserve(ThreadCount);
+        for (int i = 0; i < ThreadCount; ++i) {
+            results.push_back(std::async(std::launch::async, [started] {
+                started.wait();
+                auto directory = std::make_unique<TemporaryDir>();
+                MakeFile(directory->filePath(QStringLiteral("file")).toStdString());
+                return directory;
+            }));
+        }
+        start.set_value();
+        std::vector<std::unique_ptr<TemporaryDir>> directories;
+        directories.reserve(results.size());
+        for (auto& result : results) {
+            directories.push_back(result.get());
+        }
+        QVector<DirectoryState> states;
+        for (auto const& directory : directories) {
+            states += StateOf(*directory, log);
+        }
+        parent.Send(states);
+        parent.WaitForContinue();
+    });
+    auto const states = child.Receive<QVector<DirectoryState>>();
+    QByteArrayList expected;
+    for (DirectoryState const& state : states) {
+        QVERIFY2(state.isValid, state.error.c_str());
+        QVERIFY(state.exists);
+        QCOMPARE(ParentOf(state.path), appFolder_);
+        QByteArray const name = QByteArray::fromStdString(NameOf(state.path));
+        QVERIFY(!expected.contains(name));
+        expected << name << name + "/file";
     }
-    names.sort();
-    QCOMPARE(names.removeDuplicates(), 0);
-    QStringList found = QDir(own_).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    found.sort();
-    QCOMPARE(found, names);
-    player.GoOn();
-    player.End();
-    QCOMPARE(Listing(own_), QStringList());
+    std::sort(expected.begin(), expected.end());
+
+    QCOMPARE(states.size(), ThreadCount);
+    QCOMPARE(ListTree(appFolder_), expected);
+    child.Continue();
+    child.Finish();
+    QCOMPARE(ListTree(appFolder_), QByteArrayList());
 }
 
-int main(int argc, char** argv)
-{
-    return IsPlay(argc, argv) ? TakeSteps(argc, argv) : RunTests<TemporaryDirCleanUpTest>(argc, argv, false);
-}
-
+ZQTUTIL_TEST_MAIN(TemporaryDirCleanUpTest)
 #include "TemporaryDirCleanUpTest.moc"

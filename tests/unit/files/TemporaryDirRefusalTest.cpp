@@ -1,17 +1,19 @@
-// Where no temporary directory is made.
+// Cases in which no temporary directory is created.
 
-#include <support/processes/Plays.h>
-#include <support/sandbox/OrdinaryUser.h>
-#include <support/sandbox/TemporaryFolders.h>
-#include <unit/files/TemporaryDirPlay.h>
+#include <support/processes/ChildProcess.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/Users.h>
 #include <unit/files/TemporaryDirTestCase.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QFileInfo>
 #include <QtTest/QtTest>
+
+#include <functional>
+#include <string>
 
 #include <unistd.h>
 
+using Zelkor::Util::TemporaryDir;
 using namespace Zelkor::Testing;
 
 class TemporaryDirRefusalTest : public TemporaryDirTestCase
@@ -19,281 +21,321 @@ class TemporaryDirRefusalTest : public TemporaryDirTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void refusesALink_data();
-    void refusesALink();
-    void refusesAFolderOfSomebodyElse_data();
-    void refusesAFolderOfSomebodyElse();
-    void refusesAFolderOfTheSystem();
-    void refusesANameThatLeadsOut_data();
-    void refusesANameThatLeadsOut();
+    void rejectsALink_data();
+    void rejectsALink();
+    void rejectsAFolderOfAnotherUser_data();
+    void rejectsAFolderOfAnotherUser();
+    void rejectsASystemFolder();
+    void rejectsANameWithParentFolders_data();
+    void rejectsANameWithParentFolders();
 
-    void isInvalidWhereAFileStands_data();
-    void isInvalidWhereAFileStands();
+    void isInvalidIfAFileIsInTheWay_data();
+    void isInvalidIfAFileIsInTheWay();
     void isInvalidWithoutATemporaryFolder_data();
     void isInvalidWithoutATemporaryFolder();
-    void takesNoPathFromTheRootWithoutATemporaryFolder();
-    void isInvalidInAFolderThatCannotBeWritten_data();
-    void isInvalidInAFolderThatCannotBeWritten();
-    void isInvalidWithANameThatIsTooLong();
+    void doesNotUseTheRootFolderWithoutATemporaryFolder();
+    void isInvalidInAReadOnlyFolder_data();
+    void isInvalidInAReadOnlyFolder();
+    void isInvalidIfTheNameIsTooLong();
 
 private:
-    /// That \a made is not valid, and says so all over.
-    static void VerifyInvalid(Made const& made);
-    /// That nothing is made, twice, and each time one error is logged about \a folder.
-    void VerifyRefused(QStringList const& steps, QString const& folder) const;
+    /// Adds the column "level", an argument of FolderAtLevel().
+    static void LevelRows();
+
+    /// Returns a folder of the path of the application's folder:
+    ///   -1: the temporary folder
+    ///    0: the folder of the application's name
+    ///    1: the folder of the version
+    ///    2: the folder of the program
+    std::string FolderAtLevel(int level) const;
+
+    static void VerifyInvalid(DirectoryState const& state);
+
+    /// Creates two directories in a child process, which first calls \a prepare. Verifies that both are invalid, and
+    /// that each has logged one error that contains \a folder.
+    static void VerifyRejected(std::function<void()> const& prepare, std::string const& folder);
 };
 
-void TemporaryDirRefusalTest::VerifyInvalid(Made const& made)
-{
-    QVERIFY(!made.valid);
-    QCOMPARE(made.path, QString());
-    QCOMPARE(made.file, QString());
-    QVERIFY(!made.error.isEmpty());
-}
-
-void TemporaryDirRefusalTest::VerifyRefused(QStringList const& steps, QString const& folder) const
-{
-    QString const make = QStringLiteral("make");
-    Player player(tmp_, steps + QStringList{make, make});
-    for (int i = 0; i < 2; ++i) {
-        Made const made = player.HearMade();
-        VerifyInvalid(made);
-        QCOMPARE(made.complaints.size(), 1);
-        QString const complaint = made.complaints.first();
-        QVERIFY2(complaint.startsWith(QStringLiteral("ERROR Util/TemporaryDir.cpp ")), qPrintable(complaint));
-        QVERIFY2(complaint.contains(folder), qPrintable(complaint));
-    }
-    player.End();
-}
-
-void TemporaryDirRefusalTest::refusesALink_data()
+void TemporaryDirRefusalTest::LevelRows()
 {
     QTest::addColumn<int>("level");
-    QTest::addColumn<QString>("target");
-    char const* const levels[] = {"application", "version", "executable"};
+    QTest::newRow("temporary folder") << -1;
+    QTest::newRow("application") << 0;
+    QTest::newRow("version") << 1;
+    QTest::newRow("program") << 2;
+}
+
+std::string TemporaryDirRefusalTest::FolderAtLevel(int level) const
+{
+    std::string folder = appFolder_;
+    for (int current = 2; current > level; --current) {
+        folder = ParentOf(folder);
+    }
+    return folder;
+}
+
+void TemporaryDirRefusalTest::VerifyInvalid(DirectoryState const& state)
+{
+    QVERIFY(!state.isValid);
+    QCOMPARE(state.path, std::string());
+    QCOMPARE(state.file, std::string());
+    QVERIFY(!state.error.empty());
+}
+
+void TemporaryDirRefusalTest::VerifyRejected(std::function<void()> const& prepare, std::string const& folder)
+{
+    auto const states = RunInChild([&] {
+        prepare();
+        DirectoryState const first = CreateDirectory();
+        return QVector<DirectoryState>{first, CreateDirectory()};
+    });
+    for (DirectoryState const& state : states) {
+        VerifyInvalid(state);
+        QCOMPARE(state.problems.size(), 1);
+        QString const problem = state.problems.first();
+        QVERIFY2(problem.startsWith(QStringLiteral("ERROR Util/TemporaryDir.cpp ")), qPrintable(problem));
+        QVERIFY2(problem.contains(QString::fromStdString(folder)), qPrintable(problem));
+    }
+}
+
+void TemporaryDirRefusalTest::rejectsALink_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<std::string>("target");
+    char const* const levels[] = {"application", "version", "program"};
     for (int level = 0; level < 3; ++level) {
-        auto const row = [&](char const* target, char const* path) {
-            QTest::newRow(QByteArray(levels[level]).append(": ").append(target).constData())
-                << level << QString::fromLatin1(path);
+        auto const row = [&](char const* target, std::string const& path) {
+            QTest::addRow("%s: %s", levels[level], target) << level << path;
         };
         row("link to a folder elsewhere", "outside/tree");
         row("link to a folder in the temporary folder", "tmp/tree");
-        row("link to nothing", "outside/nothing");
+        row("dangling link", "outside/nothing");
         row("link to a file", "outside/canary");
     }
 }
 
-void TemporaryDirRefusalTest::refusesALink()
+void TemporaryDirRefusalTest::rejectsALink()
 {
     QFETCH(int, level);
-    QFETCH(QString, target);
+    QFETCH(std::string, target);
     for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        for (QString const& below :
-             {QString(), QLatin1Char('/') + Name(), QStringLiteral("/2/") + Name()}) { // as the levels below go on
-            MakeFolder(At(QString::fromLatin1(tree) + below));
-            MakeFile(At(QString::fromLatin1(tree) + below + QStringLiteral("/leftover")));
+        // A link at any level leads to a folder with leftovers.
+        for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
+            MakeFolders(At(tree + below));
+            MakeFile(At(tree + below + "/leftover"));
         }
     }
-    QString const place = own_.section(QLatin1Char('/'), 0, level - 3);
-    MakeFolder(QFileInfo(place).path());
-    MakeLink(place, At(target));
-    QStringList const before = Listing(Sandbox());
+    std::string const link = FolderAtLevel(level);
+    MakeFolders(ParentOf(link));
+    MakeLink(link, At(target));
+    QByteArrayList const before = ListTree(Root());
 
-    VerifyRefused(application_, place);
+    VerifyRejected([] {}, link);
 
-    QCOMPARE(Listing(Sandbox()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirRefusalTest::refusesAFolderOfSomebodyElse_data()
+void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser_data()
 {
     QTest::addColumn<int>("level");
-    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<bool>("asOrdinaryUser");
     QTest::addColumn<uint>("owner");
-    // Only a superuser can give a folder away; others have the system's folders for this.
-    if (geteuid() != 0) {
+    // Only root can change the owner of a folder. Other users run rejectsASystemFolder().
+    if (geteuid() != RootUser) {
         return;
     }
-    QStringList const ordinary(QStringLiteral("ordinary user"));
-    QTest::newRow("application: an ordinary user's") << 0 << QStringList() << uint(Nobody);
-    QTest::newRow("version: an ordinary user's") << 1 << QStringList() << uint(Nobody);
-    QTest::newRow("executable: an ordinary user's") << 2 << QStringList() << uint(Nobody);
-    QTest::newRow("application: the superuser's") << 0 << ordinary << 0U;
-    QTest::newRow("version: the superuser's") << 1 << ordinary << 0U;
-    QTest::newRow("executable: the superuser's") << 2 << ordinary << 0U;
-    QTest::newRow("executable: another ordinary user's") << 2 << ordinary << uint(Nobody - 1);
+    QTest::newRow("application: of an ordinary user") << 0 << false << Nobody;
+    QTest::newRow("version: of an ordinary user") << 1 << false << Nobody;
+    QTest::newRow("program: of an ordinary user") << 2 << false << Nobody;
+    QTest::newRow("application: of root") << 0 << true << RootUser;
+    QTest::newRow("version: of root") << 1 << true << RootUser;
+    QTest::newRow("program: of root") << 2 << true << RootUser;
+    QTest::newRow("program: of another ordinary user") << 2 << true << Nobody - 1;
 }
 
-void TemporaryDirRefusalTest::refusesAFolderOfSomebodyElse()
+void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser()
 {
     if (!QTest::currentDataTag()) {
         return;
     }
     QFETCH(int, level);
-    QFETCH(QStringList, steps);
+    QFETCH(bool, asOrdinaryUser);
     QFETCH(uint, owner);
-    MakeFolder(own_);
-    MakeTree(own_ + QStringLiteral("/leftover"));
-    MakeFile(own_ + QStringLiteral("/file"));
-    for (int each = 0; each < 3; ++each) {
-        QString const folder = own_.section(QLatin1Char('/'), 0, each - 3);
-        Chmod(folder, 0777);
-        GiveTo(steps.isEmpty() ? 0 : Nobody, folder);
+    MakeFolders(appFolder_);
+    MakeTree(appFolder_ + "/leftover", outside_);
+    MakeFile(appFolder_ + "/file");
+    for (int i = 0; i < 3; ++i) {
+        Chmod(FolderAtLevel(i), 0777);
+        SetOwner(FolderAtLevel(i), asOrdinaryUser ? Nobody : RootUser);
     }
-    QString const place = own_.section(QLatin1Char('/'), 0, level - 3);
-    GiveTo(owner, place);
-    QStringList const before = Listing(Sandbox());
+    SetOwner(FolderAtLevel(level), owner);
+    QByteArrayList const before = ListTree(Root());
 
-    VerifyRefused(application_ + steps, place);
+    VerifyRejected(
+        [&] {
+            if (asOrdinaryUser) {
+                BecomeOrdinaryUser();
+            }
+        },
+        FolderAtLevel(level));
 
-    QCOMPARE(Listing(Sandbox()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirRefusalTest::refusesAFolderOfTheSystem()
+void TemporaryDirRefusalTest::rejectsASystemFolder()
 {
-    Player player(QStringLiteral("/"), {QStringLiteral("ordinary user"), QStringLiteral("name=usr"),
-                                        QStringLiteral("version=2"), QStringLiteral("make")});
-    Made const made = player.HearMade();
-    player.End();
-    VerifyInvalid(made);
-    QCOMPARE(made.complaints.size(), 1);
-    QVERIFY2(made.complaints.first().startsWith(QStringLiteral("ERROR Util/TemporaryDir.cpp ")),
-             qPrintable(made.complaints.first()));
-    QVERIFY(!Exists(QStringLiteral("/usr/2")));
+    DirectoryState const state = RunAsOrdinaryUser([] {
+        qputenv("TMPDIR", "/");
+        SetApplication("usr", "2");
+        return CreateDirectory();
+    });
+
+    VerifyInvalid(state);
+    QCOMPARE(state.problems.size(), 1);
+    QVERIFY2(state.problems.first().startsWith(QStringLiteral("ERROR Util/TemporaryDir.cpp ")),
+             qPrintable(state.problems.first()));
+    QVERIFY(!Exists("/usr/2"));
 }
 
-void TemporaryDirRefusalTest::refusesANameThatLeadsOut_data()
+void TemporaryDirRefusalTest::rejectsANameWithParentFolders_data()
 {
-    QTest::addColumn<QString>("name");
+    QTest::addColumn<std::string>("name");
     for (char const* const name : {"..", "../", "../Studio", "../../Studio", "a/../../Studio", "./../Studio", "a/../..",
                                    "/..", "a//../../Studio", "../tmp/../Studio"}) {
-        QTest::newRow(name) << QString::fromLatin1(name);
+        QTest::newRow(name) << std::string(name);
     }
 }
 
-void TemporaryDirRefusalTest::refusesANameThatLeadsOut()
+void TemporaryDirRefusalTest::rejectsANameWithParentFolders()
 {
-    QFETCH(QString, name);
-    tmp_ = At(QStringLiteral("deep/tmp"));
+    QFETCH(std::string, name);
+    std::string const tmp = At("deep/tmp");
     for (char const* const folder : {"", "Studio/", "deep/", "deep/Studio/", "deep/tmp/a/"}) {
-        QString const canaries = At(QString::fromLatin1(folder) + QStringLiteral("2/") + Name());
-        MakeFolder(canaries);
-        MakeFile(canaries + QStringLiteral("/canary"));
+        std::string const canaries = At(folder + ("2/" + ProgramName()));
+        MakeFolders(canaries);
+        MakeFile(canaries + "/canary");
     }
-    QStringList const before = Listing(Sandbox());
+    QByteArrayList const before = ListTree(Root());
 
-    VerifyRefused({QStringLiteral("name=") + name, QStringLiteral("version=2")}, tmp_);
+    VerifyRejected(
+        [&] {
+            qputenv("TMPDIR", QByteArray::fromStdString(tmp));
+            SetApplication(name, "2");
+        },
+        tmp);
 
-    QCOMPARE(Listing(Sandbox()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirRefusalTest::isInvalidWhereAFileStands_data()
+void TemporaryDirRefusalTest::isInvalidIfAFileIsInTheWay_data()
 {
-    QTest::addColumn<int>("level");
-    QTest::newRow("temporary folder") << -1;
-    QTest::newRow("application") << 0;
-    QTest::newRow("version") << 1;
-    QTest::newRow("executable") << 2;
+    LevelRows();
 }
 
-void TemporaryDirRefusalTest::isInvalidWhereAFileStands()
+void TemporaryDirRefusalTest::isInvalidIfAFileIsInTheWay()
 {
     QFETCH(int, level);
-    QString const place = own_.section(QLatin1Char('/'), 0, level - 3);
-    QDir().rmdir(tmp_);
-    MakeFolder(QFileInfo(place).path());
-    MakeFile(place);
-    QStringList const before = Listing(Sandbox());
+    std::string const file = FolderAtLevel(level);
+    Check(rmdir(tmp_.c_str()));
+    MakeFolders(ParentOf(file));
+    MakeFile(file);
+    QByteArrayList const before = ListTree(Root());
 
-    VerifyInvalid(MakeOne());
+    VerifyInvalid(RunInChild(CreateDirectory));
 
-    QCOMPARE(Listing(Sandbox()), before);
+    QCOMPARE(ListTree(Root()), before);
 }
 
 void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder_data()
 {
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QString>("version");
-    QTest::newRow("application's") << QStringLiteral("missing") << QStringLiteral("2.5.1");
-    QTest::newRow("application's, the folder above is missing too")
-        << QStringLiteral("missing/missing") << QStringLiteral("2.5.1");
-    QTest::newRow("Qt's") << QStringLiteral("missing") << QString();
+    QTest::addColumn<std::string>("folder");
+    QTest::addColumn<std::string>("version");
+    QTest::newRow("application's folder") << std::string("missing") << std::string("2.5.1");
+    QTest::newRow("application's folder, missing parent") << std::string("missing/missing") << std::string("2.5.1");
+    QTest::newRow("Qt's folder") << std::string("missing") << std::string();
 }
 
 void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 {
-    QFETCH(QString, folder);
-    QFETCH(QString, version);
-    QString const name = Sandbox().section(QLatin1Char('/'), -1);
-    QStringList const before = Listing(Sandbox());
+    QFETCH(std::string, folder);
+    QFETCH(std::string, version);
+    std::string const name = NameOf(Root()); // unique
+    QByteArrayList const before = ListTree(Root());
 
-    QString const make = QStringLiteral("make");
-    Player player(At(folder), {QStringLiteral("name=") + name, QStringLiteral("version=") + version, make, make});
-    VerifyInvalid(player.HearMade());
-    VerifyInvalid(player.HearMade());
-    player.End();
+    auto const states = RunInChild([&] {
+        qputenv("TMPDIR", QByteArray::fromStdString(At(folder)));
+        SetApplication(name, version);
+        DirectoryState const first = CreateDirectory();
+        return QVector<DirectoryState>{first, CreateDirectory()};
+    });
 
-    bool const isUnderRoot = Exists(QLatin1Char('/') + name);
-    QDir::root().rmpath(name + QStringLiteral("/2/") + Name());
-    QVERIFY(!isUnderRoot);
-    QCOMPARE(Listing(Sandbox()), before);
+    bool const isBelowRoot = Exists('/' + name);
+    QDir::root().rmpath(QString::fromStdString(name + "/2/" + ProgramName()));
+    QVERIFY(!isBelowRoot);
+    VerifyInvalid(states[0]);
+    VerifyInvalid(states[1]);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirRefusalTest::takesNoPathFromTheRootWithoutATemporaryFolder()
+void TemporaryDirRefusalTest::doesNotUseTheRootFolderWithoutATemporaryFolder()
 {
-    QString const bait = At(QStringLiteral("bait"));
-    MakeFolder(bait + QStringLiteral("/2/") + Name());
-    MakeFile(bait + QStringLiteral("/2/") + Name() + QStringLiteral("/canary"));
-    QStringList const before = Listing(Sandbox());
+    // With an empty temporary folder, the name would be an absolute path to this folder.
+    std::string const folder = At("folder");
+    MakeFolders(folder + "/2/" + ProgramName());
+    MakeFile(folder + "/2/" + ProgramName() + "/canary");
+    QByteArrayList const before = ListTree(Root());
 
-    Player player(At(QStringLiteral("missing")), {QStringLiteral("name=") + bait.mid(1), QStringLiteral("version=2"),
-                                                  QStringLiteral("make"), QStringLiteral("await")});
-    Made const made = player.HearMade();
-    QCOMPARE(Listing(Sandbox()), before);
-    player.GoOn();
-    player.End();
+    ChildProcess child([&](ChildProcess::Parent const& parent) {
+        qputenv("TMPDIR", QByteArray::fromStdString(At("missing")));
+        SetApplication(folder.substr(1), "2");
+        LogCapture const log;
+        TemporaryDir const directory;
+        parent.Send(StateOf(directory, log));
+        parent.WaitForContinue();
+    });
+    auto const state = child.Receive<DirectoryState>();
+    QCOMPARE(ListTree(Root()), before);
+    child.Continue();
+    child.Finish();
 
-    VerifyInvalid(made);
+    VerifyInvalid(state);
 }
 
-void TemporaryDirRefusalTest::isInvalidInAFolderThatCannotBeWritten_data()
+void TemporaryDirRefusalTest::isInvalidInAReadOnlyFolder_data()
 {
-    QTest::addColumn<int>("level");
-    QTest::newRow("temporary folder") << -1;
-    QTest::newRow("application") << 0;
-    QTest::newRow("version") << 1;
-    QTest::newRow("executable") << 2;
+    LevelRows();
 }
 
-void TemporaryDirRefusalTest::isInvalidInAFolderThatCannotBeWritten()
+void TemporaryDirRefusalTest::isInvalidInAReadOnlyFolder()
 {
     QFETCH(int, level);
-    QString const place = own_.section(QLatin1Char('/'), 0, level - 3);
-    MakeFolder(place);
-    for (int each = 0; each <= level && geteuid() == 0; ++each) {
-        GiveTo(Nobody, own_.section(QLatin1Char('/'), 0, each - 3));
+    std::string const folder = FolderAtLevel(level);
+    MakeFolders(folder);
+    for (int i = 0; i <= level && geteuid() == RootUser; ++i) {
+        SetOwner(FolderAtLevel(i), Nobody);
     }
-    MakeFile(place + QStringLiteral("/leftover"));
-    Chmod(place, 0555);
-    QStringList const before = Listing(Sandbox());
+    MakeFile(folder + "/leftover");
+    Chmod(folder, 0555);
+    QByteArrayList const before = ListTree(Root());
 
-    Made const made = MakeOne({QStringLiteral("ordinary user")});
+    DirectoryState const state = RunAsOrdinaryUser(CreateDirectory);
 
-    QCOMPARE(Listing(Sandbox()), before);
-    Chmod(place, 0755);
-    VerifyInvalid(made);
+    QCOMPARE(ListTree(Root()), before);
+    VerifyInvalid(state);
 }
 
-void TemporaryDirRefusalTest::isInvalidWithANameThatIsTooLong()
+void TemporaryDirRefusalTest::isInvalidIfTheNameIsTooLong()
 {
-    QStringList const before = Listing(Sandbox());
-    application_.first() = QStringLiteral("name=") + QString(300, QLatin1Char('x'));
-    VerifyInvalid(MakeOne());
-    QCOMPARE(Listing(Sandbox()), before);
+    QByteArrayList const before = ListTree(Root());
+
+    DirectoryState const state = RunInChild([] {
+        SetApplication(std::string(300, 'x'), "2.5.1");
+        return CreateDirectory();
+    });
+
+    VerifyInvalid(state);
+    QCOMPARE(ListTree(Root()), before);
 }
 
-int main(int argc, char** argv)
-{
-    return IsPlay(argc, argv) ? TakeSteps(argc, argv) : RunTests<TemporaryDirRefusalTest>(argc, argv, false);
-}
-
+ZQTUTIL_TEST_MAIN(TemporaryDirRefusalTest)
 #include "TemporaryDirRefusalTest.moc"

@@ -1,463 +1,471 @@
-// Where temporary directories lie, and how they go.
+// The folder in which a TemporaryDir is created.
 
-#include <support/processes/Plays.h>
-#include <support/sandbox/TemporaryFolders.h>
-#include <unit/files/TemporaryDirPlay.h>
+#include <support/ProgrammingError.h>
+#include <support/Timeouts.h>
+#include <support/processes/ChildMain.h>
+#include <support/processes/ChildProcess.h>
+#include <support/sandbox/Folders.h>
+#include <support/sandbox/Users.h>
 #include <unit/files/TemporaryDirTestCase.h>
-
-#include <Util/TemporaryDir.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
+#include <cstdio>
 #include <memory>
-#include <optional>
-#include <type_traits>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <sys/stat.h>
 
 using Zelkor::Util::TemporaryDir;
 using namespace Zelkor::Testing;
 
-static_assert(std::is_default_constructible_v<TemporaryDir>);
-static_assert(!std::is_copy_constructible_v<TemporaryDir> && !std::is_copy_assignable_v<TemporaryDir>);
-static_assert(!std::is_move_constructible_v<TemporaryDir> && !std::is_move_assignable_v<TemporaryDir>);
-static_assert(!std::is_polymorphic_v<TemporaryDir> && !std::is_final_v<TemporaryDir>);
-static_assert(sizeof(TemporaryDir) == sizeof(std::unique_ptr<QTemporaryDir>));
-static_assert(std::is_same_v<decltype(&TemporaryDir::isValid), bool (TemporaryDir::*)() const>);
-static_assert(std::is_same_v<decltype(&TemporaryDir::errorString), QString (TemporaryDir::*)() const>);
-static_assert(std::is_same_v<decltype(&TemporaryDir::autoRemove), bool (TemporaryDir::*)() const>);
-static_assert(std::is_same_v<decltype(&TemporaryDir::setAutoRemove), void (TemporaryDir::*)(bool)>);
-static_assert(std::is_same_v<decltype(&TemporaryDir::remove), bool (TemporaryDir::*)()>);
-static_assert(std::is_same_v<decltype(&TemporaryDir::path), QString (TemporaryDir::*)() const>);
-static_assert(std::is_same_v<decltype(&TemporaryDir::filePath), QString (TemporaryDir::*)(QString const&) const>);
+using Setter = void (*)();
+Q_DECLARE_METATYPE(Setter)
+
+namespace
+{
+
+std::string CleanPath(std::string const& path)
+{
+    return QDir::cleanPath(QString::fromStdString(path)).toStdString();
+}
+
+/// Creates two directories at the same time and returns their states.
+QVector<DirectoryState> CreateTwoDirectories()
+{
+    LogCapture const firstLog;
+    TemporaryDir const first;
+    LogCapture const secondLog;
+    TemporaryDir const second;
+    return {StateOf(first, firstLog), StateOf(second, secondLog)};
+}
+
+/// Destroys the QCoreApplication of a child process, so that Qt does not provide a default application name.
+void DestroyApplication()
+{
+    delete QCoreApplication::instance();
+}
+
+/// Creates a directory for the application whose name and version are the arguments of the process. Prints its path if
+/// the directory exists.
+void PrintDirectory()
+{
+    QStringList const arguments = QCoreApplication::arguments();
+    QCoreApplication::setApplicationName(arguments.at(3));
+    QCoreApplication::setApplicationVersion(arguments.at(4));
+    TemporaryDir const directory;
+    if (directory.isValid() && QFile::exists(directory.path())) {
+        std::printf("%s", qPrintable(directory.path()));
+    }
+}
+
+constexpr ChildMain childMains[] = {{"print directory", PrintDirectory}};
+
+} // namespace
 
 class TemporaryDirTest : public TemporaryDirTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void liesBelowNameAndMajorVersionAndExecutable_data();
-    void liesBelowNameAndMajorVersionAndExecutable();
-    void endsInSixRandomCharacters();
-    void isNamedAfterTheExecutableWithoutANameOfItsOwn();
-    void takesNamesAndPathsAsTheyAre_data();
-    void takesNamesAndPathsAsTheyAre();
+    void isBelowNameMajorVersionAndProgram_data();
+    void isBelowNameMajorVersionAndProgram();
+    void hasANameOfSixRandomCharacters();
+    void usesQtsDefaultApplicationName();
+    void takesNamesAndPathsLiterally_data();
+    void takesNamesAndPathsLiterally();
     void acceptsATemporaryFolderThatIsALink();
     void acceptsARelativeTemporaryFolder();
-    void acceptsATemporaryFolderOfSomebodyElse();
-    void isOnlyItsUsers();
-    void isRemovedWithTheObject();
-    void staysInTheFolderOfTheFirstOne();
+    void acceptsATemporaryFolderOfAnotherUser();
+    void isAccessibleToItsOwnerOnly();
+    void isRemovedByTheDestructor();
+    void keepsTheFolderOfTheFirstDirectory();
+    void returnsFalseIfRemovalFails();
 
-    void liesWhereQtPutsItWithoutNameOrVersion_data();
-    void liesWhereQtPutsItWithoutNameOrVersion();
-    void throwsAfterOneThatWasMadeWithoutVersion();
-    void mixesKindsInOneOrderOnly_data();
-    void mixesKindsInOneOrderOnly();
-
-    void removesItselfUnlessToldOtherwise_data();
-    void removesItselfUnlessToldOtherwise();
-    void isRemovedOnDemandAsQtDoes();
-    void tellsWhenItCannotBeRemoved();
-    void composesPathsOfFilesAsQtDoes_data();
-    void composesPathsOfFilesAsQtDoes();
-    void acceptsNoAbsoluteFileName();
-    void hasNoErrorWhenValid();
+    void usesQtsFolderWithoutNameOrVersion_data();
+    void usesQtsFolderWithoutNameOrVersion();
+    void throwsIfTheVersionIsSetAfterTheFirstDirectory();
+    void acceptsALaterChangeOfTheVersionOnlyIfItIsReset_data();
+    void acceptsALaterChangeOfTheVersionOnlyIfItIsReset();
 };
 
-void TemporaryDirTest::liesBelowNameAndMajorVersionAndExecutable_data()
+void TemporaryDirTest::isBelowNameMajorVersionAndProgram_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("version");
-    QTest::addColumn<QString>("executable");
-    QTest::addColumn<QString>("folder");
-    auto const row = [](char const* title, char const* name, char const* version, char const* executable,
-                        char const* folder) {
-        QTest::newRow(title) << QString::fromUtf8(name) << QString::fromUtf8(version) << QString::fromUtf8(executable)
-                             << QString::fromUtf8(folder);
-    };
-    row("all as usual", "Studio", "2.5.1", "Studio", "Studio/2/Studio");
-    row("name and executable differ", "The Studio", "2.5.1", "studio-bin", "The Studio/2/studio-bin");
-    row("executable with a suffix", "Studio", "2.5.1", "studio.exe", "Studio/2/studio");
-    row("executable with two suffixes", "Studio", "2.5.1", "studio.x86.exe", "Studio/2/studio.x86");
-    row("executable like place markers", "Studio", "2.5.1", "%1 %2.exe", "Studio/2/%1 %2");
+    QTest::addColumn<std::string>("name");
+    QTest::addColumn<std::string>("version");
+    QTest::addColumn<std::string>("program");
+    QTest::addColumn<std::string>("folder");
+    auto const row = [](char const* title, std::string const& name, std::string const& version,
+                        std::string const& program,
+                        std::string const& folder) { QTest::newRow(title) << name << version << program << folder; };
+    row("usual names", "Studio", "2.5.1", "Studio", "Studio/2/Studio");
+    row("different name and program", "The Studio", "2.5.1", "studio-bin", "The Studio/2/studio-bin");
+    row("program with a suffix", "Studio", "2.5.1", "studio.exe", "Studio/2/studio");
+    row("program with two suffixes", "Studio", "2.5.1", "studio.x86.exe", "Studio/2/studio.x86");
+    row("program with placeholders", "Studio", "2.5.1", "%1 %2.exe", "Studio/2/%1 %2");
     row("major version only", "Studio", "7", "studio", "Studio/7/studio");
     row("two digits", "Studio", "12.0", "studio", "Studio/12/studio");
-    row("no digit groups", "Studio", "1234567.1", "studio", "Studio/1234567/studio");
+    row("no digit grouping", "Studio", "1234567.1", "studio", "Studio/1234567/studio");
     row("beyond the signed range", "Studio", "4000000000.1", "studio", "Studio/4000000000/studio");
     row("leading zeros", "Studio", "007.1", "studio", "Studio/7/studio");
     row("version with a suffix", "Studio", "3-rc1", "studio", "Studio/3/studio");
     row("version without numbers", "Studio", "beta", "studio", "Studio/0/studio");
-    row("version that leads up", "Studio", "../../..", "studio", "Studio/0/studio");
+    row("version with parent folders", "Studio", "../../..", "studio", "Studio/0/studio");
 }
 
-void TemporaryDirTest::liesBelowNameAndMajorVersionAndExecutable()
+void TemporaryDirTest::isBelowNameMajorVersionAndProgram()
 {
-    QFETCH(QString, name);
-    QFETCH(QString, version);
-    QFETCH(QString, executable);
-    QFETCH(QString, folder);
-    QString const program = At(QStringLiteral("bin/")) + executable;
-    MakeFolder(At(QStringLiteral("bin")));
-    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), program));
+    QFETCH(std::string, name);
+    QFETCH(std::string, version);
+    QFETCH(std::string, program);
+    QFETCH(std::string, folder);
+    MakeFolder(At("bin"));
+    QString const copy = QString::fromStdString(At("bin/" + program));
+    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
 
-    Player player(tmp_, {QStringLiteral("name=") + name, QStringLiteral("version=") + version, QStringLiteral("make")},
-                  program);
-    Made const made = player.HearMade();
-    player.End();
+    // The name of the program file matters, therefore a forked child is not enough.
+    QProcess process;
+    StartChildMain(process, copy, "print directory", {QString::fromStdString(name), QString::fromStdString(version)});
+    QVERIFY(process.waitForFinished(TimeoutMs));
 
-    QVERIFY2(made.valid, qPrintable(made.error));
-    QVERIFY(made.isThere);
-    QCOMPARE(QFileInfo(made.path).path(), tmp_ + QLatin1Char('/') + folder);
-    QCOMPARE(made.complaints, QStringList());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(process.readAllStandardError(), QByteArray()); // log messages would appear here
+    QCOMPARE(ParentOf(process.readAllStandardOutput().toStdString()), tmp_ + '/' + folder);
 }
 
-void TemporaryDirTest::endsInSixRandomCharacters()
+void TemporaryDirTest::hasANameOfSixRandomCharacters()
 {
+    QStringList const names = RunInChild([] {
+        QStringList result;
+        for (int i = 0; i < 4; ++i) {
+            TemporaryDir const directory;
+            result += directory.path().section(QLatin1Char('/'), -1);
+        }
+        return result;
+    });
+
     QRegularExpression const sixCharacters(QStringLiteral("^[A-Za-z0-9]{6}$"));
-    QSet<QString> names;
-    QString const make = QStringLiteral("make");
-    Player player(tmp_, application_ + QStringList{make, make, make, make});
-    for (int i = 0; i < 4; ++i) {
-        QString const name = player.HearMade().path.section(QLatin1Char('/'), -1);
+    for (QString const& name : names) {
         QVERIFY2(sixCharacters.match(name).hasMatch(), qPrintable(name));
         QVERIFY(name != QStringLiteral("XXXXXX"));
-        names += name;
     }
-    player.End();
-    QCOMPARE(names.size(), 4);
+    QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), 4);
 }
 
-void TemporaryDirTest::isNamedAfterTheExecutableWithoutANameOfItsOwn()
+void TemporaryDirTest::usesQtsDefaultApplicationName()
 {
-    Player player(tmp_, {QStringLiteral("version=2.5.1"), QStringLiteral("make")});
-    Made const made = player.HearMade();
-    player.End();
-    // Qt itself calls the application so, after the first of its arguments.
-    QCOMPARE(QFileInfo(made.path).path(), tmp_ + QStringLiteral("/play/2/") + Name());
+    DirectoryState const state = RunInChild([] {
+        DestroyApplication();
+        int argc = 1;
+        char program[] = "/bin/first-argument";
+        char* argv[] = {program, nullptr};
+        QCoreApplication const application(argc, argv);
+        SetApplication("", "2.5.1");
+        return CreateDirectory();
+    });
+
+    QCOMPARE(ParentOf(state.path), tmp_ + "/first-argument/2/" + ProgramName());
 }
 
-void TemporaryDirTest::takesNamesAndPathsAsTheyAre_data()
+void TemporaryDirTest::takesNamesAndPathsLiterally_data()
 {
-    QTest::addColumn<QString>("tmp");
-    QTest::addColumn<QString>("name");
+    QTest::addColumn<std::string>("tmp");
+    QTest::addColumn<std::string>("name");
     struct Row
     {
         char const* title;
-        QString text;
+        std::string text;
     };
     Row const rows[] = {
-        {"blanks", QStringLiteral("two words ")},
-        {"quotes", QStringLiteral("'a' \"b\" `c`")},
-        {"first place marker", QStringLiteral("100%1")},
-        {"third place marker", QStringLiteral("%3")},
-        {"all place markers", QStringLiteral("%4 %3 %2 %1 %L1 %99 %%1")},
-        {"line feed", QStringLiteral("a\nb")},
-        {"backslash", QStringLiteral("a\\b")},
-        {"wildcards", QStringLiteral("*?[a-z]")},
-        {"six X", QStringLiteral("XXXXXX")},
-        {"dollar and tilde", QStringLiteral("~$HOME")},
-        {"hidden", QStringLiteral(".hidden")},
-        {"beyond ASCII", QStringLiteral("\u00E4\u20AC\U0001D11E")},
-        {"dots", QStringLiteral("a..b...")},
-        {"subfolder", QStringLiteral("Zelkor/Studio")},
+        {"blanks", "two words "},
+        {"quotes", "'a' \"b\" `c`"},
+        {"first placeholder", "100%1"},
+        {"third placeholder", "%3"},
+        {"all placeholders", "%4 %3 %2 %1 %L1 %99 %%1"},
+        {"line feed", "a\nb"},
+        {"backslash", "a\\b"},
+        {"wildcards", "*?[a-z]"},
+        {"six X", "XXXXXX"},
+        {"dollar and tilde", "~$HOME"},
+        {"hidden", ".hidden"},
+        {"non-ASCII", "\u00E4\u20AC\U0001D11E"},
+        {"dots", "a..b..."},
+        {"subfolder", "Zelkor/Studio"},
     };
     for (Row const& row : rows) {
-        QTest::newRow(QByteArray("temporary folder: ").append(row.title).constData())
-            << row.text << QStringLiteral("Studio");
-        QTest::newRow(QByteArray("name: ").append(row.title).constData()) << QStringLiteral("plain") << row.text;
-        QTest::newRow(QByteArray("both: ").append(row.title).constData()) << row.text << row.text;
+        QTest::addRow("temporary folder: %s", row.title) << row.text << std::string("Studio");
+        QTest::addRow("name: %s", row.title) << std::string("plain") << row.text;
+        QTest::addRow("both: %s", row.title) << row.text << row.text;
     }
-    QTest::newRow("name: absolute path") << QStringLiteral("plain") << QStringLiteral("/usr");
+    QTest::newRow("name: absolute path") << std::string("plain") << std::string("/usr");
 }
 
-void TemporaryDirTest::takesNamesAndPathsAsTheyAre()
+void TemporaryDirTest::takesNamesAndPathsLiterally()
 {
-    QFETCH(QString, tmp);
-    QFETCH(QString, name);
-    QString const folder =
-        QDir::cleanPath(tmp_ + QLatin1Char('/') + tmp + QLatin1Char('/') + name + QStringLiteral("/2/") + Name());
-    MakeFolder(folder);
-    MakeFile(folder + QStringLiteral("/leftover"));
+    QFETCH(std::string, tmp);
+    QFETCH(std::string, name);
+    std::string const temporaryFolder = tmp_ + '/' + tmp;
+    std::string const folder = CleanPath(temporaryFolder + '/' + name + "/2/" + ProgramName());
+    MakeFolders(folder);
+    MakeFile(folder + "/leftover");
 
-    QString const make = QStringLiteral("make");
-    Player player(tmp_ + QLatin1Char('/') + tmp,
-                  {QStringLiteral("name=") + name, QStringLiteral("version=2.5.1"), make, make});
-    for (int i = 0; i < 2; ++i) {
-        Made const made = player.HearMade();
-        QVERIFY2(made.valid, qPrintable(made.error));
-        QVERIFY(made.isThere);
-        QCOMPARE(QDir::cleanPath(QFileInfo(made.path).path()), folder);
+    auto const states = RunInChild([&] {
+        qputenv("TMPDIR", QByteArray::fromStdString(temporaryFolder));
+        SetApplication(name, "2.5.1");
+        return CreateTwoDirectories();
+    });
+
+    for (DirectoryState const& state : states) {
+        QVERIFY2(state.isValid, state.error.c_str());
+        QVERIFY(state.exists);
+        QCOMPARE(CleanPath(ParentOf(state.path)), folder);
     }
-    player.End();
-
-    QCOMPARE(Listing(folder), QStringList());
+    QCOMPARE(ListTree(folder), QByteArrayList());
 }
 
 void TemporaryDirTest::acceptsATemporaryFolderThatIsALink()
 {
-    QString const linked = At(QStringLiteral("linked"));
-    MakeLink(linked, tmp_);
-    MakeFolder(own_);
-    MakeFile(own_ + QStringLiteral("/leftover"));
+    std::string const link = At("linked");
+    MakeLink(link, tmp_);
+    MakeFolders(appFolder_);
+    MakeFile(appFolder_ + "/leftover");
 
-    Player player(linked, application_ + QStringList{QStringLiteral("make"), QStringLiteral("await")});
-    Made const made = player.HearMade();
-    QVERIFY2(made.valid, qPrintable(made.error));
-    QCOMPARE(made.complaints, QStringList());
-    QCOMPARE(QDir(own_).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-             QStringList(made.path.section(QLatin1Char('/'), -1)));
-    player.GoOn();
-    player.End();
+    ChildProcess child([&](ChildProcess::Parent const& parent) {
+        qputenv("TMPDIR", QByteArray::fromStdString(link));
+        LogCapture const log;
+        TemporaryDir const directory;
+        parent.Send(StateOf(directory, log));
+        parent.WaitForContinue();
+    });
+    auto const state = child.Receive<DirectoryState>();
+    QByteArrayList const found = ListTree(appFolder_);
+    child.Continue();
+    child.Finish();
+
+    QVERIFY2(state.isValid, state.error.c_str());
+    QCOMPARE(state.problems, QStringList());
+    QCOMPARE(found, QByteArrayList{QByteArray::fromStdString(NameOf(state.path))});
 }
 
 void TemporaryDirTest::acceptsARelativeTemporaryFolder()
 {
-    Player player(QStringLiteral("tmp"), application_ + QStringList(QStringLiteral("make")),
-                  QCoreApplication::applicationFilePath(), Sandbox());
-    Made const made = player.HearMade();
-    player.End();
+    DirectoryState const state = RunInChild([&] {
+        WorkingFolder const current(Root());
+        qputenv("TMPDIR", "tmp");
+        return CreateDirectory();
+    });
 
-    QVERIFY2(made.valid, qPrintable(made.error));
-    QCOMPARE(QFileInfo(made.path).path(), own_);
+    QVERIFY2(state.isValid, state.error.c_str());
+    QCOMPARE(ParentOf(state.path), appFolder_);
 }
 
-void TemporaryDirTest::acceptsATemporaryFolderOfSomebodyElse()
+void TemporaryDirTest::acceptsATemporaryFolderOfAnotherUser()
 {
     Chmod(tmp_, 01777);
-    Made const made = MakeOne({QStringLiteral("ordinary user")});
-    QVERIFY2(made.valid, qPrintable(made.error));
-    QCOMPARE(QFileInfo(made.path).path(), own_);
-    QCOMPARE(made.complaints, QStringList());
+
+    DirectoryState const state = RunAsOrdinaryUser(CreateDirectory);
+
+    QVERIFY2(state.isValid, state.error.c_str());
+    QCOMPARE(ParentOf(state.path), appFolder_);
+    QCOMPARE(state.problems, QStringList());
 }
 
-void TemporaryDirTest::isOnlyItsUsers()
+void TemporaryDirTest::isAccessibleToItsOwnerOnly()
 {
-    Player player(tmp_, application_ + QStringList{QStringLiteral("make"), QStringLiteral("await")});
-    struct stat status;
-    QCOMPARE(stat(QFile::encodeName(player.HearMade().path).constData(), &status), 0);
-    QCOMPARE(static_cast<int>(status.st_mode & 07777), 0700);
-    player.GoOn();
-    player.End();
+    uint const mode = RunInChild([] {
+        TemporaryDir const directory;
+        struct stat status;
+        Check(stat(directory.path().toStdString().c_str(), &status));
+        return uint(status.st_mode);
+    });
+
+    QCOMPARE(mode & 07777U, 0700U);
 }
 
-void TemporaryDirTest::isRemovedWithTheObject()
+void TemporaryDirTest::isRemovedByTheDestructor()
 {
-    Player player(tmp_, application_ + QStringList{QStringLiteral("make"), QStringLiteral("put file=file"),
-                                                   QStringLiteral("await")});
-    Made const made = player.HearMade();
-    QVERIFY(Exists(made.path));
-    player.GoOn();
-    player.End();
-    QVERIFY(!Exists(made.path));
-    QVERIFY(Exists(own_));
+    ChildProcess child([](ChildProcess::Parent const& parent) {
+        LogCapture const log;
+        TemporaryDir const directory;
+        DirectoryState const state = StateOf(directory, log);
+        MakeFile(state.file);
+        parent.Send(state);
+        parent.WaitForContinue();
+    });
+    auto const state = child.Receive<DirectoryState>();
+    QVERIFY(Exists(state.file));
+
+    child.Continue();
+    child.Finish();
+
+    QVERIFY(!Exists(state.path));
+    QVERIFY(Exists(appFolder_));
 }
 
-void TemporaryDirTest::staysInTheFolderOfTheFirstOne()
+void TemporaryDirTest::keepsTheFolderOfTheFirstDirectory()
 {
-    Player player(tmp_, application_ + QStringList{QStringLiteral("make"), QStringLiteral("name=Other"),
-                                                   QStringLiteral("version=9"),
-                                                   QStringLiteral("temporary folder=") + At(QStringLiteral("outside")),
-                                                   QStringLiteral("make")});
-    QCOMPARE(QFileInfo(player.HearMade().path).path(), own_);
-    Made const second = player.HearMade();
-    player.End();
-    QVERIFY(second.isThere);
-    QCOMPARE(QFileInfo(second.path).path(), own_);
+    auto const states = RunInChild([&] {
+        DirectoryState const first = CreateDirectory();
+        SetApplication("Other", "9");
+        qputenv("TMPDIR", QByteArray::fromStdString(outside_));
+        return QVector<DirectoryState>{first, CreateDirectory()};
+    });
+
+    QCOMPARE(ParentOf(states[0].path), appFolder_);
+    QVERIFY(states[1].exists);
+    QCOMPARE(ParentOf(states[1].path), appFolder_);
 }
 
-void TemporaryDirTest::liesWhereQtPutsItWithoutNameOrVersion_data()
+void TemporaryDirTest::returnsFalseIfRemovalFails()
 {
-    QTest::addColumn<QStringList>("steps");
-    QString const noApplication = QStringLiteral("no application");
-    QTest::newRow("no version") << QStringList{QStringLiteral("name=Studio")};
-    QTest::newRow("version taken back") << QStringList{QStringLiteral("name=Studio"), QStringLiteral("version=2"),
-                                                       QStringLiteral("version=")};
-    QTest::newRow("no name") << QStringList{noApplication, QStringLiteral("version=2.5.1"), QStringLiteral("name=")};
-    QTest::newRow("neither") << QStringList{noApplication, QStringLiteral("version="), QStringLiteral("name=")};
-}
+    Chmod(tmp_, 01777);
 
-void TemporaryDirTest::liesWhereQtPutsItWithoutNameOrVersion()
-{
-    QFETCH(QStringList, steps);
-    MakeFolder(own_);
-    MakeFile(own_ + QStringLiteral("/leftover"));
-    MakeFile(tmp_ + QStringLiteral("/leftover"));
-    QStringList const before = Listing(Sandbox());
+    ChildProcess child([](ChildProcess::Parent const& parent) {
+        BecomeOrdinaryUser();
+        TemporaryDir directory;
+        std::string const path = directory.path().toStdString();
+        MakeFolder(path + "/locked");
+        MakeFile(path + "/locked/file");
+        Chmod(path + "/locked", 0555);
+        parent.Send(QByteArray::fromStdString(path));
+        parent.Send(directory.remove());
+        parent.WaitForContinue();
+    });
+    std::string const path = child.Receive<QByteArray>().toStdString();
+    QVERIFY(!child.Receive<bool>());
+    QVERIFY(Exists(path));
 
-    QString const make = QStringLiteral("make");
-    Player player(tmp_, steps + QStringList{make, make});
-    for (int i = 0; i < 2; ++i) {
-        Made const made = player.HearMade();
-        QVERIFY2(made.valid, qPrintable(made.error));
-        QVERIFY(made.isThere);
-        QCOMPARE(QFileInfo(made.path).path(), tmp_);
-        QCOMPARE(made.complaints, QStringList());
-    }
-    player.End();
-
-    QCOMPARE(Listing(Sandbox()), before);
-}
-
-void TemporaryDirTest::throwsAfterOneThatWasMadeWithoutVersion()
-{
-    MakeFolder(own_);
-    MakeFile(own_ + QStringLiteral("/leftover"));
-    Player player(tmp_, {QStringLiteral("name=Studio"), QStringLiteral("make"), QStringLiteral("version=2.5.1"),
-                         QStringLiteral("make")});
-    QVERIFY(player.HearMade().valid);
-    QJsonObject const facts = player.Hear();
-    player.End();
-
-    QString const text = facts.value(QStringLiteral("thrown")).toString();
-    QCOMPARE(text.section(QLatin1Char('\n'), 0, 0),
-             QStringLiteral("Using TemporaryDir before and after applicationName and applicationVersion are set"));
-    QString const callStack = text.section(QLatin1Char('\n'), 1);
-    QVERIFY2(callStack.contains(QStringLiteral("TemporaryDir::TemporaryDir")), qPrintable(text));
-    QVERIFY2(callStack.contains(QStringLiteral("main")), qPrintable(text));
-    QCOMPARE(facts.value(QStringLiteral("file")).toString(), QStringLiteral("Util/TemporaryDir.cpp"));
-    QCOMPARE(facts.value(QStringLiteral("function")).toString(),
-             QStringLiteral("Zelkor::Util::TemporaryDir::TemporaryDir()"));
-    QVERIFY(facts.value(QStringLiteral("line")).toInt() > 0);
-    QVERIFY(Exists(own_ + QStringLiteral("/leftover")));
-}
-
-void TemporaryDirTest::mixesKindsInOneOrderOnly_data()
-{
-    QTest::addColumn<QString>("kinds");   // d: without version, a: with it
-    QTest::addColumn<QString>("results"); // where it lies, x: thrown
-    auto const row = [](char const* name, char const* kinds, char const* results) {
-        QTest::newRow(name) << QString::fromLatin1(kinds) << QString::fromLatin1(results);
-    };
-    row("application's only", "aaa", "aaa");
-    row("Qt's only", "ddd", "ddd");
-    row("application's after Qt's", "da", "dx");
-    row("application's after Qt's, again", "daa", "dxx");
-    row("Qt's after one that was refused", "dad", "dxd");
-    row("Qt's after application's", "ad", "ad");
-    row("application's after both", "ada", "adx");
-}
-
-void TemporaryDirTest::mixesKindsInOneOrderOnly()
-{
-    QFETCH(QString, kinds);
-    QFETCH(QString, results);
-    QStringList steps(QStringLiteral("name=Studio"));
-    for (QChar const kind : kinds) {
-        steps += kind == QLatin1Char('a') ? QStringLiteral("version=2.5.1") : QStringLiteral("version=");
-        steps += QStringLiteral("make");
-    }
-    Player player(tmp_, steps);
-    QString found;
-    for (int i = 0; i < kinds.size(); ++i) {
-        QJsonObject const facts = player.Hear();
-        QString const folder = QFileInfo(MadeFrom(facts).path).path();
-        found += facts.contains(QStringLiteral("thrown")) ? QLatin1Char('x')
-                 : folder == own_                         ? QLatin1Char('a')
-                 : folder == tmp_                         ? QLatin1Char('d')
-                                                          : QLatin1Char('?');
-    }
-    player.End();
-    QCOMPARE(found, results);
-}
-
-void TemporaryDirTest::removesItselfUnlessToldOtherwise_data()
-{
-    QTest::addColumn<QVector<bool>>("settings");
-    QTest::addColumn<bool>("removed");
-    QTest::newRow("nothing said") << QVector<bool>() << true;
-    QTest::newRow("on") << QVector<bool>{true} << true;
-    QTest::newRow("off") << QVector<bool>{false} << false;
-    QTest::newRow("off and on again") << QVector<bool>{false, true} << true;
-}
-
-void TemporaryDirTest::removesItselfUnlessToldOtherwise()
-{
-    QFETCH(QVector<bool>, settings);
-    QFETCH(bool, removed);
-    std::optional<TemporaryDir> directory(std::in_place);
-    QVERIFY(directory->autoRemove());
-    for (bool const setting : settings) {
-        directory->setAutoRemove(setting);
-        QCOMPARE(directory->autoRemove(), setting);
-    }
-    QString const path = directory->path();
-    MakeTree(directory->filePath(QStringLiteral("folder")));
-    directory.reset();
-    QCOMPARE(!Exists(path), removed);
-}
-
-void TemporaryDirTest::isRemovedOnDemandAsQtDoes()
-{
-    TemporaryDir directory;
-    QTemporaryDir peer;
-    QString const path = directory.path();
-    MakeTree(directory.filePath(QStringLiteral("folder")));
-    QVERIFY(directory.remove());
+    Chmod(path + "/locked", 0755);
+    child.Continue();
+    child.Finish();
     QVERIFY(!Exists(path));
-    QVERIFY(peer.remove());
-    QCOMPARE(directory.isValid(), peer.isValid());
-    QCOMPARE(directory.path().isEmpty(), peer.path().isEmpty());
-    QCOMPARE(directory.errorString(), peer.errorString());
-    QCOMPARE(directory.remove(), peer.remove());
 }
 
-void TemporaryDirTest::tellsWhenItCannotBeRemoved()
+void TemporaryDirTest::usesQtsFolderWithoutNameOrVersion_data()
 {
-    Chmod(tmp_, 01777);
-    Player player(tmp_, application_ + QStringList{QStringLiteral("ordinary user"), QStringLiteral("make"),
-                                                   QStringLiteral("put locked folder=locked"), QStringLiteral("remove"),
-                                                   QStringLiteral("await")});
-    Made const made = player.HearMade();
-    QJsonObject const facts = player.Hear();
-    QVERIFY(!facts.value(QStringLiteral("removed")).toBool());
-    QVERIFY(facts.value(QStringLiteral("isThere")).toBool());
-    Chmod(made.path + QStringLiteral("/locked"), 0755);
-    player.GoOn();
-    player.End();
-    QVERIFY(!Exists(made.path));
+    QTest::addColumn<Setter>("setApplication");
+    auto const row = [](char const* title, Setter setApplication) { QTest::newRow(title) << setApplication; };
+    row("no version", [] { SetApplication("Studio", ""); });
+    row("version set and reset", [] {
+        SetApplication("Studio", "2");
+        SetApplication("Studio", "");
+    });
+    row("no name", [] {
+        DestroyApplication();
+        SetApplication("", "2.5.1");
+    });
+    row("neither", [] {
+        DestroyApplication();
+        SetApplication("", "");
+    });
 }
 
-void TemporaryDirTest::composesPathsOfFilesAsQtDoes_data()
+void TemporaryDirTest::usesQtsFolderWithoutNameOrVersion()
 {
-    QTest::addColumn<QString>("name");
-    for (char const* const name : {"", "file", "folder/file", "../file", "%1", " a b ", "\xC3\xA4\xE2\x82\xAC"}) {
-        QTest::newRow(name) << QString::fromUtf8(name);
+    QFETCH(Setter, setApplication);
+    MakeFolders(appFolder_);
+    MakeFile(appFolder_ + "/leftover");
+    MakeFile(tmp_ + "/leftover");
+    QByteArrayList const before = ListTree(Root());
+
+    auto const states = RunInChild([&] {
+        setApplication();
+        return CreateTwoDirectories();
+    });
+
+    for (DirectoryState const& state : states) {
+        QVERIFY2(state.isValid, state.error.c_str());
+        QVERIFY(state.exists);
+        QCOMPARE(ParentOf(state.path), tmp_);
+        QCOMPARE(state.problems, QStringList());
     }
+    QCOMPARE(ListTree(Root()), before);
 }
 
-void TemporaryDirTest::composesPathsOfFilesAsQtDoes()
+void TemporaryDirTest::throwsIfTheVersionIsSetAfterTheFirstDirectory()
 {
-    QFETCH(QString, name);
-    TemporaryDir const directory;
-    QTemporaryDir const peer;
-    QCOMPARE(directory.filePath(name), directory.path() + peer.filePath(name).mid(peer.path().size()));
+    MakeFolders(appFolder_);
+    MakeFile(appFolder_ + "/leftover");
+
+    QStringList const error = RunInChild([] {
+        SetApplication("Studio", "");
+        TemporaryDir const first;
+        SetApplication("Studio", "2.5.1");
+        ProgrammingError const caught = CatchProgrammingError<std::logic_error>([] { TemporaryDir const second; });
+        return QStringList{caught.message, caught.callStack, caught.file, caught.function,
+                           QString::number(caught.line)};
+    });
+
+    QCOMPARE(error[0],
+             QStringLiteral("Using TemporaryDir before and after applicationName and applicationVersion are set"));
+    QVERIFY2(error[1].contains(QStringLiteral("TemporaryDir::TemporaryDir")), qPrintable(error[1]));
+    QVERIFY2(error[1].contains(QStringLiteral("main")), qPrintable(error[1]));
+    QCOMPARE(error[2], QStringLiteral("Util/TemporaryDir.cpp"));
+    QCOMPARE(error[3], QStringLiteral("Zelkor::Util::TemporaryDir::TemporaryDir()"));
+    QVERIFY(error[4].toInt() > 0);
+    QVERIFY(Exists(appFolder_ + "/leftover"));
 }
 
-void TemporaryDirTest::acceptsNoAbsoluteFileName()
+void TemporaryDirTest::acceptsALaterChangeOfTheVersionOnlyIfItIsReset_data()
 {
-    TemporaryDir const directory;
-    ExpectQtWarning(QRegularExpression(QStringLiteral("^QTemporaryDir::filePath: Absolute paths are not allowed")));
-    QCOMPARE(directory.filePath(QStringLiteral("/file")), QString());
+    QTest::addColumn<QStringList>("versions"); // at the time of each directory
+    QTest::addColumn<QStringList>("results");  // its folder, or "exception"
+    QString const version = QStringLiteral("2.5.1");
+    QString const none;
+    QString const application = QStringLiteral("application's folder");
+    QString const qt = QStringLiteral("Qt's folder");
+    QString const exception = QStringLiteral("exception");
+    QTest::newRow("always set") << QStringList{version, version, version}
+                                << QStringList{application, application, application};
+    QTest::newRow("never set") << QStringList{none, none, none} << QStringList{qt, qt, qt};
+    QTest::newRow("set later") << QStringList{none, version} << QStringList{qt, exception};
+    QTest::newRow("set later, two attempts")
+        << QStringList{none, version, version} << QStringList{qt, exception, exception};
+    QTest::newRow("set later and reset") << QStringList{none, version, none} << QStringList{qt, exception, qt};
+    QTest::newRow("reset") << QStringList{version, none} << QStringList{application, qt};
+    QTest::newRow("reset and set again") << QStringList{version, none, version}
+                                         << QStringList{application, qt, exception};
 }
 
-void TemporaryDirTest::hasNoErrorWhenValid()
+void TemporaryDirTest::acceptsALaterChangeOfTheVersionOnlyIfItIsReset()
 {
-    TemporaryDir const directory;
-    QVERIFY(directory.isValid());
-    QCOMPARE(directory.errorString(), QString());
-    QVERIFY(QDir::isAbsolutePath(directory.path()));
+    QFETCH(QStringList, versions);
+    QFETCH(QStringList, results);
+
+    QStringList const found = RunInChild([&] {
+        QStringList folders;
+        std::vector<std::unique_ptr<TemporaryDir>> directories;
+        for (QString const& version : versions) {
+            QCoreApplication::setApplicationVersion(version);
+            try {
+                directories.push_back(std::make_unique<TemporaryDir>());
+            } catch (std::logic_error const&) {
+                folders += QStringLiteral("exception");
+                continue;
+            }
+            std::string const folder = ParentOf(directories.back()->path().toStdString());
+            folders += folder == appFolder_ ? QStringLiteral("application's folder")
+                       : folder == tmp_     ? QStringLiteral("Qt's folder")
+                                            : QString::fromStdString(folder);
+        }
+        return folders;
+    });
+
+    QCOMPARE(found, results);
 }
 
 int main(int argc, char** argv)
 {
-    return IsPlay(argc, argv) ? TakeSteps(argc, argv) : RunTests<TemporaryDirTest>(argc, argv, false);
+    return IsChildMain(argc, argv) ? RunChildMain(argc, argv, childMains)
+                                   : RunTests<TemporaryDirTest>(argc, argv, false);
 }
 
 #include "TemporaryDirTest.moc"

@@ -1,59 +1,98 @@
 #include <unit/files/TemporaryDirTestCase.h>
 
-#include <support/sandbox/TemporaryFolders.h>
+#include <support/sandbox/Folders.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QFile>
+#include <QtCore/QDataStream>
 #include <QtCore/QFileInfo>
+
+#include <glog/logging.h>
 
 namespace Zelkor::Testing
 {
 
+QDataStream& operator<<(QDataStream& stream, DirectoryState const& state)
+{
+    return stream << state.isValid << state.exists << QByteArray::fromStdString(state.path)
+                  << QByteArray::fromStdString(state.file) << QByteArray::fromStdString(state.error) << state.problems;
+}
+
+QDataStream& operator>>(QDataStream& stream, DirectoryState& state)
+{
+    QByteArray path;
+    QByteArray file;
+    QByteArray error;
+    stream >> state.isValid >> state.exists >> path >> file >> error >> state.problems;
+    state.path = path.toStdString();
+    state.file = file.toStdString();
+    state.error = error.toStdString();
+    return stream;
+}
+
+DirectoryState StateOf(Util::TemporaryDir const& directory, LogCapture const& log)
+{
+    DirectoryState state;
+    state.isValid = directory.isValid();
+    state.path = directory.path().toStdString();
+    state.file = directory.filePath(QStringLiteral("file")).toStdString();
+    state.error = directory.errorString().toStdString();
+    state.exists = !state.path.empty() && Exists(state.path);
+    QVector<LogLine> const lines = log.Lines();
+    for (LogLine const& line : lines) {
+        if (line.severity != google::GLOG_INFO) {
+            state.problems += QString::fromLatin1(google::GetLogSeverityName(line.severity)) + QLatin1Char(' ') +
+                              line.file + QLatin1Char(' ') + line.text;
+        }
+    }
+    return state;
+}
+
+DirectoryState CreateDirectory()
+{
+    LogCapture const log;
+    Util::TemporaryDir const directory;
+    return StateOf(directory, log);
+}
+
+void SetApplication(std::string const& name, std::string const& version)
+{
+    QCoreApplication::setApplicationName(QString::fromStdString(name));
+    QCoreApplication::setApplicationVersion(QString::fromStdString(version));
+}
+
 void TemporaryDirTestCase::SetUp()
 {
     FolderTestCase::SetUp();
-    tmp_ = At(QStringLiteral("tmp"));
-    own_ = tmp_ + QStringLiteral("/Studio/2/") + Name();
-    application_ = QStringList{QStringLiteral("name=Studio"), QStringLiteral("version=2.5.1")};
+    tmp_ = At("tmp");
+    appFolder_ = tmp_ + "/Studio/2/" + ProgramName();
+    outside_ = At("outside");
     MakeFolder(tmp_);
-    MakeFolder(At(QStringLiteral("outside/folder")));
-    MakeFile(At(QStringLiteral("outside/canary")));
-    MakeFile(At(QStringLiteral("outside/folder/canary")));
-    QCoreApplication::setApplicationName(QStringLiteral("Studio"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("2.5.1"));
+    MakeFolders(outside_ + "/folder");
+    MakeFile(outside_ + "/canary");
+    MakeFile(outside_ + "/folder/canary");
+    tmpdir_.emplace("TMPDIR", QByteArray::fromStdString(tmp_));
+    SetApplication("Studio", "2.5.1");
 }
 
-QString TemporaryDirTestCase::Sandbox() const
+void TemporaryDirTestCase::TearDown()
 {
-    return QFile::decodeName(Root().c_str());
+    tmpdir_.reset();
+    FolderTestCase::TearDown();
 }
 
-QString TemporaryDirTestCase::Name()
+std::string TemporaryDirTestCase::ProgramName()
 {
-    return QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName();
+    return QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName().toStdString();
 }
 
-Made TemporaryDirTestCase::MakeOne(QStringList const& steps) const
+void MakeTree(std::string const& path, std::string const& outside)
 {
-    Player player(tmp_, application_ + steps + QStringList(QStringLiteral("make")));
-    Made made = player.HearMade();
-    player.End();
-    return made;
-}
-
-QString Outside(QString const& path)
-{
-    return path.section(QStringLiteral("/tmp/"), 0, -2) + QStringLiteral("/outside");
-}
-
-void MakeTree(QString const& path)
-{
-    MakeFolder(path + QStringLiteral("/a/b/.c"));
-    MakeFile(path + QStringLiteral("/file"));
-    MakeFile(path + QStringLiteral("/.hidden"));
-    MakeFile(path + QStringLiteral("/a/b/.c/file"));
-    MakeLink(path + QStringLiteral("/a/link"), Outside(path));
-    MakeLink(path + QStringLiteral("/a/dangling"), QStringLiteral("nowhere"));
+    MakeFolders(path + "/a/b/.c");
+    MakeFile(path + "/file");
+    MakeFile(path + "/.hidden");
+    MakeFile(path + "/a/b/.c/file");
+    MakeLink(path + "/a/link", outside);
+    MakeLink(path + "/a/dangling", "nowhere");
 }
 
 } // namespace Zelkor::Testing

@@ -16,7 +16,7 @@ class OsUtilsTest : public Zelkor::Testing::TestCase
 private Q_SLOTS:
     void appBitsAreSixtyFour() { QCOMPARE(Zelkor::Util::AppBits(), std::string("64")); }
 
-    void appBitsAreThoseOfThisProcess() { QCOMPARE(Zelkor::Util::AppBits(), std::to_string(sizeof(void*) * 8)); }
+    void appBitsMatchThePointerSize() { QCOMPARE(Zelkor::Util::AppBits(), std::to_string(sizeof(void*) * 8)); }
 };
 
 ZQTUTIL_TEST_MAIN(OsUtilsTest)

@@ -1,20 +1,18 @@
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
-#include <support/sandbox/OrdinaryUser.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/MediaUtils.h>
 #include <Util/Platforms/VideoDisc.h>
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtTest/QtTest>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 using Zelkor::ioPath;
-using Zelkor::Testing::Check;
+using Zelkor::Testing::Chmod;
 using Zelkor::Testing::MakeFile;
+using Zelkor::Testing::MakeFolders;
 using Zelkor::Testing::NamesIn;
 using Zelkor::Testing::RunAsOrdinaryUser;
 using Zelkor::Util::DVDLabel;
@@ -39,17 +37,17 @@ private Q_SLOTS:
         QTest::newRow("volume") << QStringLiteral("Backup") << QStringList{QStringLiteral("x")}
                                 << QStringLiteral("Backup");
         QTest::newRow("disc") << video << disc << parent;
-        QTest::newRow("something else beside it") << video << disc + QStringList{QStringLiteral("readme.txt")} << video;
-        QTest::newRow("lower case beside others") << lower << QStringList{lower} << lower;
+        QTest::newRow("disc with another file") << video << disc + QStringList{QStringLiteral("readme.txt")} << video;
+        QTest::newRow("lower case, readable parent") << lower << QStringList{lower} << lower;
         QTest::newRow("lower case, unreadable parent") << lower << QStringList() << parent;
         QTest::newRow("lower case audio") << video << QStringList{video, QStringLiteral("audio_ts")} << video;
         QTest::newRow("thumbs in lower case") << video << QStringList{video, QStringLiteral("thumbs.db")} << video;
         QTest::newRow("dotless i, unreadable parent") << QStringLiteral("v\u0131deo_ts") << QStringList() << parent;
-        QTest::newRow("dotless i beside a disc")
+        QTest::newRow("dotless i next to a disc")
             << video << QStringList{video, QStringLiteral("v\u0131deo_ts")} << video;
-        QTest::newRow("letters of another width")
+        QTest::newRow("full-width letters")
             << QStringLiteral("\uFF56\uFF49deo_ts") << QStringList() << QStringLiteral("\uFF56\uFF49deo_ts");
-        QTest::newRow("hidden") << video << QStringList{QStringLiteral(".anything")} << parent;
+        QTest::newRow("disc with a hidden file") << video << QStringList{QStringLiteral(".anything")} << parent;
     }
 
     void labelsDiscs()
@@ -62,53 +60,54 @@ private Q_SLOTS:
 
     void labelsFolders()
     {
-        Make(QStringLiteral("MOVIE/VIDEO_TS"));
-        Make(QStringLiteral("MOVIE/AUDIO_TS"));
+        MakeFolders(At("MOVIE/VIDEO_TS"));
+        MakeFolders(At("MOVIE/AUDIO_TS"));
         QCOMPARE(VideoDiscLabel(Path(QStringLiteral("MOVIE/VIDEO_TS"))), QStringLiteral("MOVIE"));
         QCOMPARE(VideoDiscLabel(Path(QStringLiteral("MOVIE/VIDEO_TS/"))), QStringLiteral("MOVIE"));
         QCOMPARE(VideoDiscLabel(Path(QStringLiteral("MOVIE"))), QStringLiteral("MOVIE"));
-        QFile readme(Path(QStringLiteral("MOVIE/readme.txt")));
-        QVERIFY(readme.open(QIODevice::WriteOnly));
+        MakeFile(At("MOVIE/readme.txt"));
         QCOMPARE(VideoDiscLabel(Path(QStringLiteral("MOVIE/VIDEO_TS"))), QStringLiteral("VIDEO_TS"));
         QCOMPARE(VideoDiscLabel(Path(QStringLiteral("gone/VIDEO_TS"))), QStringLiteral("gone"));
     }
 
-    void labelsWhatUsersHave()
+    void labelsFoldersByPath()
     {
-        Make(QStringLiteral("\u041A\u0438\u043D\u043E e\u0301/VIDEO_TS"));
-        Make(QStringLiteral("\u041A\u0438\u043D\u043E e\u0301/AUDIO_TS"));
         std::string const movie = "\u041A\u0438\u043D\u043E e\u0301";
+        MakeFolders(At(movie + "/VIDEO_TS"));
+        MakeFolders(At(movie + "/AUDIO_TS"));
         MakeFile(At(movie + "/.DS_Store"));
         MakeFile(At(movie + "/Thumbs.db"));
         QCOMPARE(DVDLabel(ioPath(At(movie + "/VIDEO_TS"))), movie);
         QCOMPARE(DVDLabel(ioPath(At(movie + "/AUDIO_TS"))), std::string("AUDIO_TS"));
         QCOMPARE(DVDLabel(ioPath(At(movie))), movie);
 
-        Make(QStringLiteral("lower/video_ts"));
+        MakeFolders(At("lower/video_ts"));
         QCOMPARE(DVDLabel(ioPath(At("lower/video_ts"))), std::string("video_ts"));
         QCOMPARE(DVDLabel(ioPath(At("gone/video_ts"))), std::string("gone"));
         QCOMPARE(DVDLabel(ioPath(At("gone/v\u0131deo_ts"))), std::string("gone"));
     }
 
-    void takesAParentThatCannotBeReadForEmpty()
+    void treatsAnUnreadableParentAsEmpty()
     {
-        Make(QStringLiteral("closed/VIDEO_TS"));
-        Make(QStringLiteral("closed/video_ts"));
+        MakeFolders(At("closed/VIDEO_TS"));
+        MakeFolders(At("closed/video_ts"));
         MakeFile(At("closed/readme.txt"));
         QCOMPARE(DVDLabel(ioPath(At("closed/VIDEO_TS"))), std::string("VIDEO_TS"));
-        Check(chmod(At("closed").c_str(), 0311));
-        QByteArray const labels = RunAsOrdinaryUser([this] {
-            return QByteArray::fromStdString(DVDLabel(ioPath(At("closed/VIDEO_TS"))) + ' ' +
-                                             DVDLabel(ioPath(At("closed/video_ts"))) + ' ' +
-                                             DVDLabel(ioPath(At("closed/readme.txt"))));
+        Chmod(At("closed"), 0311);
+        QByteArrayList const labels = RunAsOrdinaryUser([this] {
+            QByteArrayList found;
+            for (char const* const name : {"closed/VIDEO_TS", "closed/video_ts", "closed/readme.txt"}) {
+                found += QByteArray::fromStdString(DVDLabel(ioPath(At(name))));
+            }
+            return found;
         });
-        QCOMPARE(labels, QByteArray("closed closed readme.txt"));
+        QCOMPARE(labels, (QByteArrayList{"closed", "closed", "readme.txt"}));
     }
 
-    void findsDiscsInTheOrderOfTheFolder()
+    void findsDiscsInFolderOrder()
     {
         for (char const* const name : {"k", "\u042F", "c", "p", "a b", "d", "\u0416", "m", "o", "b", "E"}) {
-            Make(QString::fromUtf8(name) + QStringLiteral("/VIDEO_TS"));
+            MakeFolders(At(std::string(name) + "/VIDEO_TS"));
         }
         QStringList found;
         for (ioPath const& path : VideoDiscsIn(QString::fromStdString(Root()))) {
@@ -124,11 +123,10 @@ private Q_SLOTS:
 
     void findsDiscs()
     {
-        Make(QStringLiteral("one/VIDEO_TS"));
-        Make(QStringLiteral("two/video_ts"));
-        Make(QStringLiteral("three"));
-        QFile file(Path(QStringLiteral("three/VIDEO_TS")));
-        QVERIFY(file.open(QIODevice::WriteOnly)); // no folder
+        MakeFolders(At("one/VIDEO_TS"));
+        MakeFolders(At("two/video_ts"));
+        MakeFolders(At("three"));
+        MakeFile(At("three/VIDEO_TS")); // not a folder
         auto const discs = VideoDiscsIn(QString::fromStdString(Root()));
         QCOMPARE(discs.size(), std::size_t(1));
         QCOMPARE(QString::fromStdString(discs.front().utf8string()), Path(QStringLiteral("one")));
@@ -137,7 +135,6 @@ private Q_SLOTS:
 
 private:
     QString Path(QString const& name) const { return PathAt(name.toUtf8()); }
-    void Make(QString const& name) const { QVERIFY(QDir().mkpath(Path(name))); }
 };
 
 ZQTUTIL_TEST_MAIN(VideoDiscTest)

@@ -1,0 +1,94 @@
+// Replaces readdir(), because no file system in a test environment fails while it is read or omits the types of
+// entries.
+
+#include <support/overrides/FolderReading.h>
+
+#include <support/overrides/NextFunction.h>
+#include <support/sandbox/Folders.h>
+
+#include <QtCore/QtGlobal>
+
+#include <atomic>
+#include <cerrno>
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+namespace Zelkor::Testing
+{
+namespace
+{
+
+struct Faults
+{
+    std::atomic<bool> hidesTypes{false};
+    std::atomic<ino_t> unreadableFolder{0}; // its inode
+    std::atomic<int> count{0};
+};
+
+Faults& CurrentFaults()
+{
+    static Faults faults;
+    return faults;
+}
+
+bool IsUnreadable(DIR* stream)
+{
+    ino_t const unreadable = CurrentFaults().unreadableFolder;
+    struct stat status;
+    return unreadable != 0 && fstat(dirfd(stream), &status) == 0 && status.st_ino == unreadable;
+}
+
+} // namespace
+
+EntriesWithoutTypes::EntriesWithoutTypes()
+{
+    CurrentFaults().count = 0;
+    CurrentFaults().hidesTypes = true;
+}
+
+EntriesWithoutTypes::~EntriesWithoutTypes()
+{
+    CurrentFaults().hidesTypes = false;
+}
+
+int EntriesWithoutTypes::Count() const
+{
+    return CurrentFaults().count;
+}
+
+UnreadableFolder::UnreadableFolder(std::string const& path)
+{
+    struct stat status;
+    Check(stat(path.c_str(), &status));
+    CurrentFaults().count = 0;
+    CurrentFaults().unreadableFolder = status.st_ino;
+}
+
+UnreadableFolder::~UnreadableFolder()
+{
+    CurrentFaults().unreadableFolder = 0;
+}
+
+int UnreadableFolder::Count() const
+{
+    return CurrentFaults().count;
+}
+
+} // namespace Zelkor::Testing
+
+extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
+{
+    using namespace Zelkor::Testing;
+    static auto const next = NextFunction<dirent* (*)(DIR*)>("readdir");
+    dirent* const entry = next(stream);
+    if (entry && CurrentFaults().hidesTypes) {
+        ++CurrentFaults().count;
+        entry->d_type = DT_UNKNOWN;
+    }
+    if (!entry && IsUnreadable(stream)) {
+        ++CurrentFaults().count;
+        errno = EIO;
+    }
+    return entry;
+}

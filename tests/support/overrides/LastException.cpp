@@ -1,0 +1,40 @@
+// Replaces __cxa_throw(), because the library catches the exception itself: a test cannot see it in any other way.
+
+#include <support/overrides/LastException.h>
+
+#include <support/overrides/NextFunction.h>
+
+#include <QtCore/QtGlobal>
+
+#include <boost/core/demangle.hpp>
+
+#include <exception>
+#include <typeinfo>
+
+namespace Zelkor::Testing
+{
+
+LastException& GetLastException()
+{
+    static thread_local LastException exception;
+    return exception;
+}
+
+} // namespace Zelkor::Testing
+
+// The compiler has a built-in declaration of __cxa_throw() with other parameters, therefore the function has another
+// name in C++.
+[[noreturn]] Q_DECL_EXPORT void RecordAndThrow(void* object, std::type_info* type,
+                                               void (*destroy)(void*)) __asm__("__cxa_throw");
+
+void RecordAndThrow(void* object, std::type_info* type, void (*destroy)(void*))
+{
+    using namespace Zelkor::Testing;
+    static auto const next = NextFunction<void (*)(void*, std::type_info*, void (*)(void*))>("__cxa_throw");
+    void* base = object;
+    bool const isException = typeid(std::exception).__do_catch(type, &base, 1);
+    GetLastException() = {QByteArray::fromStdString(boost::core::demangle(type->name())),
+                          isException ? static_cast<std::exception*>(base)->what() : "not a std::exception"};
+    next(object, type, destroy);
+    std::terminate();
+}

@@ -1,0 +1,51 @@
+// Replaces QStandardPaths::standardLocations(), because no configuration makes it return empty paths or no path.
+
+#include <support/overrides/StandardLocations.h>
+
+#include <support/overrides/NextFunction.h>
+
+#include <QtCore/QStandardPaths>
+
+#include <optional>
+
+namespace Zelkor::Testing
+{
+namespace
+{
+
+struct Locations
+{
+    QStringList others;
+    QStringList documents;
+};
+
+std::optional<Locations>& Fixed()
+{
+    static std::optional<Locations> locations;
+    return locations;
+}
+
+} // namespace
+
+StandardLocations::StandardLocations(QStringList const& others, QStringList const& documents)
+{
+    Fixed() = {others, documents};
+}
+
+StandardLocations::~StandardLocations()
+{
+    Fixed().reset();
+}
+
+} // namespace Zelkor::Testing
+
+QStringList QStandardPaths::standardLocations(StandardLocation location)
+{
+    using namespace Zelkor::Testing;
+    static auto const next = NextFunction<QStringList (*)(StandardLocation)>(
+        "_ZN14QStandardPaths17standardLocationsENS_16StandardLocationE");
+    if (!Fixed()) {
+        return next(location);
+    }
+    return location == DocumentsLocation ? Fixed()->documents : Fixed()->others;
+}
