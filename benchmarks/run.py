@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the benchmarks of a build and writes a table of ratios: the time of the library divided by that of each peer.
+"""Runs the benchmarks of a build and writes a table of ratios: the time of the library divided by the time of each peer.
 
 Times are comparable only within one run, so every run measures the library and all peers. The script prints the table
 and writes it to a Markdown file, together with a description of the machine. At the end it prints the goals that are
@@ -511,8 +511,8 @@ a limit for one of the ratios; the last column shows if all goals of the row are
 
 ## How it is measured
 
-- **Work on one thread** is measured in processor time of that thread, so that other programs have no influence. The
-  processor time of `du` and `rm` is that of their processes. These results repeat within 5 %.
+- **Work on one thread** is measured in processor time of that thread, so that other programs have no influence.
+  `du` and `rm` are measured in processor time of their processes. These results repeat within 5 %.
 - **Work on two threads** is measured in wall-clock time. These results repeat within 30 %.
 - **Two threads that wait for each other in turn** share one core. Otherwise the results would mainly show how long an
   idle core takes to wake.
