@@ -343,12 +343,12 @@ void AsyncServiceCompletionTest::throwingCallbackStillFreesItsTask()
     QStringList destroyed;
     Task* const task = service.post(job);
     task->onProgress = [logger = MakeDestructionLogger(destroyed, "task")](int) {};
-    task->onFinished = [] { throw Escape(); };
-    task->onCancelled = [] { throw Escape(); };
-    task->onError = [](std::exception_ptr const&) { throw Escape(); };
+    task->onFinished = [] { throw CallbackError(); };
+    task->onCancelled = [] { throw CallbackError(); };
+    task->onError = [](std::exception_ptr const&) { throw CallbackError(); };
 
     service.run(task);
-    QVERIFY(WaitUntilThrown<Escape>());
+    QVERIFY(WaitUntilThrown<CallbackError>());
 
     QCOMPARE(destroyed, QStringList{QStringLiteral("task")});
     QVERIFY(service.empty());

@@ -328,13 +328,13 @@ void AsyncServiceProgressTest::throwingProgressCallbackKeepsTheTaskRegistered()
     task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
         values += value;
         if (value == 1) {
-            throw Escape();
+            throw CallbackError();
         }
     };
     task->onFinished = [&] { finished = true; };
 
     service.run(task);
-    QVERIFY(WaitUntilThrown<Escape>());
+    QVERIFY(WaitUntilThrown<CallbackError>());
     QVERIFY(service.contains(task));
     QCOMPARE(destroyed, QStringList());
     go.Open();

@@ -75,7 +75,7 @@ Task* WaitForWorker(AsyncService& service);
 std::shared_ptr<void> MakeDestructionLogger(QStringList& destroyed, char const* name);
 
 /// Thrown by callbacks.
-struct Escape
+struct CallbackError
 {};
 
 /// Delivers events until an exception of type \a E is thrown. Returns false after Timeout.
