@@ -166,7 +166,7 @@ int RunTests(int argc, char** argv, bool withWidgets, QObject* (*makeTest)())
     }
     PinEnvironment(folder.path());
     StartLogging(argv[0]);
-    TellQueueOrderToThreadSanitizer();
+    AnnotateQueueOrderForThreadSanitizer();
 
     std::unique_ptr<QCoreApplication> const application(withWidgets ? new QApplication(argc, argv)
                                                                     : new QCoreApplication(argc, argv));

@@ -64,7 +64,7 @@ bool QThread::wait(QDeadlineTimer deadline)
     return hasFinished;
 }
 
-void Zelkor::Testing::TellQueueOrderToThreadSanitizer()
+void Zelkor::Testing::AnnotateQueueOrderForThreadSanitizer()
 {
     static QSignalSpyCallbackSet callbacks{BeforeEmission, nullptr, nullptr, nullptr};
     qt_register_signal_spy_callbacks(&callbacks);
@@ -73,6 +73,6 @@ void Zelkor::Testing::TellQueueOrderToThreadSanitizer()
 
 #else
 
-void Zelkor::Testing::TellQueueOrderToThreadSanitizer() {}
+void Zelkor::Testing::AnnotateQueueOrderForThreadSanitizer() {}
 
 #endif

@@ -8,6 +8,6 @@ namespace Zelkor::Testing
 /// - a thread finishes before QThread::wait() returns true.
 ///
 /// Does nothing in a build without the thread sanitizer.
-void TellQueueOrderToThreadSanitizer();
+void AnnotateQueueOrderForThreadSanitizer();
 
 } // namespace Zelkor::Testing
