@@ -5,8 +5,8 @@
 namespace Zelkor::Testing
 {
 
-/// How long a test waits at most, in milliseconds. A working library finishes far earlier, even on a loaded machine.
-constexpr int TimeoutMs = 60000;
+/// The longest time that a test waits. Only a broken library reaches it, even on a loaded machine.
+constexpr int TimeoutMs = 60000; // milliseconds
 constexpr std::chrono::milliseconds Timeout{TimeoutMs};
 
 } // namespace Zelkor::Testing

@@ -1,5 +1,4 @@
-// Replaces clock_gettime() and gettimeofday(), because tests of ages at a limit of one millisecond, or on the days on
-// which daylight saving time begins and ends, need a chosen time.
+// Replaces clock_gettime() and gettimeofday(), because a test of an age limit in milliseconds needs a fixed time.
 
 #include <support/overrides/FixedClock.h>
 
@@ -29,7 +28,7 @@ Clock& Fixed()
     return clock;
 }
 
-// Not a whole number of milliseconds, as on a real clock.
+// A real time is not a whole number of milliseconds.
 constexpr long FurtherNanoseconds = 700000;
 
 } // namespace

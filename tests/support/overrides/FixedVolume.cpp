@@ -1,4 +1,4 @@
-// Replaces statvfs(), because no file system can be mounted whose numbers of blocks are all chosen by a test.
+// Replaces statvfs(), because a mounted file system cannot have arbitrary numbers and sizes of blocks.
 
 #include <support/overrides/FixedVolume.h>
 

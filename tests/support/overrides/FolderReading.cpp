@@ -1,5 +1,4 @@
-// Replaces readdir(), because no file system in a test environment fails while it is read or omits the types of
-// entries.
+// Replaces readdir(), because a real file system cannot be made to fail or to omit the types of entries.
 
 #include <support/overrides/FolderReading.h>
 

@@ -1,4 +1,4 @@
-// Replaces __cxa_throw(), because the library catches the exception itself: a test cannot see it in any other way.
+// Replaces __cxa_throw(), because a test cannot observe an exception that the library itself catches.
 
 #include <support/overrides/LastException.h>
 

@@ -88,7 +88,7 @@ ChildProcess::ChildProcess(std::function<void(Parent const&)> const& work)
         // All children start with the same state of Qt's random generator, and would give temporary folders the same
         // names.
         QRandomGenerator::global()->discard(static_cast<unsigned long long>(getpid()));
-        // Without exit handlers: they belong to the parent, whose objects this process has copied.
+        // _exit() skips the exit handlers and static destructors, which belong to the parent.
         _exit(Run(work, Parent(toChild[0], toParent[1])));
     }
     close(toChild[0]);

@@ -64,7 +64,7 @@ public:
         return value;
     }
 
-    /// Ends one WaitForContinue() of the child, also one that begins later.
+    /// Lets one WaitForContinue() of the child return: the current one, or else the next one.
     void Continue();
 
     /// Waits until the child exits. Throws std::runtime_error unless its exit status is 0.

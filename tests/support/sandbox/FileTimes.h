@@ -17,7 +17,7 @@ constexpr Milliseconds Day = 24 * Hour;
 /// The current time of the system's clock.
 Milliseconds Now();
 
-/// Converts \a time and further \a nanoseconds.
+/// Returns \a time plus \a nanoseconds.
 timespec ToTimespec(Milliseconds time, long nanoseconds);
 
 /// Sets the modification time of a file or folder, or of a link itself. \a name is relative to the descriptor

@@ -1,7 +1,7 @@
 #pragma once
 
-// Work as another user. Without root's privileges there is only one other identity: RunAsOrdinaryUser() then runs as
-// the current user.
+// Runs functions as another user. RunAs() requires root. RunAsOrdinaryUser() also works without root: it then keeps the
+// current user.
 
 #include <support/processes/ChildProcess.h>
 
@@ -22,6 +22,8 @@ struct Identity
 };
 
 constexpr uid_t RootUser = 0;
+
+// Two users and their groups, which need no accounts. Most tests run the library as Us.
 constexpr uid_t Us = 1001;
 constexpr uid_t Them = 1002;
 constexpr gid_t OurGroup = 2001;

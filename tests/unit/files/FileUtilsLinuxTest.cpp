@@ -52,16 +52,14 @@ void FileUtilsLinuxTest::checksReadAndSearchPermission_data()
     QTest::addColumn<gid_t>("group");
     QTest::addColumn<uint>("mode");
     QTest::addColumn<bool>("can");
-    // clang-format off
-    QTest::newRow("open to others")                 << Them << TheirGroup << 0005U << true;
-    QTest::newRow("not open to others")               << Them << TheirGroup << 0772U << false;
-    QTest::newRow("list permission only")          << Them << TheirGroup << 0774U << false;
-    QTest::newRow("search permission only")         << Them << TheirGroup << 0771U << false;
-    QTest::newRow("open to the group")              << Them << OurGroup   << 0050U << true;
-    QTest::newRow("open to all but the group")      << Them << OurGroup   << 0707U << false;
-    QTest::newRow("own")                            << Us   << OurGroup   << 0500U << true;
-    QTest::newRow("own, open to all but the owner") << Us   << OurGroup   << 0277U << false;
-    // clang-format on
+    QTest::newRow("open to others") << Them << TheirGroup << 0005U << true;
+    QTest::newRow("not open to others") << Them << TheirGroup << 0772U << false;
+    QTest::newRow("list permission only") << Them << TheirGroup << 0774U << false;
+    QTest::newRow("search permission only") << Them << TheirGroup << 0771U << false;
+    QTest::newRow("open to the group") << Them << OurGroup << 0050U << true;
+    QTest::newRow("open to all but the group") << Them << OurGroup << 0707U << false;
+    QTest::newRow("own") << Us << OurGroup << 0500U << true;
+    QTest::newRow("own, open to all but the owner") << Us << OurGroup << 0277U << false;
 }
 
 void FileUtilsLinuxTest::checksReadAndSearchPermission()
@@ -138,8 +136,8 @@ void FileUtilsLinuxTest::returnsTheSpaceForUnprivilegedUsers_data()
     QTest::addColumn<qlonglong>("blocksForUsers");
     QTest::addColumn<qlonglong>("blockSize");
     QTest::addColumn<qlonglong>("space");
-    QTest::newRow("some") << 3LL << 512LL << 1536LL;
-    QTest::newRow("none") << 0LL << 4096LL << 0LL;
+    QTest::newRow("some blocks") << 3LL << 512LL << 1536LL;
+    QTest::newRow("no blocks") << 0LL << 4096LL << 0LL;
     QTest::newRow("more than 32 bits of blocks") << 0x2'0000'0000LL << 4096LL << 0x2000'0000'0000LL;
     QTest::newRow("more than 32 bits of bytes") << 0x0fff'ffffLL << 4096LL << 0xff'ffff'f000LL;
 }

@@ -12,9 +12,7 @@
 #include <QtCore/QFile>
 #include <QtTest/QtTest>
 
-#include <cerrno>
 #include <climits>
-#include <cstring>
 #include <ctime>
 #include <limits>
 #include <string>
@@ -84,19 +82,17 @@ private:
 void FileUtilsRemovalTest::removesEntriesOlderThanTheGivenDays_data()
 {
     QTest::addColumn<int>("days");
-    QTest::addColumn<QByteArray>("left");
-    // clang-format off
-    QTest::newRow("INT_MIN")   << INT_MIN << QByteArray();
-    QTest::newRow("-2")        << -2      << QByteArray();
-    QTest::newRow("-1")        << -1      << QByteArray("in-25h");
-    QTest::newRow("0")         << 0       << QByteArray("in-1h in-25h");
-    QTest::newRow("1")         << 1       << QByteArray("23h in-1h in-25h now");
-    QTest::newRow("2")         << 2       << QByteArray("23h 25h in-1h in-25h now");
-    QTest::newRow("30")        << 30      << QByteArray("23h 25h 30d-less-1h in-1h in-25h now");
-    QTest::newRow("31")        << 31      << QByteArray("23h 25h 30d-and-1h 30d-less-1h in-1h in-25h now");
-    QTest::newRow("a million") << 1000000 << QByteArray("1960 23h 25h 30d-and-1h 30d-less-1h in-1h in-25h now");
-    QTest::newRow("INT_MAX")   << INT_MAX << QByteArray("1960 23h 25h 30d-and-1h 30d-less-1h in-1h in-25h now");
-    // clang-format on
+    QTest::addColumn<QByteArray>("left"); // the names of the remaining entries
+    QTest::newRow("minimum") << INT_MIN << QByteArray();
+    QTest::newRow("-2 days") << -2 << QByteArray();
+    QTest::newRow("-1 days") << -1 << QByteArray("in-25h");
+    QTest::newRow("0 days") << 0 << QByteArray("in-1h in-25h");
+    QTest::newRow("1 days") << 1 << QByteArray("23h in-1h in-25h now");
+    QTest::newRow("2 days") << 2 << QByteArray("23h 25h in-1h in-25h now");
+    QTest::newRow("30 days") << 30 << QByteArray("23h 25h 30d-less-1h in-1h in-25h now");
+    QTest::newRow("31 days") << 31 << QByteArray("23h 25h 30d-and-1h 30d-less-1h in-1h in-25h now");
+    QTest::newRow("a million days") << 1000000 << QByteArray("1960 23h 25h 30d-and-1h 30d-less-1h in-1h in-25h now");
+    QTest::newRow("maximum") << INT_MAX << QByteArray("1960 23h 25h 30d-and-1h 30d-less-1h in-1h in-25h now");
 }
 
 void FileUtilsRemovalTest::removesEntriesOlderThanTheGivenDays()
@@ -138,7 +134,7 @@ void FileUtilsRemovalTest::comparesAgesToTheMillisecond_data()
 {
     QTest::addColumn<int>("days");
     for (int const days : {0, 1, 30, -1, 20000}) {
-        QTest::newRow(qPrintable(QString::number(days))) << days;
+        QTest::addRow("%d days", days) << days;
     }
 }
 
@@ -180,20 +176,18 @@ void FileUtilsRemovalTest::comparesAgesToTheMillisecond()
 void FileUtilsRemovalTest::acceptsTimesBeyondTheRangeOfMilliseconds()
 {
     MakeFolder(At("volume"));
-    QByteArray const left = RunWithMount(At("volume"), "mode=0777", [&] {
-        constexpr time_t beyond = std::numeric_limits<Milliseconds>::max() / 1000 + 1;
-        for (auto const& [name, seconds] : {std::pair("future", beyond), std::pair("past", -beyond)}) {
+    QByteArrayList const left = RunWithMount(At("volume"), "mode=0777", [&] {
+        constexpr time_t Beyond = std::numeric_limits<Milliseconds>::max() / 1000 + 1;
+        for (auto const& [name, seconds] : {std::pair("future", Beyond), std::pair("past", -Beyond)}) {
             std::string const file = At("volume/") + name;
             MakeFile(file);
             timespec const times[] = {{seconds, 0}, {seconds, 0}};
-            if (utimensat(AT_FDCWD, file.c_str(), times, 0) != 0) {
-                return QByteArray("utimensat: ").append(strerror(errno));
-            }
+            Check(utimensat(AT_FDCWD, file.c_str(), times, 0));
         }
         RemoveDir(PathAt("volume"), 0, false);
-        return ListTree(At("volume")).join(' ');
+        return ListTree(At("volume"));
     });
-    QCOMPARE(left, QByteArray("future"));
+    QCOMPARE(left, QByteArrayList{"future"});
 }
 
 void FileUtilsRemovalTest::subtractsCalendarDays_data()
@@ -229,25 +223,25 @@ void FileUtilsRemovalTest::removesAnyKindOfEntryByItsOwnAge_data()
     auto const row = [](char const* title, std::string const& name, Maker make) {
         QTest::newRow(title) << name << make;
     };
-    row("file", "it", [](std::string const& path) { MakeFile(path); });
-    row("hidden file", ".it", [](std::string const& path) { MakeFile(path); });
+    row("file", "entry", [](std::string const& path) { MakeFile(path); });
+    row("hidden file", ".entry", [](std::string const& path) { MakeFile(path); });
     row("name of three dots", "...", [](std::string const& path) { MakeFile(path); });
-    row("folder", "it", [](std::string const& path) { MakeFolder(path); });
-    row("hidden folder", ".it", [](std::string const& path) { MakeFolder(path); });
-    row("pipe", "it", [](std::string const& path) { MakePipe(path); });
-    row("hidden pipe", ".it", [](std::string const& path) { MakePipe(path); });
-    row("socket", "it", [](std::string const& path) { MakeSocket(path); });
-    row("device", "it", [](std::string const& path) { MakeDevice(path); });
-    row("dangling link", "it", [](std::string const& path) { MakeLink(path, "nowhere"); });
-    row("hidden dangling link", ".it", [](std::string const& path) { MakeLink(path, "nowhere"); });
-    row("link to itself", "it", [](std::string const& path) { MakeLink(path, "it"); });
-    row("link to an old file", "it", [](std::string const& path) { MakeLink(path, "../old-file"); });
-    row("link to a new file", "it", [](std::string const& path) { MakeLink(path, "../new-file"); });
-    row("link to an old folder", "it", [](std::string const& path) { MakeLink(path, "../old-folder"); });
-    row("link to a new folder", "it", [](std::string const& path) { MakeLink(path, "../new-folder"); });
-    row("link to the parent folder", "it", [](std::string const& path) { MakeLink(path, ".."); });
-    row("link to its own folder", "it", [](std::string const& path) { MakeLink(path, "."); });
-    row("link to a folder, with a slash", "it", [](std::string const& path) { MakeLink(path, "../old-folder/"); });
+    row("folder", "entry", [](std::string const& path) { MakeFolder(path); });
+    row("hidden folder", ".entry", [](std::string const& path) { MakeFolder(path); });
+    row("pipe", "entry", [](std::string const& path) { MakePipe(path); });
+    row("hidden pipe", ".entry", [](std::string const& path) { MakePipe(path); });
+    row("socket", "entry", [](std::string const& path) { MakeSocket(path); });
+    row("device", "entry", [](std::string const& path) { MakeDevice(path); });
+    row("dangling link", "entry", [](std::string const& path) { MakeLink(path, "nowhere"); });
+    row("hidden dangling link", ".entry", [](std::string const& path) { MakeLink(path, "nowhere"); });
+    row("link to itself", "entry", [](std::string const& path) { MakeLink(path, "entry"); });
+    row("link to an old file", "entry", [](std::string const& path) { MakeLink(path, "../old-file"); });
+    row("link to a new file", "entry", [](std::string const& path) { MakeLink(path, "../new-file"); });
+    row("link to an old folder", "entry", [](std::string const& path) { MakeLink(path, "../old-folder"); });
+    row("link to a new folder", "entry", [](std::string const& path) { MakeLink(path, "../new-folder"); });
+    row("link to the parent folder", "entry", [](std::string const& path) { MakeLink(path, ".."); });
+    row("link to its own folder", "entry", [](std::string const& path) { MakeLink(path, "."); });
+    row("link to a folder, with a slash", "entry", [](std::string const& path) { MakeLink(path, "../old-folder/"); });
 }
 
 void FileUtilsRemovalTest::removesAnyKindOfEntryByItsOwnAge()
@@ -363,7 +357,7 @@ void FileUtilsRemovalTest::removesTreesByAge_data()
             SetAge(root + "/a/b/c/new", New);
         },
         {"a", "a/b", "a/b/c", "a/b/c/new"});
-    row("new folder below an old one",
+    row("new folder below an old folder",
         [](std::string const& root) {
             MakeFolder(root + "/a");
             MakeFolder(root + "/a/new");
@@ -374,7 +368,7 @@ void FileUtilsRemovalTest::removesTreesByAge_data()
             SetAge(root + "/a/new", New);
         },
         {"a", "a/new", "a/new/1"});
-    row("old folders before and after a new one",
+    row("old folders before and after a new folder",
         [](std::string const& root) {
             MakeFolder(root + "/a");
             MakeFile(root + "/a/1");
@@ -386,7 +380,7 @@ void FileUtilsRemovalTest::removesTreesByAge_data()
             SetAge(root + "/b", New);
         },
         {"b", "b/1"});
-    row("old file beside new ones",
+    row("old file among new files",
         [](std::string const& root) {
             MakeFile(root + "/1");
             MakeFile(root + "/2");
@@ -519,8 +513,9 @@ void FileUtilsRemovalTest::ignoresAnEmptyPath_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<bool>("removeFolderItself");
     for (bool const removeFolderItself : {false, true}) {
-        QTest::addRow("null, %d", removeFolderItself) << QString() << removeFolderItself;
-        QTest::addRow("empty, %d", removeFolderItself) << QStringLiteral("") << removeFolderItself;
+        char const* const title = removeFolderItself ? "with the folder itself" : "entries only";
+        QTest::addRow("null, %s", title) << QString() << removeFolderItself;
+        QTest::addRow("empty, %s", title) << QStringLiteral("") << removeFolderItself;
     }
 }
 

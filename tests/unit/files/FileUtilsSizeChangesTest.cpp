@@ -31,7 +31,7 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// The expected sizes of files.
+/// Creates files and stores their sizes.
 class FileSizes
 {
 public:

@@ -18,8 +18,7 @@ namespace Zelkor::Testing
 namespace
 {
 
-/// Collects the paths of the messages about entries without a size, byte for byte. Calls a function during the walk for
-/// each of them.
+/// Collects the paths that GetPathSize() logs, byte for byte. Calls a function with each path while GetPathSize() runs.
 class SizelessLog : public google::LogSink
 {
 public:

@@ -1,4 +1,4 @@
-// The members of one TemporaryDir. The other tests of TemporaryDir need a process for each object: see
+// The member functions of TemporaryDir. The tests of its folder run in child processes instead: see
 // TemporaryDirTestCase.
 
 #include <support/TestCase.h>
