@@ -85,14 +85,13 @@ ChildProcess::ChildProcess(std::function<void(Parent const&)> const& work)
         close(toChild[1]);
         close(toParent[0]);
         alarm(TimeoutMs / 1000);
-        // All children start with the same state of Qt's random generator, and would give temporary folders the same
-        // names.
-        QRandomGenerator::global()->discard(static_cast<unsigned long long>(getpid()));
         // _exit() skips the exit handlers and static destructors, which belong to the parent.
         _exit(Run(work, Parent(toChild[0], toParent[1])));
     }
     close(toChild[0]);
     close(toParent[1]);
+    // The next child copies the state of Qt's random generator. It must not create the same names of temporary folders.
+    QRandomGenerator::global()->discard(1000);
     input_ = toParent[0];
     output_ = toChild[1];
 }
