@@ -31,7 +31,7 @@ public:
     /// Creates the same path as \a other.
     ioPath(boost::filesystem::path other);
 
-    /// Assigns the path \a utf8. Throws `std::invalid_argument` if \a utf8 is null, and then leaves this path unchanged.
+    /// Assigns the path \a utf8. Throws `std::invalid_argument` if \a utf8 is null; this path is then unchanged.
     ioPath& operator=(char const* utf8);
 
     /// Returns the text of the path in UTF-8.
