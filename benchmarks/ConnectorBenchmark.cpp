@@ -30,7 +30,7 @@ class Emitter : public QObject
     Q_OBJECT
 
 Q_SIGNALS:
-    void changed(int value);
+    void changed(int);
 };
 
 class Receiver : public QObject

@@ -47,7 +47,7 @@ class Emitter : public QObject
     Q_OBJECT
 
 Q_SIGNALS:
-    void happened(QString const& uid) const;
+    void happened(QString const&) const;
 };
 
 /// The same as Counter, for the Qt signal.

@@ -31,7 +31,7 @@ class Requester : public QObject
     Q_OBJECT
 
 Q_SIGNALS:
-    void Requested(QObject* client);
+    void Requested(QObject*);
 };
 
 namespace

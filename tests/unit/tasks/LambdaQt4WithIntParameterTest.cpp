@@ -41,7 +41,7 @@ class Sender : public QObject
     Q_OBJECT
 
 Q_SIGNALS:
-    void Changed(int value);
+    void Changed(int);
 };
 
 namespace
