@@ -53,6 +53,7 @@ int FixedClock::ReadCount() const
 
 extern "C" {
 
+// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
 {
     using namespace Zelkor::Testing;
@@ -65,6 +66,7 @@ Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
     return 0;
 }
 
+// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
 {
     timespec precise;

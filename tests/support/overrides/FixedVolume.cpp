@@ -33,6 +33,7 @@ FixedVolume::~FixedVolume()
 
 } // namespace Zelkor::Testing
 
+// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT int statvfs(char const* path, struct statvfs* volume) noexcept
 {
     static auto const next = Zelkor::Testing::NextFunction<int (*)(char const*, struct statvfs*)>("statvfs");

@@ -76,6 +76,7 @@ int UnreadableFolder::Count() const
 
 } // namespace Zelkor::Testing
 
+// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
 {
     using namespace Zelkor::Testing;

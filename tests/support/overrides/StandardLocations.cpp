@@ -39,13 +39,13 @@ StandardLocations::~StandardLocations()
 
 } // namespace Zelkor::Testing
 
-QStringList QStandardPaths::standardLocations(StandardLocation location)
+QStringList QStandardPaths::standardLocations(StandardLocation type)
 {
     using namespace Zelkor::Testing;
     static auto const next = NextFunction<QStringList (*)(StandardLocation)>(
         "_ZN14QStandardPaths17standardLocationsENS_16StandardLocationE");
     if (!Fixed()) {
-        return next(location);
+        return next(type);
     }
-    return location == DocumentsLocation ? Fixed()->documents : Fixed()->others;
+    return type == DocumentsLocation ? Fixed()->documents : Fixed()->others;
 }

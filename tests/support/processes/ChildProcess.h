@@ -91,7 +91,7 @@ auto RunInChild(Work const& work)
         child.Finish();
     } else {
         ChildProcess child([&](ChildProcess::Parent const& parent) { parent.Send(work()); });
-        Result const result = child.Receive<Result>();
+        Result result = child.Receive<Result>();
         child.Finish();
         return result;
     }

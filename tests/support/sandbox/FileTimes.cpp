@@ -49,7 +49,7 @@ void SetAge(std::string const& path, Milliseconds age)
 void SetAgeOfEntries(std::string const& path, Milliseconds age)
 {
     for (std::string const& name : NamesIn(AT_FDCWD, path.c_str())) {
-        std::string const entry = path + '/' + name;
+        std::string const entry = std::string(path).append(1, '/').append(name);
         if (IsFolderAt(AT_FDCWD, entry)) {
             SetAgeOfEntries(entry, age);
         }

@@ -16,9 +16,9 @@ namespace QTest
 
 /// Prints strings that QCOMPARE() finds different.
 template <>
-inline char* toString(std::string const& text)
+inline char* toString(std::string const& t)
 {
-    return qstrdup(text.c_str());
+    return qstrdup(t.c_str());
 }
 
 } // namespace QTest
