@@ -16,12 +16,13 @@
 
 // Design notes
 //
-// Style sheets select by object names and dynamic properties. Qt does not evaluate the selectors again when a property
-// changes, so every change is followed by unpolish() and polish().
+// Style sheets select widgets by their object names and dynamic properties. Qt does not evaluate the selectors again
+// when a property changes, so AlertBox calls unpolish() and polish() after every change of a property.
 //
-// The minimum width is held by an invisible spacer in the last row of the grid layout. QMessageBox deletes its grid and
-// creates another one whenever its contents change. The spacer is therefore inserted again after each deletion. This
-// happens through the event loop, because the new grid does not exist yet when the old one emits destroyed().
+// An empty spacer widget in the last row of the grid layout enforces the minimum width. QMessageBox deletes its grid
+// layout and creates a new one whenever its contents change, so AlertBox must insert the spacer again after each
+// deletion. It does this in a queued call, because the new layout does not exist yet when the old layout emits
+// destroyed().
 
 namespace Zelkor::Util
 {
@@ -45,7 +46,7 @@ constexpr LevelLook LevelLooks[] = {
     {nullptr, ":/MessageBox/question_icon.png", MessageLevel::Question},
 };
 
-/// Returns null if \a level is outside the enumeration.
+/// Returns the properties of \a level, or null if \a level is outside the enumeration.
 LevelLook const* LookOf(AlertBox::Level level)
 {
     auto const index = static_cast<std::size_t>(level);
@@ -116,13 +117,13 @@ AlertBox::AlertBox(Level level, QString const& title, QString const& text, QMess
         LevelLook const* const look = LookOf(level_);
         if (look && look->title) {
             shownTitle = tr(look->title);
-        } else if (level_ == Question) { // deliberate: a question with a title gets no minimum width
+        } else if (level_ == Question) { // deliberate: a question with a title has no minimum width
             SetWidth(QuestionWidth);
         }
-        // Only a default title is set through both classes. Kept as in the first release.
+        // Since the first release, QMessageBox::setWindowTitle() is called only if the caller passes no title.
         QMessageBox::setWindowTitle(shownTitle);
     }
-    QWidget::setWindowTitle(shownTitle); // on macOS, QMessageBox::setWindowTitle() does nothing
+    QWidget::setWindowTitle(shownTitle); // QMessageBox::setWindowTitle() has no effect on macOS
 
     setStyleSheet(QStringLiteral("QLabel#qt_msgbox_label { font : normal }"));
     SetDialogSubStyle(level_);
@@ -138,7 +139,7 @@ AlertBox::~AlertBox() = default;
 int AlertBox::Exec(Level level, QString const& title, QString const& text, QMessageBox::StandardButtons buttons,
                    QWidget* parent, Qt::WindowFlags flags)
 {
-    // On the heap, because the parent can be destroyed while the box is shown, and then deletes the box.
+    // The box is on the heap, because the parent deletes the box if the parent is destroyed while the box is shown.
     QPointer<AlertBox> const box(new AlertBox(level, title, text, buttons, parent, flags));
     auto const boxGuard = qScopeGuard([&box] { delete box.data(); });
     box->PrepareToShow();
@@ -189,8 +190,9 @@ void AlertBox::SetWidth(int width)
     }
     widthSpacer_->setFixedSize(width, 0);
     grid->addWidget(widthSpacer_, grid->rowCount() - 1, 0, 1, grid->columnCount());
-    // Queued, because QMessageBox has not installed its new grid yet when it deletes the old one. Disconnecting does
-    // not cancel a call that is already queued, so the call checks if the width has been removed meanwhile.
+    // The connection is queued, because QMessageBox has not installed its new layout yet when it deletes the old one.
+    // disconnect() does not cancel a call that is already queued. The call therefore checks that the minimum width has
+    // not been removed meanwhile.
     widthConnection_ = connect(
         grid, &QObject::destroyed, this,
         [this] {
@@ -269,7 +271,8 @@ void AlertBox::SetButtonsSubStyle()
         StandardButton const standard = standardButton(button);
         ButtonRole const role = buttonRole(button);
 
-        // Two independent tests: a Cancel button with AcceptRole gets the look of Cancel.
+        // The tests for Ok and Cancel are independent: a Cancel button with AcceptRole passes both tests. The values of
+        // Cancel then overwrite the values of Ok.
         if (standard == Ok || role == AcceptRole) {
             apply("Ok", "SubStyle");
             apply("activeButton", "styleHint");
@@ -305,7 +308,7 @@ void AlertBox::UpdateDefaultIcon()
 
 void AlertBox::Repolish()
 {
-    // Deliberately the style of the box for all descendants, even for those with a different style.
+    // Deliberately use the style of the box for all descendants, even for descendants that have their own style.
     QStyle* const boxStyle = style();
     ApplyStyleAgain(boxStyle, this);
     auto const widgets = findChildren<QWidget*>();

@@ -20,8 +20,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// A message box with one of three levels. The level selects a default title and a default icon. The box sets object
-/// names and dynamic properties on itself and its buttons, so that the application's style sheet can select them.
+/// A message box that has one of three levels. The level selects a default title and a default icon. The box sets
+/// object names and dynamic properties on itself and its buttons, so that the application's style sheet can select
+/// them.
 ///
 /// \code
 /// AlertBox::Exec(AlertBox::Information, QString(), tr("The film has been saved."), QMessageBox::Ok, this);
@@ -39,11 +40,11 @@ namespace Util
 /// ":/MessageBox/question_icon.png".
 ///
 /// **A box without buttons.** QMessageBox adds an OK button to a box without buttons, but only when the box is shown.
-/// AlertBox has set the object names and properties by then, so that button gets neither. Pass `QMessageBox::Ok` to get
-/// an OK button that style sheets can select.
+/// AlertBox sets the object names and properties before that. Therefore, the added button has neither. Pass
+/// `QMessageBox::Ok` to get an OK button that style sheets can select.
 ///
-/// **Buttons that are added after construction** get their object names from SetDefaultButtonNames(), which the caller
-/// calls. They get their properties from PrepareToShow(), which Exec() and Show() call.
+/// **Additional buttons.** If you add buttons after construction, call SetDefaultButtonNames() to set their object
+/// names. Exec() and Show() set the properties of all buttons through PrepareToShow().
 ///
 /// The default button and the button for the Esc key follow the rules of QMessageBox.
 ///
@@ -51,29 +52,30 @@ namespace Util
 class ZQTUTIL_EXPORT AlertBox : public QMessageBox
 {
     Q_OBJECT
-    /// The minimum width of the dialog in pixels; -1 if there is none.
+    /// The minimum width of the dialog in pixels; -1 if no minimum width is set.
     Q_PROPERTY(int minimumDialogWidth READ GetWidth WRITE SetWidth)
-    /// The spacing between the buttons in pixels, as last set; initially 0.
+    /// The last value that was set for the spacing between the buttons, in pixels; initially 0.
     Q_PROPERTY(int spacing READ GetSpacing WRITE SetSpacing)
     /// True if a box without an icon gets the icon of its level when it is shown; initially true.
     Q_PROPERTY(bool useDefaultLevelIcon READ GetUseDefaultLevelIcon WRITE SetUseDefaultLevelIcon)
 
 public:
-    /// The kind of message; selects the default title, the default icon and the property "Level".
+    /// The kind of message. It selects the default title, the default icon and the property "Level".
     enum Level { Information, Error, Question };
 
     /// Creates a message box of level Information without a parent, a title, buttons or a style sheet. The property
     /// "Level" is not set.
     AlertBox();
 
-    /// Creates a message box, and names its buttons with SetDefaultButtonNames().
+    /// Creates a message box and calls SetDefaultButtonNames().
     ///
-    /// \param level    the level of the box; it cannot be changed later
-    /// \param title    the window title. If it is empty, the title is the translated text "Information" or "Error" for
-    ///                 these levels. For Question the title remains empty, and the minimum width is set to 300 pixels.
+    /// \param level    the level of the box; the level cannot be changed later
+    /// \param title    the window title. If it is empty, a box of level Information or Error has the translated title
+    ///                 "Information" or "Error". If it is empty and the level is Question, the box has no title, and
+    ///                 its minimum width is set to 300 pixels.
     /// \param text     the text of the message
-    /// \param buttons  the standard buttons. If there are none, QMessageBox adds an OK button when the box is shown;
-    ///                 that button has no object name and no properties.
+    /// \param buttons  the standard buttons. If \a buttons is NoButton, QMessageBox adds an OK button when the box is
+    ///                 shown. The added button has neither an object name nor properties for style sheets.
     /// \param parent   the owner of the box; can be null
     /// \param flags    the window flags
     AlertBox(Level level, QString const& title, QString const& text, QMessageBox::StandardButtons buttons = NoButton,
@@ -82,7 +84,7 @@ public:
     ~AlertBox() override;
 
     /// Creates a box, prepares it with PrepareToShow(), shows it modally and destroys it. Runs a nested event loop. The
-    /// parameters are those of the constructor.
+    /// parameters are the same as those of the constructor.
     ///
     /// \returns the standard button that was clicked; 0 if the box is destroyed together with its \a parent while it is
     ///          shown
@@ -96,26 +98,26 @@ public:
     ///          button was clicked
     virtual int Exec();
 
-    /// Prepares the box with PrepareToShow(), shows it and returns at once.
+    /// Prepares the box with PrepareToShow(), shows it and returns immediately.
     ///
     /// \param modal  true if the box blocks input to the other windows
     virtual void Show(bool modal);
 
-    /// Calls SetButtonsSubStyle(), UpdateDefaultIcon() and Repolish(), in this order. Call it before showing the box by
-    /// other means than Exec() and Show(), such as `QDialog::open()`.
+    /// Calls SetButtonsSubStyle(), UpdateDefaultIcon() and Repolish(), in this order. Exec() and Show()
+    /// call this function. Call it yourself before you show the box in another way, for example with `QDialog::open()`.
     void PrepareToShow();
 
-    /// Sets the minimum width of the dialog to \a width pixels. A negative value removes the minimum. A value of 0 or
-    /// more is ignored if the layout of the box is not a QGridLayout.
+    /// Sets the minimum width of the dialog to \a width pixels. A negative value removes the minimum width. A value
+    /// of 0 or more is ignored if the layout of the box is not a QGridLayout.
     void SetWidth(int width);
-    /// Returns the minimum width in pixels, or -1 if there is none. After a minimum was removed, returns 0 until
-    /// control returns to the event loop.
+    /// Returns the minimum width in pixels, or -1 if no minimum width is set. After SetWidth() has removed the minimum
+    /// width, returns 0 until control returns to the event loop.
     int GetWidth() const;
 
-    /// Sets the spacing between the buttons to \a spacing pixels. Does nothing if the box has no buttons, or if their
-    /// layout is not a QHBoxLayout.
+    /// Sets the spacing between the buttons to \a spacing pixels. Does nothing if the box has no buttons, or if the
+    /// layout of the buttons is not a QHBoxLayout.
     void SetSpacing(int spacing);
-    /// Returns the spacing in pixels that was last set; initially 0.
+    /// Returns the last value that was set for the spacing between the buttons, in pixels; initially 0.
     int GetSpacing() const;
 
     /// Enables the default icon if \a use is true, otherwise disables it. See UpdateDefaultIcon().
@@ -127,19 +129,19 @@ public:
     /// informative text of the box.
     void SetLearnMoreLink(QString const& link);
 
-    /// Sets the object that opens the links in all current labels of the box. The labels keep \a opener alive. If it is
-    /// null, each label opens its links itself.
+    /// Sets the object that opens the links in all current labels of the box. The labels share ownership of \a opener.
+    /// If \a opener is null, each label opens its links itself.
     ///
-    /// Removes all other connections of the signal `QLabel::linkActivated()` of these labels. QMessageBox creates
+    /// Removes all other connections from the signal `QLabel::linkActivated()` of these labels. QMessageBox creates
     /// labels on demand, so call this function again after adding texts.
     void SetLinksOpener(std::shared_ptr<App::ILinksOpener> const& opener);
 
-    /// Sets the object name of every button to "button" and the name of its standard button, for example "buttonOk" or
-    /// "buttonRestoreDefaults". The object name of a custom button is "buttonUnknown".
+    /// Sets the object name of every button to "button" followed by the name of its standard button, for example
+    /// "buttonOk" or "buttonRestoreDefaults". The object name of a custom button is "buttonUnknown".
     void SetDefaultButtonNames();
 
-    /// Sets dynamic properties on every button and applies the style sheet to it. A later row of the table overwrites
-    /// an earlier one.
+    /// Sets dynamic properties on every button and applies the style sheet to the button. If a button matches two rows
+    /// of the table, the values of the lower row overwrite those of the upper row. An empty cell overwrites nothing.
     ///
     /// | Button                                        | "SubStyle" | "styleHint"    |
     /// |-----------------------------------------------|------------|----------------|
@@ -151,7 +153,7 @@ public:
     /// The property "buttonRole" of every button is the name of its role without "Role", for example "Accept".
     void SetButtonsSubStyle();
 
-    /// Sets the property "Level" of the box to \a level. Does not change the icon and the title. Ignores a value
+    /// Sets the property "Level" of the box to \a level. Changes neither the icon nor the title. Ignores a value
     /// outside the enumeration.
     void SetDialogSubStyle(Level level);
 

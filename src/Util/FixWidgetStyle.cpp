@@ -23,7 +23,7 @@ struct StandardButtonLook
 {
     QDialogButtonBox::StandardButton button;
     char const* objectName;
-    char const* styleHint; // null if the button gets no hint
+    char const* styleHint; // null: do not set the property "styleHint"
 };
 
 constexpr StandardButtonLook StandardButtonLooks[] = {
@@ -35,7 +35,7 @@ constexpr StandardButtonLook StandardButtonLooks[] = {
     {QDialogButtonBox::RestoreDefaults, "restoreButton", "highlightedButton"},
 };
 
-/// Returns all descendants of \a root that have type \a T, followed by \a root itself if it has that type.
+/// Returns all descendants of \a root that have type \a T. If \a root itself has type \a T, it is the last element.
 template <class T>
 QList<T*> FindWithRoot(QWidget* root)
 {
@@ -53,7 +53,7 @@ QWidgetList PopUpsOf(QWidget* root)
         popUps.append(menu);
     }
     for (QComboBox* const comboBox : FindWithRoot<QComboBox>(root)) {
-        popUps.append(comboBox->view()->window()); // the container that Qt shows as the pop-up window
+        popUps.append(comboBox->view()->window()); // the container that Qt shows as pop-up window
     }
     return popUps;
 }
@@ -116,7 +116,7 @@ void FixWidgetStyle::Apply(QWidget* root)
 
     root->setWindowFlags(root->windowFlags() & ~Qt::WindowContextHelpButtonHint);
 
-    // Deliberately without the root: if it is a menu itself, its action keeps its name.
+    // findChildren() excludes root. This is deliberate: if root is a menu, the name of its action must not change.
     auto const menus = root->findChildren<QMenu*>();
     for (QMenu* const menu : menus) {
         NameAction(menu);

@@ -24,19 +24,19 @@ public:
 
     /// Sets object names and dynamic properties on the standard parts of \a root. Does nothing if \a root is null.
     ///
-    /// Call it once, before the window is shown: Qt hides a window when its flags change. GUI thread.
+    /// Call this function once, before the window is shown. The function changes window flags, and Qt hides a visible
+    /// window when its flags change. GUI thread.
     ///
-    /// - Sets the property "roundedEdges" to true on all menus and on the pop-up windows of all combo boxes, including
-    ///   \a root itself.
-    /// - Makes every widget whose property "roundedEdges" is true translucent and frameless, without a drop shadow. The
-    ///   application can set the property on other widgets before the call.
+    /// - Sets the property "roundedEdges" to true on all menus and on the pop-up windows of all combo boxes below
+    ///   \a root. If \a root is a menu or a combo box, this includes \a root itself or its pop-up window.
+    /// - Makes every widget whose property "roundedEdges" is true translucent and frameless, without a drop shadow. To
+    ///   include other widgets, set this property on them before the call.
     /// - Removes the context help button from the title bar of \a root.
-    /// - Sets the object name of the action of each menu below \a root to "action_" and the object name of the menu.
-    /// Keeps
-    ///   a name that is already set.
+    /// - Sets the object name of the action of each menu below \a root to "action_" followed by the object name of
+    ///   the menu. Does not change an object name that is already set.
     /// - Sets object names and the property "styleHint" on the standard buttons of each QDialogButtonBox below \a root,
-    ///   see the table. Keeps a name that is already set.
-    /// - Keeps the layout of each QDialogButtonBox current, see Widget::Util::installLayoutController().
+    ///   see the table. Does not change an object name that is already set.
+    /// - Calls Widget::Util::installLayoutController() for each QDialogButtonBox below \a root.
     ///
     /// | Button            | Object name     | "styleHint"         |
     /// |-------------------|-----------------|---------------------|

@@ -11,7 +11,7 @@ QWidget* SpontaneousDialog::findParent()
 {
     QWidget* const modal = QApplication::activeModalWidget();
     QWidget* const candidate = modal ? modal : QApplication::activeWindow();
-    // A parent that deletes itself when it is closed would delete the new dialog too.
+    // A parent with the attribute WA_DeleteOnClose would delete the new dialog when the parent is closed.
     if (candidate && !candidate->testAttribute(Qt::WA_DeleteOnClose)) {
         return candidate;
     }

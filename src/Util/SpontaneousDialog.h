@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Selection of a parent for dialogs that are created without one.
+/// Selection of a parent widget for dialogs whose caller does not specify a parent.
 
 #include <Util/Export.h>
 
@@ -13,25 +13,26 @@ namespace Zelkor
 namespace Util
 {
 
-/// Finds a parent for dialogs that are created without one, and stores the main window of the application.
+/// Finds a parent widget for dialogs whose caller does not specify a parent. Stores the main window of the application.
 class ZQTUTIL_EXPORT SpontaneousDialog
 {
 public:
     SpontaneousDialog() = delete;
 
-    /// Returns the active modal widget, or the active window if no modal widget is active.
+    /// Returns a parent widget for a dialog. The result can be null. GUI thread.
     ///
-    /// If that widget has the attribute `Qt::WA_DeleteOnClose`, or if there is none, returns GetMainWindow(). A dialog
-    /// would otherwise be deleted together with such a parent. Without a main window, the result is the active window,
-    /// even if it has the attribute. The result can be null. GUI thread.
+    /// The candidate is the active modal widget, or the active window if no modal widget is active. Returns the
+    /// candidate, unless it is null or has the attribute `Qt::WA_DeleteOnClose`: a parent with this attribute would
+    /// delete the dialog when the parent is closed. In these two cases, returns GetMainWindow(). If no main window is
+    /// set, GetMainWindow() returns the active window, even if the active window has the attribute.
     static QWidget* findParent();
 
-    /// Returns the main window, or the active window if no main window is set or it was destroyed. The result can be
-    /// null. GUI thread.
+    /// Returns the main window. Returns the active window if no main window is set, or if the main window has been
+    /// destroyed. The result can be null. GUI thread.
     static QWidget* GetMainWindow();
 
-    /// Sets the main window to \a window; null clears it. The caller keeps ownership and can destroy the window at any
-    /// time. GUI thread.
+    /// Sets the main window to \a window. If \a window is null, no main window is set. The caller keeps ownership and
+    /// can destroy the window at any time. GUI thread.
     static void SetMainWindow(QWidget* window);
 
 private:

@@ -46,7 +46,7 @@ QColor StyledPalette::GetPalleteLight()
 
 void StyledPalette::SetPaletteLight(QColor color)
 {
-    // Deliberately unlike SetLinksColor(): callers depend on an RGB colour here.
+    // Unlike SetLinksColor(), convert the colour to RGB: callers depend on this.
     QColor rgb;
     rgb.setRgb(color.red(), color.green(), color.blue(), color.alpha());
     SetApplicationColor(QPalette::Light, rgb);

@@ -13,8 +13,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// A widget whose properties set colours of the application palette, which style sheets cannot set otherwise. Add one
-/// hidden instance to the main window, and set its properties in the style sheet:
+/// A widget whose properties set colours of the application palette. Style sheets cannot set these colours directly,
+/// but they can set the properties. Add one hidden instance to the main window, and set its properties in the style
+/// sheet:
 ///
 /// \code{.qss}
 /// Zelkor--Util--StyledPalette { qproperty-linksColor: #2a6fdb; qproperty-paletteLight: white; }
@@ -27,11 +28,11 @@ class ZQTUTIL_EXPORT StyledPalette : public QWidget
     Q_OBJECT
     /// The colour of links in the application palette.
     Q_PROPERTY(QColor linksColor READ GetLinksColor WRITE SetLinksColor)
-    /// The colour of role `QPalette::Light` in the application palette; converted to RGB when it is set.
+    /// The colour of role `QPalette::Light` in the application palette. The setter converts the colour to RGB.
     Q_PROPERTY(QColor paletteLight READ GetPalleteLight WRITE SetPaletteLight)
 
 public:
-    /// Creates a widget without contents. \a parent owns it and can be null.
+    /// Creates an empty widget. \a parent owns the widget and can be null.
     explicit StyledPalette(QWidget* parent = nullptr);
 
 public Q_SLOTS:
@@ -41,7 +42,7 @@ public Q_SLOTS:
     void SetLinksColor(QColor color);
     /// Returns the colour of role `QPalette::Light` in the application palette.
     ///
-    /// The name is misspelled since the first release; callers depend on it.
+    /// The name has been misspelled since the first release. It is kept because callers depend on it.
     QColor GetPalleteLight();
     /// Converts \a color to RGB and sets it for role `QPalette::Light` in all colour groups of the application palette.
     void SetPaletteLight(QColor color);

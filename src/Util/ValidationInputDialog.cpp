@@ -55,7 +55,7 @@ public:
 
         label->setWordWrap(true);
         buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-        // A placeholder until the dialog sets its own text; the text is part of the translation catalogues.
+        // The constructor of the dialog replaces this text. It is kept because the translation catalogues contain it.
         label->setText(QCoreApplication::translate("ValidationInputDialog", "Input string:"));
     }
 
@@ -87,8 +87,8 @@ ValidationInputDialog::ValidationInputDialog(QString const& title, QString const
 
 ValidationInputDialog::~ValidationInputDialog()
 {
-    // ~QDialog() hides the dialog, and an input method can then still commit text. The checks no longer exist at that
-    // point, so textChanged() must not reach them.
+    // ~QDialog() hides the dialog, and an input method can then still commit text to the line edit. The check functions
+    // have been destroyed at that point, so textChanged() must not call checkInput().
     disconnect(ui_->lineEdit, nullptr, this, nullptr);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A dialog for one line of text that is checked while the user types.
+/// A dialog for one line of text. The text is checked while the user types.
 
 #include <Util/Export.h>
 
@@ -16,7 +16,7 @@ namespace Zelkor
 namespace Util
 {
 
-/// A dialog for one line of text. Two checks run on every change of the text.
+/// A dialog for one line of text. Two check functions are called when the text changes.
 ///
 /// \code
 /// ValidationInputDialog dialog(tr("Rename"), tr("New name:"), name, IsFileName, IsNotTaken);
@@ -31,36 +31,39 @@ namespace Util
 /// | passes      | fails        | enabled   | "error"                 | shown                   |
 /// | passes      | passes       | enabled   | "normal"                | hidden                  |
 ///
-/// The second check is therefore a warning: the user can still accept the text.
+/// If the second check fails, this is therefore only a warning: the user can still accept the text.
 ///
-/// OK is the default button. Esc presses Cancel. The parent of the dialog is the result of
-/// SpontaneousDialog::findParent(). GUI thread.
+/// OK is the default button. The Esc key has the same effect as the Cancel button. The parent of the dialog is the
+/// result of SpontaneousDialog::findParent(). GUI thread.
 class ZQTUTIL_EXPORT ValidationInputDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Returns true if \a input passes the check. Can write a text for the user to \a message.
+    /// A function that returns true if \a input passes the check. It can write a text for the user to \a message.
     ///
     /// \param input    the text of the field after `QString::simplified()`
-    /// \param message  the text below the field. It is empty when the first check is called. The second check receives
-    ///                 the message of the first one.
+    /// \param message  the text that the dialog shows below the field if a check fails. It is empty when the first
+    ///                 check is called. The second check receives the text that the first check has written.
     using Check = std::function<bool(QString const& input, QString& message)>;
 
     /// Creates the dialog.
     ///
     /// \param title        the window title
     /// \param labelText    the label above the field
-    /// \param text         the initial text of the field. The checks run for it only if it is not empty.
-    /// \param firstCheck   rejects a text. An empty function throws `std::bad_function_call` when it is called.
-    /// \param secondCheck  warns about a text. An empty function throws `std::bad_function_call` when it is called.
+    /// \param text         the initial text of the field. The checks run in the constructor only if \a text is not
+    ///                     empty.
+    /// \param firstCheck   if this check fails, the OK button is disabled. Calling an empty function throws
+    ///                     `std::bad_function_call`.
+    /// \param secondCheck  if this check fails, the dialog only shows a warning. Calling an empty function throws
+    ///                     `std::bad_function_call`.
     ValidationInputDialog(QString const& title, QString const& labelText, QString const& text, Check const& firstCheck,
                           Check const& secondCheck);
 
     ~ValidationInputDialog() override;
 
-    /// Returns the text of the field after `QString::simplified()`. Returns an empty text if the first check fails,
-    /// even after the dialog was accepted.
+    /// Returns the text of the field after `QString::simplified()`. Calls the first check again, and returns an empty
+    /// text if this check fails, even after the user has accepted the dialog.
     QString inputText();
 
 private:
