@@ -1,5 +1,5 @@
-// QFontDatabase::supportsThreadedFontRendering() is deprecated since Qt 5.2 and has no replacement. The build hides
-// deprecated functions, so this source makes them visible again.
+// QFontDatabase::supportsThreadedFontRendering() has been deprecated since Qt 5.2 and has no replacement. The build
+// hides deprecated functions, so this source file makes them visible again.
 #undef QT_DISABLE_DEPRECATED_BEFORE
 #define QT_DISABLE_DEPRECATED_BEFORE 0x050100
 
@@ -18,7 +18,7 @@ std::set<int> FontDatabase::s_addedFonts;
 int FontDatabase::addApplicationFont(QString const& fileName)
 {
     int const id = QFontDatabase::addApplicationFont(fileName);
-    s_addedFonts.insert(id); // -1 for a failure is recorded too; it is harmless, because it has no families
+    s_addedFonts.insert(id); // also records -1 after a failure; this is harmless, because -1 has no families
     return id;
 }
 

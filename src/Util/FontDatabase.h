@@ -15,7 +15,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Static functions on QFontDatabase that also record which fonts this process has added through them. GUI thread.
+/// Static wrappers for functions of QFontDatabase. The class also records which fonts the process has added with
+/// addApplicationFont(). GUI thread.
 class ZQTUTIL_EXPORT FontDatabase
 {
 public:
@@ -30,13 +31,14 @@ public:
     /// Returns the families of the font with the identifier \a id. Returns an empty list if there is no such font.
     static QStringList applicationFontFamilies(int id);
 
-    /// Returns the families of all fonts that were added and not removed, sorted case-sensitively, without duplicates.
+    /// Returns the families of all fonts that were added with addApplicationFont() and have not been removed. The list
+    /// is sorted case-sensitively and has no duplicates.
     static QStringList addedFontFamilies();
 
-    /// Returns all families except addedFontFamilies(), in the order of `QFontDatabase::families()`.
+    /// Returns all font families that are not in addedFontFamilies(), in the order of `QFontDatabase::families()`.
     static QStringList systemFontFamilies();
 
-    /// Returns all scalable families, including added fonts, in the order of `QFontDatabase::families()`.
+    /// Returns all scalable font families, including those of added fonts, in the order of `QFontDatabase::families()`.
     static QStringList scalableFontFamilies();
 
     /// Returns true if text can be drawn outside the GUI thread.

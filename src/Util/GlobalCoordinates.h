@@ -16,12 +16,12 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns the rectangle of \a widget in global screen coordinates, without the window frame. Returns a null rectangle
-/// if \a widget is null. GUI thread.
+/// Returns the rectangle of \a widget in global screen coordinates. The rectangle does not include the window frame.
+/// Returns a null rectangle if \a widget is null. GUI thread.
 ZQTUTIL_EXPORT QRect GetGlobalWidgetRect(QWidget* widget);
 
-/// Returns \a globalRect, which is in global screen coordinates, in the coordinates of \a widget. Returns a null
-/// rectangle if \a widget is null. GUI thread.
+/// Converts \a globalRect from global screen coordinates to the coordinates of \a widget, and returns the result.
+/// Returns a null rectangle if \a widget is null. GUI thread.
 ZQTUTIL_EXPORT QRect GetWidgetRect(QWidget* widget, QRect const& globalRect);
 
 } // namespace Util

@@ -8,12 +8,14 @@
 
 // Design notes
 //
-// One event object is sent to all other members. The event filter of the group sees the object again for each of these
-// members. The address of the object distinguishes such a repetition from an event of the member itself. One hover
-// event therefore costs one walk over the members instead of one walk for each member.
+// When a member receives a hover event, the group sends the same QEvent object to all other members. The group's event
+// filter then sees that QEvent again, once for each of the other members. The filter compares the address of the QEvent
+// with replayed_ to recognise these replayed events, and does not replay them again. Without this comparison, the group
+// would iterate over all members once for each member instead of once for each hover event.
 //
-// Any receiver of an event can destroy members, other widgets and the group, or change the group. The walk therefore
-// uses a copy of the addresses and finds each member in the map again.
+// An event handler of a member can destroy any widget or the group itself, and can add or remove members.
+// replayToOthers() therefore iterates over a copy of the addresses. Before it sends the event to an address, it looks
+// up the address in members_ again.
 
 namespace Zelkor::Util
 {
@@ -64,7 +66,8 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     if (hovered == members_.end()) {
         return QObject::eventFilter(watched, event);
     }
-    // Record the type before sending. Otherwise the other members would send the event back to this one.
+    // Record the type before replaying. An event handler of another member can cause a new event of the same type.
+    // Without the record, the group would send the new event back to this member.
     hovered->second.last = event->type();
     if (event == replayed_) {
         return QObject::eventFilter(watched, event);
@@ -74,14 +77,14 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     QPointer<QObject> const receiver(watched);
     QEvent const* const replayedBefore = std::exchange(replayed_, event);
     {
-        auto const replayGuard = qScopeGuard([&] { // also if the event handler of a member throws
+        auto const replayGuard = qScopeGuard([&] { // runs even if an event handler of a member throws
             if (self) {
                 replayed_ = replayedBefore;
             }
         });
         replayToOthers(hovered->first, event);
     }
-    // If the receiver is destroyed, true keeps Qt from delivering the event to it.
+    // If an event handler has destroyed the watched widget, return true so that Qt does not deliver the event to it.
     return !receiver || (self && QObject::eventFilter(watched, event));
 }
 

@@ -17,8 +17,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// Sends the enter and leave events of each member to all other members. The `:hover` rules of a style sheet then apply
-/// to all members at the same time, for example to an icon and its label, or to the cells of a row.
+/// A group of widgets, called members. When a member receives an enter or leave event, the group sends the event to all
+/// other members. The `:hover` rules of a style sheet then apply to all members at the same time, for example to an
+/// icon and its label, or to the cells of a row.
 ///
 /// \code
 /// auto* const group = new HoverGroup(tile);
@@ -27,7 +28,7 @@ namespace Util
 /// \endcode
 ///
 /// **Ownership.** The parent owns the group. The group does not own its members. A member can be destroyed at any time,
-/// also while the group sends an event.
+/// even while the group sends an event.
 ///
 /// **Thread.** GUI thread.
 class ZQTUTIL_EXPORT HoverGroup : public QObject
@@ -35,35 +36,38 @@ class ZQTUTIL_EXPORT HoverGroup : public QObject
     Q_OBJECT
 
 public:
-    /// Creates a group without members. \a parent owns it and can be null.
+    /// Creates a group without members. \a parent owns the group and can be null.
     explicit HoverGroup(QWidget* parent);
 
-    /// Adds \a widget and sets its attribute `Qt::WA_Hover`, so that it receives hover events. If it is already a
-    /// member, only its recorded hover state is reset. Null is ignored.
+    /// Adds \a widget to the group and sets its attribute `Qt::WA_Hover`, so that it receives hover events. If
+    /// \a widget is already a member, the group discards the hover state that it has recorded for \a widget. A null
+    /// \a widget is ignored.
     void addItem(QWidget* widget);
 
-    /// Removes \a widget. It no longer sends its hover events to the members and receives none from them. The attribute
-    /// `Qt::WA_Hover` remains set. Ignores a widget that is not a member.
+    /// Removes \a widget from the group. The group no longer sends the events of \a widget to the members, and no
+    /// longer sends their events to \a widget. The attribute `Qt::WA_Hover` of \a widget remains set. A widget that is
+    /// not a member is ignored.
     void removeItem(QWidget* widget);
 
-    /// Sends \a event to the other members if it is an enter or leave event of the member \a watched.
+    /// If \a watched is a member and \a event is an enter or leave event, sends \a event to the other members.
     ///
-    /// \returns the result of the base class, so that \a watched receives the event too; true if a receiver destroyed
-    ///          \a watched
+    /// \returns true if \a watched was destroyed while the event was sent; otherwise the result of the base class, so
+    ///          that \a watched receives the event too
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     struct Member
     {
-        QPointer<QWidget> widget;         // null after the widget is destroyed
-        QEvent::Type last = QEvent::None; // the last hover event that the widget received or was sent
+        QPointer<QWidget> widget;         // null after the widget has been destroyed
+        QEvent::Type last = QEvent::None; // the type of the last original or replayed hover event
     };
 
     void replayToOthers(QWidget* hovered, QEvent* event);
 
-    // The keys are plain addresses: a QPointer as key would change the order when its widget is destroyed.
+    // The keys are plain addresses. A QPointer key would become null when its widget is destroyed, which would break
+    // the order of the map.
     std::map<QWidget*, Member> members_;
-    QEvent const* replayed_ = nullptr; // the event that is being sent to the other members
+    QEvent const* replayed_ = nullptr; // the event that the group is sending to the other members; otherwise null
 };
 
 } // namespace Util

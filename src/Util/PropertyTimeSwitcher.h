@@ -14,8 +14,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// Sets a property of its parent to one value while the current time is in a range, and to a default value while it is
-/// outside the range. The application supplies the current time with setCurrentTime(). All times are in milliseconds.
+/// Sets a property of its parent to one value while the current time is in a range, and to a default value while the
+/// current time is outside the range. The application supplies the current time with setCurrentTime(). All times are in
+/// milliseconds.
 ///
 /// \code
 /// auto* const switcher = new PropertyTimeSwitcher("visible", false, subtitle);
@@ -23,7 +24,7 @@ namespace Util
 /// QObject::connect(player, &Player::positionChanged, switcher, &PropertyTimeSwitcher::setCurrentTime);
 /// \endcode
 ///
-/// The parent owns the switcher. Use it on the thread of its parent.
+/// The parent owns the switcher. Use the switcher on the thread of the parent.
 class ZQTUTIL_EXPORT PropertyTimeSwitcher : public QObject
 {
     Q_OBJECT
@@ -31,17 +32,18 @@ class ZQTUTIL_EXPORT PropertyTimeSwitcher : public QObject
 public:
     /// Creates a switcher with an empty range. Does not write the property yet.
     ///
-    /// \param propertyName  the property to control. If \a parent does not have it, the constructor calls qWarning(),
-    ///                      and the first write adds it as a dynamic property.
-    /// \param defaultValue  the value outside the range
-    /// \param parent        the object that has the property, and the owner. If it is null, nothing is ever written.
+    /// \param propertyName  the name of the property to control. If \a parent does not have this property, the
+    ///                      constructor logs a warning with qWarning(), and the first write adds a dynamic property.
+    /// \param defaultValue  the value of the property while the current time is outside the range
+    /// \param parent        the object that has the property; it owns the switcher. If \a parent is null, the switcher
+    ///                      never writes a property, and the caller owns the switcher.
     PropertyTimeSwitcher(QByteArray const& propertyName, QVariant const& defaultValue, QObject* parent);
 
     /// Sets the range and calls updateValue(). Replaces the previous range.
     ///
-    /// \param from   the first time in the range, in milliseconds
+    /// \param from   the start of the range in milliseconds; part of the range
     /// \param to     the end of the range in milliseconds; not part of the range
-    /// \param value  the value inside the range
+    /// \param value  the value of the property while the current time is in the range
     void setRange(int from, int to, QVariant const& value);
 
     /// Writes the value for the current time to the property, unless the property already has this value.

@@ -26,7 +26,7 @@ void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widget)
     }
     if (QWidget* const container = findQmlContainer(widget)) {
         container->setFocusPolicy(Qt::StrongFocus);
-        new QmlWindowFocusWorkaround(window, widget); // deliberately the caller's widget, not the container
+        new QmlWindowFocusWorkaround(window, widget); // deliberate: the focus target is widget, not container
     }
 }
 
@@ -43,7 +43,7 @@ QmlWindowFocusWorkaround::~QmlWindowFocusWorkaround() = default;
 bool QmlWindowFocusWorkaround::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::ActivationChange && target_ && window_->isVisible() && window_->isActiveWindow()) {
-        // Each call can run event handlers of the application, and they can destroy the target.
+        // Each of these calls can run an event handler that destroys the target. Check target_ again before each call.
         target_->activateWindow();
         if (target_) {
             target_->raise();

@@ -14,35 +14,38 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns \a widget, or its first descendant, that has the attribute `Qt::WA_NativeWindow`, for example the container
-/// of a `QQuickView`. Returns null if there is none, or if \a widget is null. GUI thread.
+/// Returns \a widget if it has the attribute `Qt::WA_NativeWindow`. Otherwise, returns its first descendant that has
+/// this attribute, for example the container of a `QQuickView`. Returns null if neither \a widget nor a descendant has
+/// the attribute, or if \a widget is null. GUI thread.
 ZQTUTIL_EXPORT QWidget* findQmlContainer(QWidget* widget);
 
-/// Gives the keyboard focus to \a widget whenever \a window is activated. Without this, Qt gives the focus to the
-/// top-level window only, and a native window that is embedded in \a widget loses it.
+/// Gives the keyboard focus to \a widget whenever \a window is activated. Without this workaround, Qt gives the
+/// focus to the top-level window only, and a native window that is embedded in \a widget loses the focus.
 ///
 /// Also sets the focus policy of the embedded native window to `Qt::StrongFocus`. Each call installs another event
 /// filter, so call it once for each window. GUI thread.
 ///
-/// \param window  the top-level window to watch. Does nothing if it is null or not a window.
-/// \param widget  the widget that contains the native window. Does nothing if findQmlContainer() returns null for it.
+/// \param window  the top-level window to watch. If \a window is null or is not a window, the function does nothing.
+/// \param widget  the widget that contains the native window. If findQmlContainer() returns null for \a widget, the
+///                function does nothing.
 ZQTUTIL_EXPORT void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widget);
 
 /// The event filter that ApplyQmlWindowFocusWorkaround() installs on a window.
 class ZQTUTIL_EXPORT QmlWindowFocusWorkaround : public QObject
 {
 public:
-    /// Installs itself as an event filter on \a window.
+    /// Creates the event filter and installs it on \a window.
     ///
-    /// \param window  the window to watch, and the owner of this object; must not be null
-    /// \param target  the widget that gets the focus; can be destroyed at any time
+    /// \param window  the window to watch; it owns this event filter; must not be null
+    /// \param target  the widget to which the filter gives the focus; can be destroyed at any time
     QmlWindowFocusWorkaround(QWidget* window, QWidget* target);
 
     ~QmlWindowFocusWorkaround() override;
 
-    /// Activates, raises and focuses the target if \a event is an activation change and the window is now active and
-    /// visible. Returns the result of the base class for \a watched and \a event, so that the window receives the event
-    /// too.
+    /// If \a event is an activation change, and the window is now active and visible, activates and raises the target
+    /// widget and gives it the focus.
+    ///
+    /// \returns the result of the base class for \a watched and \a event, so that the window receives the event too
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

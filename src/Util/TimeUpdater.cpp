@@ -24,11 +24,11 @@ TimeUpdater::TimeUpdater(int outputStart, int inputStart, int inputEnd, QString 
 
 int TimeUpdater::calculateOutputTime(int time) const
 {
-    // 64 bits, because the sum of two times can overflow an int.
+    // Compute with 64 bits, because the sum of two times can overflow an int.
     qint64 const start = outputStart_;
     qint64 const end = start + inputEnd_ - inputStart_;
     qint64 const raw = reverse_ ? start + inputEnd_ - time : start + time - inputStart_;
-    // With the maximum taken last, a reversed input range gives the start.
+    // std::max() is applied last, so that the result is start if the input range ends before it starts.
     qint64 const output = std::max(start, std::min(end, raw));
     return static_cast<int>(qBound<qint64>(0, output, std::numeric_limits<int>::max()));
 }

@@ -17,8 +17,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Writes a running time to a text document. It converts an input time, such as the position in a film, to an output
-/// time, such as the position in a clip or the time that remains. All times are in milliseconds.
+/// Writes a running time to a text document. The updater converts an input time, for example the position in a film, to
+/// an output time, for example the position in a clip or the remaining time. All times are in milliseconds.
 ///
 /// The text is a time of day, formatted by QTime. It therefore starts again at zero after 24 hours.
 ///
@@ -27,11 +27,11 @@ namespace Util
 /// QObject::connect(player, &Player::positionChanged, left, &TimeUpdater::setCurrentTime);
 /// \endcode
 ///
-/// The document owns the updater. Use it on the thread of its document.
+/// The document owns the updater. Use the updater on the thread of the document.
 class ZQTUTIL_EXPORT TimeUpdater : public QObject
 {
     Q_OBJECT
-    /// The last input time in milliseconds.
+    /// The input time that was last set, in milliseconds; initially the start of the input range.
     Q_PROPERTY(int currentTime READ currentTime WRITE setCurrentTime)
 
 public:
@@ -41,21 +41,23 @@ public:
     /// \param inputStart   the start of the input range in milliseconds
     /// \param inputEnd     the end of the input range in milliseconds
     /// \param format       the format of the text, see `QTime::toString()`
-    /// \param document     the document to write to, and the owner. If it is null, nothing is written.
-    /// \param reverse      true to count down, false to count up
+    /// \param document     the document to write to; it owns the updater. If \a document is null, the updater writes
+    ///                     nothing, and the caller owns the updater.
+    /// \param reverse      true if the output time counts down while the input time increases; false if it counts up
     TimeUpdater(int outputStart, int inputStart, int inputEnd, QString const& format, QTextDocument* document,
                 bool reverse);
 
     /// Returns the output time in milliseconds for the input time \a time, in milliseconds.
     ///
     /// The result is limited to the range from the output start to the output start plus the length of the input range.
-    /// It is never negative.
+    /// The result is never negative.
     int calculateOutputTime(int time) const;
 
-    /// Sets the input time to \a time milliseconds. Writes to the document only if its text changes.
+    /// Sets the input time to \a time milliseconds. Writes the output time to the document, unless the document
+    /// already contains the same text.
     void setCurrentTime(int time);
 
-    /// Returns the last input time in milliseconds; initially the start of the input range.
+    /// Returns the input time that was last set, in milliseconds; initially the start of the input range.
     int currentTime() const;
 
 private:

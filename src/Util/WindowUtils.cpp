@@ -15,15 +15,15 @@ namespace Zelkor::Util
 namespace
 {
 
-/// Returns the mean of two coordinates. Half pixels are rounded away from zero; qRound() rounds negative ones up
-/// instead.
+/// Returns the mean of two coordinates. Half pixels are rounded away from zero. qRound() is not suitable: it rounds
+/// negative half pixels up.
 int RoundedMiddle(int first, int last)
 {
     return static_cast<int>(std::lround((static_cast<double>(first) + last) * 0.5));
 }
 
-/// Returns the centre of \a rect, rounded toward zero. Deliberately unlike RoundedMiddle(): the placement of windows
-/// has always used this rounding.
+/// Returns the centre of \a rect, rounded toward zero. RoundedMiddle() is deliberately not used: the placement of
+/// windows has always rounded toward zero.
 QPoint MiddleOf(QRect const& rect)
 {
     return {(rect.left() + rect.right()) / 2, (rect.top() + rect.bottom()) / 2};
@@ -34,7 +34,7 @@ QPoint MiddleFor(QDialog const* dialog, QWidget const* parent)
     if (!parent) {
         parent = dialog->parentWidget();
     }
-    // The geometry without the frame, unlike in GetCurrentScreenRect().
+    // geometry() excludes the window frame, unlike the rectangle that GetCurrentScreenRect() uses.
     return MiddleOf(parent ? parent->window()->geometry() : GetCurrentScreenRect(dialog));
 }
 
@@ -75,7 +75,7 @@ int ExecDialogInCenterWindow(QDialog* dialog, QWidget* parent)
     QPointer<QDialog> const guarded(dialog);
     QPoint const middle = MiddleFor(dialog, parent);
     dialog->show();
-    QCoreApplication::processEvents(); // the dialog gets its final size only when it is shown
+    QCoreApplication::processEvents(); // the dialog has its final size only after it has been shown
     if (!guarded) {
         return 0;
     }

@@ -18,23 +18,23 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns the geometry of the screen that contains the centre of \a widget. The centre of a window is computed from
-/// the rectangle that includes its frame.
+/// Returns the geometry of the screen that contains the centre of \a widget. If \a widget is a window, its centre is
+/// the centre of the rectangle that includes the window frame.
 ///
 /// Returns the geometry of the primary screen if no screen contains the centre, or if \a widget is null. Returns a null
 /// rectangle if there is no screen. GUI thread.
 ZQTUTIL_EXPORT QRect GetCurrentScreenRect(QWidget const* widget);
 
-/// Returns the position of the top left corner that centres \a widget on the screen of its parent, or on the primary
-/// screen if it has no parent. See GetCurrentScreenRect(). GUI thread.
+/// Returns the position of the top left corner at which \a widget is in the centre of the screen of its parent. If
+/// \a widget has no parent, the primary screen is used. See GetCurrentScreenRect(). GUI thread.
 ZQTUTIL_EXPORT QPoint GetWidgetPosOnCurrentScreenCenter(QWidget const& widget);
 
 /// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`. GUI thread; runs a nested event loop.
 ///
 /// \param dialog  the dialog to show; the caller keeps ownership
-/// \param parent  a widget of the window in which the dialog is centred. If it is null, the parent of \a dialog
-///                is used. If the dialog has no parent either, it is centred on its screen.
-/// \returns the result of `QDialog::exec()`; 0 if \a dialog is null or is destroyed before it returns
+/// \param parent  any widget of the window in which the dialog is centred. If \a parent is null, the parent of
+///                \a dialog is used. If \a dialog has no parent either, the dialog is centred on its screen.
+/// \returns the result of `QDialog::exec()`; 0 if \a dialog is null or is destroyed before this function returns
 ZQTUTIL_EXPORT int ExecDialogInCenterWindow(QDialog* dialog, QWidget* parent);
 
 } // namespace Util
