@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Runs the benchmarks of a build and writes a table of ratios: the time of the library divided by the time of each peer.
+"""Runs the benchmarks of a build and compares the library with alternatives, which are called peers.
 
-Times are comparable only within one run, so every run measures the library and all peers. The script prints the table
-and writes it to a Markdown file, together with a description of the machine. At the end it prints the goals that are
-missed. The exit code is 1 if a benchmark fails. It does not depend on the goals.
+The result is a table of ratios: the time of the library divided by the time of each peer. Times are comparable only
+within one run, so every run measures the library and all peers. The script prints the table and writes it to a Markdown
+file, together with a description of the machine. At the end, the script prints the goals that the library misses. The
+exit code is 1 if a benchmark fails. A missed goal does not change the exit code.
 """
 
 import argparse
@@ -46,7 +47,10 @@ class Goal:
 
 @dataclass(frozen=True)
 class Job:
-    """A job that the library and its peers do. `key`, `ours` and `peers` form the names of the results: "key/peer"."""
+    """A job that the library and its peers do.
+
+    The result of the library has the name "<key>/<ours>". The result of each peer has the name "<key>/<peer>".
+    """
 
     key: str
     title: str
@@ -63,76 +67,108 @@ class Peer:
 
 PEERS = {
     "PostedEvent": Peer(
-        "bare posted event", "**Lower bound.** A handwritten event: one allocation and one queue entry per functor."
+        "bare posted event",
+        "**Lower bound.** Handwritten code that posts one `QEvent` per functor. The event contains the functor.",
     ),
     "PostedEvents": Peer(
         "bare posted events",
-        "**Lower bound.** One event to the worker and one back, without cancellation, errors or ordering.",
+        "**Lower bound.** Handwritten code that posts each job to the worker thread as one `QEvent`, and each report "
+        "and the completion back as one `QEvent`. It does not support cancellation, errors or ordering.",
     ),
-    "InvokeMethod": Peer("`invokeMethod`", "Qt's own function for this, since Qt 5.10."),
-    "SingleShot": Peer("`singleShot(0)`", "The older idiom in many code bases."),
+    "InvokeMethod": Peer("`invokeMethod`", "Qt's own function for calling a functor on another thread, since Qt 5.10."),
+    "SingleShot": Peer(
+        "`singleShot(0)`", "`QTimer::singleShot()` with a delay of zero, an older idiom in many code bases."
+    ),
     "Lean": Peer(
         "lean form",
-        "**Cost of the mechanism.** The smallest class that passes a `std::function` through a queued signal.",
+        "**Lower bound of the mechanism.** The smallest class that passes a `std::function` through a queued signal. "
+        "`FunctorExecutionForwarder` uses the same mechanism.",
     ),
-    "ThreadPool": Peer("`QThreadPool`", "Qt's thread pool with one thread. Results return through `invokeMethod`."),
-    "ThreadWeaver": Peer("ThreadWeaver", "KDE's job queue with one worker: the most similar library."),
+    "ThreadPool": Peer(
+        "`QThreadPool`",
+        "Qt's thread pool with one thread. Reports and completions return through `invokeMethod`.",
+    ),
+    "ThreadWeaver": Peer(
+        "ThreadWeaver", "KDE's job queue with one worker thread. It is the peer most similar to `AsyncService`."
+    ),
     "QtConcurrent": Peer(
         "QtConcurrent",
-        "The way that Qt's manual suggests: `run()` and a `QFutureWatcher`, with one thread.",
+        "The way that Qt's manual suggests: `QtConcurrent::run()` and a `QFutureWatcher`, with one thread.",
     ),
     "FutureResults": Peer(
         "`QFutureInterface` results",
-        "Qt's way to deliver every report. QtConcurrent's progress values are not comparable: most are dropped.",
+        "Qt's way to deliver every report: each report is a result of a `QFuture`. The progress values of a `QFuture` "
+        "are not comparable, because Qt drops most of them.",
     ),
-    "QLocale": Peer("`QLocale`", "Qt's function, with the language and the number format of the locale."),
-    "KFormat": Peer("`KFormat`", "KDE's function, with most of the same options."),
-    "QTime": Peer("`QTime::toString`", "Qt's function. It cannot format more than a day or leave parts out."),
-    "Snprintf": Peer("`snprintf`, as `QString`", "The C library, converted to the type that a label accepts."),
-    "SnprintfBuffer": Peer("`snprintf` alone", "**Lower bound.** The C library, into a buffer on the stack."),
+    "QLocale": Peer(
+        "`QLocale`", "Qt's `formattedDataSize()`. It uses the language and the number format of the locale."
+    ),
+    "KFormat": Peer("`KFormat`", "KDE's formatter. It has most of the options of the library's functions."),
+    "QTime": Peer(
+        "`QTime::toString`", "Qt's function. It cannot format durations longer than a day, and it cannot omit parts."
+    ),
+    "Snprintf": Peer(
+        "`snprintf` + `QString`", "The C library's function. Its result is converted to `QString`, which a label needs."
+    ),
+    "SnprintfBuffer": Peer(
+        "`snprintf` alone", "**Lower bound.** The C library's function, which writes into a buffer on the stack."
+    ),
     "GetdentsFstatat": Peer(
-        "`getdents`, `fstatat`",
-        "**Lower bound.** Reads each folder and queries each entry once, relative to its folder.",
+        "`getdents` + `fstatat`",
+        "**Lower bound.** Handwritten code with few system calls. It reads each folder with `getdents()` and calls "
+        "`fstatat()` once for each entry.",
     ),
-    "Du": Peer("`du`", "The command at the prompt: `du -s --apparent-size -B1` as a process."),
+    "Du": Peer("`du`", "The command `du -s --apparent-size -B1`, which runs as a separate process."),
     "DuOwn": Peer(
         "`du` without start-up",
-        "The same, minus the time of `du` on an empty folder. The goals refer to this peer.",
+        "The time of `du` minus the time of `du` on an empty folder. The goals refer to this peer.",
     ),
-    "Fts": Peer("`fts`", "The tree walk of the C library."),
+    "Fts": Peer("`fts`", "The functions of the C library that traverse a folder tree."),
     "StdFilesystem": Peer("`std::filesystem`", "The recursive iterator of the standard library."),
     "BoostFilesystem": Peer(
         "`boost::filesystem`",
-        "The recursive iterator of Boost, whose path class the library uses.",
+        "The recursive iterator of Boost. The library uses the path class of Boost.",
     ),
     "QDirIterator": Peer("`QDirIterator`", "Qt's recursive iterator."),
-    "Rm": Peer("`rm -rf`", "The command at the prompt. It does not check the age of files."),
-    "RmOwn": Peer("`rm` without start-up", "The same, minus the time of `rm` on an empty folder."),
-    "RemoveRecursively": Peer("`QDir::removeRecursively`", "Qt's function. It removes files of any age."),
-    "Glog": Peer("glog", "**Lower bound.** The log that receives the messages, called directly."),
-    "QtDefault": Peer("Qt's handler", "Qt's default: a line on the standard error stream, without time and thread."),
-    "Spdlog": Peer("spdlog", "A common choice for new projects. It does not look up the time zone."),
-    "PlainDialog": Peer("plain dialog", "**Lower bound.** A dialog with a label and a button box."),
-    "QMessageBox": Peer("`QMessageBox`", "Qt's message box, the base class of ours."),
-    "KMessageDialog": Peer("`KMessageDialog`", "KDE's message box, with more features than Qt's."),
-    "ByHand": Peer("by hand", "The same steps by hand: set the property and apply the style again."),
-    "OneByOne": Peer("one by one", "**Lower bound.** The same events, sent to each widget in a loop."),
-    "LockedVector": Peer(
-        "vector under one mutex", "**Lower bound.** The simplest list. An observer must not register or publish."
+    "Rm": Peer("`rm -rf`", "The command, which runs as a separate process. It does not check the age of files."),
+    "RmOwn": Peer("`rm` without start-up", "The time of `rm -rf` minus the time of `rm -rf` on an empty folder."),
+    "RemoveRecursively": Peer("`QDir::removeRecursively`", "Qt's function. It does not check the age of files."),
+    "Glog": Peer("glog", "**Lower bound.** Direct calls of glog. `QtLogHandler` logs Qt messages through glog."),
+    "QtDefault": Peer(
+        "Qt's handler",
+        "Qt's default message handler. It writes lines without time and thread to the standard error.",
     ),
-    "QtDirect": Peer("Qt direct signal", "Qt's signals, for observers that are QObjects."),
-    "Sigc": Peer("sigc++", "The signal library of GTK applications, for one thread only."),
-    "Signals2": Peer("`boost::signals2`", "Boost's signals, for several threads."),
-    "MinimalModel": Peer("minimal model", "**Lower bound.** A list of texts and two functions."),
-    "QStringListModel": Peer("`QStringListModel`", "Qt's model for texts, without roles."),
+    "Spdlog": Peer("spdlog", "A log library that new projects often choose. It does not look up the time zone."),
+    "PlainDialog": Peer("plain dialog", "**Lower bound.** A dialog with a label and a button box."),
+    "QMessageBox": Peer("`QMessageBox`", "Qt's message box, the base class of `AlertBox`."),
+    "KMessageDialog": Peer("`KMessageDialog`", "KDE's message box, with more features than Qt's."),
+    "ByHand": Peer(
+        "by hand", "Handwritten code with the same steps: it sets the property and applies the style again."
+    ),
+    "OneByOne": Peer("one by one", "**Lower bound.** A loop that sends the same events to each widget."),
+    "LockedVector": Peer(
+        "vector under one mutex",
+        "**Lower bound.** A vector of observers that one mutex protects. An observer that publishes an event deadlocks.",
+    ),
+    "QtDirect": Peer("Qt direct signal", "A Qt signal with direct connections. The observers must be QObjects."),
+    "Sigc": Peer("sigc++", "The signal library of GTK applications. It supports only one thread."),
+    "Signals2": Peer("`boost::signals2`", "Boost's signal library. It supports several threads."),
+    "MinimalModel": Peer(
+        "minimal model", "**Lower bound.** A list of texts with only the two functions that every list model needs."
+    ),
+    "QStringListModel": Peer("`QStringListModel`", "Qt's model for a list of texts. It has no custom roles."),
     "QStandardItemModel": Peer("`QStandardItemModel`", "Qt's general-purpose model."),
-    "OnePass": Peer("one pass", "**Lower bound.** Writes each character once into a text of the final length."),
-    "ReplaceAndArg": Peer("`replace` and `arg`", "The most obvious code."),
+    "OnePass": Peer(
+        "one pass", "**Lower bound.** A function that writes each character once, into a text of the final length."
+    ),
+    "ReplaceAndArg": Peer("`replace` and `arg`", "The most obvious code: `QString::replace()` and `QString::arg()`."),
     "ConnectByHand": Peer(
         "`connect` by hand",
-        "The same connections without a name. Each side must know every object of the other side.",
+        "The same connections, created with `QObject::connect()`. The code must know all emitters and all receivers.",
     ),
-    "KF5CoreAddons": Peer("KF5CoreAddons", "KDE's utilities without widgets: the most similar library."),
+    "KF5CoreAddons": Peer(
+        "KF5CoreAddons", "KDE's utilities without widgets. This is the library most similar to ZQtUtil."
+    ),
     "KF5WidgetsAddons": Peer("KF5WidgetsAddons", "KDE's utilities with widgets."),
 }
 
@@ -167,7 +203,7 @@ JOBS = (
     ),
     Job(
         "OneAfterTheOther",
-        "Run 500 jobs, each posted after the previous one, on one core",
+        "Run 500 jobs on one core, each posted when the previous job has finished",
         "AsyncService",
         ("PostedEvents", "ThreadPool", "ThreadWeaver", "QtConcurrent"),
         (Goal("ThreadWeaver", "<", 1), Goal("QtConcurrent", "<", 1)),
@@ -193,9 +229,27 @@ JOBS = (
         ("SnprintfBuffer", "Snprintf", "QTime", "KFormat"),
         (Goal("Snprintf", "<", 1),),
     ),
-    Job("ManyFolders", "Measure 200 000 files in 2 000 folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
-    Job("DeepChain", "Measure a chain of 1 000 nested folders", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 1),)),
-    Job("OneFolder", "Measure 100 000 files in one folder", "GetPathSize", WALKS, (Goal("DuOwn", "≤", 0.9),)),
+    Job(
+        "ManyFolders",
+        "Compute the total size of 200 000 files in 2 000 folders",
+        "GetPathSize",
+        WALKS,
+        (Goal("DuOwn", "≤", 1),),
+    ),
+    Job(
+        "DeepChain",
+        "Compute the total size of 1 000 files in a chain of nested folders",
+        "GetPathSize",
+        WALKS,
+        (Goal("DuOwn", "≤", 1),),
+    ),
+    Job(
+        "OneFolder",
+        "Compute the total size of 100 000 files in one folder",
+        "GetPathSize",
+        WALKS,
+        (Goal("DuOwn", "≤", 0.9),),
+    ),
     Job(
         "Removal",
         "Remove 20 000 old files in 200 folders",
@@ -210,9 +264,15 @@ JOBS = (
         ("Glog", "QtDefault", "Spdlog"),
         (Goal("Glog", "≤", 1.2),),
     ),
-    Job("Publish1", "Publish to 1 observer", "EventHandlerList", PUBLISHERS, (Goal("QtDirect", "≤", 1.2),)),
-    Job("Publish10", "Publish to 10 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.8),)),
-    Job("Publish1000", "Publish to 1 000 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.4),)),
+    Job("Publish1", "Publish an event to 1 observer", "EventHandlerList", PUBLISHERS, (Goal("QtDirect", "≤", 1.2),)),
+    Job("Publish10", "Publish an event to 10 observers", "EventHandlerList", PUBLISHERS, (Goal("Sigc", "≤", 0.8),)),
+    Job(
+        "Publish1000",
+        "Publish an event to 1 000 observers",
+        "EventHandlerList",
+        PUBLISHERS,
+        (Goal("Sigc", "≤", 0.4),),
+    ),
     Job(
         "ModelUid",
         "Read the uids of 100 items of a model",
@@ -227,10 +287,15 @@ JOBS = (
         ("OnePass", "ReplaceAndArg"),
         (Goal("OnePass", "≤", 1.2),),
     ),
-    Job("Connect100", "Connect 100 emitters with 100 receivers by one name", "ObjectsConnector", ("ConnectByHand",)),
+    Job(
+        "Connect100",
+        "Connect 100 emitters with 100 receivers under one name, and disconnect them",
+        "ObjectsConnector",
+        ("ConnectByHand",),
+    ),
     Job(
         "Connect1000",
-        "Connect 1 000 emitters with 1 000 receivers by one name",
+        "Connect 1 000 emitters with 1 000 receivers under one name, and disconnect them",
         "ObjectsConnector",
         ("ConnectByHand",),
     ),
@@ -248,12 +313,12 @@ JOBS = (
         "AlertBox",
         BOXES,
     ),
-    Job("StyleProperty", "Set a style property, 200 widgets deep", "ApplyWidgetStyle", ("ByHand",)),
+    Job("StyleProperty", "Set a style property of a widget with 200 ancestors", "ApplyWidgetStyle", ("ByHand",)),
     Job("Hover10", "Hover over a group of 10 widgets", "HoverGroup", ("OneByOne",)),
     Job("Hover100", "Hover over a group of 100 widgets", "HoverGroup", ("OneByOne",)),
     Job(
         "Load",
-        "Load the library, with its dependencies already loaded",
+        "Load the library while its dependencies are already loaded",
         "ZQtUtil",
         ("KF5CoreAddons", "KF5WidgetsAddons"),
         (Goal("KF5CoreAddons", "<", 1),),
@@ -267,19 +332,21 @@ class Tree:
     entries: int
 
 
-# The trees that PathSizeBenchmark creates at a scale of 100 percent.
+# The folder trees that PathSizeBenchmark creates with --scale=100. `entries` is the number of files and
+# folders in the tree.
 TREES = {
     "ManyFolders": Tree("200 000 files in 2 000 folders", 202000),
-    "DeepChain": Tree("a chain of 1 000 folders", 2000),
+    "DeepChain": Tree("a chain of 1 000 nested folders", 2000),
     "OneFolder": Tree("100 000 files in one folder", 100000),
 }
 
-# The number of copies that Forward() may make of a functor. A variable is copied into the parameter and into the queue,
-# a temporary only into the queue. The call makes no copy.
+# The number of copies of a functor that FunctorExecutionForwarder may make. "kept": the caller passes a variable, which
+# is copied into the parameter and into the queue. "handed_over": the caller passes a temporary, which is copied only
+# into the queue. "called": calling the functor does not copy it.
 COPIES = {"kept": 2, "handed_over": 1, "called": 0}
 
-# The compiler's start-up function and one for each source with constants or registries. tests/frame/library_file.py
-# checks the same number.
+# Loading the library runs the compiler's start-up function, and one function for each of the four source files that
+# have global objects. tests/frame/library_file.py checks the same number.
 FUNCTIONS_ON_LOAD = 5
 
 
@@ -298,7 +365,11 @@ class Row:
 
 @dataclass
 class Results:
-    """Medians in seconds and counters, by "Job/Way"."""
+    """The results of all benchmarks.
+
+    The keys have the form "<job>/<way>", where the way is a class or function of the library, or a peer. `seconds`
+    contains the median times. `counters` contains the JSON entries of the medians, which include the counters.
+    """
 
     seconds: dict = field(default_factory=dict)
     counters: dict = field(default_factory=dict)
@@ -311,7 +382,8 @@ class Results:
                 raise CannotRun(f"{entry['run_name']}: {entry['error_message']}")
             if entry.get("aggregate_name") != "median":
                 continue
-            # Google Benchmark appends the clock to the name. Without a suffix the clock is processor time.
+            # Google Benchmark appends the name of the clock to the name of the benchmark. A benchmark without this
+            # suffix measures processor time.
             pattern = r"(\w+/\w+)(?:/iterations:\d+)?(/(real_time|manual_time))?"
             name, _, clock = re.fullmatch(pattern, entry["run_name"]).groups()
             time = entry["real_time"] if clock else entry["cpu_time"]
@@ -345,8 +417,9 @@ class Runner:
         except OSError as error:
             raise CannotRun(str(error)) from error
 
-    # A core is sometimes slow for about a second, whatever it runs. Many short samples distribute these periods evenly
-    # among the peers. With few long samples the median would jump.
+    # A processor core is sometimes slow for about a second, independent of the program. Many short samples distribute
+    # these slow periods evenly among the library and its peers. With few long samples, the median would vary between
+    # runs.
     def benchmark(self, results, name, *arguments, repetitions=201, min_time=0.005):
         print(f"{name} ...", file=sys.stderr, flush=True)
         self.command(
@@ -416,7 +489,7 @@ def job_row(job, results):
     peers = {peer: results.time(job.key, peer) for peer in job.peers}
     holds = all(goal.holds(ours, peers[goal.peer]) for goal in job.goals) if job.goals else None
     goal = ", ".join(goal.text() for goal in job.goals)
-    # Three decimals for a missed goal: rounded to two, the ratio could look equal to the goal.
+    # Print three decimals if a goal is missed: with two decimals, the rounded ratio could look equal to the goal.
     return Row(job.title, time_text(ours), ratios_text(ours, peers, 3 if holds is False else 2), goal, holds)
 
 
@@ -429,7 +502,7 @@ def copies_row(results):
 
     ours = copies("FunctorExecutionForwarder")
     goal = list(COPIES.values())
-    title = "Copies of a functor: passed as a variable, passed as a temporary, during its call"
+    title = "Number of copies of a functor: if passed as a variable, if passed as a temporary, during its call"
     return Row(title, text(ours), f"lean form {text(copies('Lean'))}", f"= {text(goal)}", ours == goal)
 
 
@@ -439,9 +512,9 @@ def functions_row(results):
 
     ours = functions("ZQtUtil")
     peers = {peer: functions(peer) for peer in ("KF5CoreAddons", "KF5WidgetsAddons")}
-    goal = f"≤ {FUNCTIONS_ON_LOAD}: the compiler's start-up function and four sources with constants or registries"
+    goal = f"≤ {FUNCTIONS_ON_LOAD}: the compiler's start-up function, and one for each source file with global objects"
     return Row(
-        "Functions that run when the library is loaded",
+        "Number of functions that run when the library is loaded",
         str(ours),
         ratios_text(ours, peers),
         goal,
@@ -454,7 +527,7 @@ def system_call_rows(runner):
         print(f"System calls: {tree.title} ...", file=sys.stderr, flush=True)
         ours = runner.system_calls_an_entry(name, "GetPathSize")
         peers = {peer: runner.system_calls_an_entry(name, peer) for peer in WALKS if peer != "DuOwn"}
-        yield Row(f"System calls per entry, {tree.title}", f"{ours:.2f}", ratios_text(ours, peers))
+        yield Row(f"System calls per file or folder: {tree.title}", f"{ours:.2f}", ratios_text(ours, peers))
 
 
 def all_rows(runner):
@@ -500,26 +573,31 @@ def document(rows, facts, quick):
     warning = "\n**This was a quick run with few repetitions on small trees. Its times are not representative.**\n"
     return f"""# Benchmarks
 
-This page compares the speed of the library with alternatives that a user could choose, called peers. `./dev bench`
-writes it.
+`./dev bench` generates this page. It compares the speed of the library with alternatives, called *peers*.
+[The peers](#the-peers) are described at the end of this page.
 
-"Ours" is the time of the library. "Ours ÷ peer" divides it by the time of each peer: below 1.00, the library is faster.
-Each time is the median of many repetitions. Repetitions of the library and of its peers alternate at random. A goal is
-a limit for one of the ratios; the last column shows if all goals of the row are met.
+- **Ours** is the time of the library.
+- **Ours ÷ peer** is the time of the library divided by the time of the peer. A value below 1.00 means that the library
+  is faster.
+- **Goal** is a limit for one of these ratios. The last column shows whether the library meets all goals of the row.
+
+Every measured time is the median of many repetitions. The repetitions of the library and of its peers alternate in
+random order. The last rows of the table count functions, copies or system calls instead of time. The row about copies
+shows the numbers of the peer instead of a ratio.
 {warning if quick else ""}
 {result_table}
 
 ## How it is measured
 
-- **Work on one thread** is measured in processor time of that thread, so that other programs have no influence.
-  `du` and `rm` are measured in processor time of their processes. These results repeat within 5 %.
-- **Work on two threads** is measured in wall-clock time. These results repeat within 30 %.
+- **Work on one thread** is measured in processor time of that thread, so that other programs do not affect the result.
+  `du` and `rm` are measured in processor time of their processes. These results vary by up to 5 % between runs.
+- **Work on two threads** is measured in wall-clock time. These results vary by up to 30 % between runs.
 - **Two threads that wait for each other in turn** share one core. Otherwise the results would mainly show how long an
   idle core takes to wake.
-- **Posted functors** come from a second thread while their owner waits.
-- **Jobs** run on one worker thread, which is kept from job to job, for the library and for each peer.
-- **Folders and files** are in the caches of the kernel.
-- **Libraries** are loaded by a new process each time, with `RTLD_NOW`. The benchmark fails if loading a library also
+- **Functors** are posted by a second thread, while the thread that calls the functors waits.
+- **Jobs** run on one worker thread. The library and each peer use the same worker thread for all jobs.
+- **Folders and files** are in the caches of the kernel before the measurement.
+- **Libraries** are loaded with `RTLD_NOW`, each time in a new process. The benchmark fails if loading a library also
   loads one of its dependencies.
 
 ## The machine
@@ -550,7 +628,7 @@ def scratch_folder():
     try:
         yield path
     finally:
-        # shutil.rmtree() fails on trees as deep as these.
+        # shutil.rmtree() fails on a folder tree as deep as the chain of nested folders.
         subprocess.run(["rm", "-rf", path], check=False)
 
 
@@ -558,7 +636,7 @@ def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build-dir", type=pathlib.Path, required=True, help="a build with ZQTUTIL_BENCHMARKS=ON")
     parser.add_argument("--quick", action="store_true", help="check that all benchmarks run; write no file by default")
-    parser.add_argument("--output", type=pathlib.Path, help="the Markdown file (docs/BENCHMARKS.md)")
+    parser.add_argument("--output", type=pathlib.Path, help="the Markdown file to write (default: docs/BENCHMARKS.md)")
     arguments = parser.parse_args()
     if not arguments.output and not arguments.quick:
         arguments.output = DEFAULT_OUTPUT
