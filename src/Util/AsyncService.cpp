@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
-// Jobs run on the worker thread, everything else on the owner thread. Two forwarders carry functors between the
-// threads, so the registry needs no lock. The only datum that both threads share while a job runs is
-// Reporter::cancelled.
+// Jobs run on the worker thread; all other code runs on the owner thread. Two FunctorExecutionForwarder objects pass
+// functors between the threads. Only the owner thread uses the map of registered tasks, so the map needs no lock. While
+// a job runs, Reporter::cancelled is the only variable that both threads use.
 
 namespace Zelkor::Util
 {
@@ -34,7 +34,8 @@ AsyncService::Task* CheckedTask(AsyncService::Task* task)
 
 struct AsyncService::Impl
 {
-    /// A running progress callback. It may run an event loop in which its task completes or the service is destroyed.
+    /// Represents a running call of Task::onProgress. The callback may run an event loop, in which the task can
+    /// complete and the service can be destroyed.
     struct Delivery : StackLink<Delivery>
     {
         Delivery(Impl* impl, Task* deliveredTask)
@@ -43,7 +44,7 @@ struct AsyncService::Impl
         {}
 
         Task* const task;
-        std::unique_ptr<Task> completedTask; ///< The same task once it has completed; deleted with this object.
+        std::unique_ptr<Task> completedTask; ///< Owns the task if it completes during the callback.
     };
 
     Impl();
@@ -64,7 +65,7 @@ struct AsyncService::Impl
     FunctorExecutionForwarder workerForwarder;
     FunctorExecutionForwarder ownerForwarder;
 
-    // A queued job may still use a reporter that a second post() has replaced.
+    // Reporters that a second post() of the same task has replaced. A queued job of that task may still use them.
     std::vector<std::unique_ptr<Reporter>> replacedReporters;
     int queuedJobs = 0;
     Delivery* innermostDelivery = nullptr;
@@ -75,8 +76,8 @@ AsyncService::Impl::Impl()
 {
     thread->setObjectName(QStringLiteral("AsyncService"));
     workerForwarder.moveToThread(thread.data());
-    // A job may quit its thread's event loop. A run() that still sees the thread running would then queue a job that
-    // nobody calls, so the thread is restarted while jobs are queued.
+    // A job may quit the event loop of the worker thread. If run() queues another job before the thread has finished,
+    // no event loop would call that job. Therefore, if jobs are queued when the thread finishes, restart the thread.
     QObject::connect(thread.data(), &QThread::finished, &ownerForwarder, [this] {
         if (queuedJobs > 0) {
             startThread();
@@ -94,7 +95,7 @@ AsyncService::Impl::~Impl()
 
 void AsyncService::Impl::stop()
 {
-    // quit() alone would let the event loop call every job that is already queued.
+    // After quit(), the event loop would still call all jobs that are already queued. Remove them first.
     QCoreApplication::removePostedEvents(&workerForwarder);
     thread->quit();
     thread->wait();
@@ -122,7 +123,8 @@ void AsyncService::Impl::startThread()
 void AsyncService::Impl::run(Task* task)
 {
     startThread();
-    // An unregistered task is registered with a null reporter, so that its completion is delivered as well.
+    // operator[] registers an unregistered task with a null reporter. contains(), empty() and report() therefore work
+    // for this task as well.
     Reporter* const reporter = tasks[task];
     ++queuedJobs;
     workerForwarder.Forward([this, task, reporter] { work(task, reporter); });
@@ -148,7 +150,7 @@ void AsyncService::Impl::complete(Task* task, bool cancelled)
     delete tasks.take(task);
     keepDuringDelivery(completed);
 
-    // The callback may destroy the service, so only the task is used from here on.
+    // Each of these callbacks may destroy the service. Therefore, the code below uses only the task.
     if (task->error && task->onError) {
         task->onError(task->error);
     } else if (cancelled && task->onCancelled) {
@@ -166,8 +168,8 @@ void AsyncService::Impl::deliver(Task* task, int value)
     }
 }
 
-/// Moves \a task into the outermost delivery of its progress, if any. That delivery returns last, so the callbacks of
-/// all deliveries stay alive until they have returned.
+/// If progress callbacks of \a task are running, transfers the ownership of \a task to the outermost of these
+/// deliveries. The outermost delivery returns last, so the callbacks stay alive until all of them have returned.
 void AsyncService::Impl::keepDuringDelivery(std::unique_ptr<Task>& task) const
 {
     Delivery* outermost = nullptr;
@@ -187,8 +189,8 @@ AsyncService::AsyncService()
 
 AsyncService::~AsyncService()
 {
-    // Not in ~Impl(): the running job reports through impl_, which some standard libraries clear before they destroy
-    // Impl.
+    // The thread is stopped here and not in ~Impl(), because the running job uses impl_ to report progress. Some
+    // standard libraries set impl_ to null before they call ~Impl().
     impl_->stop();
 }
 

@@ -39,16 +39,17 @@ namespace Util
 /// \endcode
 ///
 /// **When to use it:** for the jobs of one window or document that must neither overlap nor block the GUI. **When not
-/// to use it:** for jobs that should run in parallel (use `QThreadPool`), or for jobs that the GUI thread cannot wait
-/// for: the destructor waits for the running job.
+/// to use it:** for jobs that should run in parallel (use `QThreadPool`), or if the owner thread must never wait for a
+/// job: the destructor of the service waits for the running job.
 ///
-/// **Threads.** Call all functions on the owner thread, except report() and the functions of Reporter. All callbacks
-/// run on the owner thread, from its event loop. Without an event loop there, nothing is delivered.
+/// **Threads.** Call all functions on the owner thread, except report() and the functions of Reporter. The event loop
+/// of the owner thread calls all callbacks. If the owner thread runs no event loop, no callback is called.
 ///
 /// **Guarantees**
 /// - Jobs do not overlap and run in the order of the run() calls.
 /// - Each task completes exactly once and calls at most one of Task::onError, Task::onCancelled and Task::onFinished.
-/// - Progress values are delivered in the order in which the job reported them, all before the completion.
+/// - Progress values are delivered in the order in which the job reported them, all of them before the completion
+///   callback.
 /// - The task is unregistered before its completion callback runs. The callback may therefore post and run other tasks,
 ///   and may destroy the service if it is empty().
 ///
@@ -60,25 +61,26 @@ class ZQTUTIL_EXPORT AsyncService
 public:
     struct Reporter;
 
-    /// Thrown by value by a job to complete as cancelled. Not derived from `std::exception`, so a job that catches its
-    /// own errors does not catch a cancellation by mistake.
+    /// A job throws Cancelled by value to report that it was cancelled. The class is not derived from `std::exception`:
+    /// a job that catches `std::exception` does not catch a cancellation by mistake.
     class Cancelled
     {};
 
-    /// A job and its callbacks: a plain record, created by post() or with `new`.
+    /// A plain struct with a job and its callbacks. Create it with post() or with `new`.
     ///
-    /// Empty callbacks are skipped. An exception from a callback leaves the event loop of the owner thread; the task is
-    /// freed nevertheless.
+    /// Empty callbacks are skipped. An exception that a callback throws propagates through the event loop of the owner
+    /// thread. The task is nevertheless deleted when it completes.
     struct Task
     {
         /// The service that the task was posted to.
         AsyncService* service = nullptr;
-        /// The exception that left the job, except Cancelled.
+        /// The exception that the job threw. Null if the job threw nothing or threw Cancelled.
         std::exception_ptr error;
-        /// The job, called once on the worker thread. An empty job completes with `std::bad_function_call`.
+        /// The job. It is called once, on the worker thread. If the job is an empty function, #error is
+        /// `std::bad_function_call`.
         std::function<void(Reporter*)> work;
-        /// Called when the job has returned. Also called if the job was cancelled and #onCancelled is empty, or if the
-        /// job failed and #onError is empty.
+        /// Called when the job has returned. Also called if the job has thrown Cancelled and #onCancelled is empty, or
+        /// if the job has thrown another exception and #onError is empty.
         std::function<void()> onFinished;
         /// Called when the job has thrown Cancelled.
         std::function<void()> onCancelled;
@@ -91,39 +93,40 @@ public:
 
     /// Creates a service. Its worker thread starts with the first run().
     ///
-    /// Throws `std::logic_error` if Qt refuses the internal connections.
+    /// Throws `std::logic_error` if an internal connection of a signal to a slot fails.
     AsyncService();
 
     /// Stops the worker thread. Waits without a time limit for the running job.
     ///
-    /// Queued jobs are not run. Queued progress and completions are dropped.
+    /// Queued jobs are not run. Queued progress values and completions are not delivered.
     virtual ~AsyncService();
 
     AsyncService(AsyncService const&) = delete;
     AsyncService& operator=(AsyncService const&) = delete;
 
-    /// Creates a task from \a work, registers and returns it. Does not start it.
+    /// Creates and registers a task with the job \a work. Returns the task. Does not start the job.
     Task* post(std::function<void(Reporter*)> work);
 
-    /// Registers \a task and returns it. Does not start it. Resets Task::error.
+    /// Registers \a task and sets Task::error to null. Returns \a task. Does not start the job.
     ///
-    /// \a task must have been created with plain `new`. A task that is posted again gets a new reporter that is not
-    /// cancelled; a job that is already queued keeps the previous reporter.
+    /// \a task must have been created with plain `new`. If \a task is posted again, it gets a new reporter, which is
+    /// not cancelled. If the job is already queued, it keeps the previous reporter.
     ///
     /// Throws `std::invalid_argument` if \a task is null.
     Task* post(Task* task);
 
     /// Queues the job of \a task. Starts the worker thread if it is not running.
     ///
-    /// Call it exactly once for each posted task; the task is deleted when it completes. A task that is not registered
-    /// is registered without a reporter, and its job is called with null.
+    /// Call this function exactly once for each posted task. The task is deleted when it completes. If \a task is not
+    /// registered, this function registers it without a reporter, and the job is called with a null reporter.
     ///
     /// Throws `std::invalid_argument` if \a task is null.
     void run(Task* task);
 
     /// Requests the cancellation of \a task. Does nothing if the task is not registered.
     ///
-    /// The job is called in any case. It completes as cancelled only if it throws Cancelled.
+    /// The job is called even if the task was cancelled before the job starts. The task completes as cancelled only if
+    /// the job throws Cancelled.
     void cancel(Task* task);
 
     /// Returns true if \a task is registered: posted and not yet completed.
@@ -132,9 +135,9 @@ public:
     /// Returns true if no task is registered.
     bool empty() const;
 
-    /// Moves \a object to the worker thread, which then runs its slots and event handlers.
+    /// Moves \a object to the worker thread, which then runs the slots and event handlers of \a object.
     ///
-    /// \a object must have no parent and must belong to the calling thread. The caller keeps the ownership.
+    /// \a object must have no parent and must belong to the calling thread. The caller remains the owner of \a object.
     /// Throws `std::invalid_argument` if \a object is null.
     void attach(QObject* object);
 
@@ -150,26 +153,26 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-/// The job's access to the service: a plain record.
+/// A plain struct that a job uses to report progress and to check for cancellation.
 ///
-/// The service frees it when the task completes. If the task was posted again meanwhile, the service frees it in its
-/// own destructor.
+/// The service deletes the reporter when the task completes. The destructor of the service deletes a reporter that a
+/// second post() of the same task has replaced.
 struct AsyncService::Reporter
 {
     /// The service that runs the job.
     AsyncService* service = nullptr;
     /// The task of the job.
     Task* task = nullptr;
-    /// True if the cancellation was requested.
+    /// True if cancel() has been called for the task.
     std::atomic<bool> cancelled{false};
 
-    /// Queues \a value for the progress callback of the task, unchanged. Thread-safe until the job has returned.
+    /// Queues \a value for Task::onProgress. The value is not changed. Thread-safe until the job has returned.
     void report(int value) { service->report(task, value); }
 
-    /// Returns true if the cancellation was requested. Thread-safe.
+    /// Returns true if cancellation has been requested. Thread-safe.
     bool isCancelled() const { return cancelled; }
 
-    /// Throws Cancelled if the cancellation was requested.
+    /// Throws Cancelled if cancellation has been requested.
     void checkCancelled() const
     {
         if (isCancelled()) {

@@ -6,10 +6,12 @@
 
 // Design notes
 //
-// The service and its clients emit signals in the middle of a transfer. A slot can destroy the client, the service or
-// the next holder. Everything that is used after a signal is therefore guarded by a QPointer.
+// The service and its clients emit signals in the middle of a transfer. A slot that is connected to one of these
+// signals can destroy the client, the service or the next holder of the resource. Therefore, objects that are used
+// after a signal was emitted are held in a QPointer.
 
-/// Suppresses the reactions of a client while it causes or reports a transfer. The client can be destroyed meanwhile.
+/// While this object exists, the client does not react to clientAboutToBeChanged(). A client creates this object while
+/// it releases the resource or emits a signal about a transfer. The client can be destroyed before this object.
 class ExclusiveClient::Changing
 {
 public:
@@ -37,8 +39,8 @@ ExclusiveClient::ExclusiveClient(ExclusiveService* boundService, QObject* parent
     : QObject(parent)
 {
     setService(boundService);
-    // These are the first connections of the two signals. Slots of released() therefore run before those of the
-    // application.
+    // These connections are made before the application can connect slots to finished() and intercepted(). Slots of
+    // released() therefore run before the slots of finished() and intercepted().
     connect(this, &ExclusiveClient::finished, this, &ExclusiveClient::released);
     connect(this, &ExclusiveClient::intercepted, this, &ExclusiveClient::released);
 }
@@ -62,8 +64,9 @@ void ExclusiveClient::setService(ExclusiveService* newService)
         return;
     }
     if (service_) {
-        // A slot of letGo() can have set another service and acquired it. Disconnect first: a slot that acquires again
-        // on every release would loop for ever.
+        // A slot that ran during letGo() can have set another service and acquired the resource of that service.
+        // Release that resource too. Disconnect first: otherwise, a slot that acquires the resource after every release
+        // would cause an endless loop.
         disconnect(service_, nullptr, this, nullptr);
         if (isInUse()) {
             service_->setClient(nullptr);

@@ -9,8 +9,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
 
-/// A client of an ExclusiveService. It acquires and releases the resource, and emits a signal when it acquires or loses
-/// it.
+/// A client of an ExclusiveService. It acquires and releases the resource of the service. It emits signals when it
+/// acquires or loses the resource.
 ///
 /// | Event                           | Signals of the previous holder | Signals of the other clients |
 /// |---------------------------------|--------------------------------|------------------------------|
@@ -25,7 +25,7 @@
 ///
 /// Slots that are connected to the signals can destroy the client or the service.
 ///
-/// **Threads.** Use it on the thread of its service, normally the GUI thread.
+/// **Threads.** Use a client on the thread of its service, normally the GUI thread.
 class ZQTUTIL_EXPORT ExclusiveClient : public QObject
 {
     Q_OBJECT
@@ -37,17 +37,19 @@ public:
     /// \param parent        the owner of the client; can be null
     explicit ExclusiveClient(ExclusiveService* boundService, QObject* parent = nullptr);
 
-    /// Releases the resource, see setService(). If a slot throws, the process is terminated.
+    /// Releases the resource if this client holds it. If a slot throws an exception during the release, the process is
+    /// terminated.
     ~ExclusiveClient() override;
 
     /// Changes the service to \a newService, which can be null. Releases the resource of the old service first if this
     /// client holds it.
     ///
-    /// Rethrows exceptions of slots. The old service then remains set, but the client no longer reacts to it.
+    /// If a slot throws an exception during the release, the exception propagates to the caller. The old service then
+    /// remains set, but this client no longer reacts to the signals of the old service.
     void setService(ExclusiveService* newService);
 
-    /// Returns true if this client holds the resource. Returns false if it has no service, or if the service was
-    /// destroyed.
+    /// Returns true if this client holds the resource. Returns false if this client has no service, or if the service
+    /// was destroyed.
     bool isInUse() const;
 
 public Q_SLOTS:
@@ -58,22 +60,22 @@ public Q_SLOTS:
     /// service was destroyed.
     void use();
 
-    /// Releases the resource if this client holds it. Throws like use().
+    /// Releases the resource if this client holds it. Throws the same exceptions as use().
     void finalize();
 
-    /// Takes the resource from its current client, which can be this one. Nobody holds it afterwards. Throws like
-    /// use().
+    /// Takes the resource from the client that holds it, which can be this client. Afterwards, no client holds the
+    /// resource. Throws the same exceptions as use().
     void breakAll();
 
 Q_SIGNALS:
-    /// Emitted after this client acquired the resource.
+    /// Emitted after this client has acquired the resource.
     void acquired();
     /// Emitted when this client no longer holds the resource, for any reason. Slots of released() run before the slots
     /// that the application connects to finished() or intercepted().
     void released();
     /// Emitted when another client or breakAll() takes the resource from this client.
     void intercepted();
-    /// Emitted after this client released the resource itself.
+    /// Emitted after this client released the resource because of finalize(), setService() or its own destruction.
     void finished();
     /// Emitted when another client acquires the resource while this client does not hold it.
     void otherClientAppeared();

@@ -26,28 +26,31 @@ class ZQTUTIL_EXPORT ExclusiveService : public QObject
     Q_OBJECT
 
 public:
-    /// Creates a service without a current client. \a parent owns it and can be null.
+    /// Creates a service without a current client. \a parent owns the service and can be null.
     explicit ExclusiveService(QObject* parent = nullptr);
 
-    /// Returns the client that holds the resource. Returns null if there is none, and while clientAboutToBeChanged() is
-    /// emitted.
+    /// Returns the client that holds the resource. Returns null if no client holds it, and while
+    /// clientAboutToBeChanged() is emitted.
     QObject* currentClient() const;
 
 public Q_SLOTS:
-    /// Transfers the resource to \a client; null releases it. Does nothing if \a client already holds the resource.
+    /// Transfers the resource to \a client. If \a client is null, no client holds the resource afterwards. Does nothing
+    /// if \a client already holds the resource.
     ///
-    /// Slots that are connected to the signals can destroy the service; the transfer then stops. They can destroy
-    /// \a client; the service then has no current client.
+    /// Slots that are connected to the signals of the service can destroy the service; the transfer then stops. The
+    /// slots can also destroy \a client; the service then has no current client.
     ///
-    /// Do not call it from a slot that is connected to clientAboutToBeChanged(). The outer call would override the
-    /// nested one, and the client of the nested call would not be notified.
+    /// Do not call this function from a slot that is connected to clientAboutToBeChanged(). The outer call would
+    /// override the nested call, and the client of the nested call would lose the resource without a signal.
     void setClient(QObject* client);
 
 Q_SIGNALS:
-    /// Emitted before the resource is transferred from \a from to \a to. Null means no client.
+    /// Emitted before the resource is transferred from \a from to \a to. A null pointer means that no client holds the
+    /// resource.
     void clientAboutToBeChanged(QObject* from, QObject* to);
 
-    /// Emitted after the resource was transferred to \a client. Null means no client.
+    /// Emitted after the resource has been transferred to \a client. A null pointer means that no client holds the
+    /// resource.
     void clientChanged(QObject* client);
 
 private:

@@ -21,7 +21,7 @@ void FunctorExecutionForwarder::Forward(std::function<void()> functor) const
     Q_EMIT ExecuteFunctor(std::move(functor));
 }
 
-// By reference, so that the copy in the event queue is called without another copy.
+// The parameter is a reference, so that the functor in the queued event is not copied again before the call.
 void FunctorExecutionForwarder::OnExecuteFunctor(FunctorType const& f)
 {
     f();

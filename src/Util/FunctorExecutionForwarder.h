@@ -14,19 +14,20 @@ namespace Zelkor
 namespace Util
 {
 
-/// A function without arguments. The constructor of FunctorExecutionForwarder registers the type with Qt's meta-type
-/// system under this name, so that a queued signal can carry it.
+/// A function without parameters. The constructor of FunctorExecutionForwarder registers this type with Qt's meta-type
+/// system under the name "FunctorType", so that queued signals can have parameters of this type.
 using FunctorType = std::function<void()>;
 
-/// Runs functions on the thread of the forwarder. This is the thread that created it, or the thread that it was moved
-/// to.
+/// Runs functions on the thread of the forwarder: the thread that created the forwarder, or the thread that the
+/// forwarder was moved to.
 ///
 /// \code
 /// FunctorExecutionForwarder gui; // created on the GUI thread
 /// std::thread worker([&] { gui.Forward([label] { label->setText(...); }); });
 /// \endcode
 ///
-/// The event loop of that thread calls the functions one at a time, in the order in which they were forwarded.
+/// The event loop of the forwarder's thread calls the functions one at a time, in the order in which they were
+/// forwarded.
 /// Functions that are still queued when the forwarder is destroyed are discarded.
 ///
 /// Destroy the forwarder on its own thread, or after that thread has finished.
@@ -37,22 +38,23 @@ class ZQTUTIL_EXPORT FunctorExecutionForwarder : public QObject
 public:
     /// Creates a forwarder without a parent on the calling thread.
     ///
-    /// Throws `std::logic_error` ("Failed to connect signal and slot") if the connection of its signal to its slot
+    /// Throws `std::logic_error` ("Failed to connect signal and slot") if the internal connection of a signal to a slot
     /// fails.
     FunctorExecutionForwarder();
 
-    /// Queues \a functor for the forwarder's thread and returns at once, even on that thread. Any thread.
+    /// Queues \a functor for the forwarder's thread. Returns without waiting for the execution of \a functor, even if
+    /// the forwarder's thread is the calling thread. Can be called from any thread.
     ///
     /// \a functor is copied once. The copy is called and destroyed on the forwarder's thread. \a functor itself is
-    /// destroyed when this call returns, possibly after the copy. An object that both own, such as a captured
-    /// `std::shared_ptr`, can therefore be destroyed on the calling thread.
+    /// destroyed when this call returns, possibly after the copy was destroyed. An object that both own, such as a
+    /// captured `std::shared_ptr`, can therefore be destroyed on the calling thread.
     ///
-    /// Exceptions of the function propagate through the event loop of the forwarder's thread. An empty function throws
-    /// `std::bad_function_call` there.
+    /// Exceptions that the function throws propagate through the event loop of the forwarder's thread. If \a functor is
+    /// empty, `std::bad_function_call` is thrown there.
     void Forward(std::function<void()> functor) const;
 
 Q_SIGNALS:
-    /// Carries \a f to the thread of the forwarder. Forward() emits this signal.
+    /// Passes \a f to the thread of the forwarder. Forward() emits this signal.
     void ExecuteFunctor(FunctorType f) const;
 
 private Q_SLOTS:

@@ -14,8 +14,8 @@ namespace
 struct RunningExecutor;
 thread_local RunningExecutor* innermostExecutor = nullptr;
 
-/// A running call of OneTimeExecutor::executeOnce(). The function may run an event loop that delivers the signal again,
-/// and may destroy the executor.
+/// Represents a running call of OneTimeExecutor::executeOnce(). The executor's function may run an event loop that
+/// delivers the signal again, and may delete the executor.
 struct RunningExecutor : StackLink<RunningExecutor>
 {
     explicit RunningExecutor(OneTimeExecutor* runningExecutor)

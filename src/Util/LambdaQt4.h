@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Functions as slots for string-based connections.
+/// Slots that call a function, for string-based connections.
 
 #include <Util/Export.h>
 
@@ -15,7 +15,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// An object with a slot that calls a function. The string-based connection syntax of Qt requires such a slot.
+/// An object with a slot that calls a function. Use it for Qt's string-based connections, which cannot connect a signal
+/// to a function directly.
 ///
 /// \code
 /// auto* lambda = new LambdaQt4([](QObject* sender) { ... }, window);
@@ -34,7 +35,7 @@ public:
 
 public Q_SLOTS:
     /// Calls the function with the sender of the signal. The sender is null if the slot is called directly. Exceptions
-    /// of the function are not caught.
+    /// that the function throws are not caught.
     ///
     /// Throws `std::logic_error` ("LambdaQt4 use without functor!") if the function is empty.
     void execute();
@@ -43,12 +44,13 @@ private:
     std::function<void(QObject* sender)> functor_;
 };
 
-/// A LambdaQt4 that destroys itself after its first execution. Connect the private slot `executeOnce()` by name.
+/// A LambdaQt4 that destroys itself after its first execution. Connect a signal to the private slot `executeOnce()` by
+/// name.
 ///
-/// Create the object with `new`, and do not use it after the slot has run. If the function is empty or throws, the
-/// object is not destroyed. The function can destroy the object itself.
+/// Create the object with `new`, and do not use it after the slot has run. If the function is empty or throws an
+/// exception, the object is not destroyed. The function can also delete the object.
 ///
-/// If the function runs a nested event loop, signals that arrive during that time are ignored.
+/// If the function runs a nested event loop, the object ignores signals that it receives before the function returns.
 ///
 /// \code
 /// QObject::connect(timer, SIGNAL(timeout()), new OneTimeExecutor([](QObject*) { ... }), SLOT(executeOnce()));

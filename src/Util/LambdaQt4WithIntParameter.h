@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Functions as slots with an int parameter for string-based connections.
+/// Slots that pass an `int` to a function, for string-based connections.
 
 #include <Util/Export.h>
 
@@ -15,8 +15,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// An object with a slot that passes an `int` to a function. The string-based connection syntax of Qt requires such a
-/// slot.
+/// An object with a slot that passes an `int` to a function. Use it for Qt's string-based connections, which cannot
+/// connect a signal to a function directly.
 ///
 /// \code
 /// auto* lambda = new LambdaQt4WithIntParameter([](QObject* sender, int value) { ... }, window);
@@ -36,7 +36,7 @@ public:
 
 public Q_SLOTS:
     /// Calls the function with the sender of the signal and \a inputParam. The sender is null if the slot is called
-    /// directly. Exceptions of the function are not caught.
+    /// directly. Exceptions that the function throws are not caught.
     ///
     /// Throws `std::logic_error` ("LambdaQt4WithIntParameter use without functor!") if the function is empty.
     void execute(int inputParam);

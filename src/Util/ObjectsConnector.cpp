@@ -21,7 +21,8 @@ std::map<QString, std::map<std::string, ObjectsConnector::Entries>> ObjectsConne
 namespace
 {
 
-/// False once the registry is destroyed at exit. Static objects that are registered can be destroyed later.
+/// False after m_metaCollector was destroyed at exit. Registered static objects can be destroyed later than
+/// m_metaCollector.
 bool registryExists = true;
 
 struct RegistryEnd
@@ -33,7 +34,7 @@ struct RegistryEnd
 constexpr char SlotCode = '1';
 constexpr char SignalCode = '2';
 
-/// Returns true if \a object can be registered or unregistered; logs an ERROR if it is null.
+/// Returns true if \a object can be registered or unregistered. Logs at ERROR if \a object is null.
 bool IsUsable(QObject const* object, char const* side, QString const& ID)
 {
     LOG_IF(ERROR, !object) << "The " << side << " under \"" << QStringToUtf8(ID) << "\" is null";
@@ -46,16 +47,18 @@ std::string Coded(char code, QString const& signature)
     return signature.startsWith(QLatin1Char(code)) ? text : code + text;
 }
 
-/// Iterates over a copy of the entries of one role, to connect or disconnect each with an object of the other role.
+/// Iterates over a copy of the emitters or of the receivers of an ID. The caller connects each of them to one other
+/// object, or disconnects each of them from that object.
 ///
-/// QObject::connectNotify() is foreign code that can change the registry and destroy objects. The destruction handler
-/// of an object therefore removes it from every iteration that is running. QPointer cannot serve here: Qt 5 reads freed
-/// memory when one is created for an object whose destroyed() signal is being delivered.
+/// A connection calls QObject::connectNotify() of the sender, which an application can override. The override can
+/// register, unregister and destroy objects. Therefore, when a registered object is destroyed, a handler of its
+/// destroyed() signal removes the object from all running iterations. QPointer cannot be used instead: Qt 5 reads freed
+/// memory when a QPointer is created for an object whose destroyed() signal is being delivered.
 class Iteration : public StackLink<Iteration>
 {
 public:
-    /// \param entries  the entries, of which a copy is kept
-    /// \param self     the object of the other role
+    /// \param entries  the emitters or receivers; they are copied
+    /// \param self     the object to connect to them or to disconnect from them
     template <class Entries>
     Iteration(Entries const& entries, QObject const* self)
         : StackLink(innermost_)
@@ -63,8 +66,8 @@ public:
         , self_(self)
     {}
 
-    /// Calls \a visit with the object and the signature of each entry, except entries of the object itself. Stops when
-    /// the object is destroyed.
+    /// Calls \a visit with the object and the signature of each entry. Skips the entries of the object that was passed
+    /// to the constructor as `self`. Stops if that object is destroyed.
     template <class Visit>
     void VisitOthers(Visit const& visit) const
     {
@@ -119,10 +122,10 @@ void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QStri
     if (!IsUsable(sender, "sender", ID)) {
         return;
     }
-    // The key inside the registry: the caller's ID can be destroyed together with an object during the iteration.
+    // Use the copy of ID in the registry: the caller's ID can belong to an object that the iteration destroys.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSignal = Coded(SignalCode, signal);
-    QPointer<QObject> const alive(sender); // no destruction handler is connected yet
+    QPointer<QObject> const alive(sender); // registerMetaType() connects the destroyed() handler later
     Iteration(roles[TYPE_SLOT], sender).VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
         if (alive) {
             connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
@@ -138,10 +141,10 @@ void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QS
     if (!IsUsable(receiver, "receiver", ID)) {
         return;
     }
-    // The key inside the registry: the caller's ID can be destroyed together with an object during the iteration.
+    // Use the copy of ID in the registry: the caller's ID can belong to an object that the iteration destroys.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSlot = Coded(SlotCode, slot);
-    QPointer<QObject> const alive(receiver); // no destruction handler is connected yet
+    QPointer<QObject> const alive(receiver); // registerMetaType() connects the destroyed() handler later
     Iteration(roles[TYPE_SIGNAL], receiver).VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
         if (alive) {
             connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));

@@ -18,9 +18,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// The role of emitters in the registry of ObjectsConnector.
+/// The name of the emitter role in the registry of ObjectsConnector.
 extern ZQTUTIL_EXPORT std::string const TYPE_SIGNAL;
-/// The role of receivers in the registry of ObjectsConnector.
+/// The name of the receiver role in the registry of ObjectsConnector.
 extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 
 /// Connects signals to slots by a shared name, the ID. Every emitter of an ID is connected to every receiver of the
@@ -33,25 +33,26 @@ extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 ///
 /// From QML: `import Zelkor.Util 1.0`, then `ObjectsConnector.registerEmitter("volume", slider, "valueChanged()")`.
 ///
-/// **Signatures** have the form of `SIGNAL()` and `SLOT()`, with or without the leading digit that these macros add. Qt
-/// logs a warning if an object does not have the signal or slot, or if the two do not match. The object is registered
-/// anyway.
+/// **Signatures** are written as in `SIGNAL()` and `SLOT()`. The leading digit that these macros add is optional. Qt
+/// logs a warning if an object does not have the signal or slot, or if the parameters of the signal and the slot do not
+/// match. The object is registered nevertheless.
 ///
 /// **Connections.** An object is never connected to itself, even if it is registered as an emitter and as a receiver of
-/// an ID. A connection is queued if the object that is registered *second* requests it. The request of the first one is
-/// not stored.
+/// an ID. The *second* registration of the two objects decides whether their connection is queued. The argument
+/// `queued` of the first registration has no effect on this connection.
 ///
-/// **Ownership.** The registry does not own the objects, and removes an object that is destroyed. An object whose
-/// destruction has begun can be unregistered, but not registered.
+/// **Ownership.** The registry does not own the objects. A destroyed object is removed from the registry. An object
+/// whose destruction has begun can be unregistered, but not registered.
 ///
-/// **Threads.** Nothing is locked. Call all functions on one thread, normally the GUI thread, and destroy the
+/// **Threads.** The registry is not locked. Call all functions on one thread, normally the GUI thread, and destroy the
 /// registered objects on the same thread.
 class ZQTUTIL_EXPORT ObjectsConnector : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Creates an object for QML, which cannot call static functions without one. \a parent owns it and can be null.
+    /// Creates an object for QML, which needs an object to call the static functions. \a parent owns the object and can
+    /// be null.
     explicit ObjectsConnector(QObject* parent = nullptr);
 
     /// Registers an emitter and connects it to all current and future receivers of the same ID.
@@ -72,14 +73,16 @@ public:
     Q_INVOKABLE static void registerReceiver(QString const& ID, QObject* receiver, QString const& slot,
                                              bool queued = false);
 
-    /// Disconnects a receiver from all emitters of its ID and removes it, even if it was registered several times.
+    /// Disconnects a slot of a receiver from all emitters of its ID. Removes all registrations of the receiver with
+    /// this slot.
     ///
     /// \param ID        the shared name
     /// \param receiver  the registered object. If it is null, the call is logged at ERROR and ignored.
     /// \param slot      the signature of the slot
     Q_INVOKABLE static void unregisterReceiver(QString const& ID, QObject* receiver, QString const& slot);
 
-    /// Disconnects an emitter from all receivers of its ID and removes it, even if it was registered several times.
+    /// Disconnects a signal of an emitter from all receivers of its ID. Removes all registrations of the emitter with
+    /// this signal.
     ///
     /// \param ID      the shared name
     /// \param sender  the registered object. If it is null, the call is logged at ERROR and ignored.
@@ -87,11 +90,13 @@ public:
     Q_INVOKABLE static void unregisterEmitter(QString const& ID, QObject* sender, QString const& signal);
 
 private:
-    // Callable through the meta-object since the first release, although it is private.
+    // This private function is Q_INVOKABLE because callers could call it through the meta-object since the first
+    // release.
     Q_INVOKABLE static void registerMetaType(QString const& ID, std::string const& metaType,
                                              std::pair<QObject const*, std::string const> const& metaPair);
 
-    // The entries in the order of registration. The text is the signature as SIGNAL() or SLOT() returns it.
+    // Registered objects and their signatures, in the order of registration. Each signature starts with the digit that
+    // SIGNAL() or SLOT() adds.
     using Entries = std::list<std::pair<QObject const*, std::string const>>;
     static std::map<QString, std::map<std::string, Entries>> m_metaCollector;
 };

@@ -12,18 +12,20 @@
 
 // Design notes
 //
-// Qt does not call a message handler recursively. A message that is logged by a filter or by the previous handler is
-// written to the standard error stream by Qt. The handler therefore needs no protection against recursion of its own.
+// Qt does not call a message handler recursively. If a filter or the previous handler logs a Qt message, Qt writes that
+// message to the standard error stream instead. Therefore, this handler needs no protection against recursion.
 //
 // The handler is a function-local static object, so it is destroyed at exit. Qt or another message handler can call
-// StaticHandler() after that. It then passes messages to the previous handler, which is stored in g_fallbackHandler.
+// StaticHandler() afterwards. StaticHandler() then passes messages to the previous handler, which is stored in
+// g_fallbackHandler.
 
 namespace Zelkor::Util
 {
 namespace
 {
 
-// Used after the destruction of the handler. Another message handler can still call StaticHandler() at that time.
+// StaticHandler() needs these two variables after the handler is destroyed, when the members of the handler no longer
+// exist.
 std::atomic<bool> g_isDestroyed(false);
 std::atomic<QtMessageHandler> g_fallbackHandler(nullptr);
 
@@ -59,7 +61,7 @@ void WriteToLog(QtMsgType type, std::string const& text)
         LOG(WARNING) << text;
         break;
     case QtCriticalMsg:
-    case QtFatalMsg: // not FATAL, which would abort before the previous handler is called; Qt aborts afterwards
+    case QtFatalMsg: // at FATAL, glog would abort before the previous handler is called; Qt aborts later
         LOG(ERROR) << text;
         break;
     }
@@ -99,7 +101,8 @@ void QtLogHandler::Impl::Handler(QtMsgType type, QMessageLogContext const& conte
         text = WithSourcePosition(context, text);
     }
     WriteToLog(type, text);
-    // The previous handler can be this one, if somebody restored it before it was installed again; do not recurse.
+    // previousHandler can be StaticHandler itself: other code may have reinstalled StaticHandler before this class
+    // installed it again. Skip it to avoid infinite recursion.
     if (forwardIntoPreviousHandler && previousHandler && previousHandler != StaticHandler) {
         previousHandler(type, context, message);
     }

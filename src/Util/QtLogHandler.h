@@ -25,11 +25,10 @@ namespace Util
 /// | warning          | WARNING       |
 /// | critical, fatal  | ERROR         |
 ///
-/// A fatal message is not logged at FATAL, because glog would abort before the previous handler is called. Qt aborts
-/// afterwards.
+/// glog aborts after a record at FATAL. A fatal Qt message is therefore logged at ERROR, so that the previous handler
+/// is called as well. Qt aborts afterwards.
 ///
-/// The source position of each glog record is in this handler. The source position of the Qt message is part of the
-/// text.
+/// Each glog record has a source position in this handler. The source position of the Qt message is part of the text.
 ///
 /// \code
 /// int main(int argc, char** argv)
@@ -45,8 +44,8 @@ namespace Util
 ///
 /// **At exit** the handler restores the previous handler, which then receives all later messages.
 ///
-/// **Nested messages.** Qt writes a message that is logged by a filter or by the previous handler to the standard error
-/// stream. It does not reach this handler.
+/// **Nested messages.** If a filter or the previous handler logs a Qt message, Qt writes that message to the standard
+/// error stream and does not call this handler.
 class ZQTUTIL_EXPORT QtLogHandler
 {
 public:
@@ -56,34 +55,37 @@ public:
     /// drop it.
     using FullFilter = std::function<bool(QtMsgType, QMessageLogContext const&, QString const&)>;
 
-    /// Returns the only handler of the process. The first call creates and installs it. Any thread.
+    /// Returns the only handler of the process. The first call creates and installs the handler. Can be called from any
+    /// thread.
     static QtLogHandler& GetInstance();
 
-    /// Restores the previous handler if this one is installed.
+    /// Restores the previous handler if this handler is installed.
     ~QtLogHandler();
 
     QtLogHandler(QtLogHandler const&) = delete;
     QtLogHandler& operator=(QtLogHandler const&) = delete;
 
-    /// Installs the handler and stores the one that it replaces. Does nothing if it is already installed. Filters and
-    /// settings remain unchanged.
+    /// Installs this handler and stores the message handler that it replaces. Does nothing if this handler is already
+    /// installed. Filters and settings remain unchanged.
     void Install();
 
-    /// Restores the handler that was replaced. Does nothing if this handler is not installed.
+    /// Restores the message handler that Install() replaced. Does nothing if this handler is not installed.
     void Uninstall();
 
-    /// Appends \a filter to the filters of its type. An empty function is ignored. Filters cannot be removed.
+    /// Appends \a filter to the text filters or to the full filters. An empty function is ignored. Filters cannot be
+    /// removed.
     ///
-    /// Full filters are called first, then text filters, each in the order in which they were added. If a filter drops
-    /// the message, no other filter is called. The message is neither logged nor passed to the previous handler.
+    /// Full filters are called first, then text filters. The filters of each type are called in the order in which they
+    /// were added. If a filter drops the message, no other filter is called, and the message is neither logged nor
+    /// passed to the previous handler.
     void AddFilter(TextFilter filter);
     /// \overload
     void AddFilter(FullFilter filter);
 
     /// Enables or disables the source position before the text of each glog record; initially enabled.
     ///
-    /// The position is the file and line of the Qt message, or "undefined:0" if the message has none. Release builds of
-    /// applications record it only if they define QT_MESSAGELOGCONTEXT.
+    /// The position is the file and line of the Qt message, or "undefined:0" if the message has no position. In release
+    /// builds, messages have a position only if the application defines QT_MESSAGELOGCONTEXT.
     ///
     /// \param enabled  true to log the position
     void SetEnabledLogFileNameAndLineNumber(bool enabled);

@@ -2,7 +2,7 @@
 
 // Design notes
 //
-// Loading the library must not run code for these streams. The exported names are therefore plain pointers with
+// Loading the library must not run code for these streams. Therefore, the exported variables are plain pointers with
 // constant initialisation, and the application decides when the streams are created and flushed.
 
 QTextStream* qinPtr = nullptr;
@@ -22,7 +22,7 @@ ConsoleOutputStream& ConsoleOutputStream::operator<<(QString const& text)
 }
 
 QtStdStreamsInitializer::QtStdStreamsInitializer()
-    : input_(stdin) // deliberately with the default mode of QTextStream, which is ReadWrite
+    : input_(stdin) // deliberately opened in the default mode of QTextStream, ReadWrite
     , output_(stdout)
     , error_(stderr)
 {
@@ -33,7 +33,8 @@ QtStdStreamsInitializer::QtStdStreamsInitializer()
 
 QtStdStreamsInitializer::~QtStdStreamsInitializer()
 {
-    // The streams are destroyed after this body, so no code can reach a destroyed stream through the pointers.
+    // The streams are destroyed after this destructor body. Set the pointers to null first, so that no code can use a
+    // destroyed stream.
     qinPtr = nullptr;
     qoutPtr = nullptr;
     qerrPtr = nullptr;

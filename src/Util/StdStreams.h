@@ -9,7 +9,7 @@
 
 #include <cstdio>
 
-/// A text stream that writes to a standard stream. It buffers the text until it is flushed or destroyed.
+/// A text stream that writes to a standard stream. It buffers text until the stream is flushed or destroyed.
 class ZQTUTIL_EXPORT ConsoleOutputStream : public QTextStream
 {
 public:
@@ -23,10 +23,11 @@ public:
     ConsoleOutputStream& operator<<(QString const& text);
 };
 
-/// Owns the console streams. The application creates one instance, as a static object or at the start of `main`.
+/// Owns the text streams for standard input, output and error. The application creates one instance, as a static object
+/// or at the start of `main`.
 ///
-/// A second instance sets the pointers to its own streams. The destruction of either instance sets the pointers to
-/// null.
+/// A second instance sets #qinPtr, #qoutPtr and #qerrPtr to its own streams. The destruction of either instance sets
+/// the three pointers to null.
 ///
 /// **Threads.** The streams are not locked: use them from one thread at a time.
 class ZQTUTIL_EXPORT QtStdStreamsInitializer

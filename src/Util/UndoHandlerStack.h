@@ -33,7 +33,7 @@ namespace Util
 /// **Ownership.** The caller owns the undo stacks. Pop an undo stack before it is destroyed. Otherwise this object
 /// keeps a dangling pointer, and a later pop() uses it. Do not push an undo stack that is already pushed.
 ///
-/// **Thread.** Use it on its own thread, normally the GUI thread.
+/// **Thread.** Use the object on its own thread, normally the GUI thread.
 class ZQTUTIL_EXPORT UndoHandlerStack : public QObject
 {
     Q_OBJECT
@@ -42,23 +42,22 @@ public:
     /// Creates an object without undo stacks. \a parent owns it and can be null.
     explicit UndoHandlerStack(QObject* parent = nullptr);
 
-    /// Pushes \a stack and makes it the active undo stack. The signals report its state.
+    /// Pushes \a stack and makes it the active undo stack. Emits the four signals with the state of \a stack.
     ///
     /// Throws `std::invalid_argument` ("UndoHandlerStack use without stack!") and changes nothing if \a stack is null.
     void push(QUndoStack* stack);
 
-    /// Removes the topmost undo stack and makes the one below it active, if there is one. Does not delete the removed
-    /// stack.
+    /// Removes the topmost undo stack and activates the next one below it, if any. Does not delete the removed stack.
     ///
     /// \returns the removed stack. If no stack is pushed, returns null and emits no signal.
     QUndoStack* pop();
 
-    /// Returns the undo stack that undo() and redo() act on; null if there is none.
+    /// Returns the undo stack that undo() and redo() act on, or null if no stack is active.
     QUndoStack* activeStack() const;
 
-    /// Undoes the last command of the active stack. Does nothing if there is no such command.
+    /// Undoes the last executed command of the active stack. Does nothing if there is no command to undo.
     void undo();
-    /// Redoes the next command of the active stack. Does nothing if there is no such command.
+    /// Redoes the next command of the active stack. Does nothing if there is no command to redo.
     void redo();
     /// Returns true if there is an active stack and it has a command to undo.
     bool canUndo() const;
@@ -69,17 +68,19 @@ public:
     bool empty() const;
 
 Q_SIGNALS:
-    /// Emitted when another stack, or none, becomes active, or when the active one changes. \a canRedo is the new
-    /// result of canRedo().
+    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// `QUndoStack::canRedoChanged()`. \a canRedo is the result of canRedo().
     void canRedoChanged(bool canRedo);
-    /// Emitted when another stack, or none, becomes active, or when the active one changes. \a canUndo is the new
-    /// result of canUndo().
+    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// `QUndoStack::canUndoChanged()`. \a canUndo is the result of canUndo().
     void canUndoChanged(bool canUndo);
-    /// Emitted when another stack, or none, becomes active, or when the clean state of the active one changes. \a clean
-    /// is true if the active stack is in its clean state.
+    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// `QUndoStack::cleanChanged()`. \a clean is true if the active stack is in its clean state, or if no stack is
+    /// active.
     void cleanChanged(bool clean);
-    /// Emitted when another stack, or none, becomes active, or when the index of the active one changes. \a idx is the
-    /// new `QUndoStack::index()` of the active stack.
+    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// `QUndoStack::indexChanged()`. \a idx is the `QUndoStack::index()` of the active stack, or 0 if no stack is
+    /// active.
     void indexChanged(int idx);
 
 private:

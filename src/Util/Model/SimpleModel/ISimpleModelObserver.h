@@ -18,7 +18,7 @@ namespace Util
 class ZQTUTIL_EXPORT ISimpleModelObserver
 {
 public:
-    /// Does not unregister the observer; see SimpleModel::UnregisterObserver.
+    /// Does not unregister the observer. Use SimpleModel::UnregisterObserver before the observer is destroyed.
     virtual ~ISimpleModelObserver();
 
     /// Called when the item with the identifier \a uid is clicked, on the thread that calls SimpleModel::setData().

@@ -12,8 +12,8 @@
 // Observers are registered through setData(). QML code can therefore use the model without additional invokable
 // functions.
 //
-// The items never change, so the model emits no change signals. The observer list copies its handlers before
-// it calls them: an observer can therefore change the list during a click.
+// The items never change, so the model emits no change signals. Before a click is reported, the list of observers is
+// copied. An observer can therefore register and unregister observers during a click.
 
 namespace Zelkor::Util
 {
@@ -21,7 +21,7 @@ namespace Zelkor::Util
 namespace
 {
 
-/// Returns the URL of the icon of \a uid. Underscores of the uid separate folders.
+/// Returns the URL of the icon of \a uid. Each underscore in \a uid becomes a folder separator.
 QString IconPathOf(QString const& uid)
 {
     static constexpr QStringView before(u"qrc:/icons/");
@@ -89,7 +89,7 @@ bool SimpleModel::setData(QModelIndex const& index, QVariant const& value, int r
         if (role != Click) {
             return false;
         }
-        // Read through the model of the index, which can be a proxy model of this one.
+        // The index can belong to a proxy model of this model. Therefore, the model of the index must return the uid.
         QString const uid = index.data(Uid).toString();
         impl_->PerformForEachEventHandler([&uid](ISimpleModelObserver* observer) { observer->OnItemClicked(uid); });
         return true;

@@ -46,7 +46,7 @@ class ZQTUTIL_EXPORT SimpleModel : public QAbstractListModel
     Q_OBJECT
 
 public:
-    /// The data of the items, and the operations of setData().
+    /// The roles for data(), which are marked "read", and for setData(), which are marked "write".
     enum Role {
         Uid = Qt::UserRole + 1, ///< read: the uid
         Title,                  ///< read: the result of the title getter for the uid
@@ -60,17 +60,17 @@ public:
     /// Creates a model on the heap.
     ///
     /// \param uids         the identifiers of the items, one for each row
-    /// \param titleGetter  returns the title of a uid. It is called whenever a title is read.
+    /// \param titleGetter  returns the title of the item with a given uid. It is called whenever a title is read.
     /// \param parent       the owner of the model. If it is null, the caller owns the model.
     static SimpleModel* Create(QStringList&& uids, std::function<QString(QString const&)>&& titleGetter,
                                QObject* parent = nullptr);
 
-    /// Creates a model. The parameters are those of Create().
+    /// Creates a model. The parameters have the same meaning as in Create().
     SimpleModel(QStringList&& uids, std::function<QString(QString const&)>&& titleGetter, QObject* parent = nullptr);
 
     ~SimpleModel() override;
 
-    /// Returns the number of items; 0 if \a parent is a valid index.
+    /// Returns the number of items, or 0 if \a parent is a valid index.
     int rowCount(QModelIndex const& parent = QModelIndex()) const override;
 
     /// Returns the data of an item. Throws `std::bad_function_call` for Title if the title getter is empty.
@@ -85,13 +85,13 @@ public:
     /// registration. With an invalid \a index, RegisterObserver and UnregisterObserver use the observer in \a value. An
     /// observer that is null, already registered or not registered is ignored.
     ///
-    /// \param index  the clicked item; an invalid index for the two roles of observers
-    /// \param value  the observer; ignored for Click
+    /// \param index  for Click: the clicked item; for RegisterObserver and UnregisterObserver: an invalid index
+    /// \param value  the observer as an `ISimpleModelObserver*`; ignored for Click
     /// \param role   Click, RegisterObserver or UnregisterObserver
     /// \returns false if \a role cannot be used with \a index; otherwise true, even if the observer is ignored
     bool setData(QModelIndex const& index, QVariant const& value, int role = Qt::EditRole) override;
 
-    /// Returns the names "Uid", "Title", "IconPath" and "Click". The standard roles have no names.
+    /// Returns the role names for QML: "Uid", "Title", "IconPath" and "Click". Qt's standard roles have no names.
     QHash<int, QByteArray> roleNames() const override;
 
 private:
