@@ -1,7 +1,8 @@
-// Registers emitters and receivers under one name, which connects every emitter to every receiver, and unregisters
-// them.
+// Measures ObjectsConnector: registers emitters and receivers under one name, and unregisters them. The registrations
+// connect every emitter to every receiver.
 //
-// The peer creates and removes the same connections with QObject::connect() and QObject::disconnect().
+// The peer is handwritten code that creates and removes the same connections with QObject::connect() and
+// QObject::disconnect().
 
 #include "Support.h"
 
@@ -46,7 +47,8 @@ struct ConnectorRunner
     static void Run(std::vector<Emitter>& emitters, std::vector<Receiver>& receivers)
     {
         using Util::ObjectsConnector;
-        // QML passes a new string in every call, so a string shared by all calls would be too favourable.
+        // QML passes a new string in every call. Create a new string here too: sharing one string would make the calls
+        // faster than in an application.
         auto const id = [] { return QString::fromLatin1("volume"); };
         auto const signal = [] { return QString::fromLatin1("changed(int)"); };
         auto const slot = [] { return QString::fromLatin1("setValue(int)"); };
@@ -85,9 +87,9 @@ struct ByHandRunner
 
 /// Runs \a work in a child process and returns its processor time in seconds.
 ///
-/// For every new connection Qt walks the existing connections of the emitter, and waiting for memory takes nearly all
-/// of that time. The position of the connections on the heap changes the result by a factor of four. A new process
-/// starts with the same heap each time.
+/// For every new connection, Qt searches the existing connections of the emitter. Memory latency takes nearly all of
+/// that time, so the addresses of the connections on the heap change the result by a factor of up to four. Each child
+/// process starts with the same heap, which makes the results comparable.
 template <class Work>
 double SecondsInChild(Work const& work)
 {

@@ -1,7 +1,7 @@
-// Formats sizes and durations as text. Each call formats the next value of a table.
+// Measures FormatFileSize() and FormatDuration(). Each call formats the next value of a table.
 //
-// The lower bound is snprintf() into a buffer. A label needs a QString, so snprintf() is also measured with the
-// conversion. The other peers are the formatters of Qt and of KDE's frameworks.
+// The lower bound is snprintf(), which writes into a buffer. A label needs a QString, so another peer is snprintf()
+// with a conversion to QString. The other peers are the formatters of Qt and of KDE's frameworks.
 
 #include "Support.h"
 
@@ -22,14 +22,14 @@ namespace
 
 constexpr int Precision = 1;
 
-// Bytes: at least one value for each unit, and values near the limits between units.
+// Sizes in bytes: at least one value for each unit, and 999999, a value just below the next unit.
 constexpr std::array<unsigned long long, 8> Sizes{512,      1500,       999999,      2500000,
                                                   73400320, 1999999999, 64424509440, 5497558138880};
 
-// Milliseconds. All are less than a day, because QTime cannot hold more.
+// Durations in milliseconds. All of them are shorter than a day, because QTime cannot represent a day or more.
 constexpr std::array<int, 8> Durations{1234, 59999, 60000, 754321, 3599999, 3600000, 20123456, 86399999};
 
-/// Measures \a format. Each call gets the next of the \a values, starting over after the last.
+/// Measures calls of \a format. Passes the \a values in turn, and starts again with the first value after the last one.
 template <class Values, class Format>
 void FormatInTurn(benchmark::State& state, Values const& values, Format const& format)
 {

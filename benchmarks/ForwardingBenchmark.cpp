@@ -1,7 +1,9 @@
-// Runs functors on another object's thread: the cost of posting them, of calling them, and of a round trip.
+// Measures FunctorExecutionForwarder, which calls functors on another thread: the time to post functors, the time to
+// call posted functors, and the time of round trips between two threads.
 //
-// The lower bound is a posted event that holds the functor. The other peers are functions of Qt, and LeanForwarder: the
-// smallest class that passes a std::function through a queued signal, as FunctorExecutionForwarder is documented to do.
+// The lower bound is an event that contains the functor and is posted with QCoreApplication::postEvent(). Two peers are
+// functions of Qt. The last peer is LeanForwarder, the smallest class that passes a std::function through a queued
+// signal. FunctorExecutionForwarder is documented to use the same mechanism.
 
 #include "LeanForwarder.h"
 #include "Support.h"
@@ -84,7 +86,7 @@ struct BigFunctor
     void operator()() const { calls->Step(); }
 };
 
-/// Counts how often it is copied. Moves are not counted.
+/// A functor that counts its copies. Moves are not counted.
 class CountingFunctor
 {
 public:
@@ -107,7 +109,8 @@ private:
     int* copies_;
 };
 
-/// Posts functors from another thread and returns the processor time of that thread in seconds.
+/// Posts #FunctorCount functors to \a implementation from a new thread. Returns the processor time of the new thread in
+/// seconds.
 template <class Functor, class Implementation>
 double PostFromOtherThread(Implementation& implementation, Countdown* calls)
 {
@@ -186,7 +189,7 @@ private:
 
     Implementation local_;
     Implementation remote_;
-    EventThread thread_; // declared last: it must stop before the objects that it calls are destroyed
+    EventThread thread_; // declared last, so that the thread stops before the objects that it uses are destroyed
 };
 
 template <class Implementation>
@@ -199,9 +202,10 @@ void PingPong(benchmark::State& state)
     }
 }
 
-// Reports the number of copies of a functor as counters. "kept": the caller keeps the functor, which is copied into the
-// argument and into the queue. "handed_over": the caller passes a temporary, which is copied into the queue only.
-// "called": the copies made while the functor is called.
+// Measures no time. Reports the number of copies of a functor as three counters:
+// - "kept": the copies if the caller passes a variable and keeps it.
+// - "handed_over": the copies if the caller passes a temporary.
+// - "called": the copies made while both queued functors are called.
 template <class Forwarder>
 void Copies(benchmark::State& state)
 {

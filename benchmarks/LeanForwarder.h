@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// The smallest class that passes a std::function through a queued signal: the peer of FunctorExecutionForwarder.
+/// LeanForwarder, the smallest class that passes a std::function through a queued signal. The benchmarks compare
+/// FunctorExecutionForwarder with LeanForwarder.
 
 #include <QtCore/QObject>
 
@@ -13,7 +14,8 @@ namespace Zelkor::Benchmarks
 
 using LeanFunctor = std::function<void()>;
 
-/// Calls functors on its own thread, through a queued signal connected to a slot of the same object.
+/// Calls functors on the thread of the LeanForwarder object. Each functor is the argument of a queued signal, which is
+/// connected to a slot of the same object.
 class LeanForwarder : public QObject
 {
     Q_OBJECT

@@ -1,10 +1,11 @@
 // Measures how long the dynamic linker takes to load a library whose dependencies are already loaded.
 //
-//     LoadBenchmark --library=FILE [benchmark options]   Measures FILE and its peers, each load in a new process.
-//     LoadBenchmark --load=FILE                          The new process: loads FILE once, prints the processor time in
-//                                                        nanoseconds and the number of initialisation functions.
+//     LoadBenchmark --library=FILE [benchmark options]   Measures FILE and its peers. Starts a new process with --load
+//                                                        for each repetition.
+//     LoadBenchmark --load=FILE                          Loads FILE once. Prints the processor time in nanoseconds and
+//                                                        the number of initialisation functions.
 //
-// The peers are KDE frameworks with similar helpers for Qt 5 applications.
+// The peers are KDE frameworks, which also provide utilities for Qt 5 applications.
 
 #include "Support.h"
 
@@ -34,7 +35,8 @@ int LoadedObjects()
     return count;
 }
 
-/// Returns the number of functions that the dynamic linker calls when it loads the library of \a handle.
+/// Returns the number of initialisation functions that the dynamic linker calls when it loads a library. \a handle is
+/// the result of dlopen() for the library.
 std::size_t InitialisationFunctions(void* handle)
 {
     link_map* map = nullptr;
@@ -49,7 +51,7 @@ std::size_t InitialisationFunctions(void* handle)
 
 int LoadOnce(char const* library)
 {
-    // KF5CoreAddons depends on libudev, which no library of this program loads.
+    // KF5CoreAddons depends on libudev. This program is not linked with libudev, so load it before the measurement.
     dlopen("libudev.so.1", RTLD_NOW | RTLD_GLOBAL);
     int const before = LoadedObjects();
     void* handle = nullptr;
@@ -97,8 +99,8 @@ void Measure(benchmark::State& state, std::string const& self, std::string const
     state.counters["functions"] = static_cast<double>(load.functions);
 }
 
-/// Returns the rest of \a argument after \a prefix, such as "--name=". Returns null if it does not start with \a
-/// prefix.
+/// Returns the part of \a argument after \a prefix, for example after "--name=". Returns null if \a argument does not
+/// start with \a prefix.
 char const* OptionValue(char const* argument, char const* prefix)
 {
     std::size_t const size = std::strlen(prefix);

@@ -1,8 +1,8 @@
-// Writes messages that contain a number to a file, from one thread.
+// Measures QtLogHandler: logs messages that contain a number, from one thread. Every implementation writes to a file.
 //
-// QtLogHandler receives a message that Qt has formatted and logs it through glog, so glog alone is the lower bound.
-// Qt's default handler writes to the standard error, which is redirected to a file. spdlog is a common choice for new
-// projects.
+// QtLogHandler receives messages that Qt has formatted, and logs them through glog. Therefore, glog alone is the lower
+// bound. Another peer is Qt's default handler, which writes to the standard error; the benchmark redirects the standard
+// error to a file. The last peer is spdlog, a log library that new projects often choose.
 
 #include "Support.h"
 
@@ -67,7 +67,7 @@ void MeasureQt(benchmark::State& state)
     qInstallMessageHandler(before);
 }
 
-/// Redirects the standard error to a file during the lifetime of the object.
+/// Redirects the standard error of the process to a file during the lifetime of the object.
 class StandardErrorInFile
 {
 public:

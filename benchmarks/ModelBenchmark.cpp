@@ -1,4 +1,4 @@
-// Reads the data that a view requests from a model for each item: the uid and the path of the icon.
+// Measures SimpleModel: reads the uid and the icon path of each item, as a view does.
 
 #include "Support.h"
 
@@ -29,7 +29,7 @@ QStringList Uids()
     return uids;
 }
 
-/// A list of texts with the two functions that every list model needs: the lower bound.
+/// The lower bound for the uids: a list of texts with only the two functions that every list model needs.
 class MinimalModel : public QAbstractListModel
 {
 public:
@@ -44,7 +44,7 @@ private:
     QStringList const uids_ = Uids();
 };
 
-/// The measured model, with the uids as titles.
+/// A SimpleModel whose titles are equal to the uids.
 class UidModel : public SimpleModel
 {
 public:
@@ -74,7 +74,8 @@ public:
     }
 };
 
-/// Reads \a Role of every item through the interface QAbstractItemModel, as a view does.
+/// Measures reading the data of all items in the role \a Role. Calls the virtual functions of QAbstractItemModel, as a
+/// view does.
 template <class Model, int Role>
 void Read(benchmark::State& state)
 {
@@ -92,8 +93,8 @@ void Read(benchmark::State& state)
     }
 }
 
-/// Returns the icon path of \a uid. Allocates a string of the final length and writes each character once: the lower
-/// bound.
+/// The lower bound for the icon paths. Returns the icon path of \a uid. Allocates a string of the final length and
+/// writes each character once.
 QString OnePass(QString const& uid)
 {
     static QLatin1String const before("qrc:/icons/");
@@ -112,13 +113,13 @@ QString OnePass(QString const& uid)
     return path;
 }
 
-/// Returns the icon path of \a uid, with the most obvious code.
+/// Returns the icon path of \a uid, computed with the most obvious code.
 QString ReplaceAndArg(QString const& uid)
 {
     return QStringLiteral("qrc:/icons/%1.png").arg(QString(uid).replace(QLatin1Char('_'), QLatin1Char('/')));
 }
 
-/// A model that returns only icon paths, which the function \a Path creates.
+/// A model that provides only icon paths. Calls the function \a Path to create them.
 template <QString (*Path)(QString const&)>
 class IconModel : public QAbstractListModel
 {

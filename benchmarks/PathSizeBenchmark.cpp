@@ -1,12 +1,15 @@
-// Calculates the size of folder trees: one with many folders, one with a deep chain, and one with many files in a
-// folder.
+// Measures GetPathSize() for three folder trees: one with many folders, one with a chain of nested folders, and one
+// with many files in one folder.
 //
-//     PathSizeBenchmark --trees=FOLDER [--scale=PERCENT] [benchmark options]   Creates the trees and measures.
-//     PathSizeBenchmark --walk=NAME FOLDER                                     Calculates one size, for a tracer.
+//     PathSizeBenchmark --trees=FOLDER [--scale=PERCENT] [benchmark options]
+//         Creates the trees in FOLDER and measures all implementations.
+//     PathSizeBenchmark --walk=NAME FOLDER
+//         Computes the size of FOLDER once, with the implementation NAME. In this mode, run.py
+//         counts the system calls with `strace`.
 //
-// The lower bound makes the fewest system calls: it reads each folder and calls fstatat() once for each file. `du` is
-// measured as a process, which includes its start. "ProcessStart/Du" measures the start alone, on an empty folder. The
-// other peers are the directory walks of libraries.
+// The lower bound reads each folder and calls fstatat() once for each entry. Another peer is the command `du`. Its time
+// includes the start of the process; "ProcessStart/Du" measures only the start, with an empty folder. The other peers
+// are functions of libraries that traverse folder trees.
 
 #include "Process.h"
 #include "Support.h"
@@ -121,8 +124,8 @@ Size FtsSize(std::string const& folder)
     return size;
 }
 
-/// Returns the processor time of `du` for \a folder in seconds. Its result is not checked, because `du` also adds the
-/// sizes of the folders themselves.
+/// Runs `du` on \a folder and returns its processor time in seconds. Does not check the size that `du` prints, because
+/// `du` also counts the sizes of the folders themselves.
 double DuSeconds(std::string const& folder)
 {
     return ProcessSeconds({"du", "-s", "--apparent-size", "-B1", folder});
@@ -141,7 +144,7 @@ constexpr Walk Walks[] = {
 
 constexpr int FileSize = 100;
 
-/// Creates a file of #FileSize bytes in \a folder. The file is sparse and takes no disk blocks.
+/// Creates a sparse file of #FileSize bytes in \a folder. The file needs no disk blocks for its contents.
 void MakeFile(std::string const& folder, int number)
 {
     std::string const path = folder + "/file" + std::to_string(number);
@@ -205,7 +208,7 @@ constexpr Tree Trees[] = {
 
 void Measure(benchmark::State& state, Walk const& walk, std::string const& folder, Size expected)
 {
-    Size size = walk.size(folder); // fills the caches of the kernel
+    Size size = walk.size(folder); // not measured; loads the tree into the kernel's caches
     for ([[maybe_unused]] auto _ : state) {
         state.SetIterationTime(ProcessorSeconds([&] { size = walk.size(folder); }));
     }
@@ -251,8 +254,8 @@ int WalkOnce(std::string const& name, std::string const& folder)
     return 1;
 }
 
-/// Removes the option \a name from the arguments \a argc and \a argv and returns its value. Returns \a fallback if the
-/// option is not given.
+/// Finds the option "--name=value" in \a argv, removes it, and returns its value. Returns \a fallback if \a argv does
+/// not contain the option.
 std::string TakeOption(int& argc, char** argv, std::string const& name, std::string const& fallback)
 {
     std::string const prefix = "--" + name + "=";

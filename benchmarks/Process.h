@@ -21,8 +21,10 @@ inline double InSeconds(timeval const& time)
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-/// Runs \a command, a program and its arguments, and returns the processor time of the process in seconds, including
-/// its start. Discards the standard output. Throws std::runtime_error if the program cannot be started or fails.
+/// Runs \a command, which consists of a program and its arguments. Returns the processor time of the process in
+/// seconds, including the start of the process. Discards the standard output of the program.
+///
+/// Throws std::runtime_error if the program cannot be started or does not exit with code 0.
 inline double ProcessSeconds(std::vector<std::string> command)
 {
     std::vector<char*> arguments;

@@ -1,7 +1,8 @@
-// Removes 20 000 files in 200 folders. All files are old enough to be removed.
+// Measures RemoveDir(), which removes files that have reached a minimum age: 20 000 old files in 200 folders.
 //
-// `rm -rf` is measured as a process, which includes its start. "RemovalStart/Rm" measures the start alone, on an empty
-// folder. Neither `rm` nor QDir::removeRecursively() checks the age of a file.
+// The peers are the command `rm -rf` and QDir::removeRecursively(). Both of them remove files without checking their
+// age. The time of `rm` includes the start of the process; "RemovalStart/Rm" measures only the start, with an empty
+// folder.
 
 #include "Process.h"
 #include "Support.h"
@@ -31,7 +32,7 @@ void Age(std::string const& path)
     utimensat(AT_FDCWD, path.c_str(), longAgo, 0);
 }
 
-/// Creates the folder \a tree with \a folders subfolders that contain old files.
+/// Creates the folder \a tree with the number \a folders of subfolders. Each subfolder contains old files.
 void MakeTree(std::string const& tree, int folders)
 {
     mkdir(tree.c_str(), 0700);
@@ -75,7 +76,7 @@ void Register(char const* name, double (*seconds)(std::string const& tree), std:
                                      }
                                  })
         ->Unit(benchmark::kMillisecond)
-        ->Iterations(1) // creating the tree takes longer than removing it
+        ->Iterations(1) // one removal per repetition, because creating the tree takes long
         ->UseManualTime();
 }
 

@@ -22,8 +22,8 @@
 namespace Zelkor::Benchmarks
 {
 
-/// Calls \a work and returns the processor time of the calling thread in seconds. Unlike wall-clock time, it does not
-/// grow when other programs run.
+/// Calls \a work and returns the processor time that the call used on the calling thread, in seconds. Unlike wall-clock
+/// time, processor time does not grow when other programs run.
 template <class Work>
 double ProcessorSeconds(Work const& work)
 {
@@ -37,10 +37,11 @@ double ProcessorSeconds(Work const& work)
     return now() - start;
 }
 
-/// Pins the calling thread, and the threads that it starts during the object's lifetime, to one core.
+/// Pins the calling thread to one core during the lifetime of the object. Threads that the calling thread starts during
+/// this time are pinned to the same core.
 ///
-/// Use it for threads that wait for each other in turn. On several cores, the time that an idle core takes to wake up
-/// would dominate the result.
+/// Use PinToOneCore for threads that wait for each other in turn. On several cores, the time that an idle core needs to
+/// wake up would dominate the result.
 class PinToOneCore
 {
 public:
@@ -62,7 +63,7 @@ private:
     cpu_set_t before_;
 };
 
-/// Runs the event loop of the calling thread until Step() was called a given number of times.
+/// Runs the event loop of the calling thread until Step() has been called a given number of times.
 class Countdown
 {
 public:
@@ -70,7 +71,7 @@ public:
         : count_(count)
     {}
 
-    /// Counts one event. Call it from the event loop that Wait() runs.
+    /// Decreases the count by one. Call Step() only on the thread that calls Wait(), from its event loop.
     void Step()
     {
         if (--count_ == 0) {
@@ -78,7 +79,7 @@ public:
         }
     }
 
-    /// Returns the number of calls of Step() until Wait() returns.
+    /// Returns the number of calls of Step() that are still needed before Wait() returns.
     int Remaining() const { return count_; }
 
     /// Runs the event loop until the count is zero.
@@ -89,12 +90,12 @@ private:
     int count_;
 };
 
-/// Calls functors on another thread with one posted event each, which holds the functor. This is the lower bound for
-/// every way to pass work between threads with event loops.
+/// Calls functors on another thread. Posts one event for each functor; the event contains the functor. This is the
+/// lower bound for all ways to pass work to a thread with an event loop.
 class PostedEvents : public QObject
 {
 public:
-    /// Queues a call of \a functor on this object's thread.
+    /// Queues \a functor. The thread of this object calls the functor in its event loop.
     template <class Functor>
     void Post(Functor functor)
     {
@@ -146,8 +147,8 @@ public:
     }
 };
 
-/// Runs the registered benchmarks with the command line \a argc and \a argv. Returns the exit code of the program.
-/// Benchmarks that need an application object create it first.
+/// Runs the registered benchmarks with the command line \a argc and \a argv. Returns the exit code of the program. If a
+/// benchmark needs an application object, main() must create the application object before this call.
 inline int RunBenchmarks(int argc, char** argv)
 {
     benchmark::AddCustomContext("qt_version", qVersion());
@@ -166,7 +167,8 @@ inline int RunBenchmarks(int argc, char** argv)
     return 0;
 }
 
-/// Calls \a run and returns its result. If it throws, prints the message to the standard error and returns 1.
+/// Calls \a run and returns its result. If \a run throws a std::exception, prints the exception's message to the
+/// standard error and returns 1.
 template <class Run>
 int ExitCodeOf(Run const& run)
 {

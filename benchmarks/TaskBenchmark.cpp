@@ -1,7 +1,7 @@
-// Runs jobs on one worker thread and delivers progress and completion to the owner thread.
+// Measures AsyncService, which runs jobs on one worker thread and delivers progress and completion to the owner thread.
 //
-// Every peer has one worker thread, so that its jobs do not overlap either. The lower bound is two posted events for
-// each job: one to the worker thread and one back.
+// Every peer also has only one worker thread, so that its jobs run one after another, like those of AsyncService. The
+// lower bound posts each job to the worker thread as one event, and each report and the completion back as one event.
 
 #include "Support.h"
 
@@ -31,8 +31,8 @@ constexpr int ChainSize = 500;
 constexpr int ReportingJobs = 100;
 constexpr int ReportsPerJob = 100;
 
-// Run() of each implementation runs a job that reports every value below `reports`. It calls `progress` for each report
-// and then `finished`, both on the owner thread. A trivial job has no reports.
+// Each of the following classes has a function Run(), which runs a job on the worker thread. The job reports every
+// value from 0 to reports - 1. The owner thread calls `progress` for each report, and `finished` after the last report.
 
 class Service
 {
@@ -73,7 +73,7 @@ public:
 private:
     PostedEvents owner_;
     PostedEvents worker_;
-    EventThread thread_; // declared last: it must stop before the objects that it calls are destroyed
+    EventThread thread_; // declared last, so that the thread stops before the objects that it uses are destroyed
 };
 
 class OneThreadPool : public QThreadPool
@@ -156,7 +156,7 @@ private:
     ThreadWeaver::Queue queue_;
 };
 
-/// QtConcurrent::run() cannot report progress.
+/// Runs jobs without progress only, because a function that QtConcurrent::run() calls cannot report progress.
 class ConcurrentWithWatcher
 {
 public:
@@ -176,7 +176,8 @@ private:
     OneThreadPool pool_;
 };
 
-/// Reports progress as results. QFuture delivers every result, but it drops progress values.
+/// Passes each progress report as a result of a QFuture. A QFuture delivers all results, but drops some progress
+/// values.
 class FutureResults
 {
 public:
@@ -227,7 +228,8 @@ void Batch(benchmark::State& state)
     }
 }
 
-/// Runs trivial jobs one after another until \a completions reaches zero. The completion of a job starts the next one.
+/// Runs empty jobs one after another until \a completions reaches zero. Each job is started when the previous job has
+/// finished.
 template <class Implementation>
 void RunChain(Implementation& implementation, Countdown& completions)
 {

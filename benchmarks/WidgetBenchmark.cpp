@@ -1,8 +1,8 @@
-// Measures three jobs: creating, showing and closing message boxes, with and without a style sheet; setting a style
-// property of a widget in a deep tree; and hovering over groups of 10 and 100 widgets.
-//
-// The lower bound of a message box is a dialog with a label and two buttons. The peers are QMessageBox, the base class
-// of AlertBox, and KMessageDialog, which has more features.
+// Measures three classes and functions for widgets:
+// - AlertBox: creates, shows and closes a message box, with and without a style sheet. The lower bound is a dialog
+//   with a label and two buttons. The other peers are QMessageBox, the base class of AlertBox, and KMessageDialog.
+// - ApplyWidgetStyle(): sets a style property of a widget with 200 ancestors. The peer is handwritten code.
+// - HoverGroup: hovers over groups of 10 and 100 widgets. The lower bound sends the same events in a loop.
 
 #include "Support.h"
 
@@ -76,9 +76,10 @@ struct KMessageDialogRunner
 {
     static void Run()
     {
-        KMessageDialog dialog(KMessageDialog::WarningContinueCancel, Text()); // has two buttons, like the other boxes
+        KMessageDialog dialog(KMessageDialog::WarningContinueCancel, Text()); // two buttons, as in the other boxes
         dialog.setCaption(Title());
-        dialog.setIcon(QIcon(QStringLiteral(":/MessageBox/error_icon.png"))); // the default needs an icon theme
+        // The default icon is empty without an icon theme.
+        dialog.setIcon(QIcon(QStringLiteral(":/MessageBox/error_icon.png")));
         ShowAndClose(dialog);
     }
 };
@@ -93,7 +94,7 @@ struct AlertBoxRunner
     }
 };
 
-/// Returns a typical style sheet of an application: rules for all widgets and for some classes.
+/// Returns a style sheet that is typical of applications. It has rules for all widgets and rules for some classes.
 QString CommonSheet()
 {
     return QStringLiteral("QWidget { color: #202124; font-size: 13px }"
@@ -104,7 +105,7 @@ QString CommonSheet()
                           "QDialog[Level=\"Error\"] { border: 1px solid red }");
 }
 
-/// Returns the style sheet of the gallery, which selects mainly by object names and properties.
+/// Returns the style sheet of the gallery. Most of its rules select widgets by their object names and properties.
 QString HouseSheet()
 {
     QFile file(QStringLiteral(":/house.qss"));
@@ -144,7 +145,7 @@ void StyledBox(benchmark::State& state)
     }
 }
 
-/// Creates \a depth nested widgets in \a outermost and returns the innermost.
+/// Creates \a depth widgets, each inside the previous one and the first one in \a outermost. Returns the last one.
 QWidget* Innermost(QWidget* outermost, int depth)
 {
     QWidget* widget = outermost;

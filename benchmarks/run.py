@@ -148,7 +148,7 @@ PEERS = {
     "OneByOne": Peer("one by one", "**Lower bound.** A loop that sends the same events to each widget."),
     "LockedVector": Peer(
         "vector under one mutex",
-        "**Lower bound.** A vector of observers that one mutex protects. An observer that publishes an event deadlocks.",
+        "**Lower bound.** A vector of observers with one mutex. An observer that publishes an event deadlocks.",
     ),
     "QtDirect": Peer("Qt direct signal", "A Qt signal with direct connections. The observers must be QObjects."),
     "Sigc": Peer("sigc++", "The signal library of GTK applications. It supports only one thread."),
