@@ -50,14 +50,14 @@ std::string TextOfThrown(std::string const& message)
 
 } // namespace
 
-// External linkage keeps these names in the symbol table.
+// External linkage keeps the names of these functions in the symbol table.
 [[gnu::noinline]] std::logic_error ExtendInNamedFunction(std::logic_error const& error);
 [[gnu::noinline]] std::pair<std::string, std::string> TextAndStackOfNamedFunction();
 
 std::logic_error ExtendInNamedFunction(std::logic_error const& error)
 {
     std::logic_error extended = Zelkor::AddStack(error);
-    asm volatile(""); // prevents a tail call, which would remove this frame
+    asm volatile(""); // prevents a tail call, which would remove the frame of this function from the stack
     return extended;
 }
 
@@ -71,7 +71,7 @@ std::pair<std::string, std::string> TextAndStackOfNamedFunction()
 namespace
 {
 
-/// Returns the frames outside the named function, without frame numbers.
+/// Returns the frames of the callers of TextAndStackOfNamedFunction() in the call stack \a text, without frame numbers.
 QStringList OuterFrames(std::string const& text)
 {
     QStringList lines = QString::fromStdString(text).split(QLatin1Char('\n'), Qt::SkipEmptyParts);

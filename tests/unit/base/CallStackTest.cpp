@@ -11,8 +11,8 @@
 
 static_assert(std::is_same_v<decltype(&Zelkor::GetCallStack), std::string (*)()>);
 
-// External linkage keeps these names in the symbol table. The empty asm statements prevent tail calls, which would
-// remove frames from the stack.
+// External linkage keeps the names of these functions in the symbol table. The empty asm statements in their
+// definitions prevent tail calls, which would remove frames from the stack.
 [[gnu::noinline]] std::string StackOfInnerFunction();
 [[gnu::noinline]] std::string StackOfOuterFunction();
 [[gnu::noinline]] std::string StackOfOutermostFunction();

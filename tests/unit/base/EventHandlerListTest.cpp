@@ -23,7 +23,7 @@ using Zelkor::Testing::Timeout;
 namespace
 {
 
-/// Runs the callback set by a test.
+/// Event handler that calls onEvent, which a test can replace.
 class Handler
 {
 public:
@@ -42,7 +42,8 @@ static_assert(!std::is_copy_constructible_v<List> && !std::is_copy_assignable_v<
 static_assert(!std::is_move_constructible_v<List> && !std::is_move_assignable_v<List>);
 static_assert(!std::is_final_v<List>);
 
-/// With List, a second path to the publisher base: the conversion would be ambiguous if the base were not virtual.
+/// Together with List, this class shows that List inherits EventPublisher virtually. Otherwise ListAndPublisher would
+/// have two EventPublisher bases, and the conversion to EventPublisher* would be ambiguous.
 struct AnotherPublisher : virtual EventPublisher<Handler>
 {};
 
@@ -51,7 +52,7 @@ struct ListAndPublisher : List, AnotherPublisher
 
 static_assert(std::is_convertible_v<ListAndPublisher*, EventPublisher<Handler>*>);
 
-/// Execution policy that stores the calls instead of executing them.
+/// Execution policy for EventHandlerList that stores the calls of the handlers instead of executing them.
 struct DeferredExecutePolicy
 {
     static std::vector<std::function<void()>>& Calls()
@@ -236,7 +237,7 @@ private Q_SLOTS:
         deferred.PerformForEachEventHandler(
             [&called, resource = std::move(resource)](Handler* handler) { called.push_back(handler); });
         QCOMPARE(called, Handlers());
-        QCOMPARE(watched.use_count(), 2L); // each call has its own copy of the functor
+        QCOMPARE(watched.use_count(), 2L); // each of the two stored calls has its own copy of the functor
 
         auto const calls = std::exchange(DeferredExecutePolicy::Calls(), {});
         for (auto const& call : calls) {
@@ -278,7 +279,7 @@ private Q_SLOTS:
         constexpr int Publications = 500;
         std::atomic<int> inside{0};
         std::atomic<bool> overlapped{false};
-        int calls = 0; // guarded by the list under test
+        int calls = 0; // not atomic: the list under test must serialize all accesses
         handlers_[0].onEvent = [&] {
             overlapped = overlapped || inside.fetch_add(1) != 0;
             ++calls;
@@ -351,7 +352,7 @@ private:
         });
     }
 
-    /// Publishes once and returns the handlers called, in order.
+    /// Publishes one event. Returns the called handlers in the order of their calls.
     Handlers PublishAndCollect()
     {
         calledHandlers_.clear();

@@ -227,7 +227,8 @@ private Q_SLOTS:
         fs::create_directory(readOnly);
         ioPath const file = makeFile("read-only/file");
         grantAccessToEveryone(readOnly);
-        // RunAsOrdinaryUser may run as the owner of the folder.
+        // Remove the write permission of the owner too: RunAsOrdinaryUser() may run the function as the owner of the
+        // folder.
         fs::permissions(readOnly, fs::remove_perms | fs::owner_write);
         QByteArray const outcome = RunAsOrdinaryUser([&file]() -> QByteArray {
             if (!FileExists(file)) {
@@ -312,7 +313,7 @@ private:
         return path;
     }
 
-    /// Allows every user to read the folder \a path and to traverse the test program's folders above it.
+    /// Allows every user to read and traverse \a path, the folder of the test and the temporary folder.
     void grantAccessToEveryone(ioPath const& path) const
     {
         for (ioPath const& folder : {path, at({}), ioPath(QDir::tempPath().toStdString())}) {

@@ -15,23 +15,24 @@
 namespace Zelkor::Testing
 {
 
-/// Emits and receives signals. Records the calls of its slots in a shared log. Records which of its signals are
-/// connected and disconnected.
+/// Object that emits and receives signals. Appends the calls of its slots to the log that is passed to the constructor.
+/// Also records which of its signals are connected and disconnected.
 class TestObject : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \a log must outlive this object.
+    /// Creates an object that appends an entry to \a log for each call of one of its slots. The entry begins with \a
+    /// name. \a log must outlive the object.
     TestObject(QByteArrayList& log, QByteArray name)
         : log_(log)
         , name_(std::move(name))
     {}
 
-    /// Returns the signatures of the signals that have been connected, one for each connection.
+    /// For each connection made so far, returns the signature of the connected signal of this object.
     QStringList const& ConnectedSignals() const { return connectedSignals_; }
 
-    /// Returns the signatures of the signals that have been disconnected.
+    /// For each signal disconnected so far, returns the signature of this signal.
     QStringList const& DisconnectedSignals() const { return disconnectedSignals_; }
 
     int DestroyedConnectionCount() const { return receivers(SIGNAL(destroyed(QObject*))); }
@@ -62,7 +63,8 @@ private:
     QStringList disconnectedSignals_;
 };
 
-/// Base of the tests of ObjectsConnector: an emitter, a receiver, and a log of the slots that are called.
+/// Base class for the tests of ObjectsConnector. Provides an emitter, a receiver, and a log of the slots that are
+/// called.
 class ConnectorTestCase : public TestCase
 {
     Q_OBJECT
@@ -80,7 +82,8 @@ protected:
     static void UnregisterEmitter(TestObject& object, QString const& signal = ChangedSignal);
     static void UnregisterReceiver(TestObject& object, QString const& slot = ReceiveSlot);
 
-    /// Emits Changed() of \a emitter. Returns the log entries of the slots that this calls directly, in call order.
+    /// Emits Changed() of \a emitter. Returns the log entries of the slots that run during the emission, in call order.
+    /// Queued calls are not included.
     QByteArrayList EmitChanged(TestObject& emitter);
 
     /// Adds the column "isEmitter" with the row \a emitterRow for true and \a receiverRow for false.

@@ -1,4 +1,4 @@
-// Tests with slots that destroy clients or services, set services, or throw while a signal is emitted.
+// Tests in which slots destroy clients or services, change the service of a client, or throw an exception.
 
 #include <support/processes/ChildProcess.h>
 #include <unit/connections/ExclusiveClientTestCase.h>
@@ -467,7 +467,8 @@ private Q_SLOTS:
         QCOMPARE(ClientsInUse(), QByteArrayList{"A"});
     }
 
-    // A new client at the same address must not emit finished() instead of the destroyed one.
+    // A slot destroys the client and creates a new client at the same address. The new client must not emit finished()
+    // in place of the destroyed client.
     void doesNotFinishIfItIsDestroyedMeanwhile()
     {
         std::optional<ExclusiveClient> client(std::in_place, service_.get(), nullptr);
@@ -484,8 +485,9 @@ private Q_SLOTS:
         QCOMPARE(timesFinished, 0);
     }
 
-    // A service must not keep a client that has left it. Otherwise it would become free without a signal when the
-    // client is destroyed.
+    // While setService(nullptr) runs, a slot binds the client to another service and uses that service. setService()
+    // must release that service too. Otherwise the service would keep a client that is not bound to it, and would
+    // become free without a signal when the client is destroyed.
     void leavesAServiceThatASlotHasBoundMeanwhile()
     {
         ExclusiveService backup(nullptr);
@@ -628,7 +630,7 @@ private Q_SLOTS:
         QVERIFY(!log_.contains("A acquired"));
     }
 
-    // The child process exits successfully only from the terminate handler.
+    // The exit code of the child process is EXIT_SUCCESS only if std::terminate() is called.
     void throwDuringDestructionTerminatesTheProcess()
     {
         Zelkor::Testing::RunInChild([] {
@@ -644,7 +646,8 @@ private Q_SLOTS:
     }
 
 private:
-    /// Binds A to the first service again, lets A, B and C use it in turn, and checks the log entries about A.
+    /// Binds A to the first service again, lets A, B and C use this service in turn, and checks the log entries about
+    /// A.
     void VerifyClientReactsAgain()
     {
         a_->setService(service_.get());

@@ -30,7 +30,7 @@ class ExclusiveClientTest : public Zelkor::Testing::ExclusiveClientTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    // Interface
+    // The public interface of ExclusiveClient
 
     void hasItsNameAndBase()
     {
@@ -110,7 +110,7 @@ private Q_SLOTS:
         QCOMPARE(service_->currentClient(), nullptr);
     }
 
-    // Use of the service
+    // Clients that use the service
 
     void takesAFreeService()
     {
@@ -513,13 +513,15 @@ private Q_SLOTS:
         QCOMPARE(callsForClient, 1);
         QCOMPARE(callsForOthers, 1);
 
-        a_->setService(nullptr); // disconnects before the service changes its client
+        // setService() disconnects the client from the old service before it releases that service. Slots that have the
+        // client as context object therefore do not receive the last clientChanged().
+        a_->setService(nullptr);
 
         QCOMPARE(callsForClient, 1);
         QCOMPARE(callsForOthers, 2);
     }
 
-    // The state inside slots
+    // The state of the clients while a slot runs
 
     void nobodyIsInUseInsideIntercepted()
     {
@@ -575,7 +577,8 @@ private Q_SLOTS:
         QCOMPARE(inUse, QByteArrayList());
     }
 
-    // Announcements of the service. The client relies on the arguments, not on the current client of the service.
+    // Announcements of the service. The client uses only the arguments of an announcement, not the current client of
+    // the service.
 
     void isInterceptedByAnAnnouncementFromItselfToAnother()
     {
@@ -653,7 +656,7 @@ private Q_SLOTS:
         QCOMPARE(log_, QByteArrayList());
     }
 
-    // Without a service
+    // Clients without a service
 
     void isNotInUseWithoutAService()
     {

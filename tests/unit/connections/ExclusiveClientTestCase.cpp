@@ -79,7 +79,8 @@ ExclusiveClient* ExclusiveClientTestCase::MakeClient(QByteArray const& name)
     auto const logSignal = [this, client, &name](void (ExclusiveClient::*signal)(), char const* signalName) {
         QObject::connect(client, signal, this, [this, entry = name + ' ' + signalName] { log_ += entry; });
     };
-    // released() is connected last but logged before finished() and intercepted(), because the client emits it first.
+    // The client emits released() in the first slot of finished() and of intercepted(). The tests therefore log
+    // released() before these two signals, although released() is connected last here.
     logSignal(&ExclusiveClient::finished, "finished");
     logSignal(&ExclusiveClient::intercepted, "intercepted");
     logSignal(&ExclusiveClient::acquired, "acquired");

@@ -14,12 +14,12 @@
 namespace Zelkor::Testing
 {
 
-/// Thrown by slots.
+/// Exception that slots of the tests throw.
 struct SlotError
 {};
 
-/// Base of the tests of ExclusiveClient: two services, three clients of the first service, and an object that is no
-/// client. The signals of all services and clients are logged in the order of their emission.
+/// Base class for the tests of ExclusiveClient. Provides two services, three clients of the first service, and an
+/// object that is not a client. Logs the signals of all services and clients in the order of their emission.
 class ExclusiveClientTestCase : public TestCase
 {
     Q_OBJECT
@@ -28,7 +28,8 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// Runs \a action once, when \a signal of \a client has been logged. The test fails if the action does not run.
+    /// Runs \a action once, after \a client has emitted \a signal and the signal has been logged. The test fails if \a
+    /// action does not run.
     template <class Signal>
     void Once(ExclusiveClient* client, Signal signal, std::function<void()> action)
     {
@@ -36,21 +37,24 @@ protected:
         QObject::connect(client, signal, this, [this] { RunOnce(action_); });
     }
 
-    /// Runs \a action once, when a service announces a change and before its clients receive the announcement.
+    /// Runs \a action once, when a service announces a change of its client. The clients of the service receive this
+    /// announcement later. The test fails if \a action does not run.
     void OnceAnnounced(std::function<void()> action) { onAnnounced_ = std::move(action); }
 
-    /// Runs \a action once, when the client of a service has changed and before the clients receive that signal.
+    /// Runs \a action once, when a service emits clientChanged(). The clients of the service receive this signal later.
+    /// The test fails if \a action does not run.
     void OnceChanged(std::function<void()> action) { onChanged_ = std::move(action); }
 
-    /// Calls the protected slot of \a client that receives the announcements of its service.
+    /// Announces a change from \a from to \a to: calls the protected slot of \a client that receives such announcements
+    /// from its service.
     static void Announce(ExclusiveClient* client, QObject* from, QObject* to);
 
-    /// Returns the names of the existing clients A, B and C that are in use.
+    /// Returns the names of the clients A, B and C that are in use. Skips destroyed clients.
     QByteArrayList ClientsInUse() const;
 
     std::unique_ptr<ExclusiveService> service_;
     std::unique_ptr<ExclusiveService> otherService_;
-    std::unique_ptr<QObject> outsider_; ///< Uses a service without being an ExclusiveClient.
+    std::unique_ptr<QObject> outsider_; ///< Uses a service but is not an ExclusiveClient.
     QPointer<ExclusiveClient> a_;
     QPointer<ExclusiveClient> b_;
     QPointer<ExclusiveClient> c_;

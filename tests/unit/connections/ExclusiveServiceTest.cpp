@@ -25,7 +25,7 @@ static_assert(std::is_same_v<decltype(&ExclusiveService::clientAboutToBeChanged)
                              void (ExclusiveService::*)(QObject*, QObject*)>);
 static_assert(std::is_same_v<decltype(&ExclusiveService::clientChanged), void (ExclusiveService::*)(QObject*)>);
 
-/// Emits a signal that a test connects to setClient().
+/// Object with a signal that a test connects to ExclusiveService::setClient().
 class Requester : public QObject
 {
     Q_OBJECT
@@ -54,8 +54,8 @@ QByteArray NameOf(QObject const* object)
 
 } // namespace
 
-/// Tests a service with the clients A, B and C. Each signal of the service is logged together with the current client
-/// at the time of the emission.
+/// Tests a service with the clients A, B and C. For each signal of the service, the log contains the signal and the
+/// current client at the time of the emission.
 class ExclusiveServiceTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT

@@ -11,7 +11,7 @@
 
 using Zelkor::Util::ObjectsConnector;
 
-/// Runs a callback when its signal is connected or disconnected.
+/// Emitter that runs a callback when its signal is connected or disconnected.
 class Emitter : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ private:
     }
 };
 
-/// Counts the calls of its slot.
+/// Receiver that counts the calls of its slot.
 class Receiver : public QObject
 {
     Q_OBJECT
@@ -67,7 +67,8 @@ void RegisterReceiver(Receiver& receiver)
 
 } // namespace
 
-/// Objects that change the registry, or are destroyed, while the registry connects, disconnects or removes them.
+/// Tests in which objects are registered, unregistered or destroyed while ObjectsConnector connects, disconnects or
+/// removes objects.
 class ObjectsConnectorReentryTest : public Zelkor::Testing::TestCase
 {
     Q_OBJECT
@@ -106,7 +107,8 @@ private Q_SLOTS:
         RegisterEmitter(*emitter_);
 
         Receiver late;
-        RegisterReceiver(late); // a recorded emitter would be a dangling pointer here
+        // If ObjectsConnector had stored the destroyed emitter, this call would use a dangling pointer.
+        RegisterReceiver(late);
         QVERIFY(!emitter_);
     }
 
@@ -137,9 +139,9 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isEmitter");
         QTest::addColumn<bool>("beforeRegistry");
         for (bool const isEmitter : {false, true}) {
-            QTest::addRow("%s, before the handler of the registry", isEmitter ? "emitter" : "receiver")
+            QTest::addRow("%s, before the slot of ObjectsConnector", isEmitter ? "emitter" : "receiver")
                 << isEmitter << true;
-            QTest::addRow("%s, after the handler of the registry", isEmitter ? "emitter" : "receiver")
+            QTest::addRow("%s, after the slot of ObjectsConnector", isEmitter ? "emitter" : "receiver")
                 << isEmitter << false;
         }
     }
@@ -164,7 +166,8 @@ private Q_SLOTS:
             unregisterInDestroyed();
         }
 
-        // destroyed() is emitted by ~QObject(), when the signals and slots of derived classes no longer exist.
+        // ~QObject() emits destroyed(). At that time, the signals and slots of derived classes no longer exist, so the
+        // attempt to disconnect them causes a Qt warning.
         ExpectQtWarning(
             QRegularExpression(QStringLiteral("No such (signal QObject::Changed|slot QObject::Receive)\\(\\)")));
         isEmitter ? emitter_.reset() : first_.reset();

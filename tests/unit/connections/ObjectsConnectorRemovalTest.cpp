@@ -1,4 +1,4 @@
-// Removal of entries from the registry: objects that are unregistered, and objects that are destroyed.
+// Tests that ObjectsConnector removes an object when the object is unregistered or destroyed.
 
 #include <support/Timeouts.h>
 #include <support/processes/ChildMain.h>
@@ -22,7 +22,7 @@ namespace
 
 QObject* lastObject = nullptr;
 
-/// Registers an object that is destroyed after the static objects of all libraries.
+/// Registers an object that DestroyLastObjectAtExit() destroys after the static objects of all libraries.
 void RegisterObjectDestroyedLast()
 {
     lastObject = new QObject;
@@ -37,7 +37,8 @@ void RegisterObjectDestroyedLast()
     });
 }
 
-// Runs before the destructors of the libraries. A handler that is registered at this point runs after them.
+// This function runs at exit, before the destructors of the libraries. An exit handler that is registered at this point
+// runs after those destructors.
 [[gnu::destructor]] void DestroyLastObjectAtExit()
 {
     if (lastObject) {
@@ -191,7 +192,8 @@ private Q_SLOTS:
         QCOMPARE(object.DestroyedConnectionCount(), before + 3);
     }
 
-    // The new object has the same address. A stale entry would connect it.
+    // The new object has the same address as the destroyed receiver. If the destroyed receiver were still registered,
+    // ObjectsConnector would connect the new object.
     void removesADestroyedReceiver()
     {
         TestObject survivor(log_, "survivor");
@@ -236,12 +238,14 @@ private Q_SLOTS:
     {
         RegisterReceiver(*receiver_);
         QObject::connect(&*receiver_, &QObject::destroyed, this, [this] { RegisterEmitter(*emitter_); });
-        // A stale entry would cause a Qt warning: when destroyed() is emitted, the object has lost its slots.
+        // If the destroyed receiver were still registered, the attempt to connect it would cause a Qt warning: its
+        // slots no longer exist when destroyed() is emitted.
         receiver_.reset();
         QCOMPARE(emitter_->ConnectedSignals(), QStringList());
     }
 
-    // The object belongs to this thread: an automatic connection to destroyed() would be queued and never delivered.
+    // The receiver belongs to this thread, but another thread destroys it. With an automatic connection, the call of
+    // the slot for destroyed() would be queued and never delivered.
     void removesAnObjectThatAnotherThreadDestroys()
     {
         RegisterReceiver(*receiver_);
@@ -255,7 +259,8 @@ private Q_SLOTS:
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165")); // overwrites freed memory
+        // glibc overwrites freed memory, so that an access to a destroyed object fails.
+        environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
         process.setProcessEnvironment(environment);
         StartChildMain(process, "object destroyed last");
         QVERIFY(process.waitForFinished(TimeoutMs));

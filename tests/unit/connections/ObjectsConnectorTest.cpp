@@ -37,7 +37,7 @@ static_assert(std::is_same_v<decltype(&ObjectsConnector::unregisterReceiver), Un
 static_assert(std::is_same_v<decltype(Zelkor::Util::TYPE_SIGNAL), std::string const>);
 static_assert(std::is_same_v<decltype(Zelkor::Util::TYPE_SLOT), std::string const>);
 
-/// Reports the thread on which its slot is called.
+/// Receiver that reports the thread on which its slot is called.
 class ThreadReporter : public QObject
 {
     Q_OBJECT
@@ -55,14 +55,15 @@ private:
 namespace
 {
 
-/// Returns a pattern that matches Qt's warning that it cannot connect because of \a reason, which is in UTF-8.
+/// Returns a pattern for the warning that Qt logs when it cannot connect a signal. \a reason is the reason in the text
+/// of the warning, in UTF-8.
 QRegularExpression ConnectWarning(char const* reason)
 {
     QString const text = QStringLiteral("QObject::connect: ") + QString::fromUtf8(reason);
     return QRegularExpression(QRegularExpression::anchoredPattern(QRegularExpression::escape(text)));
 }
 
-/// A signal and a slot that Qt does not connect, and the reason in Qt's warning. All texts are in UTF-8.
+/// A signal and a slot that Qt cannot connect, and the reason in the text of Qt's warning. All texts are in UTF-8.
 struct RejectedPair
 {
     char const* name;
@@ -251,7 +252,7 @@ private Q_SLOTS:
 
     void connectsInEitherOrderOfRegistration()
     {
-        QFETCH(bool, isEmitter); // the object registered last
+        QFETCH(bool, isEmitter); // true: the emitter is registered last; false: the receiver is registered last
         isEmitter ? RegisterReceiver(*receiver_, ReceiveValueSlot) : RegisterEmitter(*emitter_, ValueChangedSignal);
         isEmitter ? RegisterEmitter(*emitter_, ValueChangedSignal) : RegisterReceiver(*receiver_, ReceiveValueSlot);
         QCOMPARE(emitter_->ConnectedSignals(), QStringList{ValueChangedSignal});
@@ -364,7 +365,7 @@ private Q_SLOTS:
 
     void lastRegistrationDecidesWhetherTheConnectionIsQueued()
     {
-        QFETCH(bool, isEmitter); // the object registered last
+        QFETCH(bool, isEmitter); // true: the emitter is registered last; false: the receiver is registered last
         QFETCH(bool, first);
         QFETCH(bool, second);
         if (isEmitter) {
@@ -404,7 +405,7 @@ private Q_SLOTS:
 
     void neverConnectsAnObjectToItself()
     {
-        QFETCH(bool, isEmitter); // the role registered last
+        QFETCH(bool, isEmitter); // true: "both" is registered as an emitter last; false: as a receiver last
         TestObject both(log_, "both");
         RegisterReceiver(*receiver_);
         RegisterEmitter(*emitter_);
@@ -424,7 +425,8 @@ private Q_SLOTS:
         QTest::newRow("no code") << ValueChangedSignal << ReceiveValueSlot;
     }
 
-    // Both forms of a signature denote the same entry. Unregistering either form removes the entry.
+    // A signature can begin with the code that SIGNAL() or SLOT() adds. The forms with and without this code denote the
+    // same registration: unregistering either form removes it.
     void acceptsSignaturesWithAndWithoutCode()
     {
         QFETCH(QString, signal);
@@ -451,7 +453,8 @@ private Q_SLOTS:
         RegisterReceiver(*receiver_, QStringLiteral("ReceiveValue( int )"));
         RegisterEmitter(*emitter_, QStringLiteral("ValueChanged(  int )"));
         QCOMPARE(emitter_->ConnectedSignals(), QStringList{ValueChangedSignal});
-        // Qt normalizes both spellings and disconnects the slot. The texts differ, so the entry stays.
+        // Qt normalizes both spellings and disconnects the slot. ObjectsConnector compares the spellings without
+        // normalization. They differ, so the receiver stays registered.
         UnregisterReceiver(*receiver_, ReceiveValueSlot);
         QCOMPARE(emitter_->DisconnectedSignals(), QStringList{ValueChangedSignal});
         RegisterEmitter(late, ValueChangedSignal);
@@ -466,7 +469,8 @@ private Q_SLOTS:
         }
     }
 
-    // Each failed connection attempt causes one warning. The number of warnings shows which entries exist.
+    // Qt logs one warning for each failed attempt to connect a signal. The number of warnings therefore shows which
+    // emitters and receivers are registered.
     void recordsPairsThatQtDoesNotConnect()
     {
         QFETCH(RejectedPair, pair);
@@ -478,17 +482,17 @@ private Q_SLOTS:
         TestObject fourth(log_, "fourth");
         QRegularExpression const warning = ConnectWarning(pair.reason);
         RegisterReceiver(first, slot);
-        ExpectQtWarning(warning); // signal of second, slot of first
+        ExpectQtWarning(warning); // for the signal of second and the slot of first
         RegisterEmitter(second, signal);
-        ExpectQtWarning(warning); // signal of second, slot of third
+        ExpectQtWarning(warning); // for the signal of second and the slot of third
         RegisterReceiver(third, slot);
-        ExpectQtWarning(warning); // signal of fourth, slot of first
-        ExpectQtWarning(warning); // signal of fourth, slot of third
+        ExpectQtWarning(warning); // for the signal of fourth and the slot of first
+        ExpectQtWarning(warning); // for the signal of fourth and the slot of third
         RegisterEmitter(fourth, signal);
         QCOMPARE(second.ConnectedSignals() + fourth.ConnectedSignals(), QStringList());
     }
 
-    // Each entry causes one connection attempt, and each failed attempt one warning.
+    // Each registration of a receiver causes one attempt to connect it. Qt logs one warning for each failed attempt.
     void keepsAnEntryForEachRegistrationOfAReceiver()
     {
         QRegularExpression const unknownSlot = ConnectWarning("No such slot Zelkor::Testing::TestObject::Unknown()");
@@ -499,7 +503,7 @@ private Q_SLOTS:
         ExpectQtWarning(unknownSlot);
         ExpectQtWarning(unknownSlot);
         RegisterEmitter(*emitter_);
-        RegisterEmitter(*receiver_); // no attempt to connect the object to itself
+        RegisterEmitter(*receiver_); // causes no attempt to connect this object to itself
         ExpectQtWarning(missingSignal);
         ExpectQtWarning(missingSignal);
         RegisterEmitter(*emitter_, QStringLiteral("Missing()"));
@@ -532,7 +536,7 @@ private Q_SLOTS:
             << Call([] { ObjectsConnector::unregisterReceiver(Id, nullptr, ReceiveSlot); }) << receiver;
     }
 
-    // A recorded null entry would cause a Qt warning at every later attempt to connect or disconnect it.
+    // A null object must not be registered: every later attempt to connect or disconnect it would cause a Qt warning.
     void logsAndIgnoresNull()
     {
         QFETCH(Call, call);

@@ -31,9 +31,10 @@ using Zelkor::Util::QtLogHandler;
 namespace
 {
 
-// --- The child processes. They print each log record and each message that a handler receives.
+// --- Functions that run in child processes. The processes print each log record and each message that a handler
+// receives.
 
-/// Prints a line without buffering, so that the lines of a crashing process are complete.
+/// Prints \a text as a line. The output is not buffered, so the line is printed even if the process crashes afterwards.
 void PrintLine(std::string const& text)
 {
     std::string const line = text + '\n';
@@ -139,7 +140,7 @@ void UseWithoutPreviousHandler()
 void WarnAtExit()
 {
     qInstallMessageHandler(PreviousHandler);
-    // Constructed before the handler, so destroyed after it.
+    // This object is constructed before the log handler and is therefore destroyed after it.
     static AtExit const afterTheHandler([] {
         PrintLine(QCoreApplication::instance() ? "application" : "no application");
         Warn("after the handler");
@@ -248,12 +249,12 @@ int RunChildMain(int argc, char** argv)
         google::SetLogDestination(severity, "");
     }
     google::SetStderrLogging(google::GLOG_FATAL);
-    static auto* const sink = new PrintingSink; // never destroyed: messages are logged until the end of the process
+    static auto* const sink = new PrintingSink; // never destroyed, because messages are logged until the process ends
     google::AddLogSink(sink);
     return Zelkor::Testing::RunChildMain(argc, argv, childMains);
 }
 
-// --- The tests
+// --- Helpers of the tests
 
 /// The result of a child process.
 struct Result
@@ -261,7 +262,7 @@ struct Result
     QByteArray output;
     QByteArray errorOutput;
     QProcess::ExitStatus exitStatus;
-    int exitCode; // the signal number after a crash
+    int exitCode; // after a crash: the number of the signal
 };
 
 Result RunChildProcess(char const* childMain)
@@ -374,7 +375,8 @@ private Q_SLOTS:
                                            "previous handler: text\n"
                                            "log WARNING: undefined:0 text\n"
                                            "previous handler: text\n"));
-        QCOMPARE(result.errorOutput.count(message), 2); // Qt prints messages sent inside a message handler
+        // Qt prints a message to standard error if the message is sent inside a message handler.
+        QCOMPARE(result.errorOutput.count(message), 2);
         VerifySuccess(result);
     }
 

@@ -57,7 +57,7 @@ struct Message
 };
 
 // QtLogHandler is a singleton and filters cannot be removed, so all tests share the previous handler and the filters.
-// They record their calls here and call the functions set by the test.
+// The previous handler and the filters record their calls here and call the functions set by the test.
 struct SharedState
 {
     std::mutex guard;
@@ -138,7 +138,7 @@ QtLogHandler& Handler()
 
 void Send(QtMsgType type, QString const& text)
 {
-    // Calls the handler directly, because Qt aborts after a fatal message.
+    // Call the handler directly instead of through Qt, because Qt aborts the process after a fatal message.
     InstalledHandler()(type, QMessageLogContext(), text);
 }
 

@@ -23,7 +23,7 @@
 using namespace Zelkor::Testing;
 
 static_assert(std::is_base_of_v<QTextStream, ConsoleOutputStream>);
-static_assert(std::is_convertible_v<ConsoleOutputStream*, QTextStream*>); // requires public inheritance
+static_assert(std::is_convertible_v<ConsoleOutputStream*, QTextStream*>); // true only for public inheritance
 static_assert(sizeof(ConsoleOutputStream) == sizeof(QTextStream));
 static_assert(std::has_virtual_destructor_v<ConsoleOutputStream> && !std::is_final_v<ConsoleOutputStream>);
 static_assert(std::is_constructible_v<ConsoleOutputStream, FILE*> &&
@@ -77,7 +77,7 @@ bool AreNull(Pointers const& pointers)
     return !pointers.in && !pointers.out && !pointers.error;
 }
 
-// Initialized before main(), so before any code can create an initializer.
+// The values of the global stream pointers before main() runs, when no QtStdStreamsInitializer exists.
 Pointers const pointersWhenLoaded = CurrentPointers();
 
 long long SizeOfStandardOutput()
@@ -86,7 +86,7 @@ long long SizeOfStandardOutput()
     return fstat(STDOUT_FILENO, &status) == 0 ? static_cast<long long>(status.st_size) : -1;
 }
 
-// --- The child processes
+// --- Functions that run in child processes
 
 void WriteToBoth()
 {
@@ -163,7 +163,7 @@ constexpr ChildMain childMains[] = {
     {"ReadInputAfterwards", ReadInputAfterwards},
 };
 
-// --- The tests
+// --- Helpers of the tests
 
 bool WaitForSuccess(QProcess& process)
 {
@@ -171,7 +171,8 @@ bool WaitForSuccess(QProcess& process)
     return isFinished && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
-/// Runs a child process with \a input as its standard input. Returns true if it succeeds.
+/// Runs \a childMain in the child process \a process, with \a input as standard input. Returns true if the child
+/// process succeeds.
 bool Run(QProcess& process, char const* childMain, QByteArray const& input = QByteArray())
 {
     StartChildMain(process, childMain);
@@ -180,7 +181,7 @@ bool Run(QProcess& process, char const* childMain, QByteArray const& input = QBy
     return WaitForSuccess(process);
 }
 
-/// A write to a file, with the global pointers at that time.
+/// A write to a RecordingFile, and the values of the global stream pointers at the time of the write.
 struct Flush
 {
     QByteArray file;
@@ -188,7 +189,7 @@ struct Flush
     Pointers pointers;
 };
 
-/// File that records each write in a list of flushes.
+/// A C file that appends a Flush to a list for each write.
 class RecordingFile
 {
 public:
@@ -395,7 +396,8 @@ private Q_SLOTS:
     {
         QTemporaryDir const folder;
         QString const path = folder.filePath(QStringLiteral("output"));
-        std::fflush(stdout); // otherwise the child process would write the buffered output too
+        // The child process inherits the buffer of stdout. Without this flush, it would write the buffered text again.
+        std::fflush(stdout);
         QVector<qlonglong> const sizes = RunInChild([&path] {
             QVector<qlonglong> sizesInChild;
             if (std::freopen(QFile::encodeName(path).constData(), "w", stdout)) {
