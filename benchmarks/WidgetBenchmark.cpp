@@ -78,7 +78,7 @@ struct KMessageDialogRunner
     {
         KMessageDialog dialog(KMessageDialog::WarningContinueCancel, Text()); // two buttons, as in the other boxes
         dialog.setCaption(Title());
-        // The default icon is empty without an icon theme.
+        // Set an icon from the resources: the default icon requires an icon theme.
         dialog.setIcon(QIcon(QStringLiteral(":/MessageBox/error_icon.png")));
         ShowAndClose(dialog);
     }

@@ -90,7 +90,7 @@ AlertsPage::AlertsPage(QWidget* parent)
     , ownIconBox_(new QCheckBox(tr("Custom &icon")))
     , showButton_(new QPushButton(tr("S&how")))
 {
-    // The index of each item is its AlertBox::Level.
+    // The items have the order of AlertBox::Level, so that the index of an item is the value of its level.
     levelBox_->addItems({tr("Information"), tr("Error"), tr("Question")});
     for (Buttons const& choice : ButtonChoices()) {
         buttonsBox_->addItem(QCoreApplication::translate("GalleryAlerts", choice.title));
@@ -160,7 +160,7 @@ void AlertsPage::ShowBox()
     QPointer<AlertBox> const box = NewBox().release();
     box->Exec();
     if (!alive) {
-        return; // the window was closed, which deleted this page and the box
+        return; // the window was closed meanwhile, which deleted this page and the box
     }
     answerLabel_->Show(box && box->clickedButton() ? box->clickedButton()->objectName() : tr("none"));
     delete box;

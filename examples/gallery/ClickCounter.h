@@ -18,14 +18,14 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Counts the clicks on each item of a model while its check box is checked.
+/// A group box that counts the clicks on each item of a model. It counts only while its check box is checked.
 class ClickCounter : public QGroupBox, private Util::ISimpleModelObserver
 {
     Q_OBJECT
 
 public:
-    /// Creates a checked counter with the title \a title for the items that \a model has now. Does not take ownership
-    /// of \a model, which may be destroyed first.
+    /// Creates a checked counter with the title \a title for the current items of \a model. Does not take ownership of
+    /// \a model. The model may be destroyed before the counter.
     ClickCounter(QString const& title, Util::SimpleModel* model, QWidget* parent = nullptr);
     ~ClickCounter() override;
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A dialog with a separate undo stack.
+/// A dialog with its own undo stack.
 
 #include "Notes.h"
 
@@ -18,14 +18,15 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Lets the user colour a copy of the notes. Each change of a colour is a command on the dialog's own undo stack.
+/// A dialog in which the user changes the colours of a copy of the notes. Each change is a command on the dialog's own
+/// undo stack.
 class ColoursDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Creates a dialog for a copy of \a notes. Its buttons trigger the actions \a undo and \a redo, which belong to
-    /// the caller.
+    /// Creates a dialog for a copy of \a notes. The undo and redo buttons of the dialog trigger the actions \a undo and
+    /// \a redo. Does not take ownership of the actions.
     ColoursDialog(std::vector<Note> const& notes, QAction* undo, QAction* redo, QWidget* parent = nullptr);
 
     QUndoStack* Commands() { return &commands_; }
@@ -38,7 +39,7 @@ public:
 
 private:
     Notes notes_;
-    QUndoStack commands_; // declared after notes_, because its commands refer to them
+    QUndoStack commands_; // declared after notes_, because the commands refer to notes_
     QListView* view_;
 };
 

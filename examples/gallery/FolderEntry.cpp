@@ -26,7 +26,8 @@ EntryKind KindOf(fs::directory_entry const& entry)
     return isLink ? EntryKind::LinkToFile : EntryKind::File;
 }
 
-// Compares bytes: operator< of boost::filesystem::path is slow, because it splits both paths for every comparison.
+// Compares the paths as sequences of bytes. operator< of boost::filesystem::path would be slow, because it splits both
+// paths into their elements for every comparison.
 bool IsPathBefore(ioPath const& left, ioPath const& right)
 {
     return left.native() < right.native();

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Lists the entries of a folder and measures their sizes.
+/// Functions that list the entries of a folder and measure their sizes.
 
 #include <Base/IoPath.h>
 
@@ -23,22 +23,23 @@ struct FolderEntry
     ioPath path;
     EntryKind kind = EntryKind::File;
     EntryState state = EntryState::Waiting;
-    /// The size in bytes, without the paths in #unmeasured.
+    /// The size in bytes. Does not include the paths in #unmeasured.
     unsigned long long size = 0;
     /// The duration of the measurement in microseconds.
     long long microseconds = 0;
-    /// The paths that could not be measured, sorted: the entry itself or paths below it.
+    /// The paths that could not be measured, sorted by their bytes: either the path of the entry itself, or paths below
+    /// it.
     std::vector<ioPath> unmeasured;
 };
 
-/// Returns the entries of \a folder, sorted by the bytes of their paths. Any thread.
+/// Returns the entries of \a folder, sorted by the bytes of their paths. Can be called on any thread.
 ///
-/// Calls \a onEntry before each entry; an exception that it throws stops the function and reaches the caller. Throws
-/// `boost::filesystem::filesystem_error` if the folder cannot be read.
+/// Calls \a onEntry before reading the attributes of each entry. If \a onEntry throws an exception, stops and passes
+/// the exception on to the caller. Throws `boost::filesystem::filesystem_error` if the folder cannot be read.
 std::vector<FolderEntry> ListFolder(ioPath const& folder, std::function<void()> const& onEntry);
 
-/// Measures \a entry and sets its state, size, duration and unmeasured paths. Does not measure a link to a folder. Any
-/// thread.
+/// Measures \a entry and sets its state, size, duration and unmeasured paths. If \a entry is a link to a folder, only
+/// sets its state. Can be called on any thread.
 void MeasureEntry(FolderEntry& entry);
 
 } // namespace Gallery

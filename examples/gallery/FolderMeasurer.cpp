@@ -15,8 +15,9 @@ namespace Zelkor::Gallery
 
 using Util::AsyncService;
 
-// One measurement of a folder. Each has a separate service, because the next measurement would otherwise wait until the
-// current entry of this one is measured. It is destroyed when its service is empty.
+// One measurement of a folder. Each measurement has a separate AsyncService: with a shared service, a new measurement
+// would have to wait for the entry that the cancelled measurement is still measuring. A measurement is destroyed when
+// its service is empty.
 class FolderMeasurer::Measurement
 {
 public:
@@ -92,7 +93,8 @@ void FolderMeasurer::Measurement::MeasureAll(Entries const& entries)
     for (FolderEntry const& entry : entries) {
         Measure(row++, entry);
     }
-    // Cancel() may have been called when the listing job had already returned, and could not cancel these new tasks.
+    // If Cancel() was called before this function, it could not cancel the tasks that were created above. Cancel them
+    // now.
     if (totals_.cancelled) {
         Cancel();
     }
@@ -101,7 +103,8 @@ void FolderMeasurer::Measurement::MeasureAll(Entries const& entries)
 
 void FolderMeasurer::Measurement::Measure(int row, FolderEntry const& entry)
 {
-    // The job writes the result. The owner thread reads it only after the job has finished.
+    // No lock is necessary: the job writes *result on the worker thread, and the owner thread reads it only after the
+    // job has finished.
     auto const result = std::make_shared<FolderEntry>(entry);
     AsyncService::Task* const task = Post([result](AsyncService::Reporter* reporter) {
         reporter->checkCancelled();

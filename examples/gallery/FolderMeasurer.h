@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Measures the entries of a folder in the background. Has no user interface.
+/// A class that measures the entries of a folder in the background. It has no user interface.
 
 #include "FolderEntry.h"
 
@@ -23,23 +23,23 @@ struct FolderTotals
     unsigned long long size = 0;
     /// The number of entries in the folder.
     int entries = 0;
-    /// The number of entries that were not measured because of FolderMeasurer::Cancel().
+    /// The number of entries that were not measured because FolderMeasurer::Cancel() was called.
     int cancelledEntries = 0;
     /// The number of paths that could not be measured. Links to folders are not counted.
     std::size_t unmeasured = 0;
-    /// The time since FolderMeasurer::Start() in microseconds.
+    /// The time from the call of FolderMeasurer::Start() to the end of the measurement, in microseconds.
     long long microseconds = 0;
     /// True if FolderMeasurer::Cancel() was called before the measurement finished.
     bool cancelled = false;
 };
 
-/// Measures the entries of a folder one after another on a worker thread, each as one task of an AsyncService.
+/// Measures the entries of a folder one after another on a worker thread. Each entry is one task of an AsyncService.
 ///
-/// All signals are emitted on the thread of the object, which needs an event loop.
+/// All signals are emitted on the thread of the FolderMeasurer object. This thread needs an event loop.
 ///
 /// Destroy the object only while IsBusy() returns false. Otherwise the destructor blocks until the current entry is
-/// measured, and the tasks of the other entries leak. Do not destroy the object in a slot connected to one of its
-/// signals.
+/// measured, and the tasks of the other entries leak. Do not destroy the object in a slot that is connected to one of
+/// the object's signals.
 class FolderMeasurer : public QObject
 {
     Q_OBJECT
@@ -48,30 +48,33 @@ public:
     explicit FolderMeasurer(QObject* parent = nullptr);
     ~FolderMeasurer() override;
 
-    /// Starts to measure \a folder. A measurement that is still running is cancelled and emits no more signals.
+    /// Starts to measure \a folder. If another measurement is running, cancels it; the cancelled measurement emits no
+    /// more signals.
     void Start(ioPath const& folder);
 
-    /// Cancels the current measurement. The entry that is being measured cannot be interrupted and is reported first.
-    /// The waiting entries are then reported as cancelled.
+    /// Cancels the current measurement. The measurement of the current entry cannot be interrupted, so the current
+    /// entry is reported first. After that, all waiting entries are reported as cancelled.
     void Cancel();
 
-    /// Returns true while the current measurement or an earlier one is running.
+    /// Returns true while the current measurement or an earlier measurement is running.
     bool IsBusy() const;
 
 Q_SIGNALS:
-    /// Emitted when the folder was read. All \a entries are in the state EntryState::Waiting.
+    /// Emitted when the folder has been read. All \a entries are in the state EntryState::Waiting.
     void Listed(std::vector<FolderEntry> const& entries);
 
-    /// Emitted when the measurement of the entry at index \a row of the list starts.
+    /// Emitted when the measurement of an entry starts. \a row is the index of the entry in the list of Listed().
     void EntryStarted(int row);
 
-    /// Emitted when the entry at index \a row of the list was measured or cancelled. \a entry is the result.
+    /// Emitted when an entry has been measured or cancelled. \a row is the index of the entry in the list of Listed().
+    /// \a entry is the result.
     void EntryFinished(int row, FolderEntry const& entry);
 
-    /// Emitted with the \a totals when all entries were measured or cancelled. The slot may call Start().
+    /// Emitted with the \a totals when all entries have been measured or cancelled. A slot connected to this signal may
+    /// call Start().
     void Finished(FolderTotals const& totals);
 
-    /// Emitted instead of Finished() if the folder could not be read. \a message is the reason for the user.
+    /// Emitted instead of Finished() if the folder could not be read. \a message tells the user the reason.
     void Failed(QString const& message);
 
     /// Emitted when IsBusy() has changed to false.
@@ -82,7 +85,7 @@ private:
 
     void Remove(Measurement* measurement);
 
-    std::vector<std::unique_ptr<Measurement>> measurements_; // the running ones
+    std::vector<std::unique_ptr<Measurement>> measurements_; // all measurements that are still running
     Measurement* current_ = nullptr;
 };
 

@@ -14,7 +14,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Sets \a palette on the application, and the style sheet in its light or dark colours.
+/// Sets \a palette and the gallery's style sheet on the application. The style sheet has dark colours if \a palette is
+/// dark, and light colours otherwise.
 void UsePalette(QPalette const& palette);
 
 } // namespace Gallery

@@ -86,7 +86,7 @@ QWidget* ListModelPage::NewQmlView()
     qmlView_ = new QQuickWidget;
     qmlView_->setAccessibleName(tr("Items in QML"));
     qmlView_->setResizeMode(QQuickWidget::SizeRootObjectToView);
-    // The build folder has the library's QML module in "qml", next to the folder of the program.
+    // In the build folder, the library's QML module is in the folder "qml", next to the program's folder.
     qmlView_->engine()->addImportPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../qml"));
     qmlView_->rootContext()->setContextProperty(QStringLiteral("items"), model_);
     UpdateQmlColours();

@@ -39,7 +39,8 @@ public:
     Page* PageAt(int index) const;
 
 Q_SIGNALS:
-    /// Emitted when the window is closed and no page is busy. Destroying the window does not block then.
+    /// Emitted after the window has been closed, as soon as no page is busy. From then on, the destructor of the window
+    /// does not wait for background work.
     void ReadyToQuit();
 
 protected:

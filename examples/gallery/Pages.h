@@ -15,9 +15,9 @@ namespace Gallery
 /// Describes a page. To add a page, add a line to the table in Pages.cpp.
 struct PageInfo
 {
-    /// The name of the page in the file names of screenshots.
+    /// The identifier of the page, which is used in the file names of screenshots.
     char const* id;
-    /// The untranslated title, in the translation context "GalleryPages".
+    /// The untranslated title of the page. Its translation context is "GalleryPages".
     char const* title;
     /// Creates the page without a parent.
     Page* (*create)();

@@ -28,7 +28,7 @@ constexpr int MiddleLightness = 128;
 
 QPalette PaletteOf(Scheme const& scheme)
 {
-    // This constructor derives the colours of bevels from the colour of the button.
+    // This constructor of QPalette computes the colours of bevels from the colour of the button.
     QPalette palette(QColor(scheme.button), QColor(scheme.window));
     palette.setColor(QPalette::WindowText, QColor(scheme.text));
     palette.setColor(QPalette::Base, QColor(scheme.base));

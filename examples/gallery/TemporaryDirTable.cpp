@@ -67,7 +67,7 @@ void TemporaryDirTable::CountFiles()
 {
     for (int row = 0; row < rowCount(); ++row) {
         Util::TemporaryDir const& dir = *dirs_[static_cast<std::size_t>(row)];
-        // The path of an invalid object is empty, which QDir would take for the current directory.
+        // An invalid TemporaryDir has an empty path. QDir would interpret the empty path as the current directory.
         int const count = dir.isValid() ? QDir(dir.path()).entryList(QDir::Files).size() : 0;
         item(row, Files)->setText(QString::number(count));
     }
@@ -88,7 +88,8 @@ void TemporaryDirTable::AddRemoveButton(int row)
 {
     auto* const button = new QPushButton(tr("Remove"));
     button->setAccessibleName(tr("Remove %1").arg(item(row, Path)->text()));
-    // Queued: Remove() deletes the button with its row, which must not happen while the button emits clicked().
+    // Use a queued connection: Remove() deletes the row and its button. The button must not be deleted while it emits
+    // clicked().
     connect(
         button, &QPushButton::clicked, this, [this, dir = dirs_.back().get()] { Remove(dir); }, Qt::QueuedConnection);
     setCellWidget(row, RemoveButton, button);
@@ -106,8 +107,8 @@ void TemporaryDirTable::Remove(Util::TemporaryDir const* dir)
         item(row, Error)->setText(tr("Could not be removed"));
         return;
     }
-    // Erase the object before the row: removeRow() changes the selection, and a slot may then call SelectedDir(), which
-    // needs matching rows.
+    // Erase the directory before its row. removeRow() changes the selection, and a slot connected to the selection
+    // change may call SelectedDir(), which requires that dirs_ and the rows match.
     dirs_.erase(found);
     removeRow(row);
 }

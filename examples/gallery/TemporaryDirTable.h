@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Owns one `Util::TemporaryDir` for each row.
+/// A table that shows temporary directories. It owns one `Util::TemporaryDir` for each row.
 class TemporaryDirTable : public QTableWidget
 {
     Q_OBJECT
@@ -23,13 +23,13 @@ class TemporaryDirTable : public QTableWidget
 public:
     explicit TemporaryDirTable(QWidget* parent = nullptr);
 
-    /// Creates a directory in a new row, selects the row and returns the directory.
+    /// Creates a temporary directory, adds a row for it and selects the row. Returns the directory.
     Util::TemporaryDir& AddDir();
 
     /// Returns the directory of the selected row. Returns null if no row is selected.
     Util::TemporaryDir* SelectedDir() const;
 
-    /// Updates the column with the number of files in each directory.
+    /// Counts the files in each directory and shows the numbers in the Files column.
     void CountFiles();
 
 private:

@@ -11,8 +11,8 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// The maximum length of a name in characters. A longer name could wrap the line, because some characters are two
-// columns wide.
+// The maximum length of a name in characters. Some characters are two columns wide on a terminal, so a longer name
+// could make the line wider than the terminal.
 constexpr int MaxName = 24;
 constexpr char ClearLine[] = "\r\x1b[K";
 

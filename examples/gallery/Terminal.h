@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Prints text to the terminal through the streams of QtStdStreamsInitializer, which must exist.
+/// Functions that print text to the terminal. They use the streams of QtStdStreamsInitializer, so a
+/// QtStdStreamsInitializer object must exist while they are called.
 
 #include <QtCore/QString>
 
@@ -10,7 +11,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Makes the streams write UTF-8 in every locale, because the names of files are UTF-8.
+/// Sets the encoding of the streams to UTF-8, independent of the locale, because the names of files are UTF-8.
 void UseUtf8OnTerminal();
 
 /// Writes \a text and a line end to the standard output.
@@ -19,22 +20,23 @@ void Print(QString const& text);
 /// Writes \a text and a line end to the standard error.
 void PrintError(QString const& text);
 
-/// Shows progress on the standard error. On a terminal, rewrites one line in place. Otherwise prints a new line for
-/// each quarter of the work.
+/// Shows progress on the standard error. If the standard error is a terminal, rewrites the same line for each change.
+/// Otherwise prints a new line after each quarter of the work.
 class ProgressLine
 {
 public:
     ProgressLine();
 
-    /// Shows that \a done of \a total entries are measured. On a terminal, also shows \a name, the current entry.
+    /// Shows that \a done of \a total entries have been measured. On a terminal, also shows \a name, which is the name
+    /// of the current entry.
     void Show(int done, int total, QString const& name);
 
-    /// Clears the line on a terminal.
+    /// Clears the line if the standard error is a terminal. Otherwise does nothing.
     void Clear();
 
 private:
     bool const isTerminal_;
-    int quarters_ = 0; // quarters printed so far
+    int quarters_ = 0; // the number of quarters that have been printed
 };
 
 } // namespace Gallery

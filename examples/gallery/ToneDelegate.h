@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// An item delegate that colours text by its tone.
+/// An item delegate that draws text in the colour of its tone.
 
 #include <QtWidgets/QStyledItemDelegate>
 
@@ -10,7 +10,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Draws the text of an item in the colour of its Tone, which the model returns for #ToneRole as an int.
+/// Draws the text of an item in the colour of the item's Tone. The model returns the Tone as an int for #ToneRole.
 class ToneDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

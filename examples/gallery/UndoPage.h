@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The Undo page: an editor of notes, and a dialog with a separate undo stack.
+/// The Undo page: an editor for notes, and a dialog with its own undo stack.
 
 #include "Notes.h"
 #include "Page.h"
@@ -46,7 +46,7 @@ private:
     void Update();
 
     Notes notes_;
-    QUndoStack document_; // declared after notes_, because its commands refer to them
+    QUndoStack document_; // declared after notes_, because the commands refer to notes_
     Util::UndoHandlerStack handlers_;
     QAction* undo_;
     QAction* redo_;

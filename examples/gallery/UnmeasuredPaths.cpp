@@ -8,7 +8,8 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// Misspelled in the library since the first release; log searches depend on it.
+// The start of the record that GetPathSize() logs. "Erorr" has been misspelled since the first release; it is kept
+// because log searches depend on it.
 constexpr std::string_view Prefix = "Erorr get size for: ";
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The paths that GetPathSize() could not measure.
+/// A class that collects the paths that GetPathSize() could not measure.
 
 #include <Base/IoPath.h>
 
@@ -15,8 +15,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Collects the paths that `Util::GetPathSize` logs as unmeasurable on the thread that created the object. Ignores the
-/// records of other threads.
+/// A log sink that collects the paths that `Util::GetPathSize` could not measure. GetPathSize() logs a record for each
+/// of these paths. Only records of the thread that created the UnmeasuredPaths object are collected.
 class UnmeasuredPaths : public google::LogSink
 {
 public:
@@ -26,11 +26,12 @@ public:
     UnmeasuredPaths(UnmeasuredPaths const&) = delete;
     UnmeasuredPaths& operator=(UnmeasuredPaths const&) = delete;
 
-    /// Returns the paths collected since the last call, in the order they were logged.
+    /// Returns the paths collected since the previous call of Take(), in the order in which they were logged.
     std::vector<ioPath> Take();
 
     using google::LogSink::send;
-    /// Adds the path of a matching record. glog calls it on the thread that logs.
+    /// If the record is an error of GetPathSize() on the collecting thread, adds the path in \a message. glog calls
+    /// this function on the thread that logs the record.
     void send(google::LogSeverity severity, char const* fullFileName, char const* baseFileName, int line,
               google::LogMessageTime const& time, char const* message, std::size_t size) override;
 

@@ -19,17 +19,17 @@ namespace Gallery
 
 class StatusLabel;
 
-/// Shows a line edit, the validator's state for its text, and a table of sample texts.
+/// Shows a line edit, the validation state of its text, and a table of sample texts with their validation states.
 class ValidatorBox : public QGroupBox
 {
     Q_OBJECT
 
 public:
-    /// Creates a box with the title \a title, and with \a label for the line edit, which may contain a mnemonic. Takes
-    /// ownership of \a validator.
+    /// Creates a box with the title \a title. \a label is the label of the line edit, and may contain a mnemonic.
+    /// \a samples are the texts of the table. Takes ownership of \a validator.
     ValidatorBox(QString const& title, QString const& label, QValidator* validator, QStringList const& samples);
 
-    /// Sets the sample at \a row as the text of the line edit.
+    /// Sets the text of the line edit to the sample text at index \a row.
     void Choose(int row);
 
 private:
