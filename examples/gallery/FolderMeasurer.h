@@ -74,7 +74,8 @@ Q_SIGNALS:
     /// call Start().
     void Finished(FolderTotals const& totals);
 
-    /// Emitted instead of Finished() if the folder could not be read. \a message tells the user the reason.
+    /// Emitted instead of Finished() if the folder could not be read. \a message is a text for the user that contains
+    /// the reason.
     void Failed(QString const& message);
 
     /// Emitted when IsBusy() has changed to false.

@@ -38,7 +38,8 @@ QString ToolTip(FolderEntry const& entry, int column)
     } else if (column == FolderSizesModel::State) {
         text = PathListText(entry.unmeasured, ToolTipPaths);
     }
-    // Rich text prevents word wrap. Escape the text, because a name may contain "<".
+    // Use rich text, because word wrap cannot be prevented in a plain tool tip. Escape the text, because a name may
+    // contain "<".
     return text.isEmpty() ? text : QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text.toHtmlEscaped());
 }
 

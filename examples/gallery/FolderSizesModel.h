@@ -24,9 +24,10 @@ public:
     enum Column { Name, Size, Time, Share, State, ColumnCount };
 
     enum Role {
-        /// The value that a column is sorted by. Sizes and times are numbers.
+        /// The value by which the view sorts a column. Sizes and times are numbers instead of texts.
         SortRole = Qt::UserRole,
-        /// The size of the entry divided by Total(), 0 to 1. Invalid if the entry is not measured or Total() is zero.
+        /// The size of the entry divided by Total(), from 0 to 1. Invalid if the entry has not been measured or if
+        /// Total() is zero.
         ShareRole
     };
 
@@ -35,8 +36,8 @@ public:
     void SetEntries(std::vector<FolderEntry> const& entries);
 
     /// \name Changes of one entry
-    /// Each change affects the shares of all rows. The views are not notified before NotifyViews(), because a folder
-    /// may have thousands of changes in a second.
+    /// These functions do not notify the views. Each change affects the shares of all rows, and there may be thousands
+    /// of changes in a second. Call NotifyViews() after a number of changes.
     /// \{
     void SetMeasuring(int row);
     void SetEntry(int row, FolderEntry const& entry);
@@ -46,7 +47,7 @@ public:
     void NotifyViews();
 
     FolderEntry const& Entry(int row) const { return entries_[static_cast<std::size_t>(row)]; }
-    /// Returns the size in bytes of all entries measured so far.
+    /// Returns the total size in bytes of the entries that have been measured.
     unsigned long long Total() const { return total_; }
 
     int rowCount(QModelIndex const& parent = QModelIndex()) const override;

@@ -30,7 +30,7 @@ namespace
 constexpr int RefreshMilliseconds = 150;
 constexpr int ShareBarWidth = 70;
 
-// The widest text of each column, for its width.
+// The widest text that is expected in a column. The column is made wide enough for this text.
 struct ColumnSample
 {
     FolderSizesModel::Column column;
@@ -94,14 +94,14 @@ void FolderSizesPage::CreateWidgets()
     summaryLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     summaryLabel_->setAccessibleName(tr("Summary"));
     summaryLabel_->setWordWrap(true);
-    // Ignored: a long name in the text must not widen the window.
+    // The horizontal policy is Ignored, so that a long name in the text does not widen the window.
     summaryLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
 void FolderSizesPage::SetUpTable()
 {
     sorted_->setSourceModel(model_);
-    // Refresh() sorts all rows at once, which is faster than sorting after each change.
+    // Do not sort after each change. Refresh() sorts the rows once after many changes, which is faster.
     sorted_->setDynamicSortFilter(false);
     sorted_->setSortRole(FolderSizesModel::SortRole);
     sorted_->setSortCaseSensitivity(Qt::CaseInsensitive);
@@ -207,8 +207,8 @@ bool FolderSizesPage::IsBusy() const
     return measurer_->IsBusy();
 }
 
-// The line edit cannot hold a path that is not valid UTF-8. If its text is unchanged, use the path that it was set
-// from.
+// A QString cannot represent a path that is not valid UTF-8. Therefore, if the user has not changed the text of the
+// line edit, use the path from which SetFolder() created the text.
 ioPath FolderSizesPage::Folder() const
 {
     QString const text = folderEdit_->text();
@@ -276,7 +276,8 @@ void FolderSizesPage::OnEntryFinished(int row, FolderEntry const& entry)
     ScheduleRefresh();
 }
 
-// Thousands of entries may finish in a second. Sorting and painting the table for each of them would be too slow.
+// Up to thousands of entries are measured in a second. Sorting and painting the table after each entry would be too
+// slow, so a timer delays the refresh.
 void FolderSizesPage::ScheduleRefresh()
 {
     if (!refreshTimer_->isActive()) {

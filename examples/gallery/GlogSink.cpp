@@ -21,8 +21,8 @@ GlogSink::~GlogSink()
     google::RemoveLogSink(this);
 }
 
-// glog calls this with its locks held. Do not cause Qt messages here: QtLogHandler would log them through glog, which
-// would wait for the same locks for ever.
+// glog calls this function while it holds its locks. The function must not cause Qt messages: QtLogHandler would log
+// them through glog, which would wait for the same locks. This would be a deadlock.
 void GlogSink::send(google::LogSeverity severity, char const* /*fullFileName*/, char const* baseFileName, int line,
                     google::LogMessageTime const& /*time*/, char const* message, std::size_t size)
 {

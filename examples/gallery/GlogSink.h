@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Receives glog records for display in the window.
+/// A log sink that receives glog records, so that the Log page can show them.
 
 #include "CrossThreadQueue.h"
 
@@ -24,7 +24,8 @@ struct LogLine
     QString text;
 };
 
-/// Receives the records that any thread logs through glog, and emits them as signals on the thread of this object.
+/// Receives the records that all threads log through glog. Emits LinesReceived() with these records on the thread of
+/// the GlogSink object.
 class GlogSink : public QObject, public google::LogSink
 {
     Q_OBJECT
@@ -34,12 +35,12 @@ public:
     ~GlogSink() override;
 
     using google::LogSink::send;
-    /// Queues the record. glog calls it on the thread that logs.
+    /// Queues the record. glog calls this function on the thread that logs the record.
     void send(google::LogSeverity severity, char const* fullFileName, char const* baseFileName, int line,
               google::LogMessageTime const& time, char const* message, std::size_t size) override;
 
 Q_SIGNALS:
-    /// Emitted with the lines since the last emission, in the order they were logged.
+    /// Emitted with all lines that were logged since the previous emission, in the order in which they were logged.
     void LinesReceived(std::vector<LogLine> const& lines);
 
 private:

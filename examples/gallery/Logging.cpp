@@ -14,8 +14,8 @@ void StartLogging(char const* program)
     for (google::LogSeverity severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
         google::SetLogDestination(severity, "");
     }
-    // Override the GLOG_* environment variables: a higher minloglevel would hide records from the log sinks, and the
-    // other flags would write them to the terminal.
+    // Set these flags explicitly, because the user may have set them with GLOG_* environment variables. A higher
+    // minloglevel would hide records from the log sinks. The other flags could make glog write records to the terminal.
     FLAGS_minloglevel = google::GLOG_INFO;
     FLAGS_logtostderr = false;
     FLAGS_alsologtostderr = false;

@@ -8,12 +8,12 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Initialises glog and installs the message handlers. Call it once, at the start of main().
+/// Initialises glog and installs the message handlers. Call this function once, at the start of main().
 ///
-/// glog writes no files, and writes to the terminal only at FATAL: the pages show the records through log sinks. Qt
-/// messages go to glog and then to the handler that was installed before.
+/// glog writes no log files, and writes only FATAL records to the terminal. Pages use log sinks to show the records.
+/// QtLogHandler logs Qt messages through glog, and forwards them to the message handler that was installed before.
 ///
-/// \param program argv[0]. glog keeps the pointer, so it must stay valid.
+/// \param program argv[0]. The string must remain valid until the program ends, because glog keeps the pointer.
 void StartLogging(char const* program);
 
 } // namespace Gallery

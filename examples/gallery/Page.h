@@ -15,14 +15,14 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A dialog of a page for the screenshots. #id is its name in file names.
+/// A dialog of a page, for the screenshots. The file names of the dialog's screenshots start with #id.
 struct SampleDialog
 {
     char const* id;
     std::unique_ptr<QDialog> dialog;
 };
 
-/// A page of the gallery. A page without background work needs to override only ShowSample().
+/// The base class of the gallery's pages. A page without background work needs to override only ShowSample().
 class Page : public QWidget
 {
     Q_OBJECT
@@ -30,19 +30,19 @@ class Page : public QWidget
 public:
     using QWidget::QWidget;
 
-    /// Sets \a folder as the folder to work on. Pages that do not use a folder ignore it.
+    /// Sets the folder that the page shows or checks. Pages that do not use a folder ignore \a folder.
     virtual void SetFolder(ioPath const& folder);
 
-    /// Fills the page with sample data. SampleShown() is emitted from the event loop when the data is complete.
+    /// Fills the page with sample data. When the data is complete, the event loop emits SampleShown().
     virtual void ShowSample() = 0;
 
-    /// Returns the dialogs that the page opens, filled with sample data.
+    /// Creates the dialogs that the page can open, fills them with sample data and returns them.
     virtual std::vector<SampleDialog> SampleDialogs();
 
-    /// Cancels the background work of the page. The main window calls it when it is closed.
+    /// Cancels the background work of the page. The main window calls this function when the user closes the window.
     virtual void Cancel();
 
-    /// Returns true if the destructor would wait for background work.
+    /// Returns true while the page has background work for which the destructor of the page would wait.
     virtual bool IsBusy() const;
 
 Q_SIGNALS:
@@ -53,7 +53,7 @@ Q_SIGNALS:
     void BecameIdle();
 
 protected:
-    /// Queues the emission of SampleShown().
+    /// Queues the emission of SampleShown(), so that the event loop emits it later.
     void ScheduleSampleShown();
 };
 

@@ -156,7 +156,8 @@ void PathsPage::showEvent(QShowEvent* event)
     ScheduleCheck();
 }
 
-// A check writes to the disk. Skip it while the page is hidden, and wait until the user stops typing.
+// A check writes to the disk. Therefore, do not check while the page is hidden, and start the timer again for each
+// change, so that the check runs only after the user has stopped typing.
 void PathsPage::ScheduleCheck()
 {
     fileManagerLabel_->Show(tr("Not opened yet"));
@@ -188,7 +189,7 @@ void PathsPage::CheckAccess(QString const& path)
     auto const show = [](StatusLabel* label, bool can) {
         label->Show(can ? tr("Yes") : tr("No"), can ? Tone::Good : Tone::Bad);
     };
-    // These functions treat an empty path as the current folder.
+    // Do not call the following functions with an empty path: they would check the current folder.
     show(creatableLabel_, !path.isEmpty() && Util::CanCreateFileIn(path));
     show(readableLabel_, !path.isEmpty() && Util::CanReadFileIn(path));
     long long const space = path.isEmpty() ? 0 : Util::GetAvailableDiskSpace(Util::QStringToUtf8(path));

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The message handler that is installed before QtLogHandler, which forwards messages to it.
+/// A Qt message handler that is installed before QtLogHandler. QtLogHandler forwards messages to it.
 
 #include "CrossThreadQueue.h"
 
@@ -15,25 +15,28 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Emits the messages that reach the handler on any thread as signals on the thread of this object. If there are
-/// several objects, only the latest receives messages.
+/// Emits a signal for the messages that the installed handler receives. The handler receives messages on any thread;
+/// the signal is emitted on the thread of the PreviousHandler object. If there are several PreviousHandler objects,
+/// only the object that was created last receives messages.
 class PreviousHandler : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Messages whose category starts with this prefix are shown in the window only, not in the terminal.
+    /// The prefix of the categories of the gallery's demo messages. Messages in these categories are shown only in the
+    /// window and not on the terminal.
     static constexpr char DemoCategoryPrefix[] = "gallery.";
 
-    /// Installs the handler. It forwards messages to the handler that was installed before. Call it once, before
-    /// QtLogHandler::GetInstance().
+    /// Installs the message handler. The installed handler forwards messages, other than demo messages, to the handler
+    /// that was installed before it. Call Install() once, before QtLogHandler::GetInstance().
     static void Install();
 
     explicit PreviousHandler(QObject* parent = nullptr);
     ~PreviousHandler() override;
 
 Q_SIGNALS:
-    /// Emitted with the messages since the last emission, each in the form "type  category  text".
+    /// Emitted with all messages that were received since the previous emission. Each message has the form
+    /// "type  category  text".
     void MessagesReceived(std::vector<QString> const& messages);
 
 private:

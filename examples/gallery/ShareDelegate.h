@@ -10,7 +10,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Draws the FolderSizesModel::ShareRole of a cell as a bar, with the text of the cell to the right of it.
+/// Draws the FolderSizesModel::ShareRole of a cell as a bar, and draws the text of the cell to the right of the bar.
 class ShareDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The Temporary folder page: creates temporary directories and cleans up old files.
+/// The Temporary folder page: creates temporary directories and removes old files.
 
 #include "Page.h"
 

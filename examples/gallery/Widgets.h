@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Functions that set up the widgets of the pages.
+/// Functions that create and set up the widgets of the pages.
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -28,30 +28,31 @@ class StatusLabel;
 /// The distance between widgets in pixels.
 constexpr int Spacing = 8;
 
-/// Sets the margins of the \a layout of a page to zero, because the window has margins, and sets its spacing.
+/// Sets the margins and the spacing of \a layout, which is the top-level layout of a page. The margins are zero,
+/// because the window already has margins.
 void SetUpPageLayout(QLayout* layout);
 
-/// Sets up \a table without a grid and with the selection of whole rows.
+/// Sets up \a table without a grid. The user can select only whole rows.
 void SetUpTable(QTableView* table);
 
-/// Sets up \a table like the other overload, with the column \a titles and read-only cells. The last column takes the
-/// remaining width.
+/// Sets up \a table like the other overload. Also sets the column \a titles, prevents editing of cells and allows only
+/// one selected row. The last column uses the remaining width of the table.
 void SetUpTable(QTableWidget* table, QStringList const& titles);
 
-/// Creates a read-only cell.
+/// Creates a read-only table cell with the text \a text.
 QTableWidgetItem* NewCell(QString const& text);
 
-/// Creates a button for \a action that shows only its text.
+/// Creates a button for \a action. The button shows the text of the action without an icon.
 QToolButton* NewActionButton(QAction* action);
 
-/// Creates a label for an explanation, with word wrap.
+/// Creates a label with word wrap that shows the explanation \a text.
 QLabel* NewHint(QString const& text);
 
-/// Appends a row with \a title to \a form and returns the label that shows its value.
+/// Appends a row to \a form. The row consists of \a title and a label for a value. Returns the label for the value.
 StatusLabel* AddValueRow(QFormLayout* form, QString const& title);
 
-/// Creates a label for \a buddy with the text \a title, which may contain a mnemonic, and a colon. Also sets \a title
-/// without the mnemonic as the accessible name of \a buddy.
+/// Creates a label for \a buddy. The text of the label is \a title and a colon; \a title may contain a mnemonic. Also
+/// sets the accessible name of \a buddy to \a title without the mnemonic.
 QLabel* NewLabelFor(QWidget* buddy, QString const& title);
 
 } // namespace Gallery
