@@ -31,8 +31,8 @@ AlertBox* FindBox(QWindow const* window)
     return found != widgets.end() ? qobject_cast<AlertBox*>(*found) : nullptr;
 }
 
-/// Waits until an alert box is visible on the screen, then runs an action in its event loop. Afterwards closes the box
-/// if it is still open, because an open box would block the test.
+/// Waits until an alert box is visible on the screen, then runs an action in the event loop of the box. If the action
+/// does not close the box, this class closes the box, because an open box would block the test.
 class WhenShown : public QObject
 {
 public:
@@ -44,7 +44,7 @@ public:
         qApp->installEventFilter(this);
     }
 
-    /// Null if no box has been shown yet, or if the box has been destroyed.
+    /// The alert box that has been shown. Null if no box has been shown yet, or if the box has been destroyed.
     QPointer<AlertBox> box;
 
     bool HasRun() const { return hasRun_; }
@@ -84,13 +84,15 @@ void Click(QAbstractButton* button)
 }
 
 /// Throws a TestException when a widget of a visible alert box receives the focus. This happens before the event loop
-/// of the box starts. A later exception would have to leave the event loop, which Qt does not support.
+/// of the box starts. An exception that is thrown later would propagate through the event loop, which Qt does not
+/// support.
 class ThrowsWhenFocused : public QObject
 {
 public:
     ThrowsWhenFocused() { qApp->installEventFilter(this); }
 
-    /// Null if no box has been shown yet, or if the box has been destroyed.
+    /// The alert box that contains the widget that last received the focus. Null if there is no such box, or if the box
+    /// has been destroyed.
     QPointer<AlertBox> box;
 
     bool HasThrown() const { return hasThrown_; }
@@ -131,8 +133,8 @@ public:
     using AlertBox::AlertBox;
     using AlertBox::Exec;
 
-    int dialogExecCalls = 0;      // calls of QDialog::exec()
-    int boxExecCalls = 0;         // calls of AlertBox::Exec()
+    int dialogExecCalls = 0;      // number of calls of exec()
+    int boxExecCalls = 0;         // number of calls of Exec()
     std::vector<bool> shownModal; // the argument of each call of Show()
 
     int exec() override
@@ -276,7 +278,8 @@ private Q_SLOTS:
     {
         QWidget parent;
         ThrowsWhenFocused const thrower;
-        WhenShown const shown([](AlertBox& /*box*/) {}); // closes the box if nothing is thrown
+        // If Exec() does not throw as expected, this object closes the box so that the test does not hang.
+        WhenShown const shown([](AlertBox& /*box*/) {});
         QVERIFY_EXCEPTION_THROWN(ExecBox(QMessageBox::Ok, &parent), TestException);
         QVERIFY(thrower.HasThrown());
         QVERIFY(thrower.box.isNull());

@@ -57,9 +57,9 @@ QColor ColorOf(QPixmap const& pixmap)
     return pixmap.isNull() ? QColor() : pixmap.toImage().pixelColor(0, 0);
 }
 
-/// Registers files of one folder as Qt resources; the destructor removes them. The resources of a linked .qrc file
-/// would always be present, but one test needs them to be missing. The class therefore builds the binary format of
-/// QResource in memory (version 1).
+/// Registers the files of one folder as Qt resources. The destructor unregisters them. One test requires that the
+/// resources are missing, but the resources of a linked .qrc file are always present. The class therefore builds the
+/// binary format of QResource (version 1) in memory.
 class Resources
 {
 public:
@@ -124,7 +124,7 @@ private:
         stream << content;
     }
 
-    /// Returns the offset of the next name to be added.
+    /// Returns the offset in names_ at which the next name will be added.
     quint32 NameOffset() const { return static_cast<quint32>(names_.size()); }
 
     QByteArray bytes_;
@@ -157,7 +157,7 @@ public:
 
     Q_DISABLE_COPY_MOVE(RecordingApplicationStyle)
 
-    /// Returns true if the style has unpolished the text label of a message box. That happens only in Repolish().
+    /// Returns true if the style has unpolished the text label of a message box. Only Repolish() unpolishes this label.
     bool HasRepolishedABox() const
     {
         auto const& calls = style_->calls;
@@ -172,7 +172,7 @@ private:
     RecordingStyle* style_; // owned by QApplication
 };
 
-/// Closes the modal alert box from its event loop and saves the color of its icon in \a color.
+/// Closes the modal alert box from its event loop. Before that, saves the color of the icon of the box in \a color.
 void CloseBoxLater(QColor& color)
 {
     QTimer::singleShot(0, qApp, [&color] {
@@ -328,7 +328,8 @@ private Q_SLOTS:
     {
         auto const box = CreateBox(AlertBox::Error);
         box->UpdateDefaultIcon();
-        QPointer<QLayout> const grid(box->layout()); // QMessageBox replaces its layout when an icon is set
+        // QMessageBox replaces its layout when an icon is set. If the layout stays the same, no icon has been set.
+        QPointer<QLayout> const grid(box->layout());
         box->UpdateDefaultIcon();
         QVERIFY(!grid.isNull());
         QCOMPARE(box->layout(), grid.data());
@@ -366,7 +367,7 @@ private Q_SLOTS:
     {
         RecordingStyle boxStyle;
         RecordingStyle labelStyle;
-        AlertBox box; // without style sheet, which would wrap the style of the box in another one
+        AlertBox box; // has no style sheet: Qt would otherwise wrap the style of the box in another style
         QLabel label(&box);
         label.setStyle(&labelStyle);
         box.setStyle(&boxStyle);
@@ -399,7 +400,7 @@ private Q_SLOTS:
         box->setStyle(&style);
         style.calls.clear();
 
-        // QMessageBox replaces its layout when the icon is set.
+        // QMessageBox replaces its layout when the icon is set. The slot therefore runs while the icon is set.
         int callsBeforeIcon = -1;
         bool hadPropertiesBeforeIcon = false;
         connect(box->layout(), &QObject::destroyed, this, [&] {
@@ -430,7 +431,7 @@ private Q_SLOTS:
         QCOMPARE(style.CallsFor(box.get()), Repolishing(box.get()));
         auto const* const label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
         QCOMPARE(style.CallsFor(label), Repolishing(label));
-        // Once after each of the three properties, and once with the box.
+        // The button is repolished four times: after each of its three properties is set, and together with the box.
         QAbstractButton const* const ok = box->button(QMessageBox::Ok);
         QCOMPARE(style.CallsFor(ok), Repolishing(ok) + Repolishing(ok) + Repolishing(ok) + Repolishing(ok));
     }

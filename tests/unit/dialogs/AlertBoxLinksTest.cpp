@@ -42,7 +42,7 @@ public:
     int Connections() const { return receivers(SIGNAL(linkActivated(QString))); }
 };
 
-/// Records the links to open and the thread of the last call.
+/// Records the links passed to OpenLink() and the thread of the last call.
 class Opener : public ILinksOpener
 {
 public:
@@ -165,7 +165,7 @@ private Q_SLOTS:
         inner->setOpenExternalLinks(true);
         box->SetLinksOpener(std::make_shared<Opener>());
         auto const labels = box->findChildren<QLabel*>();
-        QVERIFY(labels.size() >= 4); // icon, text, informative text, and the label of the test
+        QVERIFY(labels.size() >= 4); // icon, text and informative text of the box, and the label that the test adds
         for (QLabel const* const label : labels) {
             QVERIFY2(!label->openExternalLinks(), qPrintable(label->objectName()));
         }

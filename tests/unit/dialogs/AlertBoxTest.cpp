@@ -34,7 +34,7 @@ namespace
 
 constexpr auto NoLevel = static_cast<AlertBox::Level>(3);
 
-/// Translates the texts of AlertBox by adding brackets. Does not translate other contexts.
+/// Translates the texts of AlertBox by adding brackets. Does not translate texts of other contexts.
 class Translator : public QTranslator
 {
 public:
@@ -49,8 +49,9 @@ public:
     }
 };
 
-/// Returns the first word of a pointer to a virtual member function. In the Itanium C++ ABI, functions that are
-/// declared later have larger values, and neighbours in the virtual table differ by the size of a pointer.
+/// Returns the first word of a pointer to a virtual member function. In the Itanium C++ ABI, this word identifies the
+/// entry of the function in the virtual table. Functions that are declared later have larger values, and the values of
+/// two consecutive functions differ by the size of a pointer.
 template <class Function>
 std::ptrdiff_t VirtualSlot(Function function)
 {

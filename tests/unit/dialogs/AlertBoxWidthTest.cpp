@@ -14,7 +14,7 @@ using Zelkor::Util::AlertBox;
 namespace
 {
 
-/// Larger than the natural width of any box in these tests, in pixels.
+/// A width in pixels that is larger than the natural width of every box in these tests.
 constexpr int LargeWidth = 777;
 
 /// Delivers posted events and deferred deletions.
@@ -42,8 +42,8 @@ QPixmap CreateIcon()
     return pixmap;
 }
 
-/// Checks that \a box has one spacer of \a width pixels, that it spans the last row of the grid layout, and that this
-/// row also contains other items.
+/// Checks that \a box has exactly one spacer, and that the spacer is \a width pixels wide. The spacer must span the
+/// last row of the grid layout, and this row must also contain other items.
 void VerifyWidthIsSet(AlertBox const& box, int width)
 {
     QCOMPARE(box.GetWidth(), width);

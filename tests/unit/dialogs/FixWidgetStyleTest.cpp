@@ -34,7 +34,8 @@ Q_DECLARE_METATYPE(QDialogButtonBox::StandardButton)
 namespace
 {
 
-/// Records the objects whose property "roundedEdges" changes, in order. Filters the events of the whole application.
+/// Records the objects whose property "roundedEdges" changes, in the order of the changes. The event filter is
+/// installed on the whole application.
 class RoundedEdgesOrder : public QObject
 {
 public:
@@ -559,7 +560,8 @@ private Q_SLOTS:
         QCOMPARE(style.CallsFor(restore), restoreCalls + restoreCalls);
         QCOMPARE(style.CallsFor(cancel), Repolishing(cancel, {QStringLiteral("cancelButton"), QString()}));
         QCOMPARE(style.CallsFor(custom), Repolishing(custom, {QStringLiteral("custom"), QString()}));
-        // All hints are set before any button is polished once more.
+        // The first four calls are the first repolishing of the two buttons with hints. This shows that all hints are
+        // set before any button is repolished a second time.
         QCOMPARE(style.calls.mid(0, 4), okCalls + restoreCalls);
     }
 

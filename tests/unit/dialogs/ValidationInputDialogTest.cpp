@@ -208,7 +208,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("hint");
         QTest::addColumn<bool>("showsError");
 
-        // The first check appends "1" to the message and the second one "2".
+        // The first check appends "1" to the message, and the second check appends "2".
         QTest::newRow("both checks pass") << true << true << QStringList{QStringLiteral("x")} << QStringLiteral("12")
                                           << QStringLiteral("normal") << false;
         QTest::newRow("second check fails") << true << false << QStringList{QStringLiteral("x")} << QStringLiteral("12")
@@ -339,7 +339,7 @@ private Q_SLOTS:
         QVERIFY(!Ok()->isEnabled());
         QCOMPARE(dialog_->inputText(), QString());
         QVERIFY_EXCEPTION_THROWN(Edit()->setText(QStringLiteral("xy")), std::bad_function_call);
-        QCOMPARE(dialog_->inputText(), QStringLiteral("xy")); // does not run the second check
+        QCOMPARE(dialog_->inputText(), QStringLiteral("xy")); // inputText() does not run the empty second check
         QVERIFY_EXCEPTION_THROWN(
             ValidationInputDialog(QString(), QString(), QStringLiteral("xy"), isLong, ValidationInputDialog::Check()),
             std::bad_function_call);

@@ -28,7 +28,7 @@ static_assert(SimpleModel::Uid == 257 && SimpleModel::UnregisterObserver == 262)
 namespace
 {
 
-/// Records the clicks that the model reports to it.
+/// Observer that records the clicks that the model reports.
 class Observer : public ISimpleModelObserver
 {
 public:
@@ -235,8 +235,8 @@ private Q_SLOTS:
         QVERIFY(!model_->setData(model_->index(0), ToVariant(&second_), role));
         QCOMPARE(second_.clickedUids, QStringList());
         QVERIFY(Click(0));
-        QCOMPARE(first_.clickedUids.size(), 0);  // not registered
-        QCOMPARE(second_.clickedUids.size(), 1); // still registered
+        QCOMPARE(first_.clickedUids.size(), 0);  // first_ is not registered
+        QCOMPARE(second_.clickedUids.size(), 1); // second_ is still registered
     }
 
     void rejectsOtherRolesWithoutItem_data()
@@ -297,7 +297,7 @@ private Q_SLOTS:
         Register(first_);
         Click(0);
         QCOMPARE(first_.clickedUids.size(), 1);
-        QCOMPARE(second_.clickedUids.size(), 0); // added after the click began
+        QCOMPARE(second_.clickedUids.size(), 0); // second_ was added after the click began
         Click(0);
         QCOMPARE(first_.clickedUids.size(), 1);
         QCOMPARE(second_.clickedUids.size(), 1);

@@ -150,7 +150,8 @@ private Q_SLOTS:
         handlers_->push(b_.get());
         QSignalSpy const canUndo(handlers_.get(), &UndoHandlerStack::canUndoChanged);
         handlers_->pop();
-        // If pop() removed the stack before it activates the next one, the group would emit "false" in between.
+        // pop() must activate the next stack before it removes the popped stack. Otherwise QUndoGroup would emit
+        // canUndoChanged(false) between the two steps.
         QVERIFY(canUndo.contains({true}));
         QVERIFY(!canUndo.contains({false}));
     }
@@ -189,7 +190,8 @@ private Q_SLOTS:
             ++emissions;
             QCOMPARE(handlers_->empty(), isLast);
             QCOMPARE(handlers_->activeStack(), isLast ? nullptr : a_.get());
-            QVERIFY(group->stacks().contains(b_.get())); // pop() removes the stack after it activates the next one
+            // pop() has not removed the popped stack from the group yet: pop() activates the next stack first.
+            QVERIFY(group->stacks().contains(b_.get()));
         });
         QCOMPARE(handlers_->pop(), b_.get());
         QVERIFY(emissions > 0);
@@ -201,7 +203,7 @@ private Q_SLOTS:
         handlers_->push(a_.get());
         handlers_->push(a_.get());
         QCOMPARE(handlers_->pop(), a_.get());
-        QCOMPARE(handlers_->activeStack(), nullptr); // QUndoGroup deactivates a stack that it removes
+        QCOMPARE(handlers_->activeStack(), nullptr); // QUndoGroup deactivates a stack when the stack is removed
         QVERIFY(!handlers_->empty());
         QCOMPARE(handlers_->pop(), a_.get());
         QVERIFY(handlers_->empty());

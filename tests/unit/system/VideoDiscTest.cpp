@@ -126,7 +126,7 @@ private Q_SLOTS:
         MakeFolders(At("one/VIDEO_TS"));
         MakeFolders(At("two/video_ts"));
         MakeFolders(At("three"));
-        MakeFile(At("three/VIDEO_TS")); // not a folder
+        MakeFile(At("three/VIDEO_TS")); // a file, not a folder
         auto const discs = VideoDiscsIn(QString::fromStdString(Root()));
         QCOMPARE(discs.size(), std::size_t(1));
         QCOMPARE(QString::fromStdString(discs.front().utf8string()), Path(QStringLiteral("one")));

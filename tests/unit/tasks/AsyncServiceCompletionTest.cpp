@@ -33,7 +33,7 @@ struct Failure : std::runtime_error
 class CustomCancelled : public Cancelled
 {};
 
-/// Sets the job of a task, and the callback for the outcome of this job.
+/// Function that sets the job of \a task, and sets \a callback as the callback for the outcome of this job.
 using SetUpTask = void (*)(Task* task, std::function<void()> callback);
 
 } // namespace
@@ -108,7 +108,7 @@ void AsyncServiceCompletionTest::outcomeCallsOneCallback_data()
         bool hasOnFinished;
         bool hasOnCancelled;
         bool hasOnError;
-        QByteArrayList called[3]; // Returns, Cancels, Throws
+        QByteArrayList called[3]; // the expected calls for the outcomes Returns, Cancels and Throws
     } const table[] = {
         {"no callback", false, false, false, {none, none, none}},
         {"onFinished", true, false, false, {finished, finished, finished}},
@@ -305,7 +305,8 @@ void AsyncServiceCompletionTest::callbacksAreDestroyedInReverseOrderAfterTheCall
     AsyncService service;
     QStringList destroyed;
     QStringList destroyedAtTheCall;
-    // The job moves the logger into the exception. After that only the owner thread owns it.
+    // The job moves this logger into the exception that it throws. Afterwards only the exception owns the logger, and
+    // the owner thread destroys the exception.
     auto* const exceptionLogger = new std::shared_ptr<void>(MakeDestructionLogger(destroyed, "error"));
     auto const capture = [&](char const* name) {
         return [logger = MakeDestructionLogger(destroyed, name)] { static_cast<void>(logger); };

@@ -381,7 +381,7 @@ void AsyncServiceProgressTest::taskLivesUntilItsOutermostProgressCallbackReturns
         reporter->report(1);
         reporter->report(2);
     });
-    // Both calls run a nested event loop. The task completes in the inner one.
+    // Both calls of this callback run a nested event loop. The task completes in the inner event loop.
     task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
         if (!WaitUntilEmpty(service)) {
             calls += QStringLiteral("never empty");
@@ -409,8 +409,8 @@ void AsyncServiceProgressTest::taskLivesThroughProgressOfAnother()
         go.Pass();
     });
     Task* const second = service.post([](Reporter*) {});
-    // The progress of the second task is delivered inside the progress callback of the first. The first task completes
-    // inside both callbacks.
+    // The progress of the second task is delivered while the progress callback of the first task runs. The first task
+    // completes while both progress callbacks run.
     first->onProgress = [&, logger = MakeDestructionLogger(destroyed, "first")](int) {
         service.report(second, 1);
         inTime = WaitUntilEmpty(service) && inTime;

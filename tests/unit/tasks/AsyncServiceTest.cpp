@@ -58,7 +58,7 @@ static_assert(std::is_same_v<decltype(std::declval<AsyncService const&>().empty(
 namespace
 {
 
-/// Counts its copies.
+/// Object that counts its copies.
 struct CopyCounter
 {
     explicit CopyCounter(std::atomic<int>& count)
@@ -112,11 +112,11 @@ private Q_SLOTS:
     void workerThreadStartsWithTheFirstRun();
     void ownerEventLoopRunsDuringAJob();
 
-    // Misuse
+    // Invalid calls
     void rejectsNullPointers_data();
     void rejectsNullPointers();
 
-    // Failing connections
+    // Signal connections that fail
     void constructorThrowsWhenAConnectionFails_data();
     void constructorThrowsWhenAConnectionFails();
 };
@@ -339,7 +339,8 @@ void AsyncServiceTest::replacedReporterLivesAsLongAsTheService_data()
     QTest::newRow("cancelled after it was replaced") << false;
 }
 
-// The other tasks allocate new reporters. They would overwrite the replaced reporter if its memory had been freed.
+// The test posts other tasks, which allocate new reporters. If the replaced reporter had been freed, the new reporters
+// would overwrite its memory.
 void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
 {
     QFETCH(bool, cancelled);

@@ -30,11 +30,11 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// The event loop of an owner thread.
+/// The event loop of the thread that owns a service.
 class OwnerLoop
 {
 public:
-    /// Runs until Quit() is called on the same thread. Returns false after Timeout.
+    /// Runs the event loop until Quit() is called on the same thread. Returns false if Timeout expires first.
     bool Exec()
     {
         QTimer::singleShot(Timeout, &loop_, [this] { loop_.exit(1); });
@@ -47,14 +47,15 @@ private:
     QEventLoop loop_;
 };
 
-/// Lets a job wait until the thread that has created this object is blocked.
+/// Lets a job wait until the owner thread, which is the thread that created this object, is blocked.
 class OwnerBlocking
 {
 public:
     /// Called by the owner thread immediately before the call that blocks.
     void Begin() { begun_ = true; }
 
-    /// Called by the job. Returns when the owner has been asleep in 100 consecutive checks, or after Timeout.
+    /// Called by the job. Returns when the owner thread has been asleep in 100 consecutive checks, or when Timeout
+    /// expires.
     void Await() const
     {
         auto const deadline = std::chrono::steady_clock::now() + Timeout;
@@ -77,7 +78,8 @@ private:
     std::atomic<bool> begun_{false};
 };
 
-/// Runs \a code on a new thread and waits for it. Rethrows its exception.
+/// Runs \a code on a new thread and waits until the thread finishes. Rethrows an exception of \a code on the calling
+/// thread.
 void RunOnAnotherThread(std::function<void()> const& code)
 {
     std::exception_ptr error;
@@ -158,7 +160,8 @@ void AsyncServiceThreadsTest::servicesRunTheirJobsInParallel()
     std::vector<Task*> tasks;
     for (int i = 0; i < Count; ++i) {
         auto const index = static_cast<std::size_t>(i);
-        // Each job waits for all others, so no job finishes unless all run at the same time.
+        // Each job waits until all other jobs have started. Therefore no job finishes unless all jobs run at the same
+        // time.
         tasks.push_back(services[index]->post([&, index](Reporter*) {
             threads[index] = QThread::currentThread();
             started[index]->Open();
@@ -465,7 +468,8 @@ void AsyncServiceThreadsTest::runRestartsAFinishedWorkerThread()
     }
 }
 
-// The worker thread finishes after each job. The varying delay queues the next job at different stages of this.
+// The worker thread finishes after each job. A varying delay queues the next job at different moments while the thread
+// finishes.
 void AsyncServiceThreadsTest::losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes()
 {
     constexpr int Rounds = 3000;
@@ -485,7 +489,8 @@ void AsyncServiceThreadsTest::losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes
                 next();
             }
         };
-        // From 0 to about the time that the thread takes to finish.
+        // The delay varies between 0 and 99.5 microseconds. The largest delay is about the time that the thread takes
+        // to finish.
         int const delayNs = completed % 200 * 500;
         QElapsedTimer elapsed;
         elapsed.start();
@@ -506,7 +511,8 @@ void AsyncServiceThreadsTest::losesNoQueuedJobWhenAJobQuitsTheWorkerThread()
 {
     constexpr int Count = 300;
     AsyncService service;
-    std::mutex guard; // orders the jobs for the thread sanitizer when the worker thread restarts between them
+    // Shows the thread sanitizer that the jobs run one after another, even if the worker thread restarts between them.
+    std::mutex guard;
     QVector<int> jobs;
     QVector<int> finished;
     for (int i = 0; i < Count; ++i) {

@@ -45,7 +45,8 @@ namespace
 struct FunctorError
 {};
 
-/// Counts its copies and calls. Records the thread of the call, and the thread that destroys the called copy.
+/// Functor that counts its copies and calls. Records the thread that calls the functor and the thread that destroys the
+/// called copy.
 class CopyCounter
 {
 public:

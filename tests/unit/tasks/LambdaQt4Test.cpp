@@ -44,7 +44,7 @@ static_assert(std::is_same_v<decltype(&LambdaQt4::execute), void (LambdaQt4::*)(
 
 Q_DECLARE_METATYPE(QMetaObject const*)
 
-/// Emits a signal for the tests.
+/// Object with a signal that the tests emit.
 class Sender : public QObject
 {
     Q_OBJECT
@@ -59,7 +59,7 @@ namespace
 struct FunctionError
 {};
 
-/// Logs its destruction.
+/// Appends a text to a log when it is destroyed.
 class DestructionLogger
 {
 public:
@@ -75,7 +75,8 @@ private:
     QString text_;
 };
 
-/// Logs its destruction. All objects of this class have the same address, so at most one may exist at a time.
+/// Executor that logs its destruction. All objects of this class have the same address, so at most one object may exist
+/// at a time.
 class SameAddressExecutor : public OneTimeExecutor
 {
 public:
@@ -105,13 +106,13 @@ bool ConnectToExecuteOnce(Sender const& sender, OneTimeExecutor const& executor)
     return QObject::connect(&sender, SIGNAL(Emitted()), &executor, SLOT(executeOnce()));
 }
 
-/// Calls the private slot directly.
+/// Calls the private slot executeOnce() of \a executor directly.
 void ExecuteOnce(OneTimeExecutor* executor)
 {
     QVERIFY(QMetaObject::invokeMethod(executor, "executeOnce", Qt::DirectConnection));
 }
 
-/// Checks the exception that reports a missing function.
+/// Checks that \a call throws the exception that reports a missing function.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {
@@ -206,7 +207,8 @@ private Q_SLOTS:
         QObjectList senders;
         LambdaQt4 lambda([&senders](QObject* sender) { senders += sender; });
         lambda.execute();
-        // A call from a slot of another object is direct, too.
+        // A call of execute() inside a slot of another object is also a direct call. The function does not receive the
+        // sender of that slot.
         LambdaQt4 const outer([&lambda](QObject*) { lambda.execute(); });
         QVERIFY(ConnectToExecute(other, outer));
         Q_EMIT other.Emitted();
@@ -497,7 +499,8 @@ private Q_SLOTS:
         QPointer<OneTimeExecutor> second;
         bool hasSameAddress = false;
         bool isSecondDestroyed = false;
-        // A separate function: the function of the executor is destroyed together with the executor.
+        // This code deletes the executor and continues afterwards. It is in a separate function, because the executor
+        // destroys its own function together with itself.
         std::function<void()> const replaceFirst = [&] {
             void const* const address = first.data();
             delete first.data();

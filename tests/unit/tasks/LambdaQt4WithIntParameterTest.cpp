@@ -35,7 +35,7 @@ static_assert(!std::is_default_constructible_v<LambdaQt4WithIntParameter> &&
 static_assert(sizeof(LambdaQt4WithIntParameter) == sizeof(QObject) + sizeof(Function));
 static_assert(std::is_same_v<decltype(&LambdaQt4WithIntParameter::execute), void (LambdaQt4WithIntParameter::*)(int)>);
 
-/// Emits a signal for the tests.
+/// Object with a signal that the tests emit.
 class Sender : public QObject
 {
     Q_OBJECT
@@ -62,7 +62,7 @@ bool Connect(Sender const& sender, LambdaQt4WithIntParameter const& lambda)
     return QObject::connect(&sender, SIGNAL(Changed(int)), &lambda, SLOT(execute(int)));
 }
 
-/// Checks the exception that reports a missing function.
+/// Checks that \a call throws the exception that reports a missing function.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {

@@ -25,11 +25,11 @@ using Cancelled = AsyncService::Cancelled;
 using Job = std::function<void(Reporter*)>;
 
 /// Blocks a thread until another thread opens the gate. QSemaphore is unsuitable: Qt is not built with the thread
-/// sanitizer, which would report false data races.
+/// sanitizer, so the sanitizer would report false data races.
 class Gate
 {
 public:
-    /// Opens the gate. Another thread that passes may destroy it before this function returns.
+    /// Opens the gate. A thread that waits in Pass() may destroy the gate before Open() returns.
     void Open()
     {
         std::shared_ptr<State> const state = state_;
@@ -38,7 +38,7 @@ public:
         state->opened.notify_all();
     }
 
-    /// Waits for Open(). Throws std::runtime_error after Timeout.
+    /// Waits until the gate is open. Throws std::runtime_error if Timeout expires first.
     void Pass()
     {
         std::unique_lock<std::mutex> lock(state_->guard);
@@ -57,28 +57,28 @@ private:
     std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
-/// Runs the event loop until \a service is empty. Returns false after Timeout.
+/// Runs the event loop until \a service contains no task. Returns false if Timeout expires first.
 bool WaitUntilEmpty(AsyncService const& service);
 
-/// Runs the event loop until \a task has completed. Returns false after Timeout.
+/// Runs the event loop until \a task has completed. Returns false if Timeout expires first.
 bool WaitUntilCompleted(AsyncService const& service, Task* task);
 
-/// Delivers the events that are queued for this thread, and the events that these queue.
+/// Delivers the events that are queued for the calling thread, including events that are queued during the delivery.
 void DeliverQueuedEvents();
 
-/// Blocks until the worker thread has run all queued jobs. The completions stay queued for the owner thread.
-/// Returns the additional task that it posts for this purpose.
+/// Posts an additional task and waits until the worker thread runs the job of this task. All jobs that were queued
+/// earlier have then finished. Their completions are still queued for the owner thread. Returns the additional task.
 Task* WaitForWorker(AsyncService& service);
 
-/// Returns an object for a callback to capture. When its last copy is destroyed, it appends \a name to \a destroyed,
-/// followed by " on another thread" if this is not the main thread.
+/// Returns an object that a callback can capture. When its last copy is destroyed, the object appends \a name to \a
+/// destroyed. If this happens outside the main thread, " on another thread" follows the name.
 std::shared_ptr<void> MakeDestructionLogger(QStringList& destroyed, char const* name);
 
-/// Thrown by callbacks.
+/// Exception that the callbacks of the tests throw.
 struct CallbackError
 {};
 
-/// Delivers events until an exception of type \a E is thrown. Returns false after Timeout.
+/// Delivers events until the delivery throws an exception of type \a E. Returns false if Timeout expires first.
 template <class E>
 bool WaitUntilThrown()
 {
