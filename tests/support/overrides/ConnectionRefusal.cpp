@@ -1,4 +1,5 @@
-// Replaces QObject::connect() with signatures as text: Qt has no hook to let the connection of valid signatures fail.
+// Replaces the overload of QObject::connect() that takes signatures as text. Qt has no hook to make this function fail
+// for valid signatures.
 
 #include <support/overrides/ConnectionRefusal.h>
 

@@ -9,7 +9,7 @@
 namespace Zelkor::Testing
 {
 
-/// The arguments of a call of QObject::connect() with signatures as text.
+/// The arguments of a call of the QObject::connect() overload that takes signatures as text.
 struct ConnectionRequest
 {
     QObject const* sender;
@@ -19,20 +19,21 @@ struct ConnectionRequest
     Qt::ConnectionType type;
 };
 
-/// While an object of this class exists, records the calls of QObject::connect() with signatures as text on this
-/// thread, and lets all calls after the first ones fail. Only one object may exist on a thread at a time.
+/// Makes QObject::connect() fail while an object of this class exists. Affects only the overload that takes signatures
+/// as text, and only calls on the thread that created the object. The object records these calls. Only one
+/// object of this class may exist on a thread at a time.
 class ConnectionRefusal
 {
 public:
-    /// \param allowed  number of calls that reach Qt
+    /// \param allowed  The number of calls that reach Qt. All later calls fail.
     explicit ConnectionRefusal(std::size_t allowed = 0);
     ~ConnectionRefusal();
     Q_DISABLE_COPY_MOVE(ConnectionRefusal)
 
-    /// Records \a request in the object of this thread, if any. Returns true if the call may reach Qt.
+    /// If this thread has a ConnectionRefusal, records \a request in it. Returns true if the call may reach Qt.
     static bool Allows(ConnectionRequest const& request);
 
-    std::vector<ConnectionRequest> requests; ///< All recorded calls, including those that failed.
+    std::vector<ConnectionRequest> requests; ///< All recorded calls, including the calls that failed.
 
 private:
     std::size_t allowed_;

@@ -18,7 +18,7 @@ namespace
 
 struct Clock
 {
-    std::atomic<Milliseconds> now{0}; // 0: the real time
+    std::atomic<Milliseconds> now{0}; // 0 means: use the real time
     std::atomic<int> readCount{0};
 };
 
@@ -28,7 +28,7 @@ Clock& Fixed()
     return clock;
 }
 
-// A real time is not a whole number of milliseconds.
+// Added to the fixed time, because a real clock almost never returns a whole number of milliseconds.
 constexpr long FurtherNanoseconds = 700000;
 
 } // namespace
@@ -53,7 +53,8 @@ int FixedClock::ReadCount() const
 
 extern "C" {
 
-// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
+// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
 {
     using namespace Zelkor::Testing;
@@ -66,7 +67,8 @@ Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
     return 0;
 }
 
-// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
+// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
 {
     timespec precise;

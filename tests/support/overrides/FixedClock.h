@@ -5,7 +5,7 @@
 namespace Zelkor::Testing
 {
 
-/// Stops the system's clock at a time.
+/// Makes the system's clock return a fixed time in this process. The destructor restores the real time.
 class FixedClock
 {
 public:
@@ -14,7 +14,7 @@ public:
     FixedClock(FixedClock const&) = delete;
     FixedClock& operator=(FixedClock const&) = delete;
 
-    /// The number of times that the clock has been read since it was stopped.
+    /// Returns the number of times that this process has read the clock since this object was created.
     int ReadCount() const;
 };
 

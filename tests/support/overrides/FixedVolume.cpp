@@ -1,4 +1,4 @@
-// Replaces statvfs(), because a mounted file system cannot have arbitrary numbers and sizes of blocks.
+// Replaces statvfs(), because a test cannot mount file systems with arbitrary numbers and sizes of blocks.
 
 #include <support/overrides/FixedVolume.h>
 
@@ -33,7 +33,8 @@ FixedVolume::~FixedVolume()
 
 } // namespace Zelkor::Testing
 
-// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
+// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT int statvfs(char const* path, struct statvfs* volume) noexcept
 {
     static auto const next = Zelkor::Testing::NextFunction<int (*)(char const*, struct statvfs*)>("statvfs");

@@ -5,7 +5,7 @@
 namespace Zelkor::Testing
 {
 
-/// Makes statvfs() return the same information for each path.
+/// Makes statvfs() return the same information for all paths. The destructor restores the real information.
 class FixedVolume
 {
 public:

@@ -1,4 +1,4 @@
-// Replaces readdir(), because a real file system cannot be made to fail or to omit the types of entries.
+// Replaces readdir(), because a test cannot make a real file system fail or omit the types of entries.
 
 #include <support/overrides/FolderReading.h>
 
@@ -21,8 +21,8 @@ namespace
 struct Faults
 {
     std::atomic<bool> hidesTypes{false};
-    std::atomic<ino_t> unreadableFolder{0}; // its inode
-    std::atomic<int> count{0};
+    std::atomic<ino_t> unreadableFolder{0}; // the inode of the folder; 0 means: no folder
+    std::atomic<int> count{0};              // the number of entries returned without a type, or of failed calls
 };
 
 Faults& CurrentFaults()
@@ -76,7 +76,8 @@ int UnreadableFolder::Count() const
 
 } // namespace Zelkor::Testing
 
-// The C library declares reserved parameter names. NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
+// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
 {
     using namespace Zelkor::Testing;

@@ -14,11 +14,11 @@ public:
     EntriesWithoutTypes(EntriesWithoutTypes const&) = delete;
     EntriesWithoutTypes& operator=(EntriesWithoutTypes const&) = delete;
 
-    /// The number of entries returned without a type.
+    /// Returns the number of entries that readdir() has returned without a type.
     int Count() const;
 };
 
-/// Makes readdir() fail with EIO after the last entry of a folder.
+/// Makes readdir() return all entries of a folder and then fail with EIO.
 class UnreadableFolder
 {
 public:
@@ -27,7 +27,7 @@ public:
     UnreadableFolder(UnreadableFolder const&) = delete;
     UnreadableFolder& operator=(UnreadableFolder const&) = delete;
 
-    /// The number of failures.
+    /// Returns the number of calls of readdir() that have failed with EIO.
     int Count() const;
 };
 

@@ -1,4 +1,5 @@
-// Replaces __cxa_throw(), because a test cannot observe an exception that the library itself catches.
+// Replaces __cxa_throw() to record all exceptions. A test cannot otherwise observe an exception that the library itself
+// catches.
 
 #include <support/overrides/LastException.h>
 
@@ -22,8 +23,8 @@ LastException& GetLastException()
 
 } // namespace Zelkor::Testing
 
-// The compiler has a built-in declaration of __cxa_throw() with other parameters, therefore the function has another
-// name in C++.
+// The compiler has a built-in declaration of __cxa_throw() with different parameter types. Therefore, the replacement
+// has another name in C++, and only its linker symbol is __cxa_throw.
 [[noreturn]] Q_DECL_EXPORT void RecordAndThrow(void* object, std::type_info* type,
                                                void (*destroy)(void*)) __asm__("__cxa_throw");
 

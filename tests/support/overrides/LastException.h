@@ -5,13 +5,14 @@
 namespace Zelkor::Testing
 {
 
-/// The exception that the current thread has thrown last, including exceptions that the library catches itself.
+/// Describes the most recent exception of a thread. The library itself may have caught this exception.
 struct LastException
 {
     QByteArray type;
     QByteArray what; // the result of what()
 };
 
+/// Returns the description of the most recent exception that the calling thread has thrown.
 LastException& GetLastException();
 
 } // namespace Zelkor::Testing

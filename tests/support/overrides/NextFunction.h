@@ -1,14 +1,15 @@
 #pragma once
 
-// Not a replacement: gives the replacements in this folder access to the original function, which they hide.
+// The files in this folder replace functions of Qt and of the system. With this header, these files can call the
+// original functions.
 
 #include <dlfcn.h>
 
 namespace Zelkor::Testing
 {
 
-/// Returns the function \a symbol that a replacement in this program hides. \a symbol is the mangled name of a C++
-/// function. Null if there is no such function.
+/// Returns the original function \a symbol, which a function in this program replaces. Returns null if no library
+/// defines \a symbol. For a C++ function, \a symbol is the mangled name.
 template <class Function>
 Function NextFunction(char const* symbol)
 {

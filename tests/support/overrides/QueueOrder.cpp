@@ -1,4 +1,5 @@
-// Replaces QThread::wait() under the thread sanitizer: Qt has no hook there, and a suppression would hide real races.
+// Replaces QThread::wait() in builds with the thread sanitizer. Qt has no hook in this function, and a suppression
+// would hide real data races.
 
 #include <support/overrides/QueueOrder.h>
 
@@ -21,7 +22,7 @@
 
 #include <sanitizer/tsan_interface.h>
 
-// Declared in the private header qobject_p.h. Qt's core library exports the function for Qt's test library.
+// Qt declares this class and this function in the private header qobject_p.h. QtCore exports the function for QtTest.
 struct QSignalSpyCallbackSet
 {
     using BeginCallback = void (*)(QObject* caller, int index, void** arguments);
@@ -41,7 +42,8 @@ void BeforeEmission(QObject* sender, int, void**)
     __tsan_release(sender);
 }
 
-// data contains the receiver, the event and the result.
+// data[0] is the receiver, data[1] is the event, and data[2] points to the result of the delivery. Returns false so
+// that Qt delivers the event.
 bool BeforeDelivery(void** data)
 {
     if (static_cast<QEvent*>(data[1])->type() == QEvent::MetaCall) {
@@ -52,7 +54,8 @@ bool BeforeDelivery(void** data)
 
 } // namespace
 
-// The thread emits finished() last, so BeforeEmission() has released the same object.
+// When a thread finishes, it emits finished(), and BeforeEmission() releases the QThread object. After the wait,
+// acquire the same object.
 bool QThread::wait(QDeadlineTimer deadline)
 {
     static auto const next =

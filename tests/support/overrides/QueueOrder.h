@@ -3,9 +3,11 @@
 namespace Zelkor::Testing
 {
 
-/// Describes two orders of Qt to the thread sanitizer. It cannot see them, because Debian's Qt is not built with it:
-/// - an object emits a signal before a queued slot of the same object runs on another thread;
-/// - a thread finishes before QThread::wait() returns true.
+/// Informs the thread sanitizer of two happens-before relations that Qt guarantees:
+/// - An object emits a signal before a queued slot of the same object runs on another thread.
+/// - A thread finishes before QThread::wait() returns true.
+///
+/// The thread sanitizer cannot detect these relations, because Debian's Qt is not built with the thread sanitizer.
 ///
 /// Does nothing in a build without the thread sanitizer.
 void AnnotateQueueOrderForThreadSanitizer();

@@ -23,7 +23,8 @@ QStringList Zelkor::Testing::TakeSettingsKeys()
     return std::exchange(Keys(), {});
 }
 
-// Replaces QSettings::setValue(): QSettings sorts the keys in the file, so only the calls show their order.
+// Replaces QSettings::setValue() to record the order of the keys. QSettings sorts the keys when it writes the file.
+// Therefore, the file does not show the order of the calls.
 void QSettings::setValue(QString const& key, QVariant const& value)
 {
     static auto const next = Zelkor::Testing::NextFunction<void (*)(QSettings*, QString const&, QVariant const&)>(

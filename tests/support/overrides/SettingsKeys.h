@@ -5,8 +5,8 @@
 namespace Zelkor::Testing
 {
 
-/// Returns the keys passed to QSettings::setValue() since the last call, in order. For programs that link
-/// SettingsKeys.cpp.
+/// Returns the keys that were passed to QSettings::setValue() since the previous call of TakeSettingsKeys(), in the
+/// order of the calls. A test that uses this function must list SettingsKeys.cpp among its sources.
 QStringList TakeSettingsKeys();
 
 } // namespace Zelkor::Testing

@@ -1,4 +1,5 @@
-// Replaces QStandardPaths::standardLocations(), because no configuration makes it return empty paths or no path.
+// Replaces QStandardPaths::standardLocations(), because no configuration makes Qt's function return empty paths or an
+// empty list.
 
 #include <support/overrides/StandardLocations.h>
 

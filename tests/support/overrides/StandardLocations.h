@@ -5,11 +5,12 @@
 namespace Zelkor::Testing
 {
 
-/// Makes QStandardPaths::standardLocations() return fixed paths.
+/// Makes QStandardPaths::standardLocations() return fixed paths. The destructor restores Qt's function.
 class StandardLocations
 {
 public:
-    /// \a documents are the paths for DocumentsLocation, \a others are the paths for each other location.
+    /// \param others     The paths returned for every location except DocumentsLocation.
+    /// \param documents  The paths returned for DocumentsLocation.
     StandardLocations(QStringList const& others, QStringList const& documents);
     ~StandardLocations();
     StandardLocations(StandardLocations const&) = delete;

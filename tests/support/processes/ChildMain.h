@@ -8,22 +8,23 @@
 namespace Zelkor::Testing
 {
 
-/// An alternative main function of a test program, for a test that needs a process from its start to its exit: with
-/// its own program file, standard streams or static objects. For all other tests RunInChild() is simpler.
+/// An alternative main function of a test program. A test uses it to start the test program again as a new process, for
+/// example with another file name, with redirected standard streams, or to test static objects. RunInChild() is
+/// simpler, but the forked process is a copy of the current one.
 struct ChildMain
 {
     char const* name;
     void (*run)();
 };
 
-/// The first argument of a process that runs a ChildMain. The second one is its name.
+/// The first argument of a process that runs a ChildMain. The second argument is ChildMain::name.
 constexpr char const* childMainArgument = "--child-main";
 
-/// Returns true if the program was started to run a ChildMain instead of its tests.
+/// Returns true if the arguments request a ChildMain instead of the tests of the program.
 bool IsChildMain(int argc, char** argv);
 
-/// Runs the ChildMain that the arguments name, with a QCoreApplication. Searches from \a first to before \a last.
-/// Returns the exit status of the process.
+/// Creates a QCoreApplication and runs the ChildMain whose name is the second argument. Searches the array that begins
+/// at \a first and ends before \a last. Returns the exit status for the process: 0, or 1 if no ChildMain has this name.
 int RunChildMain(int argc, char** argv, ChildMain const* first, ChildMain const* last);
 
 template <std::size_t Count>
@@ -32,10 +33,11 @@ int RunChildMain(int argc, char** argv, ChildMain const (&functions)[Count])
     return RunChildMain(argc, argv, functions, functions + Count);
 }
 
-/// Starts this program as \a process, which runs the ChildMain \a name. \a arguments are its further arguments.
+/// Starts this program again as \a process, in which the ChildMain \a name runs. \a arguments are additional command
+/// line arguments.
 void StartChildMain(QProcess& process, char const* name, QStringList const& arguments = {});
 
-/// As above, with \a program, which is a copy of this program.
+/// Overload that starts \a program, the path of a copy of this program.
 void StartChildMain(QProcess& process, QString const& program, char const* name, QStringList const& arguments);
 
 } // namespace Zelkor::Testing

@@ -42,7 +42,7 @@ void ReadAll(int descriptor, char* data, std::size_t size)
     }
 }
 
-/// Returns the exit status of the process.
+/// Calls \a work. Returns the exit status for the child process: 0, or 1 if \a work throws an exception.
 int Run(std::function<void(ChildProcess::Parent const&)> const& work, ChildProcess::Parent const& parent)
 {
     try {
@@ -85,12 +85,13 @@ ChildProcess::ChildProcess(std::function<void(Parent const&)> const& work)
         close(toChild[1]);
         close(toParent[0]);
         alarm(TimeoutMs / 1000);
-        // _exit() skips the exit handlers and static destructors, which belong to the parent.
+        // Unlike exit(), _exit() runs no exit handlers and no static destructors. Only the parent process may run them.
         _exit(Run(work, Parent(toChild[0], toParent[1])));
     }
     close(toChild[0]);
     close(toParent[1]);
-    // The next child copies the state of Qt's random generator. It must not create the same names of temporary folders.
+    // Each child process inherits a copy of the state of Qt's random generator. Advance the state, so that the next
+    // child does not choose the same random names for temporary folders as this child.
     QRandomGenerator::global()->discard(1000);
     input_ = toParent[0];
     output_ = toChild[1];

@@ -12,10 +12,10 @@
 namespace Zelkor::Testing
 {
 
-/// Runs a function in a forked child process that exchanges messages with this process.
+/// Runs a function in a forked child process. The child process can exchange messages with this process.
 ///
-/// The child starts with a copy of this process: the QCoreApplication exists, and static variables of the library have
-/// their current values. A message is a value that QDataStream can write and read.
+/// The child process is a copy of this process: its QCoreApplication exists, and the static variables of the library
+/// have the same values as in this process. A message is a value that QDataStream can write and read.
 class ChildProcess
 {
 public:
@@ -44,8 +44,8 @@ public:
         int output_;
     };
 
-    /// Starts the child. It exits with status 0 when \a work returns, and with status 1 if \a work throws. A signal
-    /// terminates it after Timeout.
+    /// Starts the child process, which calls \a work. The child exits with status 0 when \a work returns, and with
+    /// status 1 if \a work throws an exception. If the child runs longer than TimeoutMs, a signal terminates it.
     explicit ChildProcess(std::function<void(Parent const&)> const& work);
 
     /// Kills the child if it is still running.
@@ -53,7 +53,8 @@ public:
     ChildProcess(ChildProcess const&) = delete;
     ChildProcess& operator=(ChildProcess const&) = delete;
 
-    /// Blocks until the child sends a value. Throws std::runtime_error if the child exits instead.
+    /// Blocks until the child sends a value, and returns the value. Throws std::runtime_error if the child exits
+    /// without sending a value.
     template <class Value>
     Value Receive()
     {
@@ -64,10 +65,11 @@ public:
         return value;
     }
 
-    /// Lets one WaitForContinue() of the child return: the current one, or else the next one.
+    /// Lets one call of WaitForContinue() in the child return. If the child is not waiting now, its next call of
+    /// WaitForContinue() returns at once.
     void Continue();
 
-    /// Waits until the child exits. Throws std::runtime_error unless its exit status is 0.
+    /// Blocks until the child exits. Throws std::runtime_error if the exit status of the child is not 0.
     void Finish();
 
     void Kill();
@@ -80,8 +82,8 @@ private:
     int output_ = -1;
 };
 
-/// Runs \a work in a forked child process and returns its result. Throws std::runtime_error if \a work throws or the
-/// child crashes.
+/// Runs \a work in a forked child process and returns the result of \a work. Throws std::runtime_error if \a work
+/// throws an exception or the child crashes.
 template <class Work>
 auto RunInChild(Work const& work)
 {

@@ -18,7 +18,7 @@ public:
         , previousValue_(qgetenv(name))
     {
         qputenv(name, value);
-        tzset(); // the variable may be TZ
+        tzset(); // needed if the variable is TZ
     }
     ~EnvironmentVariable()
     {

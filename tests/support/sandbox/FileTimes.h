@@ -8,28 +8,28 @@
 namespace Zelkor::Testing
 {
 
-using Milliseconds = long long; // since 1970, or a duration
+using Milliseconds = long long; // a duration, or a time since the start of 1970 in UTC
 
 constexpr Milliseconds Second = 1000;
 constexpr Milliseconds Hour = 3600 * Second;
 constexpr Milliseconds Day = 24 * Hour;
 
-/// The current time of the system's clock.
+/// Returns the current time of the system's clock.
 Milliseconds Now();
 
-/// Returns \a time plus \a nanoseconds.
+/// Returns the sum of \a time and \a nanoseconds.
 timespec ToTimespec(Milliseconds time, long nanoseconds);
 
-/// Sets the modification time of a file or folder, or of a link itself. \a name is relative to the descriptor
-/// \a folder.
+/// Sets the modification time of a file, folder or link. For a link, changes the link itself and not its target.
+/// \a name is relative to the folder that the descriptor \a folder refers to.
 void SetTimeAt(int folder, char const* name, Milliseconds time);
 void SetTime(std::string const& path, Milliseconds time, long nanoseconds = 0);
 
-/// Sets the modification time of \a path to \a age before now. Creating an entry changes the time of its folder, so
-/// set the ages after everything is created.
+/// Sets the modification time of \a path to the current time minus \a age. Call this function after all entries have
+/// been created, because creating an entry changes the modification time of its folder.
 void SetAge(std::string const& path, Milliseconds age);
 
-/// Sets the age of all entries below \a path, without following links.
+/// Calls SetAge() for all entries below \a path. Does not follow links.
 void SetAgeOfEntries(std::string const& path, Milliseconds age);
 
 } // namespace Zelkor::Testing

@@ -12,7 +12,7 @@ void FolderTestCase::SetUp()
 {
     folder_.emplace();
     QVERIFY2(folder_->isValid(), qPrintable(folder_->errorString()));
-    // QTemporaryDir creates folders that only their owner may enter.
+    // By default, only the owner of a QTemporaryDir may enter its folder. Some tests access the folder as other users.
     Chmod(QDir::tempPath().toStdString(), 0755);
     Chmod(Root(), 0755);
 }

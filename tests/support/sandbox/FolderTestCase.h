@@ -14,7 +14,7 @@ Q_DECLARE_METATYPE(std::string)
 namespace QTest
 {
 
-/// Prints strings that QCOMPARE() finds different.
+/// Lets QCOMPARE() print two strings that are not equal.
 template <>
 inline char* toString(std::string const& t)
 {
@@ -26,7 +26,7 @@ inline char* toString(std::string const& t)
 namespace Zelkor::Testing
 {
 
-/// A test that has an empty folder for each data row. All users may enter the folder.
+/// Base class for tests that need an empty folder. Each data row gets a new folder, which all users may enter.
 class FolderTestCase : public TestCase
 {
     Q_OBJECT
@@ -35,24 +35,24 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// Adds the column "name" of type QByteArray, with file names that code may misinterpret.
+    /// Adds the column "name" of type QByteArray. Its rows contain file names that faulty code may misinterpret.
     static void NameRows();
 
-    /// The path of the folder.
+    /// Returns the path of the test's folder.
     std::string Root() const { return folder_->path().toStdString(); }
 
-    /// Returns the path of the entry \a name in the folder.
+    /// Returns the path of the entry \a name in the test's folder.
     std::string At(std::string const& name) const { return Root() + '/' + name; }
 
-    /// As At(), for functions that take a QString.
+    /// Returns the same path as At(), for functions that take a QString.
     QString PathAt(QByteArray const& name) const;
 
-    /// Creates entries in the folder that links can point to:
+    /// Creates entries in the test's folder, to which a test can create links:
     ///   - "target", a file of 321 bytes, and "link-to-target"
-    ///   - "full", a folder with a "file" of 1000 bytes, and "link-to-full"
+    ///   - "full", a folder that contains the file "file" of 1000 bytes, and "link-to-full"
     ///   - "dangling", a link to a missing entry
-    ///   - "ring1" and "ring2", links to each other
-    ///   - "pipe"
+    ///   - "ring1", a link to "ring2", and "ring2", a link to "ring1"
+    ///   - "pipe", a named pipe
     void MakeTargets() const;
 
 private:

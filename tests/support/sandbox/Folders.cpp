@@ -141,7 +141,8 @@ void MakePipe(std::string const& path)
 
 void MakeSocket(std::string const& path)
 {
-    // The name of a socket is limited to about 100 bytes; the path through the descriptor is short.
+    // bind() rejects paths of more than about 100 bytes. Replace the path of the folder with the short path of its
+    // descriptor in /proc.
     Descriptor const folder(open(path.substr(0, path.rfind('/')).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     std::string const name = "/proc/self/fd/" + std::to_string(folder) + path.substr(path.rfind('/'));
     sockaddr_un address{};
@@ -206,7 +207,8 @@ bool IsFolderAt(int folder, std::string const& name)
     return fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Moves subfolders up to the top folder, so that no path becomes longer than the system accepts.
+// Before a folder is removed, its subfolders are moved into the folder \a path. Therefore, this function never needs a
+// path that is longer than the system accepts.
 void EmptyFolder(std::string const& path)
 {
     Descriptor const top(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

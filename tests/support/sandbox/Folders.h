@@ -15,10 +15,11 @@
 namespace Zelkor::Testing
 {
 
-/// Throws std::system_error if \a result, of a function that sets errno, is negative. Otherwise returns it.
+/// Returns \a result, the return value of a function that sets errno. Throws std::system_error if \a result is
+/// negative.
 int Check(int result);
 
-/// Owns an open file descriptor.
+/// Owns an open file descriptor. The destructor closes the descriptor.
 class Descriptor
 {
 public:
@@ -36,7 +37,8 @@ private:
     int number_;
 };
 
-/// Creates a file with the content "content". \a name is relative to the descriptor \a folder.
+/// Creates a file with the content "content". \a name is relative to the folder that the descriptor \a folder refers
+/// to.
 void MakeFileAt(int folder, char const* name);
 void MakeFile(std::string const& path);
 
@@ -47,12 +49,12 @@ void MakeFile(std::string const& path, off_t size);
 /// Creates a file with \a content.
 void WriteFile(std::string const& path, std::string const& content);
 
-/// Returns the content of a file, or "cannot be opened".
+/// Returns the content of a file. Returns "cannot be opened" if the file cannot be opened.
 QByteArray ReadFile(std::string const& path);
 
 void MakeFolder(std::string const& path, mode_t mode = 0755);
 
-/// Creates a folder and its missing parents. An existing folder is no error.
+/// Creates a folder and its missing parents. Does nothing if the folder already exists.
 void MakeFolders(std::string const& path);
 
 void MakeLink(std::string const& path, std::string const& target);
@@ -60,44 +62,48 @@ void MakeHardLink(std::string const& path, std::string const& file);
 void MakePipe(std::string const& path);
 void MakeSocket(std::string const& path);
 
-/// Creates a character device that equals /dev/null. Requires root.
+/// Creates a character device with the same device number as /dev/null. Requires root.
 void MakeDevice(std::string const& path);
 
-/// Creates an entry at a path, with or without entries below it.
+/// A function that creates an entry at \a path, for example a file or a folder with files.
 using Maker = void (*)(std::string const& path);
 
 void Chmod(std::string const& path, mode_t mode);
 
-/// Changes the owner of \a path and leaves its group. Requires root.
+/// Changes the owner of \a path; the group is unchanged. Does not follow a link. Requires root.
 void SetOwner(std::string const& path, uid_t user);
+
+/// Changes the owner and the group of \a path. Does not follow a link. Requires root.
 void SetOwner(std::string const& path, uid_t user, gid_t group);
 
-/// Returns true if there is an entry, which may be a dangling link.
+/// Returns true if an entry exists at \a path. Also returns true for a dangling link.
 bool Exists(std::string const& path);
 
-/// Returns \a path without its last name.
+/// Returns \a path without its last component and the slash before this component.
 std::string ParentOf(std::string const& path);
 
-/// Returns the last name of \a path.
+/// Returns the last component of \a path.
 std::string NameOf(std::string const& path);
 
-/// Returns the names in a folder, in the order of the file system, without "." and "..".
+/// Returns the names of the entries in a folder, without "." and "..". The names are not sorted: their order is the one
+/// in which readdir() returns the entries. \a name is relative to the folder that the descriptor \a folder refers to.
 std::vector<std::string> NamesIn(int folder, char const* name);
 
-/// Returns true for a folder, false for a link to a folder.
+/// Returns true if the entry \a name is a folder. Returns false if the entry is missing or is a link to a folder.
 bool IsFolderAt(int folder, std::string const& name);
 
 /// Removes all entries of a folder. The tree may be deeper than the longest path that the system accepts.
 void EmptyFolder(std::string const& path);
 
-/// Returns the paths of all entries below \a path, sorted, without entering links. A link is "path -> target".
+/// Returns the sorted paths of all entries below \a path, relative to \a path. Does not follow links. A link is listed
+/// as "path -> target".
 QByteArrayList ListTree(std::string const& path);
 
 int CountOpenDescriptors();
 
 QByteArray CurrentFolder();
 
-/// Changes the current folder. The destructor restores it.
+/// Changes the current folder of this process to \a path. The destructor restores the previous current folder.
 class WorkingFolder
 {
 public:

@@ -24,7 +24,7 @@ void EnterMountNamespace()
     std::string const userMap = "0 " + std::to_string(geteuid()) + " 1";
     std::string const groupMap = "0 " + std::to_string(getegid()) + " 1";
     if (unshare(CLONE_NEWNS) != 0) {
-        // A container may forbid it, unless the process also has a separate user namespace.
+        // A container may forbid a new mount namespace, but allow it together with a new user namespace.
         Check(unshare(CLONE_NEWUSER | CLONE_NEWNS));
         WriteToExistingFile("/proc/self/setgroups", "deny");
         WriteToExistingFile("/proc/self/uid_map", userMap);

@@ -7,11 +7,11 @@
 namespace Zelkor::Testing
 {
 
-/// Mounts an empty file system in memory at \a path for this process only. \a options are mount options of tmpfs, such
-/// as "size=1m".
+/// Mounts an empty file system in memory (tmpfs) at \a path. The mount is visible to this process only. \a options are
+/// mount options of tmpfs, for example "size=1m".
 void MountForThisProcess(std::string const& path, char const* options);
 
-/// Runs \a work in a child process that has an empty file system in memory at \a path. Returns its result.
+/// Calls MountForThisProcess() and then \a work in a child process. Returns the result of \a work.
 template <class Work>
 auto RunWithMount(std::string const& path, char const* options, Work const& work)
 {

@@ -1,7 +1,7 @@
 #pragma once
 
-// Runs functions as another user. RunAs() requires root. RunAsOrdinaryUser() also works without root: it then keeps the
-// current user.
+// Runs functions as another user. RunAs() requires root. If this process does not run as root, RunAsOrdinaryUser() runs
+// the function as the current user.
 
 #include <support/processes/ChildProcess.h>
 
@@ -23,22 +23,23 @@ struct Identity
 
 constexpr uid_t RootUser = 0;
 
-// Two users and their groups, which need no accounts. Most tests run the library as Us.
+// IDs of two users and of their groups. The system needs no accounts for these IDs. Most tests run the library as Us.
 constexpr uid_t Us = 1001;
 constexpr uid_t Them = 1002;
 constexpr gid_t OurGroup = 2001;
 constexpr gid_t TheirGroup = 2002;
 
-/// The user that RunAsOrdinaryUser() becomes, and its group.
+/// The ID of the user, and of the group, that RunAsOrdinaryUser() uses if this process runs as root.
 constexpr uid_t Nobody = 65534;
 
-/// Gives this process the user and the groups of \a identity. Requires root.
+/// Changes the user and the groups of this process to those in \a identity. Requires root.
 void BecomeUser(Identity const& identity);
 
-/// Drops root's privileges of this process, if it has them.
+/// If this process runs as root, changes its user and its group to Nobody. Otherwise does nothing.
 void BecomeOrdinaryUser();
 
-/// Runs \a work in a child process with \a identity and returns its result. Requires root.
+/// Runs \a work in a child process with the user and the groups of \a identity. Returns the result of \a work. Requires
+/// root.
 template <class Work>
 auto RunAs(Identity const& identity, Work const& work)
 {
@@ -48,7 +49,7 @@ auto RunAs(Identity const& identity, Work const& work)
     });
 }
 
-/// Runs \a work in a child process without privileges and returns its result.
+/// Runs \a work in a child process without root privileges. Returns the result of \a work.
 template <class Work>
 auto RunAsOrdinaryUser(Work const& work)
 {
