@@ -265,7 +265,8 @@ void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt()
 void FileUtilsAccessTest::removesTheTemporaryFileInAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    // A QString cannot contain a name that is not valid UTF-8.
+    // A QString cannot represent a name that is not valid UTF-8. Use the name that results from the conversion to
+    // QString.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name));
     MakeFolder(At(encoded.left(255).toStdString()));
     int const descriptors = CountOpenDescriptors();

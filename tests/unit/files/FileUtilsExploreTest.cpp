@@ -38,9 +38,11 @@ static_assert(std::is_same_v<decltype(&ExploreSingleFile), bool (*)(QString cons
 namespace
 {
 
-/// Runs the current data row in a new process and returns true. Returns false if this is that process.
+/// In the original test process, runs the current data row in a new process and returns true. In the new process,
+/// returns false, and the test function continues.
 ///
-/// QtDBus connects a process to the session bus once. Each row therefore needs its own process to have its own bus.
+/// QtDBus connects to the session bus only once per process. To use a separate session bus for each data row, the test
+/// runs each data row in a separate process.
 bool RanInSeparateProcess()
 {
     char const* const mark = "ZQTUTIL_TEST_SEPARATE_PROCESS";
@@ -63,7 +65,7 @@ bool RanInSeparateProcess()
     return true;
 }
 
-/// A private session bus of this process.
+/// Starts a private D-Bus daemon and makes it the session bus of this process.
 class SessionBus
 {
 public:
@@ -115,8 +117,8 @@ private:
     QByteArray address_;
 };
 
-/// A file manager with its own connection to the bus. It runs in the thread of the test, and therefore replies only
-/// while the test processes events.
+/// Simulates a file manager, with its own connection to the bus. The simulation runs on the test's thread. It can
+/// therefore reply only while the test processes events.
 class FileManager : public QObject
 {
     Q_OBJECT
@@ -178,7 +180,7 @@ private:
     QDBusConnection connection_;
 };
 
-/// Replaces the program that opens folders, and records their encoded URLs.
+/// Replaces the program with which QDesktopServices opens folders. Records the encoded URL of each folder.
 class FolderOpener : public QObject
 {
     Q_OBJECT
@@ -193,13 +195,13 @@ public Q_SLOTS:
     void Open(QUrl const& url) { urls += url.toEncoded(QUrl::FullyEncoded); }
 };
 
-/// The warning of QDesktopServices in a program without windows.
+/// Returns a pattern for the warning that QDesktopServices logs in a program without windows.
 QRegularExpression OpenUrlWarning()
 {
     return QRegularExpression(QStringLiteral("QDesktopServices::openUrl"));
 }
 
-/// Processes the messages that the bus has already sent to \a connection. Returns false on a time-out.
+/// Processes all messages that the bus sent to \a connection before this call. Returns false on a time-out.
 bool ProcessMessages(QDBusConnection const& connection)
 {
     QDBusMessage const call =
@@ -210,7 +212,7 @@ bool ProcessMessages(QDBusConnection const& connection)
     return answered;
 }
 
-/// Processes the replies that \a manager has already sent. Returns false on a time-out.
+/// Processes all replies that \a manager sent before this call. Returns false on a time-out.
 bool ProcessMessages(FileManager const& manager)
 {
     return ProcessMessages(manager.Connection()) && ProcessMessages(QDBusConnection::sessionBus());
@@ -223,7 +225,7 @@ bool IsUri(QByteArray const& text)
     return pattern.match(QString::fromLatin1(text)).hasMatch();
 }
 
-/// Returns the path of a file URI, byte for byte, or an error message.
+/// Returns the path of \a uri as bytes, without percent-encoding. Returns an error message if \a uri is not a file URI.
 QByteArray PathOf(QByteArray const& uri)
 {
     return IsUri(uri) ? QByteArray::fromPercentEncoding(uri.mid(7)) : "not a file URI: " + uri;
@@ -252,14 +254,15 @@ ioPath Io(QByteArray const& path)
     return ioPath(path.toStdString());
 }
 
-/// The functions that show files: ExploreFile(path), ExploreSingleFile(text) and ExploreFile(folder, files).
+/// Identifies a library function that shows files: ExploreFile(path), ExploreSingleFile(text) or
+/// ExploreFile(folder, files).
 enum class Function { File, Text, FolderAndFiles };
 
-/// The arguments of a call.
+/// A call of a library function that shows files.
 struct ExploreCall
 {
     Function function;
-    QByteArray folder; // opened if no file manager can show the files
+    QByteArray folder; // the library opens it if no file manager can show the files
     QByteArrayList files;
 };
 
@@ -312,10 +315,10 @@ private Q_SLOTS:
 private:
     static void CallRows();
 
-    /// Verifies that \a call has called \a method of the file manager interface, with an empty start-up ID.
+    /// Verifies that \a call is a call of \a method of the file manager interface, with an empty start-up ID.
     static void VerifyCall(FileManager::Call const& call, QString const& method);
 
-    /// Verifies that \a line is the warning about \a folder.
+    /// Verifies that \a line is a warning of the library and that its text ends with \a folder.
     static void VerifyWarning(LogLine const& line, QString const& folder);
 };
 
@@ -667,7 +670,7 @@ void FileUtilsExploreTest::theProgramMayExitBeforeTheReply()
     QVERIFY(manager.isRegistered);
 
     QVERIFY(ExploreFile(ioPath("/no/folder/file")));
-    // The process exits without processing events again.
+    // Return without processing events, so that the process exits before it receives the reply.
 }
 
 ZQTUTIL_TEST_MAIN(FileUtilsExploreTest)

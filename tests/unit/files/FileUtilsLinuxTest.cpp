@@ -1,4 +1,4 @@
-// Functions with a separate implementation for Linux: CanReadFileIn() and GetAvailableDiskSpace().
+// Tests of the functions with a separate implementation for Linux: CanReadFileIn() and GetAvailableDiskSpace().
 
 #include <support/overrides/FixedVolume.h>
 #include <support/sandbox/FolderTestCase.h>

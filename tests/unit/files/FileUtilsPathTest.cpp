@@ -33,7 +33,7 @@ static_assert(std::is_same_v<decltype(IsThisPathValid(QString(), nullptr)), bool
 namespace
 {
 
-/// Returns translations in upper case, with white space before and after them.
+/// Translates each text of the context "QObject" to upper case, and adds white space before and after it.
 class UpperCaseTranslator : public QTranslator
 {
     Q_OBJECT

@@ -82,7 +82,7 @@ private:
 void FileUtilsRemovalTest::removesEntriesOlderThanTheGivenDays_data()
 {
     QTest::addColumn<int>("days");
-    QTest::addColumn<QByteArray>("left"); // the names of the remaining entries
+    QTest::addColumn<QByteArray>("left"); // the names of the entries that RemoveDir() must keep
     QTest::newRow("minimum") << INT_MIN << QByteArray();
     QTest::newRow("-2 days") << -2 << QByteArray();
     QTest::newRow("-1 days") << -1 << QByteArray("in-25h");
@@ -172,7 +172,7 @@ void FileUtilsRemovalTest::comparesAgesToTheMillisecond()
                              "folder 1 s after", "folder 1 s after/file"}));
 }
 
-// A file system in memory stores any number of seconds.
+// The test uses a file system in memory (tmpfs), because tmpfs can store any number of seconds as modification time.
 void FileUtilsRemovalTest::acceptsTimesBeyondTheRangeOfMilliseconds()
 {
     MakeFolder(At("volume"));
@@ -194,7 +194,7 @@ void FileUtilsRemovalTest::subtractsCalendarDays_data()
 {
     QTest::addColumn<Milliseconds>("now");
     QTest::addColumn<Milliseconds>("threshold");
-    // The clocks went forward on 2021-03-28 and back on 2021-10-31, both at 01:00 UTC.
+    // In the test's time zone, the clocks went forward on 2021-03-28 and back on 2021-10-31, both at 01:00 UTC.
     QTest::newRow("day of 23 hours") << 1616925600 * Second << (1616925600 * Second - 23 * Hour);
     QTest::newRow("day of 24 hours") << 1617012000 * Second << (1617012000 * Second - 24 * Hour);
     QTest::newRow("day of 25 hours") << 1635681600 * Second << (1635681600 * Second - 25 * Hour);
@@ -284,7 +284,7 @@ void FileUtilsRemovalTest::removesAnyKindOfEntryByItsOwnAge()
 
 void FileUtilsRemovalTest::removesTreesByAge_data()
 {
-    QTest::addColumn<Maker>("makeEntries"); // in the folder at the path
+    QTest::addColumn<Maker>("makeEntries"); // creates entries in the given folder
     QTest::addColumn<QByteArrayList>("left");
     auto const row = [](char const* title, Maker makeEntries, QByteArrayList const& left) {
         QTest::newRow(title) << makeEntries << left;
@@ -541,7 +541,7 @@ void FileUtilsRemovalTest::doesNotTruncateAPathAtANulCharacter()
     MakeFile(At("folder/file"));
     SetAgeOfEntries(Root(), Old);
     QByteArrayList const before = ListTree(Root());
-    // Qt may warn about such a name, once or several times.
+    // Qt may log warnings about a path with a NUL character, but their number is not known. Discard all messages of Qt.
     QtMessageHandler const handler =
         qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) {});
     for (QString const& tail : {QString(QChar::Null), QChar::Null + QStringLiteral("tail")}) {
@@ -587,7 +587,8 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
-    // A QString cannot contain a name that is not valid UTF-8, but the folder can contain such entries.
+    // A QString cannot represent a name that is not valid UTF-8. Therefore, the name of the start folder is the result
+    // of the conversion to QString. The entries below this folder have the original name.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
     MakeFolder(folder);
@@ -606,7 +607,7 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
 
 void FileUtilsRemovalTest::continuesAfterAnEntryThatCannotBeRemoved_data()
 {
-    QTest::addColumn<std::string>("closed"); // the entry that gets the mode
+    QTest::addColumn<std::string>("closed"); // the entry whose permissions are set to "mode"
     QTest::addColumn<uint>("mode");
     QTest::addColumn<QByteArrayList>("left");
     auto const row = [](char const* title, std::string const& closed, uint mode, QByteArrayList const& left) {
@@ -666,8 +667,12 @@ void FileUtilsRemovalTest::removesThousandsOfEntries()
     QCOMPARE(ListTree(Root()), QByteArrayList());
 }
 
-/// Creates nested folders. Each contains an old file "a", the next folder, and an old folder "z" with an old file, in
-/// this order of names. The path of the last folder is longer than the system accepts. It contains a file "last".
+/// Creates the folder \a path and a chain of \a levels nested folders in it. All entries are old. Each folder of the
+/// chain, except the last one, contains the file "a", the next folder of the chain, and the folder "z" with a file. The
+/// name of the next folder is between "a" and "z" in alphabetical order.
+///
+/// The last folder contains only the file "last". This file is new if \a withNewFile is true. If the chain has 100
+/// levels or more, the path of the last folder is longer than the system accepts.
 void FileUtilsRemovalTest::MakeDeepTree(std::string const& path, int levels, bool withNewFile) const
 {
     Milliseconds const old = Now() - Old;
@@ -716,7 +721,7 @@ void FileUtilsRemovalTest::removesATreeDeeperThanAnyPathWithFewDescriptors()
     if (!withNewFile) {
         return;
     }
-    // Only the folders on the path to the new file are left.
+    // RemoveDir() must have kept only the new file and the folders on its path.
     Descriptor folder(open(At("deep").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     for (int level = 0; level < Levels; ++level) {
         std::vector<std::string> const names = NamesIn(folder, ".");

@@ -1,4 +1,5 @@
-// GetPathSize() on trees that change while it runs, and its effects on the process.
+// Tests of GetPathSize() with trees that change while the function runs. Also tests that the function changes neither
+// the open descriptors nor the current folder of the process, and that several threads can call it.
 
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
@@ -31,7 +32,7 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// Creates files and stores their sizes.
+/// Creates files and records their paths and sizes.
 class FileSizes
 {
 public:
@@ -41,7 +42,8 @@ public:
         files_[QByteArray::fromStdString(path)] = static_cast<Bytes>(size);
     }
 
-    /// Returns the sum of all files that are not among or below the paths \a sizeless.
+    /// Returns the sum of the sizes of the created files. Omits the files whose path is in \a sizeless or below a path
+    /// in \a sizeless.
     Bytes SumWithout(QByteArrayList const& sizeless) const
     {
         Bytes sum = 0;
@@ -58,15 +60,19 @@ private:
     QMap<QByteArray, Bytes> files_;
 };
 
-/// Creates nested folders "c" with files and side folders at each level. The last folder contains a dangling link
-/// "trigger": GetPathSize() logs it, and the test then changes the tree.
+/// Creates a chain of \a levels nested folders. The first folder is \a path, and the others have the name "c". Each
+/// folder of the chain contains one file and six side folders, and each side folder contains one file.
+///
+/// The last folder of the chain also contains the dangling link "trigger". When GetPathSize() logs the path of this
+/// link, the test can change the tree.
 void MakeChain(std::string const& path, int levels, FileSizes& sizes)
 {
     std::string folder = path;
     for (int level = 0; level < levels; ++level) {
         MakeFolder(folder);
         sizes.MakeFile(folder + "/file", 1 + level);
-        // Several, so that GetPathSize() visits some of them before the next level and some after it.
+        // The file system determines the order of entries. With six side folders, GetPathSize() probably visits some of
+        // them before the subfolder "c" and some of them after it.
         for (int i = 0; i < 6; ++i) {
             std::string const side = folder + "/s" + std::to_string(i);
             MakeFolder(side);
@@ -79,7 +85,8 @@ void MakeChain(std::string const& path, int levels, FileSizes& sizes)
 
 constexpr int ChainLevels = 60;
 
-/// Returns the path of a folder of the chain, relative to the test's folder.
+/// Returns the path of the folder that is \a levels levels below the first folder of the chain. The path is relative to
+/// the test's folder.
 std::string Chain(int levels)
 {
     std::string path = "chain";
@@ -114,7 +121,9 @@ void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved_data()
     QTest::newRow("folders") << true;
 }
 
-// The file system determines the order of entries. Each entry is either counted or logged, once.
+// GetPathSize() visits the entries in an order that the file system determines. Therefore, some entries are removed
+// before GetPathSize() visits them, and other entries are removed later. In both cases, GetPathSize() must either count
+// the size of the entry or log its path, exactly once.
 void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved()
 {
     QFETCH(bool, folders);
@@ -173,7 +182,7 @@ void FileUtilsSizeChangesTest::doesNotFollowALinkThatReplacesAFolder()
 void FileUtilsSizeChangesTest::logsEachFolderThatIsMoved_data()
 {
     QTest::addColumn<Maker>("rearrange");
-    QTest::addColumn<QByteArray>("changed"); // only entries below this folder may be missing from the sum
+    QTest::addColumn<QByteArray>("changed"); // GetPathSize() may log only this folder and entries below it
 
     auto const add = [](char const* name, std::string const& changed, Maker rearrange) {
         QTest::newRow(name) << rearrange << QByteArray::fromStdString(changed);
@@ -241,7 +250,8 @@ void FileUtilsSizeChangesTest::logsAFolderThatLosesItsPermissions()
 {
     FileSizes sizes;
     MakeChain(At(Chain(0)), ChainLevels, sizes);
-    // Only the owner may change the permissions.
+    // If this process runs as root, MeasureAsOrdinaryUser() runs as the user with the ID Nobody. Make this user the
+    // owner of the folders, because only the owner may change their permissions.
     if (geteuid() == 0) {
         for (int level = 0; level < ChainLevels; ++level) {
             SetOwner(At(Chain(level)), Nobody, Nobody);

@@ -1,5 +1,5 @@
-// GetPathSize() on trees without permissions, with read errors, of great depth or with random entries, and with few
-// file descriptors.
+// Tests of GetPathSize() with unusual trees: trees without permissions, trees with read errors, deep trees and random
+// trees. Also tests GetPathSize() in a process that can open only a few file descriptors.
 
 #include <support/overrides/FolderReading.h>
 #include <support/sandbox/FolderTestCase.h>
@@ -31,7 +31,7 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// Opens descriptors until the process can open only \a count more. The destructor closes them.
+/// Opens file descriptors until this process can open only \a count more. The destructor closes the opened descriptors.
 class FewDescriptors
 {
 public:
@@ -60,18 +60,20 @@ private:
     std::vector<int> opened_;
 };
 
-/// Calls Measure() in a child process that can open only \a count descriptors.
+/// Calls Measure() in a child process that can open only \a count more file descriptors.
 Measured MeasureWithDescriptors(std::size_t count, std::string const& path)
 {
     return RunAsOrdinaryUser([&] {
-        // The first call may load libraries, which needs descriptors too.
+        // The first call of Measure() may load shared libraries, which requires additional descriptors. Make this call
+        // before the number of descriptors is limited.
         Measure(path + "/nothing");
         FewDescriptors const few(count);
         return Measure(path);
     });
 }
 
-/// A simple reference implementation with recursion and Boost.Filesystem.
+/// A simple reference implementation of GetPathSize(), with recursion and Boost.Filesystem. Appends the paths that have
+/// no size to \a sizeless.
 Bytes ReferenceSize(boost::filesystem::path const& path, QByteArrayList& sizeless)
 {
     namespace fs = boost::filesystem;
@@ -105,7 +107,7 @@ Measured MeasureByReference(std::string const& path)
     return measured;
 }
 
-/// Creates a tree with random entries of all kinds that an ordinary user can create. Equal seeds give equal trees.
+/// Creates a tree with random files, links, pipes and folders. Equal seeds produce equal trees.
 class RandomTree
 {
 public:
@@ -161,8 +163,9 @@ private:
     bool withRestrictedFolders_;
 };
 
-/// Creates nested folders "d". Each level contains \a files files of one byte, and \a sideFolders folders "s0", "s1"
-/// and so on with such a file. The last level contains a dangling link.
+/// Creates the folder \a path and a chain of \a levels nested folders "d" in it. Each folder of the chain, except the
+/// last one, contains \a files files of one byte and \a sideFolders folders. Each of these side folders ("s0", "s1" and
+/// so on) contains one file of one byte. The last folder "d" contains only a dangling link.
 void MakeDeepTree(std::string const& path, int levels, int files, int sideFolders)
 {
     MakeFolder(path);
@@ -334,7 +337,7 @@ void FileUtilsSizeOddTreesTest::measuresATreeDeeperThanAnyPath()
 {
     constexpr int Levels = 3000;
     MakeDeepTree(At("deep"), Levels, 1, 0);
-    // The order of entries decides whether this folder is visited before or after the deep one.
+    // GetPathSize() visits "side" before or after the deep subfolder "d", depending on the order of the entries.
     MakeFolder(At("deep/side"));
     MakeFile(At("deep/side/file"), 50000);
 
@@ -345,13 +348,13 @@ void FileUtilsSizeOddTreesTest::measuresATreeDeeperThanAnyPath()
              QByteArrayList{QByteArray::fromStdString(At("deep")) + QByteArray("/d").repeated(Levels) + "/dangling"});
 }
 
-// One function for all counts, because creating the tree takes long.
+// Tests all numbers of descriptors in one test function without data rows, because creating the tree takes a long time.
 void FileUtilsSizeOddTreesTest::measuresADeepTreeWithFewDescriptors()
 {
     constexpr int Levels = 1000;
     MakeDeepTree(At("deep"), Levels, 2, 2);
 
-    // Two is the minimum: a folder and the one below it.
+    // GetPathSize() needs at least two descriptors: one for a folder and one for its subfolder.
     for (std::size_t const descriptors : {2U, 3U, 4U, 12U}) {
         Measured const measured = MeasureWithDescriptors(descriptors, At("deep"));
         QCOMPARE(measured.bytes, Bytes{4} * Levels);

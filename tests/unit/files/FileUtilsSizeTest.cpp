@@ -1,4 +1,4 @@
-// The sum and the log messages of GetPathSize() for unchanging trees.
+// Tests of the result and the log messages of GetPathSize(), with trees that do not change while the function runs.
 
 #include <support/logs/LogCapture.h>
 #include <support/sandbox/FolderTestCase.h>
@@ -340,7 +340,7 @@ void FileUtilsSizeTest::logsTheStartPathAndTheNamesBelowIt_data()
 {
     QTest::addColumn<QByteArray>("start");
     QTest::addColumn<QByteArray>("logged");
-    // The test replaces "%" with the absolute path of its folder.
+    // The test function replaces "%" with Root(), the absolute path of the test's folder.
     QTest::newRow("absolute") << QByteArray("%/a") << QByteArray("%/a/b/gone");
     QTest::newRow("absolute with a slash") << QByteArray("%/a/") << QByteArray("%/a/b/gone");
     QTest::newRow("absolute with two slashes") << QByteArray("%/a//") << QByteArray("%/a//b/gone");

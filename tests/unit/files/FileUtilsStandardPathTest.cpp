@@ -86,7 +86,7 @@ void FileUtilsStandardPathTest::readsTheSettingsOfTheDesktop_data()
 {
     QTest::addColumn<int>("location");
     QTest::addColumn<QByteArray>("setting");
-    QTest::addColumn<QByteArray>("path"); // below the home folder
+    QTest::addColumn<QByteArray>("path"); // the expected path, relative to the home folder
     QTest::newRow("videos, not set") << int{QStandardPaths::MoviesLocation} << QByteArray() << QByteArray("/Videos");
     QTest::newRow("videos, set below home")
         << int{QStandardPaths::MoviesLocation} << QByteArray("XDG_VIDEOS_DIR=\"$HOME/My \xd0\x9a videos\"")

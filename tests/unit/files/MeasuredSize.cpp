@@ -18,7 +18,8 @@ namespace Zelkor::Testing
 namespace
 {
 
-/// Collects the paths that GetPathSize() logs, byte for byte. Calls a function with each path while GetPathSize() runs.
+/// Records the paths that GetPathSize() logs, without decoding their bytes. Whenever GetPathSize() logs a path, calls a
+/// function with this path. This happens while GetPathSize() is running.
 class SizelessLog : public google::LogSink
 {
 public:

@@ -13,20 +13,21 @@ namespace Zelkor::Testing
 
 using Bytes = unsigned long long;
 
-/// The result of GetPathSize(), and the paths that it logged because they have no size: sorted, byte for byte.
+/// The result and the log messages of a call of GetPathSize().
 struct Measured
 {
-    Bytes bytes = 0;
-    QByteArrayList sizeless;
+    Bytes bytes = 0;         // the result
+    QByteArrayList sizeless; // the paths that GetPathSize() logged because they have no size, sorted
 };
 
 QDataStream& operator<<(QDataStream& stream, Measured const& measured);
 QDataStream& operator>>(QDataStream& stream, Measured& measured);
 
-/// Calls GetPathSize(). Calls \a onSizeless with each path that GetPathSize() logs, at the time of the log message.
+/// Calls GetPathSize() with \a path. Whenever GetPathSize() logs a path, calls \a onSizeless with the logged path. This
+/// happens while GetPathSize() is running.
 Measured Measure(std::string const& path, std::function<void(QByteArray const&)> onSizeless = {});
 
-/// As Measure(), in a child process without privileges.
+/// Calls Measure() in a child process without root privileges.
 Measured MeasureAsOrdinaryUser(std::string const& path, std::function<void(QByteArray const&)> const& onSizeless = {});
 
 } // namespace Zelkor::Testing

@@ -1,4 +1,5 @@
-// The removal of old temporary directories of an application, also by several processes or threads at the same time.
+// Tests the removal of an application's old temporary directories, also by several processes or threads at the same
+// time.
 
 #include <support/processes/ChildProcess.h>
 #include <support/sandbox/Folders.h>
@@ -19,7 +20,7 @@
 using Zelkor::Util::TemporaryDir;
 using namespace Zelkor::Testing;
 
-/// Creates an entry at \a path, which may link to entries of the folder \a outside.
+/// A function that creates an entry at \a path. The entry may be a link to an entry of the folder \a outside.
 using LeftoverMaker = void (*)(std::string const& path, std::string const& outside);
 Q_DECLARE_METATYPE(LeftoverMaker)
 
@@ -247,13 +248,13 @@ void TemporaryDirCleanUpTest::emptiesTheFolderOfARunningProcessOnce()
     std::string const firstOfA = a.Receive<QString>().toStdString();
     QVERIFY(Exists(firstOfA));
 
-    // The first directory of a process removes the directories of all earlier processes.
+    // The first TemporaryDir of a process removes the directories that other processes have created.
     ChildProcess b(createTwo);
     std::string const firstOfB = b.Receive<QString>().toStdString();
     QVERIFY(Exists(firstOfB));
     QVERIFY(!Exists(firstOfA));
 
-    // The second one removes nothing.
+    // The second TemporaryDir of a process removes nothing.
     a.Continue();
     std::string const secondOfA = a.Receive<QString>().toStdString();
     b.Continue();
@@ -338,7 +339,7 @@ void TemporaryDirCleanUpTest::manyProcessesCreateDirectoriesAtOnce()
     }
     QCOMPARE(paths.size(), ProcessCount);
 
-    // A process may have removed directories of another one. The next process is not affected.
+    // The processes above may have removed each other's directories. A new process must still get a valid directory.
     QVERIFY(RunInChild(CreateDirectory).isValid);
     QCOMPARE(ListTree(appFolder_), QByteArrayList());
 }

@@ -1,5 +1,5 @@
-// The member functions of TemporaryDir. The tests of its folder run in child processes instead: see
-// TemporaryDirTestCase.
+// Tests of the member functions of TemporaryDir. The tests of the folder in which a TemporaryDir is created are in
+// other test programs, because they must run in child processes: see TemporaryDirTestCase.
 
 #include <support/TestCase.h>
 #include <support/sandbox/Folders.h>

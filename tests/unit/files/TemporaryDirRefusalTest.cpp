@@ -1,4 +1,4 @@
-// Cases in which no temporary directory is created.
+// Tests of the cases in which TemporaryDir must not create a directory.
 
 #include <support/processes/ChildProcess.h>
 #include <support/sandbox/Folders.h>
@@ -39,20 +39,20 @@ private Q_SLOTS:
     void isInvalidIfTheNameIsTooLong();
 
 private:
-    /// Adds the column "level", an argument of FolderAtLevel().
+    /// Adds the column "level" with a row for each level. FolderAtLevel() documents the levels.
     static void LevelRows();
 
-    /// Returns a folder of the path of the application's folder:
+    /// Returns the application's folder or one of its parent folders:
     ///   -1: the temporary folder
     ///    0: the folder of the application's name
     ///    1: the folder of the version
-    ///    2: the folder of the program
+    ///    2: the folder of the program, which is the application's folder
     std::string FolderAtLevel(int level) const;
 
     static void VerifyInvalid(DirectoryState const& state);
 
-    /// Creates two directories in a child process, which first calls \a prepare. Verifies that both are invalid, and
-    /// that each has logged one error that contains \a folder.
+    /// Starts a child process that calls \a prepare and then creates two TemporaryDir objects. Verifies that both
+    /// objects are invalid, and that each of them logged one error whose text contains \a folder.
     static void VerifyRejected(std::function<void()> const& prepare, std::string const& folder);
 };
 
@@ -119,7 +119,8 @@ void TemporaryDirRefusalTest::rejectsALink()
     QFETCH(int, level);
     QFETCH(std::string, target);
     for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        // A link at any level leads to a folder with leftovers.
+        // If TemporaryDir followed the link, it would use one of these folders as the application's folder and remove
+        // the file "leftover" in it. The level of the link determines which folder it would use.
         for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
             MakeFolders(At(tree + below));
             MakeFile(At(tree + below + "/leftover"));
@@ -140,7 +141,8 @@ void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser_data()
     QTest::addColumn<int>("level");
     QTest::addColumn<bool>("asOrdinaryUser");
     QTest::addColumn<uint>("owner");
-    // Only root can change the owner of a folder. Other users run rejectsASystemFolder().
+    // Only root can change the owner of a folder. For other users, this test has no rows: rejectsASystemFolder() tests
+    // a folder of root instead.
     if (geteuid() != RootUser) {
         return;
     }
@@ -259,7 +261,7 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 {
     QFETCH(std::string, folder);
     QFETCH(std::string, version);
-    std::string const name = NameOf(Root()); // unique
+    std::string const name = NameOf(Root()); // random, so that no folder "/name" exists
     QByteArrayList const before = ListTree(Root());
 
     auto const states = RunInChild([&] {
@@ -279,7 +281,8 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 
 void TemporaryDirRefusalTest::doesNotUseTheRootFolderWithoutATemporaryFolder()
 {
-    // With an empty temporary folder, the name would be an absolute path to this folder.
+    // The application's name is the path of this folder without the first slash. If TemporaryDir used an empty path
+    // instead of the missing temporary folder, it would find this folder at "/" plus the name.
     std::string const folder = At("folder");
     MakeFolders(folder + "/2/" + ProgramName());
     MakeFile(folder + "/2/" + ProgramName() + "/canary");

@@ -1,4 +1,4 @@
-// The folder in which a TemporaryDir is created.
+// Tests of the folder in which a TemporaryDir is created.
 
 #include <support/ProgrammingError.h>
 #include <support/Timeouts.h>
@@ -37,7 +37,7 @@ std::string CleanPath(std::string const& path)
     return QDir::cleanPath(QString::fromStdString(path)).toStdString();
 }
 
-/// Creates two directories at the same time and returns their states.
+/// Creates two TemporaryDir objects that exist at the same time. Returns their states.
 QVector<DirectoryState> CreateTwoDirectories()
 {
     LogCapture const firstLog;
@@ -47,14 +47,14 @@ QVector<DirectoryState> CreateTwoDirectories()
     return {StateOf(first, firstLog), StateOf(second, secondLog)};
 }
 
-/// Destroys the QCoreApplication of a child process, so that Qt does not provide a default application name.
+/// Destroys the QCoreApplication of a child process. Without a QCoreApplication, Qt has no default application name.
 void DestroyApplication()
 {
     delete QCoreApplication::instance();
 }
 
-/// Creates a directory for the application whose name and version are the arguments of the process. Prints its path if
-/// the directory exists.
+/// Sets the application's name and version to arguments 3 and 4 of this process, and creates a TemporaryDir. Prints the
+/// path of the directory if the directory exists.
 void PrintDirectory()
 {
     QStringList const arguments = QCoreApplication::arguments();
@@ -130,14 +130,15 @@ void TemporaryDirTest::isBelowNameMajorVersionAndProgram()
     QString const copy = QString::fromStdString(At("bin/" + program));
     QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
 
-    // The name of the program file matters, therefore a forked child is not enough.
+    // The folder depends on the file name of the program. A forked child would have the file name of this program;
+    // therefore, start a copy of this program with another file name.
     QProcess process;
     StartChildMain(process, copy, "print directory", {QString::fromStdString(name), QString::fromStdString(version)});
     QVERIFY(process.waitForFinished(TimeoutMs));
 
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
-    QCOMPARE(process.readAllStandardError(), QByteArray()); // log messages would appear here
+    QCOMPARE(process.readAllStandardError(), QByteArray()); // log messages would be written here
     QCOMPARE(ParentOf(process.readAllStandardOutput().toStdString()), tmp_ + '/' + folder);
 }
 
@@ -416,8 +417,8 @@ void TemporaryDirTest::throwsIfTheVersionIsSetAfterTheFirstDirectory()
 
 void TemporaryDirTest::acceptsALaterChangeOfTheVersionOnlyIfItIsReset_data()
 {
-    QTest::addColumn<QStringList>("versions"); // at the time of each directory
-    QTest::addColumn<QStringList>("results");  // its folder, or "exception"
+    QTest::addColumn<QStringList>("versions"); // the application's version when each directory is created
+    QTest::addColumn<QStringList>("results");  // the folder of each directory, or "exception"
     QString const version = QStringLiteral("2.5.1");
     QString const none;
     QString const application = QStringLiteral("application's folder");

@@ -24,31 +24,33 @@ struct DirectoryState
     std::string path;
     std::string file; // filePath("file")
     std::string error;
-    QStringList problems; // warnings and errors in the log: "ERROR Util/TemporaryDir.cpp text"
+    QStringList problems; // logged warnings and errors, as in "ERROR Util/TemporaryDir.cpp text"
 };
 
 QDataStream& operator<<(QDataStream& stream, DirectoryState const& state);
 QDataStream& operator>>(QDataStream& stream, DirectoryState& state);
 
-/// Returns the state of \a directory, with the problems that \a log has captured.
+/// Returns the state of \a directory. The member DirectoryState::problems contains the warnings and errors in \a log.
 DirectoryState StateOf(Util::TemporaryDir const& directory, LogCapture const& log);
 
-/// Creates a temporary directory, which is removed before the function returns. Returns its state.
+/// Creates a TemporaryDir, destroys it, and returns the state that it had before its destruction.
 DirectoryState CreateDirectory();
 
-/// Sets the name and version of the application.
+/// Sets the application's name and version in QCoreApplication.
 void SetApplication(std::string const& name, std::string const& version);
 
-/// A test that creates TemporaryDir objects in child processes.
+/// Base class for tests that create TemporaryDir objects in child processes.
 ///
-/// TemporaryDir chooses its folder once per process. Each child process therefore chooses it again, provided that the
-/// test program itself never creates a TemporaryDir.
+/// TemporaryDir chooses the application's folder only once per process, and a forked child process inherits the choice
+/// of its parent process. Therefore, the test program itself must never create a TemporaryDir. Each child process then
+/// makes its own choice.
 ///
 /// The test's folder contains:
-///   - "tmp", the temporary folder. TMPDIR contains its path.
+///   - "tmp", the temporary folder. The environment variable TMPDIR contains the path of "tmp".
 ///   - "outside", a folder with files that must not be changed.
 ///
-/// The application is "Studio", version 2.5.1. The child processes inherit its name and version, and TMPDIR.
+/// The application's name is "Studio", and its version is 2.5.1. Child processes inherit the name, the version and
+/// TMPDIR.
 class TemporaryDirTestCase : public FolderTestCase
 {
     Q_OBJECT
@@ -57,12 +59,12 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// The name of this program.
+    /// Returns the file name of this program without its last suffix.
     static std::string ProgramName();
 
-    std::string tmp_;       // the temporary folder
-    std::string appFolder_; // the folder of the application in it
-    std::string outside_;
+    std::string tmp_;       // the path of "tmp"
+    std::string appFolder_; // the path of the application's folder, which is below "tmp"
+    std::string outside_;   // the path of "outside"
 
 private:
     std::optional<EnvironmentVariable> tmpdir_;
