@@ -1,12 +1,13 @@
 """Prints the number of passed tests in a CTest log.
 
-Each passed row of a QtTest program counts as one test, and so does each other program that passes.
+Each passed data row of a QtTest program counts as one test. Each passed program that does not use QtTest counts as one
+test.
 """
 
 import re
 import sys
 
-# QtTest counts the setup and the teardown of a test class as passed tests. They are not tests.
+# QtTest counts the setup and the teardown of a test class as passed tests. They are subtracted from the result.
 SETUP_ROW = r"^PASS   : .*::(?:initTestCase|cleanupTestCase)\(\)$"
 
 

@@ -1,4 +1,5 @@
-// Runs a QML file that imports the installed QML module. QML_IMPORT_DIR is the import path from the package.
+// Runs a QML file that imports the installed QML module. QML_IMPORT_DIR is the import path that the installed CMake or
+// pkg-config files specify.
 
 #include <QtCore/QCoreApplication>
 #include <QtQml/QQmlApplicationEngine>

@@ -1,7 +1,7 @@
 """Checks that applications can use the installed package.
 
-Installs the build, moves it to another folder, and then builds and runs the programs of tests/consumer against it: with
-CMake and with pkg-config, for the library and for the QML module.
+Installs the build and moves the installation to another folder. Then builds and runs the programs of tests/consumer
+against the installation: with CMake and with pkg-config, for the library and for the QML module.
 """
 
 import argparse
@@ -31,7 +31,7 @@ def check_library(how, program):
 
 
 def check_qml(how, program, source):
-    # Remove QML2_IMPORT_PATH: the program must find the module through the package.
+    # Remove QML2_IMPORT_PATH: the program must find the QML module through the installed package.
     env = {name: value for name, value in os.environ.items() if name != "QML2_IMPORT_PATH"}
     output = run(str(program), str(source / "consumer.qml"), env={**env, "QML_DISABLE_DISK_CACHE": "1"})
     check_output(f"{how}, QML", output, "Observers register with role 261")
@@ -52,7 +52,7 @@ def main():
         installed.rename(prefix)
 
         build = pathlib.Path(folder, "build")
-        # C++14 is too old for the headers: the package must require C++17 itself.
+        # Request C++14, which is too old for the headers, to check that the package itself requires C++17.
         run("cmake", "-S", str(source), "-B", str(build), "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
             f"-DCMAKE_CXX_COMPILER={arguments.compiler}", "-DCMAKE_CXX_STANDARD=14")
         run("cmake", "--build", str(build))

@@ -1,5 +1,9 @@
-"""Checks the layers of the library: includes run downward and not in a circle, only platform folders depend on a system,
-and a platform uses nothing of Util except the headers that it implements."""
+"""Checks the layers of the library:
+
+- A source includes only headers of its own layer or of a lower layer. Includes do not form a circle.
+- Only platform folders use headers and macros of an operating system.
+- A platform folder includes only those headers of Util that it implements, and internal interface headers.
+"""
 
 import argparse
 import pathlib
@@ -11,10 +15,10 @@ SYSTEM_MACRO = re.compile(r"^\s*#\s*(?:el)?if.*(?:__APPLE__|__linux__|__unix__|_
                           r"(?:__APPLE__|__linux__|__unix__|_WIN32|Q_OS_\w+)", re.MULTILINE)
 SYSTEM_HEADER = re.compile(r"^(?:sys|net|arpa|mach|objc|linux)/|^(?:unistd|dirent|fcntl|pwd|grp|dlfcn|pthread|signal)\.h$|"
                            r"^(?:AppKit|Foundation|Carbon|CoreFoundation|CoreServices|IOKit|X11|xcb)/|^QtDBus/")
-# A folder of src, and how high it is in the house.
+# The layer of each top-level folder of src. A source includes only headers of the same layer or of a lower layer.
 FLOORS = {"Base": 0, "WidgetKit": 1, "Util": 2, "Qml": 3}
-# The folder of one platform: Base/Platforms/mac. The headers beside these folders, such as Util/Platforms/TreeSize.h, are
-# the seams between the neutral sources and the platforms.
+# PLATFORM matches the sources of one platform, for example in Base/Platforms/mac. SEAM matches the internal interface
+# headers between the platform-neutral sources and the platforms, for example Util/Platforms/TreeSize.h.
 PLATFORM = re.compile(r"^(?:Base|Util)/Platforms/[a-z]+/")
 SEAM = re.compile(r"^(?:Base|Util)/Platforms/\w+\.h$")
 
@@ -37,7 +41,7 @@ def own_includes(path):
 
 
 def implements(name, header):
-    """Util/Platforms/mac/AutoLauncherImpl.cpp implements Util/AutoLauncher.h."""
+    """Returns True if the source implements the header, as AutoLauncherImpl.cpp implements Util/AutoLauncher.h."""
     return pathlib.PurePath(name).stem.startswith(pathlib.PurePath(header).stem)
 
 
@@ -95,7 +99,9 @@ def circle_complaints(source_root):
 
 
 def test_complaints(root, public):
-    """The compiler refuses private headers, except in tests that are built with all headers."""
+    """Reports private headers that tests include, except platform headers and internal interface headers.
+
+    The compiler cannot check this for all tests: some tests are built with all headers of the library."""
     for path in sources(root / "tests"):
         for included in own_includes(path):
             if included not in public and not PLATFORM.match(included) and not SEAM.match(included):

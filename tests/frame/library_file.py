@@ -1,5 +1,5 @@
-"""Checks the built library file: its exported symbols, the number of functions that run when it is loaded, and that it
-contains no path of the machine that built it. With --write, rewrites the list of exported symbols instead."""
+"""Checks that the built library file exports exactly the listed symbols, runs the expected number of functions when it
+is loaded, and contains no path of the build machine. With --write, rewrites the list of exported symbols instead."""
 
 import argparse
 import pathlib
@@ -10,8 +10,9 @@ import tempfile
 
 LIST = pathlib.Path(__file__).resolve().parent / "exported-symbols.txt"
 
-# The compiler's start-up function, and one function for each source that has global objects: LinksUtils (link schemes),
-# ObjectsConnector (roles and registry), FontDatabase (added fonts), SpontaneousDialog (main window).
+# The number of functions that run when the library is loaded: the compiler's start-up function, and one function for
+# each source that has global objects. These sources are LinksUtils (link schemes), ObjectsConnector (roles and
+# registry), FontDatabase (added fonts) and SpontaneousDialog (main window).
 INITIALIZERS = 5
 POINTER_SIZE = 8
 
@@ -21,7 +22,7 @@ def output_of(*command):
 
 
 def exported(library):
-    # A set, because constructors have two symbols with the same name: for complete objects and for base objects.
+    # A set, because each constructor has two symbols with the same name: one for complete and one for base objects.
     lines = output_of("nm", "--dynamic", "--defined-only", "--demangle", library).splitlines()
     return sorted({line.split(maxsplit=2)[2] for line in lines})
 
@@ -41,7 +42,7 @@ def initializer_errors(library):
 
 
 def path_errors(library, source_dir):
-    # Debug information contains full source paths, for the debugger. They are not checked.
+    # Remove the debug information before the check: it contains full source paths, which the debugger needs.
     with tempfile.TemporaryDirectory() as folder:
         stripped = pathlib.Path(folder, "stripped")
         subprocess.run(["objcopy", "--strip-debug", library, stripped], check=True)

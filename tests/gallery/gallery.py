@@ -1,5 +1,5 @@
-"""Checks the gallery without a display: its report on a tree with every kind of entry, its error message for a missing
-folder, and its screenshots."""
+"""Checks the gallery without a display: its report on a folder tree with every kind of entry, its error message for a
+missing folder, and its screenshots."""
 
 import argparse
 import os
@@ -24,7 +24,7 @@ def expect(condition, message):
 
 
 def make_tree(root):
-    """Creates a tree and returns the size of each entry in bytes, or None for an entry without a size."""
+    """Creates a folder tree. Returns the size of each top-level entry in bytes, or None for an entry without a size."""
     sizes = {}
     for name, size in ((b"plain", 1500), (b"with space", 2500000), (b'quote"d', 7), (b"not-utf8-\xff", 12),
                        (b"line\nbreak", 3), (b".hidden", 44)):
@@ -64,7 +64,7 @@ def check_report(gallery):
         expect(any(re.search(rf"\s{total}\s.*Total of {len(sizes)} entries", line) for line in lines),
                f"No line reports a total of {total} bytes:\n" + "\n".join(lines))
         expect(any("dangling" in line for line in lines), "The report does not list the dangling link")
-        # The log line about an entry without a size starts with this misspelled word.
+        # If an entry has no size, the library logs a line that starts with this misspelled word.
         expect(b"Erorr" not in result.stderr, f"Log lines appear on the terminal: {result.stderr}")
 
 

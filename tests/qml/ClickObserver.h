@@ -9,7 +9,7 @@
 namespace Zelkor::Testing
 {
 
-/// Model observer that QML can create and pass to a model.
+/// An observer of SimpleModel. QML code can create it and register it in a model.
 class ClickObserver : public QObject, public Util::ISimpleModelObserver
 {
     Q_OBJECT

@@ -11,7 +11,7 @@
 namespace Zelkor::Testing
 {
 
-/// Singleton of the QML tests that creates models, because QML cannot create them.
+/// QML singleton that creates SimpleModel objects for the tests. QML code cannot create them itself.
 class Models : public QObject
 {
     Q_OBJECT

@@ -1,7 +1,8 @@
 import QtTest 1.15
 import Zelkor.Testing 1.0
 
-// Base of all test cases. A test function fails if a warning of Qt, QML or the library remains in Warnings.
+// Base type of all QML test cases. A test function fails if Qt, QML or the library logs a warning that the function
+// does not remove with Warnings.take().
 TestCase {
     when: windowShown
 

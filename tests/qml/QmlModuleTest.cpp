@@ -55,7 +55,7 @@ int main(int argc, char** argv)
     int const failures = quick_test_main(argc, argv, "QmlModuleTest", nullptr);
     google::RemoveLogSink(&LogWatch::Instance());
 
-    // Warnings outside the test functions, during loading or destruction.
+    // These warnings were logged outside the test functions: while QML files were loaded or objects were destroyed.
     QString const warnings = Warnings::take();
     if (warnings.isEmpty()) {
         return failures;

@@ -8,7 +8,7 @@
 namespace Zelkor::Testing
 {
 
-/// C++ object with a signal and a slot.
+/// A C++ object with a signal and a slot, for tests that connect C++ objects and QML objects.
 class ValueObject : public QObject
 {
     Q_OBJECT

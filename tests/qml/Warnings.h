@@ -6,17 +6,18 @@
 namespace Zelkor::Testing
 {
 
-/// Singleton of the QML tests that collects the warnings of Qt, QML and the library. Each test file has its own engine
-/// and instance, but all instances share one list.
+/// QML singleton that collects the warnings of Qt, QML and the library. Each test file has its own QML engine and
+/// therefore its own instance of Warnings, but all instances share one list of warnings.
 class Warnings : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Installs the message handler. Test cases call it again, because QtTest installs its own handler later.
+    /// Installs the message handler that collects Qt's warnings. main() and each test case call this function, because
+    /// QtTest replaces the message handler between these calls.
     Q_INVOKABLE static void collect();
 
-    /// Returns the warnings since the last call, one per line.
+    /// Returns the collected warnings, one per line, and clears the list.
     Q_INVOKABLE static QString take();
 };
 

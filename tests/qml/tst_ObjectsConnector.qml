@@ -176,7 +176,7 @@ ModuleTestCase {
         emitter.clicked()
         compare(receiver.toggled, 0)
 
-        // Only the unregistered side is removed.
+        // The other object is still registered. New objects are therefore connected to it.
         const newEmitter = create(emitterComponent)
         const newReceiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", newEmitter, "clicked()")

@@ -31,7 +31,7 @@ Item {
             Image {
                 id: image
                 source: IconPath
-                cache: false // cached images outlive the window and leak their textures
+                cache: false // cached images would outlive the window and leak their textures
             }
         }
     }
@@ -55,7 +55,7 @@ Item {
         }
 
         function cleanupTestCase() {
-            // Only the next frame frees the textures of destroyed images.
+            // The textures of destroyed images are freed when the next frame is rendered. grabImage() renders a frame.
             show([])
             wait(0)
             grabImage(view)
@@ -163,7 +163,7 @@ Item {
                 { tag: "false", value: false },
                 { tag: "number", value: 0 },
                 { tag: "text", value: "another" },
-                { tag: "nothing", value: undefined },
+                { tag: "undefined", value: undefined },
                 { tag: "null", value: null },
             ]
         }
@@ -192,7 +192,7 @@ Item {
         function test_notifiesObserversInOrderOfRegistration() {
             verify(register(second))
             verify(register(first))
-            verify(register(second)) // registered already
+            verify(register(second)) // has no effect: this observer is already registered
             mouseClick(view.itemAtIndex(0))
             compare(clicks, ["second:video_trim", "first:video_trim"])
         }
@@ -201,7 +201,7 @@ Item {
             verify(register(first))
             verify(register(second))
             verify(unregister(first))
-            verify(unregister(first)) // not registered any more
+            verify(unregister(first)) // has no effect: this observer is no longer registered
             mouseClick(view.itemAtIndex(0))
             compare(clicks, ["second:video_trim"])
             verify(unregister(second))
@@ -241,7 +241,7 @@ Item {
                 { tag: "uid of an item", index: () => items.index(0, 0), role: SimpleModel.Uid },
                 { tag: "title of an item", index: () => items.index(0, 0), role: SimpleModel.Title },
                 { tag: "edit role of an item", index: () => items.index(0, 0), role: Qt.EditRole },
-                { tag: "click on no item", index: () => noItem(), role: SimpleModel.Click },
+                { tag: "click without an item", index: () => noItem(), role: SimpleModel.Click },
             ]
         }
 

@@ -19,9 +19,10 @@ struct ProgrammingError
     int line = 0;
 };
 
-/// Calls \a call and returns the parts of the exception that it throws. Returns an empty record if nothing is thrown.
+/// Calls \a call and returns the parts of the exception that it throws. Returns an empty record if \a call throws
+/// nothing.
 ///
-/// Only exceptions of class \a Error that carry a source location are caught. Others propagate to the caller.
+/// Only exceptions of class \a Error that carry a source location are caught. Other exceptions propagate to the caller.
 template <class Error, class Call>
 ProgrammingError CatchProgrammingError(Call const& call)
 {

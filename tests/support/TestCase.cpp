@@ -68,8 +68,8 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString 
     }
 }
 
-/// Checks the screens against ZQTUTIL_TEST_SCREENS. Without this check, the tests that need several screens would pass
-/// on one screen and cover nothing.
+/// Checks that there are ZQTUTIL_TEST_SCREENS screens that do not overlap. Without this check, the tests that need
+/// several screens would pass on one screen and cover nothing.
 void VerifyScreens()
 {
     int const expected = qEnvironmentVariableIntValue("ZQTUTIL_TEST_SCREENS");
@@ -107,7 +107,7 @@ void StartLogging(char const* program)
 {
     google::InitGoogleLogging(program);
     for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
-        google::SetLogDestination(severity, ""); // empty name: no log file
+        google::SetLogDestination(severity, ""); // an empty name disables the log file
     }
     google::SetStderrLogging(google::GLOG_FATAL);
     google::AddLogSink(&LogWatch::Instance());
@@ -123,7 +123,8 @@ void TestCase::ExpectQtWarning(QRegularExpression const& pattern)
 
 void TestCase::initTestCase()
 {
-    // QtTest has already installed its own handler. Ours filters the messages and forwards the rest to it.
+    // QtTest has already installed its own message handler. HandleQtMessage() filters the messages and forwards the
+    // others to QtTest's handler.
     Messages().next = qInstallMessageHandler(HandleQtMessage);
     VerifyScreens();
 }

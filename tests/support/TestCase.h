@@ -21,14 +21,14 @@ class TestCase : public QObject
     Q_OBJECT
 
 protected:
-    /// Announces one Qt message of type warning or critical whose text matches \a pattern. Any thread may log it, at
-    /// any time until TearDown() returns. Can be called from any thread.
+    /// Announces one Qt message of type warning or critical whose text matches \a pattern. Any thread may log this
+    /// message, until TearDown() returns. This function can be called from any thread.
     static void ExpectQtWarning(QRegularExpression const& pattern);
 
     /// Called before each data row of each test function.
     virtual void SetUp() {}
 
-    /// Called after each data row of each test function, also if the test function failed.
+    /// Called after each data row of each test function, even if the test function failed.
     virtual void TearDown() {}
 
 private Q_SLOTS:
@@ -38,14 +38,15 @@ private Q_SLOTS:
     void cleanupTestCase();
 };
 
-/// Runs the tests of one class and returns the number of failures.
+/// Runs the tests of one test class and returns the number of failures.
 ///
-/// Before the test object is created, the function sets a fixed environment: locale C.UTF-8, time zone UTC, and one new
-/// temporary folder that serves as the home, temporary and runtime folder. The folder is removed on return.
+/// Before the test object is created, RunTests() sets a fixed environment: locale C.UTF-8, time zone UTC, and one new
+/// temporary folder that serves as the home, temporary and runtime folder. The folder is removed before RunTests()
+/// returns.
 ///
 /// \param argc, argv   The arguments of main(). QtTest evaluates them.
 /// \param withWidgets  True to create a QApplication, false to create a QCoreApplication.
-/// \param makeTest     Creates the test object. RunTests() takes ownership.
+/// \param makeTest     Creates the test object. RunTests() takes ownership of the object.
 int RunTests(int argc, char** argv, bool withWidgets, QObject* (*makeTest)());
 
 /// Overload that default-constructs a test object of class \a Test.

@@ -5,7 +5,8 @@
 namespace Zelkor::Testing
 {
 
-/// The longest time that a test waits. Only a broken library reaches it, even on a loaded machine.
+/// The longest time that a test waits for an event. Even on a loaded machine, a test reaches this limit only if the
+/// library is broken.
 constexpr int TimeoutMs = 60000; // milliseconds
 constexpr std::chrono::milliseconds Timeout{TimeoutMs};
 

@@ -24,13 +24,13 @@ public:
     };
     using Calls = QVector<Call>;
 
-    /// \param properties  Names of the widget properties to record at each call. The names are not copied.
+    /// \param properties  Names of the widget properties to record at each call. The names must outlive this object.
     explicit RecordingStyle(std::initializer_list<char const*> properties = {});
 
-    /// All calls since construction or the last clear(), in order.
+    /// All recorded calls, in order. Tests can clear this list.
     Calls calls;
 
-    /// Returns the calls for \a widget, in order.
+    /// Returns the recorded calls for \a widget, in order.
     Calls CallsFor(QWidget const* widget) const;
 
     using QProxyStyle::polish;
@@ -50,8 +50,8 @@ bool operator==(RecordingStyle::Call const& a, RecordingStyle::Call const& b);
 /// Formats \a calls for the failure messages of QCOMPARE. QtTest deletes the returned text.
 char* toString(RecordingStyle::Calls const& calls);
 
-/// Returns the two calls that polish \a widget again: unpolish(), then polish(). Both have the property values \a
-/// values.
+/// Returns the two calls that RecordingStyle records when \a widget is polished again: unpolish(), then polish(). Both
+/// calls have the property values \a values.
 RecordingStyle::Calls Repolishing(QWidget const* widget, QStringList const& values = {});
 
 } // namespace Zelkor::Testing

@@ -13,11 +13,11 @@ import sys
 import tempfile
 import time
 
-# Side by side from left to right. The sizes differ, so that a test cannot confuse the screens.
+# Sizes of the screens in pixels, from left to right. The sizes differ, so that a test cannot confuse the screens.
 SCREENS = ((1280, 1024), (1024, 768))
 OUTPUT = "screen"  # the only RandR output of Xvfb
 
-# In seconds. The server starts slowly while the machine runs other tests under sanitizers.
+# In seconds. Xvfb starts slowly while the machine runs other tests under sanitizers.
 TIMEOUT = 60
 
 # Variables of the user's session that would change the behaviour of Qt.
@@ -37,13 +37,13 @@ WINDOW_MANAGER_SETTINGS = """<?xml version="1.0"?>
 
 
 def die_with_parent():
-    """Runs in a child process: lets the kernel kill the child when this script is killed."""
+    """Called in a child process before its program starts. Lets the kernel kill the child when this script is killed."""
     set_parent_death_signal = 1
     ctypes.CDLL(None).prctl(set_parent_death_signal, signal.SIGKILL)
 
 
 class Child:
-    """A background program that is terminated at the end of a with block. Its output is shown if it fails."""
+    """A background program that is terminated at the end of a with block. If the program fails, its output is shown."""
 
     def __init__(self, command, log, environment, pass_fds=()):
         self.name = command[0]
@@ -73,7 +73,7 @@ class Child:
 
 
 def run_tool(command, environment):
-    """Runs a tool on the X server and returns its output."""
+    """Runs a command-line tool that connects to the X server, and returns the output of the tool."""
     result = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                             env=environment, timeout=TIMEOUT, encoding="utf-8", errors="replace")
     if result.returncode != 0:
@@ -82,7 +82,7 @@ def run_tool(command, environment):
 
 
 def start_server(folder, environment):
-    """Starts the server on a free display. Returns the server and the name of the display."""
+    """Starts the X server on a free display. Returns the server and the name of the display."""
     read_end, write_end = os.pipe()
     width = sum(width for width, _ in SCREENS)
     height = max(height for _, height in SCREENS)
@@ -105,7 +105,9 @@ def start_server(folder, environment):
 
 
 def divide_screen(environment):
-    """Divides the one screen of the server into SCREENS. Qt would place several screens of Xvfb on top of each other."""
+    """Divides the only screen of the X server into monitors with the sizes SCREENS.
+
+    If Xvfb had several screens instead, Qt would place all of them at the same position."""
     left = 0
     for number, (width, height) in enumerate(SCREENS):
         millimetres = [round(pixels / 96 * 25.4) for pixels in (width, height)]
@@ -124,7 +126,7 @@ def start_window_manager(folder, environment):
 
 
 def wait_for_window_manager(manager, environment):
-    """Waits until the root window names the window manager and the list of its windows."""
+    """Waits until the window manager has set the two properties of the root window that show that it is ready."""
     end = time.monotonic() + TIMEOUT
     while time.monotonic() < end:
         output = run_tool(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK", "_NET_CLIENT_LIST"], environment)
@@ -150,7 +152,8 @@ def run(command):
             divide_screen({**common, **own})
             with start_window_manager(folder, {**common, **own}) as manager:
                 wait_for_window_manager(manager, {**common, **own})
-                # Qt 5 finds only the one output with RandR. With Xinerama it finds both screens.
+                # With RandR, Qt 5 finds only the single output of Xvfb. Without RandR, Qt 5 uses Xinerama and finds
+                # both screens.
                 environment = {**common, "QT_QPA_PLATFORM": "xcb", "QT_XCB_NO_XRANDR": "1",
                                "QT_XCB_GL_INTEGRATION": "none", "ZQTUTIL_TEST_SCREENS": str(len(SCREENS))}
                 with subprocess.Popen(command, env=environment, preexec_fn=die_with_parent) as process:
@@ -167,7 +170,8 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("command", nargs="+", help="after --")
     arguments = parser.parse_args()
-    # An exception instead of the default action, so that the with blocks terminate their programs.
+    # Raise an exception on SIGTERM, so that the with blocks terminate their programs.
+    # With the default action, the programs would continue to run.
     signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
     sys.exit(run(arguments.command))
 

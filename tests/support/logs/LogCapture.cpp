@@ -12,7 +12,7 @@ namespace Zelkor::Testing
 namespace
 {
 
-// Not QMutex: the thread sanitizer does not recognise its locks and would report false data races.
+// This is not a QMutex: the thread sanitizer does not recognise locks of QMutex and would report false data races.
 std::mutex& Guard()
 {
     static std::mutex guard;

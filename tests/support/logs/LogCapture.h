@@ -17,10 +17,10 @@ struct LogLine
     QString text;
 };
 
-/// Records all log lines of all threads from its construction to its destruction.
+/// Records all glog lines of all threads while this object exists.
 ///
-/// Captures can be nested; each of them records every line. While no capture exists, a warning or an error fails the
-/// current test function (see TestCase).
+/// Several LogCapture objects can exist at the same time; each of them records every line. If a warning or an error is
+/// logged while no LogCapture exists, the current test function fails (see TestCase).
 class LogCapture
 {
 public:
@@ -40,16 +40,16 @@ private:
     QVector<LogLine> lines_;
 };
 
-/// The log sink that feeds all captures. RunTests() installs it.
+/// The glog sink that passes each log line to all LogCapture objects. RunTests() installs it.
 class LogWatch : public google::LogSink
 {
 public:
     static LogWatch& Instance();
 
-    /// Returns the warnings and errors logged while no capture existed, and clears the list.
+    /// Returns the warnings and errors that were logged while no LogCapture existed, and clears their list.
     QVector<LogLine> TakeUnexpected();
 
-    /// Called by glog for every log line, on the thread that logs.
+    /// glog calls this function for every log line, on the thread that logs the line.
     void send(google::LogSeverity severity, char const* fullFilename, char const* baseFilename, int line,
               google::LogMessageTime const& time, char const* message, size_t messageSize) override;
 
