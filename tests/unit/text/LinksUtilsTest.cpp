@@ -20,7 +20,7 @@ static_assert(std::is_same_v<decltype(&ReplaceUrlProtocol), QString (*)(QString)
 namespace
 {
 
-// Initialized before main(), so before any code can change the setting.
+// These values are read before main() runs, when no code can have changed the setting.
 bool const usageWhenLoaded = GetDefaultSslUsage();
 QString const linkWhenLoaded = ReplaceUrlProtocol(QStringLiteral("http://example.org"));
 

@@ -62,7 +62,8 @@ private Q_SLOTS:
         QCOMPARE(AvTimeToQTime(microseconds), time);
     }
 
-    // QTime counts milliseconds in an int, which overflows after 24 days.
+    // QTime counts milliseconds in an int, which overflows after 24 days. The conversion must wrap larger values
+    // correctly too.
     void wrapsAtEveryMidnight_data()
     {
         QTest::addColumn<long long>("microseconds");

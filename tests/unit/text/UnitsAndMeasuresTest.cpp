@@ -45,7 +45,7 @@ constexpr KiloSize BothBases[] = {Kilo1000, Kilo1024};
 
 using Texts = QHash<QString, QString>;
 
-/// Translator that is installed during its lifetime and records the translated source texts.
+/// Translator that is installed during its lifetime and records the source texts that Qt translates.
 class Translation : public QTranslator
 {
 public:
@@ -121,7 +121,8 @@ QString ExpectedFileSize(unsigned long long size, int precision, int minUnit, un
     return Translated("%1 B").arg(size);
 }
 
-/// Compares FormatFileSize() with ExpectedFileSize(). Returns an empty text if they agree.
+/// Compares the results of FormatFileSize() and ExpectedFileSize(). Returns an empty text if the results are equal,
+/// otherwise a description of the difference.
 QString FileSizeDifference(unsigned long long size, int precision, int minUnit, KiloSize kilo)
 {
     QString const actual = FormatFileSize(size, precision, static_cast<SizeUnit>(minUnit), kilo);
@@ -306,7 +307,7 @@ private Q_SLOTS:
         for (int i = 0; i < 20000; ++i) {
             unsigned long long const bits = random();
             int const unit = 1 + static_cast<int>(bits % 4);
-            unsigned long long const part = 1ULL << (bits >> 8 & 7); // powers of two up to 128
+            unsigned long long const part = 1ULL << (bits >> 8 & 7); // a power of two from 1 to 128
             for (KiloSize const kilo : BothBases) {
                 auto divisor = static_cast<unsigned long long>(kilo);
                 for (int step = 1; step < unit; ++step) {
@@ -774,7 +775,7 @@ private:
                  qPrintable(error.callStack));
         QCOMPARE(error.file, QStringLiteral("Util/UnitsAndMeasures.cpp"));
         QVERIFY(error.line > 0);
-        // Compilers differ in the spelling of "long" and in the spaces of function names.
+        // Compilers write function names differently: with "long" or "long int", and with different spaces.
         QString const function = QString(error.function).remove(QLatin1Char(' '));
         QCOMPARE(QString(function).replace(QLatin1String("longint"), QLatin1String("long")),
                  QStringLiteral("voidZelkor::Util::DurationInSecondsToTimeComponents(long,int&,int&,int&)"));

@@ -30,7 +30,8 @@ constexpr QValidator::State Invalid = QValidator::Invalid;
 constexpr QValidator::State Intermediate = QValidator::Intermediate;
 constexpr QValidator::State Acceptable = QValidator::Acceptable;
 
-// A label starts with "[A_Za-z0-9]": of the capitals, only A and Z are accepted there, and the underscore is too.
+// The first character of each domain label except the last label must match "[A_Za-z0-9]": a lower-case letter, a
+// digit, "A", "Z" or "_". Other upper-case letters are rejected at this position.
 QString const emailPattern = QStringLiteral(
     R"([A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\.)+[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?)");
 
@@ -42,7 +43,7 @@ QValidator::State StateOf(QValidator const& validator, QString text)
     return validator.validate(text, position);
 }
 
-/// Returns the proper prefixes of \a text that the validator rejects as input.
+/// Returns the prefixes of \a text that \a validator rejects. \a text itself is not one of the prefixes.
 QStringList InvalidPrefixes(QValidator const& validator, QString const& text)
 {
     QStringList prefixes;
@@ -54,7 +55,8 @@ QStringList InvalidPrefixes(QValidator const& validator, QString const& text)
     return prefixes;
 }
 
-/// Returns the state according to QRegularExpression, which is independent of the QRegExp under test.
+/// Returns the expected state of \a text according to QRegularExpression. The validators under test use QRegExp, which
+/// is a different implementation.
 QValidator::State ExpectedState(QRegularExpression const& pattern, QString const& text)
 {
     QRegularExpressionMatch const match = pattern.match(text, 0, QRegularExpression::PartialPreferCompleteMatch);
@@ -64,7 +66,7 @@ QValidator::State ExpectedState(QRegularExpression const& pattern, QString const
     return text.isEmpty() || match.hasPartialMatch() ? Intermediate : Invalid;
 }
 
-/// Returns \a prefix followed by every sequence of up to \a length of the \a letters.
+/// Returns all texts that consist of \a prefix and zero to \a length characters of \a letters.
 QStringList AllTexts(QString const& prefix, QString const& letters, int length)
 {
     QStringList all(prefix);
@@ -80,7 +82,7 @@ QStringList AllTexts(QString const& prefix, QString const& letters, int length)
     return all;
 }
 
-/// Returns the \a texts whose state differs from the match against \a pattern.
+/// Returns the \a texts for which the state of \a validator differs from the state expected for \a pattern.
 QStringList TextsWithWrongState(QValidator const& validator, QString const& pattern, QStringList const& texts)
 {
     QRegularExpression const expected(QStringLiteral("\\A(?:") + pattern + QStringLiteral(")\\z"));
@@ -256,7 +258,7 @@ private Q_SLOTS:
         AddStateRow("label begins with a capital B", "john@B.org", Invalid);
         AddStateRow("label begins with a capital Y", "john@Y.org", Invalid);
         AddStateRow("label begins with a capital Z", "john@Z.org",
-                    Acceptable); // see emailPattern
+                    Acceptable); // "[A_Za-z0-9]" in emailPattern accepts "Z"
         AddStateRow("label begins with a lower-case a", "john@a.org", Acceptable);
         AddStateRow("label begins with a lower-case z", "john@z.org", Acceptable);
         AddStateRow("label begins with a digit", "john@0.org", Acceptable);

@@ -40,7 +40,7 @@ Q_DECLARE_METATYPE(QMetaObject const*)
 namespace
 {
 
-/// Returns the widget of each item of \a layout, in order. Items without widget give null.
+/// Returns the widget of each item of \a layout, in order. For an item without a widget, the result contains null.
 QWidgetList Widgets(QLayout const& layout)
 {
     QWidgetList widgets;

@@ -195,7 +195,8 @@ private Q_SLOTS:
     void theControllerInvalidatesTheLayoutForChangeEvents()
     {
         QFETCH(int, event);
-        // Ignores all events: QWidget would invalidate the layout too, in addition to the controller's event filter.
+        // Does not call QWidget::event(), which would invalidate the layout too. Therefore only the event filter of the
+        // controller invalidates the layout.
         class Container : public QWidget
         {
         public:

@@ -28,7 +28,7 @@ class Tile : public QWidget
 {
 public:
     std::vector<QEvent::Type> received;
-    QEvent const* lastEvent = nullptr; // for comparison only, not valid after delivery
+    QEvent const* lastEvent = nullptr; // for comparisons only: the pointer is invalid after the delivery
     std::function<void()> onHover = [] {};
 
 protected:
@@ -174,7 +174,8 @@ private Q_SLOTS:
         Send(tiles_[0].get(), QEvent::Enter);
         Send(tiles_[1].get(), QEvent::Enter);
         QCOMPARE(tiles_[0]->received, Types{QEvent::Enter});
-        // Qt always delivers an event to its original receiver.
+        // tiles_[1] receives the second event too: Qt delivers an event to its original receiver, and the group skips
+        // only replays.
         QCOMPARE(tiles_[1]->received, (Types{QEvent::Enter, QEvent::Enter}));
         QCOMPARE(tiles_[2]->received, Types{QEvent::Enter});
     }
@@ -230,7 +231,7 @@ private Q_SLOTS:
         for (int hovered = 0; hovered < MemberCount; ++hovered) {
             for (int destroyer = 0; destroyer < MemberCount; ++destroyer) {
                 for (int destroyed = 0; destroyed < MemberCount; ++destroyed) {
-                    // Qt does not allow a widget to be destroyed inside its own event().
+                    // Qt does not allow a widget to be destroyed while its own event() function runs.
                     if (destroyer != destroyed) {
                         QTest::addRow("event for member %d, member %d destroys member %d", hovered, destroyer,
                                       destroyed)
@@ -290,7 +291,8 @@ private Q_SLOTS:
 
     void skipsAMemberThatIsRemovedDuringTheReplay()
     {
-        // The order of the replay is unspecified. The member that receives the event first removes the other one.
+        // The order of the replay is unspecified. The first of the two members that receives the event removes the
+        // other member.
         tiles_[0]->onHover = [this] { group_->removeItem(tiles_[2].get()); };
         tiles_[2]->onHover = [this] { group_->removeItem(tiles_[0].get()); };
         Send(tiles_[1].get(), QEvent::Enter);
@@ -323,7 +325,7 @@ private Q_SLOTS:
             tile->received.clear();
         }
         for (auto const type : {QEvent::Leave, QEvent::Enter}) {
-            event.emplace(type); // at the same address, as successive events on the stack often are
+            event.emplace(type); // creates the event at the address of the previous event, as often happens on the stack
             QCoreApplication::sendEvent(tiles_[1].get(), &*event);
         }
         for (auto const& tile : tiles_) {

@@ -13,7 +13,7 @@ using Zelkor::Util::PropertyTimeSwitcher;
 static_assert(std::is_base_of_v<QObject, PropertyTimeSwitcher>);
 static_assert(!std::is_copy_constructible_v<PropertyTimeSwitcher> && !std::is_final_v<PropertyTimeSwitcher>);
 
-/// An object with one property. Counts the write accesses to it.
+/// An object with one property. Counts how often the property is written.
 class Controlled : public QObject
 {
     Q_OBJECT

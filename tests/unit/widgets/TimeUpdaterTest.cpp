@@ -115,7 +115,7 @@ private Q_SLOTS:
         QCOMPARE(updater.currentTime(), 3500);
 
         QVERIFY(updater.setProperty("currentTime", 99999));
-        QCOMPARE(updater.property("currentTime").toInt(), 99999); // not limited to the input range
+        QCOMPARE(updater.property("currentTime").toInt(), 99999); // the property is not limited to the input range
         QCOMPARE(document.toPlainText(), QStringLiteral("00:04.000"));
     }
 
@@ -135,7 +135,7 @@ private Q_SLOTS:
         updater.setCurrentTime(3000);
         QCOMPARE(changes.count(), 1);
         updater.setCurrentTime(3000);
-        updater.setCurrentTime(3400); // still formatted as 00:03
+        updater.setCurrentTime(3400); // 3400 ms is still formatted as 00:03
         QCOMPARE(changes.count(), 1);
         QCOMPARE(updater.currentTime(), 3400);
         updater.setCurrentTime(4000);

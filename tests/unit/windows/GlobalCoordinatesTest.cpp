@@ -51,7 +51,8 @@ private Q_SLOTS:
         child.setGeometry(10, 20, 30, 40);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
-        QCOMPARE(GetGlobalWidgetRect(&window), window.geometry()); // without the window frame
+        // The global rectangle does not include the window frame.
+        QCOMPARE(GetGlobalWidgetRect(&window), window.geometry());
         QCOMPARE(GetGlobalWidgetRect(&child), child.geometry().translated(window.geometry().topLeft()));
         QVERIFY(screen.contains(GetGlobalWidgetRect(&child)));
 

@@ -40,7 +40,7 @@ public:
     }
 };
 
-/// Destroys a widget when it is raised.
+/// Event filter that destroys a widget when the widget is raised.
 class DestroysWhenRaised : public QObject
 {
 public:
@@ -80,7 +80,8 @@ private Q_SLOTS:
         auto* const deep = new QWidget(outer_);
         deep->setAttribute(Qt::WA_NativeWindow);
         container_->setAttribute(Qt::WA_NativeWindow);
-        // Qt also makes the ancestors of a native widget native.
+        // Qt also makes all ancestors of a native widget native. Reset this, because deep must be the first native
+        // widget.
         outer_->setAttribute(Qt::WA_NativeWindow, false);
         window_->setAttribute(Qt::WA_NativeWindow, false);
         QCOMPARE(findQmlContainer(window_.get()), deep);
@@ -95,7 +96,7 @@ private Q_SLOTS:
         QCOMPARE(CountWorkarounds(window_.get()), 0);
 
         container_->setAttribute(Qt::WA_NativeWindow);
-        ApplyQmlWindowFocusWorkaround(outer_, container_); // not a window
+        ApplyQmlWindowFocusWorkaround(outer_, container_); // has no effect: outer_ is not a window
         QCOMPARE(CountWorkarounds(outer_), 0);
         QCOMPARE(container_->focusPolicy(), Qt::NoFocus);
 
@@ -224,8 +225,9 @@ private Q_SLOTS:
 
     void theTargetCanBeDestroyedWhenItIsActivated()
     {
-        // The warning of Qt for WindowDoesNotAcceptFocus is the only callback during activateWindow(). All other
-        // effects are delivered later as events. The message handler therefore destroys the target.
+        // During activateWindow(), the test can run code only in the message handler: Qt logs a warning, because the
+        // window has the flag WindowDoesNotAcceptFocus. All other effects are delivered later as events. The message
+        // handler therefore destroys the target.
         static QPointer<QWidget> target;
         static QtMessageHandler previous = nullptr;
         target = container_;
@@ -285,7 +287,7 @@ private:
         QVERIFY(QTest::qWaitForWindowActive(window_.get()));
     }
 
-    /// Returns true if the event is still accepted after delivery.
+    /// Sends an ActivationChange event to the window. Returns true if the event is still accepted after its delivery.
     bool SendActivationChange()
     {
         QEvent event(QEvent::ActivationChange);

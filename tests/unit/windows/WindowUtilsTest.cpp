@@ -40,7 +40,8 @@ QRect Around(QPoint centre)
 
 constexpr QSize DialogSize(121, 81);
 
-/// Returns the expected geometry of a dialog of DialogSize. Half of an odd size is rounded up.
+/// Returns the expected geometry of a dialog that has the size DialogSize and is centred on \a middle. Half of an odd
+/// size is rounded up.
 QRect DialogGeometry(QPoint middle)
 {
     return {middle - QPoint(61, 41), DialogSize};
@@ -250,10 +251,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QRect>("window");
         QTest::addColumn<QPoint>("middle");
-        QTest::newRow("negative coordinates") << QRect(-500, -300, 400, 200) << QPoint(-300, -200); // -300.5, -200.5
-        QTest::newRow("negative centre across zero")
-            << QRect(-300, -200, 400, 300) << QPoint(-100, -50);                                // -100.5, -50.5
-        QTest::newRow("positive coordinates") << QRect(300, 200, 400, 300) << QPoint(499, 349); // 499.5, 349.5
+        // The exact centres are (-300.5, -200.5), (-100.5, -50.5) and (499.5, 349.5).
+        QTest::newRow("negative coordinates") << QRect(-500, -300, 400, 200) << QPoint(-300, -200);
+        QTest::newRow("negative centre across zero") << QRect(-300, -200, 400, 300) << QPoint(-100, -50);
+        QTest::newRow("positive coordinates") << QRect(300, 200, 400, 300) << QPoint(499, 349);
     }
 
     void roundsTheCentreTowardZero()
@@ -281,7 +282,8 @@ private Q_SLOTS:
         dialog.setFixedSize(DialogSize);
         QPoint finalPosition;
         dialog.onExec = [&dialog, &finalPosition] {
-            // The window manager activates a window after it has placed it.
+            // The window manager places the dialog first and activates it afterwards. The position of an active dialog
+            // is therefore final.
             if (QTest::qWaitForWindowActive(&dialog)) {
                 finalPosition = dialog.pos();
             }
