@@ -115,7 +115,8 @@ private Q_SLOTS:
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         helper_ = bundles_->MakeStudio();
         QVERIFY(other->AddToStartup(Identifier, Executable, {}));
-        QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent})); // login items first
+        // Login items precede agents.
+        QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent}));
 
         auto const third = GetAutoLauncherImpl(AutoLauncherImplType::Default);
         QVERIFY(third->IsInStartup(Identifier));
@@ -133,7 +134,7 @@ private Q_SLOTS:
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 0);
         QVERIFY(launcher_->IsInStartup(Identifier));
-        QCOMPARE(programs_->LaunchctlCalls().size(), 1); // not unloaded
+        QCOMPARE(programs_->LaunchctlCalls().size(), 1); // the agent has not been unloaded
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
         QCOMPARE(programs_->LaunchctlCalls().last().first(), QStringLiteral("unload"));
@@ -188,9 +189,9 @@ private Q_SLOTS:
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // adds a duplicate
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // adds a duplicate login item
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // finds the items read by the first call
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // finds the login item that the first call read
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
     }
 
@@ -253,7 +254,8 @@ protected:
     }
 
 private:
-    /// Removes the login item like another program, so that the launcher under test keeps its cached list.
+    /// Removes the login item through another launcher, as a different program would do. The launcher under test does
+    /// not notice the removal and keeps its cached list.
     static void RemoveWithAnotherLauncher()
     {
         auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);

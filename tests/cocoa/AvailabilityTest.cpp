@@ -1,4 +1,5 @@
-// Availability checks follow the system version: @available, __builtin_available, NSProcessInfo and GetSystemVersion().
+// Tests that all availability checks use the system version that a test sets: @available, __builtin_available,
+// NSProcessInfo and GetSystemVersion().
 
 #include "NativeAvailability.h"
 

@@ -9,18 +9,19 @@
 namespace Zelkor::Testing
 {
 
-/// Temporary folder with application bundles: real folders with real property lists.
+/// A temporary folder with application bundles. The bundles are real folders with real property lists.
 class Bundles
 {
 public:
-    /// Creates the bundle \a name, a path relative to the folder, and returns its absolute path. If \a identifier is
-    /// empty, the bundle has no property list.
+    /// Creates a bundle and returns its absolute path. \a name is the path of the bundle relative to the temporary
+    /// folder. If \a identifier is empty, the bundle has no property list.
     QString Make(QString const& name, QString const& identifier, QString const& version)
     {
         return MakeWithVersionElement(name, identifier, QStringLiteral("<string>%1</string>").arg(version));
     }
 
-    /// Creates the bundle like Make(), with an XML element for the version, for example "<integer>3</integer>".
+    /// Creates a bundle like Make(). \a versionElement is the XML element of the version, for example
+    /// "<integer>3</integer>".
     QString MakeWithVersionElement(QString const& name, QString const& identifier, QString const& versionElement)
     {
         QString path = folder_.filePath(name);
@@ -37,7 +38,8 @@ public:
         return path;
     }
 
-    /// Creates an application that contains a helper, and makes it the main bundle. Returns the path of the helper.
+    /// Creates an application that contains a helper, and makes the application the main bundle. Returns the path of
+    /// the helper.
     QString MakeStudio()
     {
         TestBed::SetMainBundle(

@@ -46,7 +46,7 @@ QString AgentsFolder()
     return QDir::homePath() + QStringLiteral("/Library/LaunchAgents/");
 }
 
-/// Returns the property list \a path as JSON with sorted keys, read with Python's plistlib.
+/// Reads the property list \a path with Python's plistlib and returns it as JSON with sorted keys.
 QByteArray ReadAsJson(QString const& path)
 {
     QProcess python;
@@ -89,7 +89,7 @@ private Q_SLOTS:
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
-        QVERIFY(startup_->IsInStartup(Identifier)); // launchctl found the label in the file
+        QVERIFY(startup_->IsInStartup(Identifier)); // true only if launchctl has found the label in the file
     }
 
     void doesNotWaitForLaunchctl()
@@ -207,7 +207,7 @@ private Q_SLOTS:
         LogLine const line = log.Lines().first();
         QCOMPARE(line.severity, google::GLOG_WARNING);
         QCOMPARE(line.file, QStringLiteral("Util/Platforms/mac/LaunchctlStartupImpl.mm"));
-        QCOMPARE(line.line, 120); // fixed: support searches the log for this position
+        QCOMPARE(line.line, 120); // must not change: support searches the log for this line number
         QCOMPARE(line.text,
                  QStringLiteral("bool Zelkor::Util::LaunchctlStartupImpl::AddToStartup(const QString &, "
                                 "const QString &, const QStringList &): Invalid application identificator."));
@@ -253,7 +253,7 @@ private Q_SLOTS:
         LogLine const line = log.Lines().first();
         QCOMPARE(line.severity, google::GLOG_ERROR);
         QCOMPARE(line.file, QStringLiteral("Util/Platforms/mac/LaunchctlStartupImpl.mm"));
-        QCOMPARE(line.line, 63); // fixed: support searches the log for this position
+        QCOMPARE(line.line, 63); // must not change: support searches the log for this line number
         QVERIFY(
             line.text.startsWith(QStringLiteral("QString Zelkor::Util::(anonymous namespace)::GetAppsFromLaunchctl(): "
                                                 "Exception while launchctl running: ")));
@@ -375,7 +375,8 @@ protected:
     }
 
 private:
-    /// Creates an agent with a label only in the user's folder, and returns its path.
+    /// Creates an agent in the user's folder and returns its path. The property list of the agent contains only a
+    /// label.
     static QString MakeAgent(QString const& name, QString const& label)
     {
         QString path = AgentsFolder() + name;

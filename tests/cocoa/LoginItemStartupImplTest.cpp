@@ -143,15 +143,15 @@ private Q_SLOTS:
             bundles_->Make(QStringLiteral("H.app"), QStringLiteral("com.zelkor.Agent"), QStringLiteral("1"));
         {
             WorkingFolder const here(helper.toStdString());
-            TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd")); // a path too short to contain an application
+            TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd")); // the path is too short to contain an application
             startup_->UpdateStartupItems(Vendor);
             QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
         }
         WorkingFolder const above(QFileInfo(helper).path().toStdString());
+        // The path is just long enough: the application that contains the helper is the root folder.
         TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd/H.app"));
         startup_->UpdateStartupItems(Vendor);
-        QCOMPARE(startup_->GetItemsAtStartup(),
-                 QStringList{QStringLiteral("zelkor__.0_Agent")}); // the application is the root folder
+        QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor__.0_Agent")});
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
 
@@ -229,14 +229,14 @@ private Q_SLOTS:
         TestBed::AddLoginItem(QStringLiteral("/first"));
         QVERIFY(startup_->AddToLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(), (QStringList{QStringLiteral("file:///first/"), UrlOf(helper_)}));
-        QVERIFY(!startup_->IsInStartup(Identifier)); // the items are not read again yet
+        QVERIFY(!startup_->IsInStartup(Identifier)); // the login items have not been read again
         startup_->UpdateStartupItems(Vendor);
         QVERIFY(startup_->IsInStartup(Identifier));
 
-        QVERIFY(startup_->AddToLoginItems(Identifier)); // it is a login item already
+        QVERIFY(startup_->AddToLoginItems(Identifier)); // the helper is already a login item
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
 
-        QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // the suffix ".APP" is accepted
+        QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // the library accepts the suffix ".APP"
         QCOMPARE(TestBed::LoginItemUrls().size(), 3);
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
@@ -244,15 +244,16 @@ private Q_SLOTS:
     void addsNothingWithoutMainBundle_data()
     {
         QTest::addColumn<int>("call");
-        QTest::newRow("bundle") << int(TestBed::MainBundleCall::Get);
-        QTest::newRow("its URL") << int(TestBed::MainBundleCall::CopyUrl);
+        QTest::newRow("main bundle") << int(TestBed::MainBundleCall::Get);
+        QTest::newRow("URL of the main bundle") << int(TestBed::MainBundleCall::CopyUrl);
     }
 
     void addsNothingWithoutMainBundle()
     {
         QFETCH(int, call);
         helper_ = bundles_->MakeStudio();
-        // The bundle becomes the current folder, so the helper exists at the relative path too.
+        // Make the bundle the current folder, so that the helper also exists at its path relative to the current
+        // folder. The library must not use this relative path.
         WorkingFolder const bundle(QDir::cleanPath(helper_ + QStringLiteral("/../../../..")).toStdString());
         QVERIFY(QFileInfo(QStringLiteral("Contents/Library/LoginItems/Agent.app")).isDir());
         TestBed::FailMainBundle(TestBed::MainBundleCall(call));
@@ -286,7 +287,7 @@ private Q_SLOTS:
             path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
         }
         path = QFileInfo(path).path();
-        // Finds two adjacent entries of the folder that are not in alphabetical order.
+        // Find two consecutive entries of the folder that the file system lists in reverse alphabetical order.
         std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
         auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
         QVERIFY(first != names.end());
@@ -353,13 +354,13 @@ private Q_SLOTS:
         TestBed::AddLoginItem(QStringLiteral("/first"));
         TestBed::AddLoginItem(QStringLiteral("/second"), false);
         TestBed::AddLoginItem(helper_);
-        QVERIFY(!startup_->RemoveFromLoginItems(Identifier)); // the items are not read yet
+        QVERIFY(!startup_->RemoveFromLoginItems(Identifier)); // the login items have not been read
         startup_->UpdateStartupItems(Vendor);
         QVERIFY(!startup_->RemoveFromLoginItems(QStringLiteral("zelkor_Other_1.0.0_Agent")));
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(),
                  (QStringList{QStringLiteral("file:///first/"), QStringLiteral("file:///second/")}));
-        QVERIFY(startup_->IsInStartup(Identifier)); // the items are not read again yet
+        QVERIFY(startup_->IsInStartup(Identifier)); // the login items have not been read again
         QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
@@ -419,7 +420,8 @@ private Q_SLOTS:
         TestBed::AddLoginItem(helper_);
         TestBed::SetSystemVersion(QStringLiteral("10.8.5"));
         startup_->UpdateStartupItems(Vendor);
-        // Before 10.9, item URLs contain the host name. These URLs do not, so they yield no path and no application.
+        // Before macOS 10.9, the URLs of login items contain the host name. The URLs in the test bed never contain it,
+        // so the library finds neither a path nor an application.
         QVERIFY(!startup_->IsInStartup(Identifier));
         for (QString const& version : {QStringLiteral("10.9"), QStringLiteral("10.9.0"), QStringLiteral("11.2")}) {
             TestBed::SetSystemVersion(version);

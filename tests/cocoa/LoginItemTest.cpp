@@ -16,7 +16,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("identifier");
         QTest::addColumn<int>("index");
         QTest::addColumn<QString>("part");
-        QTest::newRow("maker") << QStringLiteral("com.zelkor.Studio3") << 1 << QStringLiteral("zelkor");
+        QTest::newRow("vendor") << QStringLiteral("com.zelkor.Studio3") << 1 << QStringLiteral("zelkor");
         QTest::newRow("product") << QStringLiteral("com.zelkor.Studio3") << 2 << QStringLiteral("Studio3");
         QTest::newRow("four parts") << QStringLiteral("com.zelkor.Studio.Agent") << 2 << QStringLiteral("Studio");
         QTest::newRow("two parts") << QStringLiteral("com.zelkor") << 1 << QString();

@@ -1,6 +1,6 @@
 #pragma once
 
-// Availability checks in Objective-C++.
+// Availability checks that are compiled as Objective-C++, so that C++ tests can call them.
 
 #include <QtCore/QString>
 

@@ -1,32 +1,33 @@
 #pragma once
 
-// Blocks and exceptions in Objective-C++.
+// Functions that use blocks and exceptions in Objective-C++, so that C++ tests can call them.
 
 #include <functional>
 
 namespace Zelkor::Testing
 {
 
-/// Calls a block three times: directly, from a collection and after a retain. The block adds \a number to the count of
-/// calls so far. Returns the sum of the results.
+/// Calls a block three times: directly, through a collection, and through a retained pointer. On its n-th call, the
+/// block returns \a number + n. Returns the sum of the three results.
 int SumOfBlocks(int number);
 
 void RaiseNSException();
 void ThrowCpp();
 
-/// The handler that catches an exception.
+/// The kind of handler that catches an exception.
 enum class Handler { None, StdException, NSException, CatchAll };
 
-/// Calls \a call inside try, with handlers for std::exception and for everything. Returns the handler that runs.
+/// Calls \a call in a try block with two handlers: one for std::exception, and catch (...). Returns the handler that
+/// runs.
 Handler CatchInCpp(std::function<void()> const& call);
 
-/// Calls \a call inside @try, with a handler for NSException. Returns the handler that runs.
+/// Calls \a call in a @try block with a handler for NSException. Returns the handler that runs.
 Handler CatchNSException(std::function<void()> const& call);
 
-/// Calls \a call inside @try, with a handler for everything. Returns the handler that runs.
+/// Calls \a call in a @try block with the handler @catch (...). Returns the handler that runs.
 Handler CatchAnythingInObjectiveC(std::function<void()> const& call);
 
-/// Calls \a call and sets \a ranFinally in a @finally block.
+/// Calls \a call in a @try block. Sets \a ranFinally to true in the @finally block.
 void CallWithFinally(std::function<void()> const& call, bool& ranFinally);
 
 } // namespace Zelkor::Testing

@@ -1,4 +1,5 @@
-// Blocks and exceptions in Objective-C++ on the test bed, which adapts gcc's runtime to the behaviour of a Mac.
+// Tests of blocks and exceptions in Objective-C++. In the test bed, GCC's Objective-C runtime is adapted to behave as
+// on macOS.
 
 #include "NativeRuntime.h"
 
@@ -13,7 +14,7 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// Returns true if \a call throws and the @finally block around it runs.
+/// Returns true if \a call throws an exception and the @finally block around \a call runs.
 bool RunsFinally(void (*call)())
 {
     bool ranFinally = false;

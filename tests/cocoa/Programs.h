@@ -30,8 +30,8 @@ inline Arguments UnloadArguments(QString const& propertyList)
     return {QStringLiteral("unload"), QStringLiteral("-w"), propertyList};
 }
 
-/// Provides fake launchctl, open and tccutil programs during its lifetime, on the search path and under the full paths
-/// that the library uses. testbed/programs/program implements them.
+/// Provides fake launchctl, open and tccutil programs during its lifetime. They are on the search path and replace the
+/// full paths that the library uses. The script testbed/programs/program implements all three programs.
 class Programs
 {
 public:
@@ -58,7 +58,7 @@ public:
     /// Allows every user to run the programs.
     void GrantAccessToEveryone() const { chmod(QFile::encodeName(folder_.path()).constData(), 0777); }
 
-    /// Locks the programs. A called program does not finish before the result is destroyed.
+    /// Locks the programs. While the returned file exists, no called program finishes.
     std::unique_ptr<QFile> Lock() const
     {
         auto lock = std::make_unique<QFile>(folder_.filePath(QStringLiteral("lock")));
@@ -70,7 +70,7 @@ public:
     /// Sets the output of "launchctl list".
     void SetJobs(QByteArray const& list) { SetState(QLatin1String("launchctl"), list); }
 
-    /// Replaces the state of \a program.
+    /// Replaces the content of the state file of \a program.
     void SetState(QLatin1String program, QByteArray const& state)
     {
         QFile file(File(program) + QLatin1String(".state"));
@@ -83,7 +83,7 @@ public:
     /// Returns the arguments of each finished call of \a program, in order.
     QList<Arguments> Calls(QLatin1String program) const
     {
-        // The program writes one line per call and "|" after each argument.
+        // For each call, the program writes one line that contains the arguments, each followed by "|".
         QList<Arguments> calls;
         QStringList const lines = QString::fromUtf8(Content(File(program) + QLatin1String(".calls")))
                                       .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -93,7 +93,7 @@ public:
         return calls;
     }
 
-    /// Returns the calls of launchctl except "launchctl list".
+    /// Returns the arguments of each finished call of launchctl, in order. Omits the calls of "launchctl list".
     QList<Arguments> LaunchctlCalls() const
     {
         QList<Arguments> calls = Calls(QLatin1String("launchctl"));

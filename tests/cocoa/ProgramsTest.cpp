@@ -1,4 +1,4 @@
-// The fake programs of the test bed, started in the ways that the library uses.
+// Tests of the fake programs of the test bed. The tests start the programs in the same ways as the library.
 
 #include "Programs.h"
 

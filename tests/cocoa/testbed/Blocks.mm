@@ -1,5 +1,5 @@
-// Makes blocks Objective-C objects, as on a Mac: code can send them copy, retain and release and store them in
-// collections. The blocks runtime library provides only empty class structures for the gcc runtime.
+// Makes blocks Objective-C objects, as on macOS: blocks accept the messages copy, retain and release, and can be stored
+// in collections. For GCC's runtime, the blocks runtime library provides only empty class structures.
 
 #import <Foundation/Foundation.h>
 
@@ -17,7 +17,7 @@ extern void* _NSConcreteMallocBlock[32];
 @end
 
 @implementation NSBlock
-// In +load, because a static constructor may run before the runtime registers the class.
+// This code is in +load, because a static constructor could run before the runtime registers the class.
 + (void)load
 {
     [self instanceMethodForSelector:@selector(copy)]; // forces the runtime to create the method table

@@ -1,5 +1,5 @@
-// Core Foundation objects are GNUstep objects whose owned references are counted. Each function has its own autorelease
-// pool, because plain C++ callers have none.
+// Simulates Core Foundation with GNUstep objects, and counts the references that the callers own. Functions that create
+// temporary objects have their own autorelease pool, because plain C++ callers have none.
 
 #include "State.h"
 
@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <map>
 
-/// Bundle in an existing folder. The property list is optional, as on a Mac.
+/// A bundle in an existing folder. The property list of the bundle is optional, as on macOS.
 @interface ZBBundle : NSObject {
 @public
     NSString* path;
@@ -200,7 +200,7 @@ CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle)
     }
 }
 
-// --- Conversions that Qt implements on Apple systems only
+// --- Conversions that Qt implements only on Apple systems
 
 QUrl QUrl::fromCFURL(CFURLRef url)
 {

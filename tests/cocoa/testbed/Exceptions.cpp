@@ -1,8 +1,9 @@
-// Gives exceptions in Objective-C++ functions the semantics of a Mac. gcc's Objective-C runtime never catches a C++
-// exception in such a function. It also aborts at a C++ handler, which it treats as a handler of an unknown class.
+// Makes exceptions in Objective-C++ functions behave as on macOS. In such a function, GCC's Objective-C runtime never
+// catches a C++ exception. It also aborts at a handler for a C++ type, because it treats the type as an unknown
+// Objective-C class.
 //
-// This file replaces the personality function of the runtime, which selects the handler during unwinding. It delegates
-// to the personality function of C++ where this gives the same result as on a Mac:
+// This file replaces the personality function of the runtime, which selects the handler during unwinding. The
+// replacement calls the personality function of C++ where that gives the same result as on macOS:
 // - a C++ exception is caught by C++ handlers, catch (...), @catch (...) and @finally, but not by @catch (SomeClass*);
 // - an NSException is caught by catch (...), but not by typed C++ handlers.
 
@@ -67,7 +68,7 @@ public:
         }
     }
 
-    /// Reads a pointer in the DWARF encoding \a encoding.
+    /// Reads a pointer that is stored in the DWARF encoding \a encoding.
     std::uintptr_t Pointer(std::uint8_t encoding)
     {
         auto const start = reinterpret_cast<std::uintptr_t>(position_);
@@ -136,8 +137,9 @@ struct DerivedTwice : Base, Other
 {};
 enum Enumeration { Enumerator };
 
-/// Returns true if \a type, the type of a handler, is a std::type_info object: its vtable is the one of a type_info
-/// class. For an Objective-C class, \a type points to the class name instead.
+/// Returns true if the handler type \a type is a C++ type. In this case, \a type points to a std::type_info object,
+/// which starts with a pointer to the vtable of a type_info class. For an Objective-C class, \a type points to the
+/// class name.
 bool IsCppType(std::uintptr_t type)
 {
     auto const tableOf = [](std::type_info const& info) { return *reinterpret_cast<void const* const*>(&info); };
@@ -160,7 +162,7 @@ struct Handlers
     bool objectiveC = false;
 };
 
-/// Returns the kinds of typed handlers in the chain that starts at \a actions.
+/// Returns the kinds of typed handlers in the chain of action records that starts at \a actions.
 Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std::uint8_t typeEncoding,
                     _Unwind_Context* context)
 {
@@ -182,7 +184,7 @@ Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std:
     }
 }
 
-/// Returns the kinds of typed handlers around the call that throws.
+/// Returns the kinds of typed handlers around the call in \a context through which the exception propagates.
 Handlers HandlersAtCall(_Unwind_Context* context)
 {
     auto const table = reinterpret_cast<std::uint8_t const*>(_Unwind_GetLanguageSpecificData(context));
@@ -220,7 +222,8 @@ Handlers HandlersAtCall(_Unwind_Context* context)
     return {};
 }
 
-/// Returns true for the class "GNUCC++" and a version byte. The Objective-C runtime uses "GNUCOBJC".
+/// Returns true if \a type is the exception class of C++, which is "GNUCC++" and a version byte. The exception class of
+/// the Objective-C runtime is "GNUCOBJC".
 bool IsCppException(_Unwind_Exception_Class type)
 {
     return type >> 8 == 0x474e5543432b2b;

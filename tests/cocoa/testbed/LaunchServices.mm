@@ -1,4 +1,4 @@
-// Launch Services: the login items of the session.
+// Simulates the part of Launch Services that manages the login items of the session.
 
 #include "State.h"
 
@@ -85,7 +85,7 @@ OSStatus LSSharedFileListItemResolve(LSSharedFileListItemRef item, LSSharedFileL
     @autoreleasepool {
         ZBLoginItem* const loginItem = (ZBLoginItem*)item;
         *url = (CFURLRef)Own(loginItem->url);
-        return loginItem->resolves ? noErr : -43; // fnfErr
+        return loginItem->resolves ? noErr : -43; // fnfErr: file not found
     }
 }
 
@@ -107,7 +107,7 @@ LSSharedFileListItemRef LSSharedFileListInsertItemURL(LSSharedFileListRef, LSSha
 OSStatus LSSharedFileListItemRemove(LSSharedFileListRef, LSSharedFileListItemRef item)
 {
     if (Fails(LoginItemsCall::Remove)) {
-        return -50; // paramErr
+        return -50; // paramErr: invalid parameter
     }
     auto& items = TheState().loginItems;
     for (auto found = items.begin(); found != items.end(); ++found) {

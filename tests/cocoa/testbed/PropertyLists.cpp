@@ -1,4 +1,4 @@
-// XML property lists as a QSettings format. On a Mac, this is the native format of QSettings.
+// Provides XML property lists as a QSettings format. On macOS, this is the native format of QSettings.
 
 #include <Util/Platforms/mac/SystemSettings.h>
 
@@ -31,8 +31,8 @@ QVariant ReadValue(QXmlStreamReader& xml)
 bool Read(QIODevice& device, QSettings::SettingsMap& map)
 {
     QXmlStreamReader xml(&device);
-    xml.readNextStartElement(); // plist
-    xml.readNextStartElement(); // dict
+    xml.readNextStartElement(); // enters the element "plist"
+    xml.readNextStartElement(); // enters the element "dict"
     while (xml.readNextStartElement()) {
         QString const key = xml.readElementText();
         if (xml.readNextStartElement()) {

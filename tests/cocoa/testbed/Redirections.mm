@@ -1,5 +1,5 @@
-// Redirects calls that must not reach the real system: NSWorkspace requests, launchctl, open and tccutil, and the
-// system version.
+// Redirects calls that must not reach the real system: requests to NSWorkspace, calls of launchctl, open and tccutil,
+// and queries of the system version.
 
 #include "State.h"
 
@@ -32,7 +32,7 @@ using Zelkor::TestBed::TheState;
 namespace
 {
 
-/// Returns the path of the fake program that replaces \a program, or a null text if it is not replaced.
+/// Returns the path of the fake program that replaces \a program, or a null string if \a program is not replaced.
 QString Replacement(QString const& program)
 {
     for (char const* const path : {"/bin/launchctl", "/usr/bin/open", "/usr/bin/tccutil"}) {
@@ -55,7 +55,7 @@ QString Replacement(QString const& program)
 }
 @end
 
-// Replaces the C library's function: the sources under test run programs with it.
+// Replaces the system() function of the C library, because the sources under test run programs with it.
 extern "C" int system(char const* command)
 {
     static auto const next = reinterpret_cast<int (*)(char const*)>(dlsym(RTLD_NEXT, "system"));

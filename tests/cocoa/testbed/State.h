@@ -10,7 +10,7 @@
 
 #include <vector>
 
-/// Login item of the session.
+/// A login item of the simulated session.
 @interface ZBLoginItem : NSObject {
 @public
     NSURL* url;
@@ -35,7 +35,8 @@ struct State
 
 State& TheState();
 
-/// Adds an owned reference to \a object, which the caller must release, and returns \a object. Does nothing for null.
+/// Adds a reference to \a object and returns \a object. The caller owns the reference and must release it. Does nothing
+/// if \a object is null.
 CFTypeRef Own(id object) __attribute__((cf_returns_retained));
 
 } // namespace Zelkor::TestBed

@@ -1,4 +1,4 @@
-// Availability checks of Objective-C++, C++ and NSProcessInfo against the simulated system version.
+// Implements the availability checks of Objective-C++, C++ and NSProcessInfo with the simulated system version.
 
 #include "State.h"
 

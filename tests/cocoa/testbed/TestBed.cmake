@@ -1,4 +1,4 @@
-# Included directly after project(). Configures the build of the macOS sources against the test bed.
+# Configures the build of the macOS sources with the test bed. This file must be included directly after project().
 
 find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
 execute_process(COMMAND "${GNUSTEP_CONFIG}" --objc-flags OUTPUT_VARIABLE gnustep_flags OUTPUT_STRIP_TRAILING_WHITESPACE)
@@ -13,17 +13,18 @@ list(FILTER gnustep_flags EXCLUDE REGEX "^(-MMD|-MP|-g|-O2|-Wall|-Wno-import|-I\
 set(CMAKE_OBJCXX_COMPILER "${CMAKE_CXX_COMPILER}")
 enable_language(OBJCXX)
 
-# These headers extend the GNUstep headers of the same name, so they must be found first.
+# These headers extend the GNUstep headers of the same names, so the compiler must find them first.
 include_directories(BEFORE "${CMAKE_CURRENT_LIST_DIR}/headers")
 add_compile_options("SHELL:-include ${CMAKE_CURRENT_LIST_DIR}/prefix.h")
 foreach(flag IN LISTS gnustep_flags)
     add_compile_options("$<$<COMPILE_LANGUAGE:OBJCXX>:${flag}>")
 endforeach()
-# gcc provides the headers of libobjc. An unknown selector is an error, as with the compiler of a Mac.
+# Use the libobjc headers that come with GCC.
 file(GLOB objc_headers /usr/lib/gcc/*/*/include/objc)
 list(GET objc_headers -1 objc_headers)
 file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/objc-headers")
 file(CREATE_LINK "${objc_headers}" "${CMAKE_BINARY_DIR}/objc-headers/objc" SYMBOLIC)
+# -Werror=objc-method-access: treat unknown selectors as errors, as Apple's compiler does.
 foreach(flag -fblocks -fobjc-runtime=gcc -Werror=objc-method-access
     "SHELL:-isystem ${CMAKE_BINARY_DIR}/objc-headers" "SHELL:-isystem /usr/include/GNUstep")
     string(REPLACE "SHELL:" "" bare "${flag}")

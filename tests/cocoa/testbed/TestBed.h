@@ -1,7 +1,7 @@
 #pragma once
 
-// Controls the simulated macOS system: tests set its state and read it back. Plain C++, so that any test can include
-// it.
+// Functions that control the simulated macOS system. Tests set the state of this system and read it back. This header
+// is plain C++, so that every test can include it.
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -10,13 +10,13 @@
 namespace Zelkor::TestBed
 {
 
-/// Restores the initial state: no main bundle, login items, recorded requests, failures or programs; system version
-/// 10.13.6.
+/// Restores the initial state: the system version is 10.13.6, and there are no main bundle, login items, recorded
+/// requests, failures or programs.
 void Reset();
 
 // --- Core Foundation
 
-/// Returns the number of owned references to Core Foundation objects that are not released yet.
+/// Returns the number of owned references to Core Foundation objects that have not been released.
 int LiveObjects();
 
 /// Sets the folder of the program's main bundle.
@@ -24,27 +24,28 @@ void SetMainBundle(QString const& path);
 
 enum class MainBundleCall { None, Get, CopyUrl };
 
-/// Makes the following calls of this kind return null. MainBundleCall::None restores success.
+/// Makes all following calls of the kind \a call return null. With MainBundleCall::None, all calls succeed again.
 void FailMainBundle(MainBundleCall call);
 
 // --- The system
 
-/// Sets the version in SystemVersion.plist and in NSProcessInfo. It also determines the result of @available.
+/// Sets the system version that SystemVersion.plist and NSProcessInfo report. This version also determines the result
+/// of @available.
 void SetSystemVersion(QString const& version);
 
-/// Sets the folder of the launchctl, open and tccutil programs that replace the ones called by full path. If \a folder
-/// is empty, these programs are missing.
+/// Sets the folder of the fake launchctl, open and tccutil programs. A call of the full path of one of these programs
+/// runs the fake program instead. If \a folder is empty, such a call finds no program.
 void SetProgramsFolder(QString const& folder);
 
 // --- Launch Services
 
 enum class LoginItemsCall { None, Create, Snapshot, Insert, Remove };
 
-/// Makes the following calls of this kind fail. LoginItemsCall::None restores success.
+/// Makes all following calls of the kind \a call fail. With LoginItemsCall::None, all calls succeed again.
 void FailLoginItems(LoginItemsCall call);
 
-/// Adds a login item for the folder \a path. If \a resolves is false, resolving the item returns its URL together with
-/// an error status.
+/// Adds a login item for the folder \a path. If \a resolves is false, an attempt to resolve the item returns its URL
+/// together with an error status.
 void AddLoginItem(QString const& path, bool resolves = true);
 
 /// Returns the URLs of the login items, in order.
@@ -52,10 +53,10 @@ QStringList LoginItemUrls();
 
 // --- The workspace
 
-/// Returns the URLs passed to the workspace to open, in order.
+/// Returns the URLs that the workspace was requested to open, in the order of the requests.
 QStringList OpenedUrls();
 
-/// Returns the URLs of each request to show files in the file viewer, in order.
+/// For each request to show files in the file viewer, returns the URLs of the files. The order is that of the requests.
 QList<QStringList> FileViewerRequests();
 
 } // namespace Zelkor::TestBed

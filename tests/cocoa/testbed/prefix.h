@@ -1,10 +1,11 @@
 #pragma once
 
-// Included before every source that is built for the test bed.
+// The compiler includes this header before every source that is built for the test bed.
 
 #ifdef __OBJC__
 #include <objc/objc.h>
-// Defined as on a Mac: gcc's nil, (id)0, does not match "error:nil", and its YES, (BOOL)1, does not match "@YES".
+// Define these names as on macOS. The definitions of GCC do not compile in some expressions: nil, which is (id)0, in
+// "error:nil", and YES, which is (BOOL)1, in "@YES".
 #undef nil
 #undef Nil
 #define nil nullptr
@@ -15,20 +16,22 @@
 #define NO __objc_no
 #endif
 
-// Availability depends on the version set by the test. For systems other than the target, clang always assumes that the
-// version is available.
+// Availability depends on the system version that a test sets. Clang's own check always succeeds for a system that is
+// not the target system.
 extern "C" bool ZBSystemIsAtLeast(char const* version);
-// NOLINTNEXTLINE(bugprone-reserved-identifier): replaces the compiler builtin
+// NOLINTNEXTLINE(bugprone-reserved-identifier): this macro replaces the compiler's builtin
 #define __builtin_available(version, ...) ZBSystemIsAtLeast(#version)
 #ifdef __OBJC__
-// The Qt headers have functions named available(), so they must be included before the macro.
+// These Qt headers declare functions with the name available(). They must be included before the macro of this name is
+// defined.
 #include <QtCore/qcontiguouscache.h>
 #include <QtCore/qsemaphore.h>
-// "@available(...)" expands to "@encode(char)[...]": the character at index 0 is not zero, the one at index 1 is.
+// "@available(...)" expands to "@encode(char)[...]", which reads a character of the string "c". The character at index
+// 0 is not zero, so it means true. The character at index 1 is the terminating zero, so it means false.
 #define available(version, ...) encode(char)[ZBSystemIsAtLeast(#version) ? 0 : 1]
 #endif
 
-// Qt declares its conversions from and to Apple types on Apple systems only.
+// Qt declares its conversions from and to Apple types only if Q_OS_DARWIN is defined.
 #include <QtCore/qglobal.h>
 #define Q_OS_DARWIN
 #include <QtCore/qstring.h>

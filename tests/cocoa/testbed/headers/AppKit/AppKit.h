@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// GNUstep's AppKit and the declarations that it lacks.
+// GNUstep's AppKit, and the declarations that GNUstep lacks.
 
 #include_next <AppKit/AppKit.h>
 

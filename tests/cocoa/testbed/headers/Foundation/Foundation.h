@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// GNUstep's Foundation and the declarations that it lacks.
+// GNUstep's Foundation, and the declarations that GNUstep lacks.
 
 #include_next <Foundation/Foundation.h>
 
