@@ -170,8 +170,8 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("command", nargs="+", help="after --")
     arguments = parser.parse_args()
-    # Raise an exception on SIGTERM, so that the with blocks terminate their programs.
-    # With the default action, the programs would continue to run.
+    # Raise an exception on SIGTERM, so that the with blocks terminate their programs. The default action of SIGTERM
+    # would skip the end of the with blocks.
     signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
     sys.exit(run(arguments.command))
 
