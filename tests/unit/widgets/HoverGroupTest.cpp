@@ -325,7 +325,7 @@ private Q_SLOTS:
             tile->received.clear();
         }
         for (auto const type : {QEvent::Leave, QEvent::Enter}) {
-            event.emplace(type); // creates the event at the address of the previous event, as often happens on the stack
+            event.emplace(type); // at the address of the previous event, as often happens for events on the stack
             QCoreApplication::sendEvent(tiles_[1].get(), &*event);
         }
         for (auto const& tile : tiles_) {
