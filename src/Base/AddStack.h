@@ -14,10 +14,10 @@ namespace Zelkor
 
 /// Returns a copy of \a exception whose text also contains the call stack of the calling thread.
 ///
-/// The new text is the text of \a exception, a line feed, and the result of GetCallStack(). May be called on any
-/// thread.
+/// The new text is the text of \a exception, a line feed, and the result of GetCallStack(). This function may be called
+/// on any thread.
 ///
-/// \tparam E        `std::logic_error`, `std::runtime_error`, or a type derived from one of them. It must be
+/// \tparam E        `std::logic_error`, `std::runtime_error`, or a type derived from one of them. The type must be
 ///                  constructible from a `std::string`.
 /// \param exception  the exception to copy
 /// \return a new exception of type \a E

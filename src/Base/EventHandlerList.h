@@ -22,7 +22,7 @@ template <class T>
 class EventPublisher
 {
 public:
-    /// Registers \a handler. The caller keeps the ownership and unregisters the handler before destroying it.
+    /// Registers \a handler. The caller keeps ownership of \a handler and must unregister it before destroying it.
     virtual void RegisterEventHandler(T* handler) = 0;
 
     /// Unregisters \a handler.
@@ -31,10 +31,10 @@ public:
     virtual ~EventPublisher() = default;
 };
 
-/// Calls each handler immediately, on the publishing thread.
+/// A policy for EventHandlerList that calls each handler immediately, on the thread that publishes the event.
 ///
-/// EventHandlerList accepts any type with such an `Execute` function as its policy. A policy may also store the calls
-/// and make them later.
+/// Any type with an `Execute` function of the same form can be a policy. A policy may also store the calls and make
+/// them later.
 struct SyncExecutePolicy
 {
     /// Calls \a call without arguments.
@@ -57,15 +57,18 @@ struct SyncExecutePolicy
 /// };
 /// \endcode
 ///
-/// **Threads.** All functions are thread-safe. Publications do not overlap: a second one waits until the first has
-/// finished, unless a handler starts it on the same thread. The list is not locked while handlers are called, so other
-/// threads can register and unregister handlers.
+/// A call of PerformForEachEventHandler() is called a publication.
 ///
-/// **Changes during a publication** take effect from the next publication. A handler that is unregistered during a
-/// publication is still called by it, and by every publication that is already waiting. The handler and the list must
-/// therefore outlive those publications.
+/// **Threads.** All functions are thread-safe. Publications on different threads do not overlap: the second publication
+/// waits until the first has finished. A publication that a handler starts on its own thread does not wait. The list is
+/// not locked while handlers are called, so other threads can register and unregister handlers.
 ///
-/// \a Policy determines how a handler is called. SyncExecutePolicy calls it immediately.
+/// **Changes during a publication.** A publication copies the list before it waits or calls handlers. If a handler is
+/// unregistered later, the publication still calls this handler. The handler and the list must therefore exist until
+/// all publications that are running or waiting have finished.
+///
+/// \tparam T       the type of the handlers
+/// \tparam Policy  determines how a handler is called; SyncExecutePolicy calls the handler immediately
 template <class T, class Policy>
 class EventHandlerList : public virtual EventPublisher<T>
 {
@@ -97,8 +100,8 @@ public:
 
     /// Calls \a f with a pointer to each registered handler, in the order of registration.
     ///
-    /// The policy receives a copy of \a f for each handler. An exception from a handler ends the publication and is
-    /// passed on to the caller; the remaining handlers are not called.
+    /// The policy receives a copy of \a f for each handler. If a handler throws, the exception is passed on to the
+    /// caller and the remaining handlers are not called.
     template <class F>
     void PerformForEachEventHandler(F f)
     {
@@ -110,7 +113,7 @@ public:
     }
 
 private:
-    // Copied at each publication. Up to this number of handlers, the copy needs no heap allocation.
+    // Each publication copies the list of handlers. Up to this number of handlers, the copy needs no heap allocation.
     static constexpr std::size_t HandlersOnStack = 32;
     using Handlers = boost::container::small_vector<T*, HandlersOnStack>;
 

@@ -12,8 +12,8 @@ namespace Zelkor
 namespace App
 {
 
-/// Opens links for the library's dialogs. The application implements it, for example to warn the user or to show its
-/// own browser.
+/// Opens links for the library's dialogs. Applications implement this interface, for example to warn the user before a
+/// link is opened, or to show the link in their own browser.
 class ZQTUTIL_EXPORT ILinksOpener
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     /// Opens \a link. The library calls this function on the GUI thread.
     ///
-    /// \param link  the link, unchanged from the text of the dialog
+    /// \param link  the link, exactly as the text of the dialog contains it
     virtual void OpenLink(QString const& link) = 0;
 };
 

@@ -20,7 +20,8 @@ char const* RequireNotNull(char const* utf8)
     return utf8;
 }
 
-// System calls read a path up to its first NUL byte, so they would act on a different file.
+// System calls read a path only up to its first NUL byte. If a path contains a NUL byte, they would therefore act on a
+// different file.
 bool ContainsNul(ioPath const& path)
 {
     return path.native().find(ioPath::value_type()) != ioPath::string_type::npos;

@@ -1,16 +1,18 @@
 #pragma once
 
-// Private to the library: a chain of the calls of one function that are running on a thread.
+// Private to the library. Records the nested calls of one function on a thread, so that other code can find them.
 
 #include <utility>
 
 namespace Zelkor
 {
 
-/// Links the objects of type \a T on one thread's stack into a chain, the innermost first.
+/// Base class of \a T. Links the objects of type \a T on one thread's stack into a chain. The chain begins with the
+/// object that was created last, the innermost one.
 ///
-/// A function that calls foreign code can be re-entered, and that code can destroy what the outer call works on. An
-/// object of \a T per call, derived from this class, lets the foreign code find the running calls and adjust them.
+/// Use this class in a function that calls foreign code, for example a callback. The foreign code can call the function
+/// again, and it can destroy objects that the function still uses. Each call of the function creates a \a T on the
+/// stack. A nested call or a destructor can then find the running calls through the chain and adjust their \a T.
 template <class T>
 class StackLink
 {
@@ -21,11 +23,13 @@ public:
     /// Returns the next outer object of the chain, or null.
     T* Outer() const { return outer_; }
 
-    /// Leaves the head of the chain unchanged when this object is destroyed. Required if the head is destroyed first.
+    /// Prevents the destructor from writing to the pointer to the innermost object. Must be called if that pointer is
+    /// destroyed before this object.
     void Detach() { innermost_ = nullptr; }
 
 protected:
-    /// Adds this object to the chain whose head is \a innermost.
+    /// Adds this object to a chain. \a innermost is the pointer to the innermost object of the chain; it must exist
+    /// until this object is destroyed or Detach() is called.
     explicit StackLink(T*& innermost)
         : innermost_(&innermost)
         , outer_(std::exchange(innermost, static_cast<T*>(this)))

@@ -3,8 +3,8 @@
 // Throws the library's exceptions. ZELKOR_THROW(std::logic_error("...")) adds the call stack to the text of the
 // exception. It also attaches the source location (file, full function signature, line) for Boost.Exception.
 //
-// This is a macro because in C++17 only a macro can read the full signature of its caller. The header is private to the
-// library, so that applications do not depend on Boost.Exception.
+// ZELKOR_THROW is a macro, because in C++17 only a macro can read the full signature of the function that uses it. This
+// header is private to the library, so that applications do not depend on Boost.Exception.
 
 #include <Base/AddStack.h>
 

@@ -17,7 +17,8 @@ Components ComponentsOf(Version const& version)
     return {version.GetMajor(), version.GetMinor(), version.GetThird(), version.GetBuild()};
 }
 
-// Adds one to each component. NotGiven (all ones) wraps to 0, so it orders below a component that is 0.
+// Returns the components of a version, each increased by one. NotGiven (all bits set) wraps to 0. It therefore orders
+// below a component that is 0, which becomes 1.
 Components Ranks(Version const& version)
 {
     Components ranks = ComponentsOf(version);

@@ -15,11 +15,11 @@ namespace Core
 
 /// A version of four components: major, minor, third (patch) and build number. It is a plain value type.
 ///
-/// A component that is not given is 0 or #NotGiven. #NotGiven orders below every other value, including 0.
+/// A missing component is stored as 0 or as #NotGiven. #NotGiven orders below every other value, including 0.
 class ZQTUTIL_EXPORT Version
 {
 public:
-    /// The value of a component that is not given. All bits are set.
+    /// Marks a component as missing. All bits are set.
     static constexpr std::uint32_t NotGiven = 0xFFFFFFFF;
 
     /// Creates the version \a major.\a minor.\a third.\a build.
@@ -62,22 +62,22 @@ enum class VersionToStringDetail : int { Major = 1, MajorMinor = 2, MajorMinorTh
 
 /// Reads a version from \a text: decimal numbers with separators between them, major number first.
 ///
-/// Reading stops at a component that does not begin with a digit or does not fit into 32 bits. It also stops after
-/// digits that no separator follows. Missing components are 0. Text after the fourth component is ignored. For example,
-/// "3.1.2-beta" is 3.1.2.0, and "3.x" is 3.0.0.0.
+/// Reading stops at a component that does not begin with a digit or does not fit into 32 bits. Reading also stops after
+/// a number that is not followed by \a separator. Missing components are 0. Text after the fourth component is ignored.
+/// For example, the text "3.1.2-beta" gives the version 3.1.2.0, and "3.x" gives 3.0.0.0.
 ///
-/// May be called on any thread. Throws and logs nothing.
+/// May be called on any thread. Does not throw or log.
 ///
 /// \param text       the text to read
 /// \param separator  the separator between two components; if it is empty, only the major number is read
 ZQTUTIL_EXPORT Version VersionFromString(std::string const& text, std::string const& separator);
 
-/// Returns the text of \a version: its first components as decimal numbers, joined by \a separator.
+/// Returns the first components of \a version as decimal numbers, joined by \a separator.
 ///
-/// May be called on any thread. Throws and logs nothing.
+/// May be called on any thread. Does not throw or log.
 ///
 /// \param version    the version to convert
-/// \param detail     the number of components; the text stops earlier at a component that is Version::NotGiven
+/// \param detail     the maximum number of components; the text ends before the first Version::NotGiven
 /// \param separator  the text between two components
 ZQTUTIL_EXPORT std::string VersionToString(Version const& version, VersionToStringDetail detail,
                                            std::string const& separator);

@@ -8,7 +8,8 @@ namespace Zelkor::Core
 
 Version GetSystemVersion()
 {
-    // Qt reads VERSION_ID of os-release(5). It returns "unknown" if there is none, which is parsed as 0.0.
+    // Qt returns VERSION_ID of os-release(5), or "unknown" if VERSION_ID is missing. VersionFromString() converts
+    // "unknown" to 0.0.
     return Util::VersionFromString(QSysInfo::productVersion().toStdString(), ".");
 }
 
