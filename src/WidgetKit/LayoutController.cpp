@@ -44,8 +44,8 @@ bool LayoutController::eventFilter(QObject* watched, QEvent* event)
 
 void LayoutController::Invalidate()
 {
-    // invalidate() makes Qt read unset margins and spacings from the style again. Qt compresses the layout requests of
-    // one event loop iteration, so several calls cost one layout pass.
+    // invalidate() makes Qt read the margins and spacings that are not set explicitly from the style again. Qt combines
+    // the layout requests of one event loop iteration, so several calls cause only one layout pass.
     if (QLayout* const layout = container_->layout()) {
         layout->invalidate();
     }

@@ -11,14 +11,14 @@ QT_END_NAMESPACE
 namespace Zelkor::Widget
 {
 
-/// Invalidates the layout of its parent when a child is added or removed, and when the font, style or layout direction
-/// of the parent changes. Qt does not do this in all of these cases.
+/// Invalidates the layout of a container widget when a child of the container is added or removed, and when the font,
+/// style or layout direction of the container changes. Qt does not invalidate the layout in all of these cases.
 class LayoutController : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Creates a controller for the layout of \a container, which becomes its parent.
+    /// Creates a controller for the layout of \a container. \a container becomes the parent of the controller.
     explicit LayoutController(QWidget* container);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

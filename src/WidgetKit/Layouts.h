@@ -21,15 +21,15 @@ namespace LayoutHelpers
 /// The size policy of a spacer.
 enum class SpacerPolicy : int {
     Fixed = 0,  ///< the spacer keeps its size
-    Stretch = 1 ///< the spacer takes all free space; its size is the minimum
+    Stretch = 1 ///< the spacer expands into free space; its size is the minimum size
 };
 
 /// An item of a box layout: a widget or a spacer.
 class ZQTUTIL_EXPORT BoxItem
 {
 public:
-    /// Creates an item for \a widget with the stretch factor \a stretch. The item does not take ownership. A null
-    /// \a widget is ignored when the item is appended.
+    /// Creates an item for \a widget with the stretch factor \a stretch. The item does not own \a widget. If \a widget
+    /// is null, AppendTo() does nothing.
     BoxItem(QWidget* widget, int stretch = 0);
 
     /// Creates an item for a spacer.
@@ -38,12 +38,13 @@ public:
     /// \param size    the size in pixels in the direction of the layout
     BoxItem(SpacerPolicy policy, int size);
 
-    /// Appends the item to \a layout. The layout owns the spacer item that this function creates for a spacer.
+    /// Appends the widget or the spacer to \a layout. For a spacer, this function creates a QSpacerItem, which
+    /// \a layout owns.
     void AppendTo(QBoxLayout& layout) const;
 
 private:
     std::variant<QWidget*, SpacerPolicy> item_;
-    int amount_; // the stretch factor of a widget, the size of a spacer
+    int amount_; // for a widget: its stretch factor; for a spacer: its size in pixels
 };
 
 } // namespace LayoutHelpers
@@ -54,7 +55,7 @@ class ZQTUTIL_EXPORT MFrame : public QFrame
     Q_OBJECT
 
 public:
-    /// Creates a frame without a border. \a parent owns it and may be null.
+    /// Creates a frame without a border. \a parent owns the frame and may be null.
     explicit MFrame(QWidget* parent = nullptr);
 };
 
@@ -72,7 +73,7 @@ public:
     /// Creates an empty layout.
     ///
     /// \param direction  the direction in which items are placed
-    /// \param parent     the widget that gets this layout and owns it; may be null
+    /// \param parent     the widget on which the layout is installed; it owns the layout and may be null
     explicit MBoxLayout(Direction direction, QWidget* parent = nullptr);
 
     /// Appends \a items in their order.
@@ -80,8 +81,8 @@ public:
 
     /// Appends the child widgets of the layout's parent widget, in the order of QObject::children().
     ///
-    /// Windows are skipped, and so are widgets that this layout or a nested one already contains. Does nothing if the
-    /// layout has no parent widget.
+    /// Skips child widgets that are windows, and child widgets that this layout or one of its nested layouts already
+    /// contains. Does nothing if the layout has no parent widget.
     void autoFill();
 };
 
@@ -91,7 +92,7 @@ class ZQTUTIL_EXPORT MVBoxLayout : public MBoxLayout
     Q_OBJECT
 
 public:
-    /// Creates an empty layout for \a parent, which owns it and may be null.
+    /// Creates an empty layout and installs it on \a parent. \a parent owns the layout and may be null.
     explicit MVBoxLayout(QWidget* parent = nullptr);
 };
 

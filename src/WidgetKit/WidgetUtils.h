@@ -18,7 +18,7 @@ namespace Widget
 namespace Util
 {
 
-/// Sets the dynamic property "styleHint" of \a widget to \a hint, then applies the style sheet again.
+/// Sets the dynamic property "styleHint" of \a widget to \a hint, then applies the style sheet to \a widget again.
 ///
 /// Style sheets can select the widget with, for example, `[styleHint="activeButton"]`.
 ///
@@ -44,11 +44,11 @@ ZQTUTIL_EXPORT QWidget* createSpacer(QWidget* parent, QString const& name);
 /// Installs an event filter that keeps the layout of \a container up to date.
 ///
 /// The filter updates the layout when a child, for example a button, is added or removed. It also updates the layout
-/// when the font, style or layout direction of \a container changes. Qt does not do this in all of these cases. Margins
-/// and spacings that are not set explicitly then follow the platform's style. This function itself sets none.
+/// when the font, style or layout direction of \a container changes. Qt does not update the layout in all of these
+/// cases. As a result, margins and spacings that are not set explicitly follow the platform's style. The filter itself
+/// does not set margins or spacings.
 ///
-/// The filter exists as long as the container, which owns it. A second call has no effect. A null \a container is
-/// ignored.
+/// \a container owns the filter. A second call for the same container has no effect. A null \a container is ignored.
 ZQTUTIL_EXPORT void installLayoutController(QWidget* container);
 
 } // namespace Util
