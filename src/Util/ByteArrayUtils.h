@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Conversions of byte arrays between Qt and the standard library. Any thread.
+/// Conversions of byte arrays between Qt and the standard library. These functions may be called on any thread.
 
 #include <Util/Export.h>
 
@@ -14,7 +14,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns a copy of all \a bytes. An empty vector gives the shared empty `QByteArray` without an allocation.
+/// Returns a copy of all \a bytes. If \a bytes is empty, returns a default-constructed `QByteArray` without an
+/// allocation.
 ///
 /// Throws `std::length_error` if there are more bytes than a `QByteArray` can hold (2 GiB).
 ZQTUTIL_EXPORT QByteArray VectorByteToQByteArray(std::vector<unsigned char> const& bytes);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A process-wide setting that selects "http://" or "https://" for links. Any thread.
+/// A process-wide setting that selects "http://" or "https://" for links. These functions may be called on any thread.
 
 #include <Util/Export.h>
 
@@ -12,16 +12,16 @@ namespace Zelkor
 namespace Util
 {
 
-/// Sets whether links use TLS in this process. The default is true.
+/// Selects the scheme of links in this process: "https://" if \a use is true, otherwise "http://". The default is true.
 ZQTUTIL_EXPORT void SetDefaultSslUsage(bool use);
 
-/// Returns true if links use TLS.
+/// Returns true if links in this process use "https://".
 ZQTUTIL_EXPORT bool GetDefaultSslUsage();
 
 /// Returns \a url with the scheme that SetDefaultSslUsage() selects.
 ///
-/// If links use TLS, replaces every "http://" in \a url with "https://". Otherwise replaces every "https://" with
-/// "http://". The search is case-insensitive, and the new scheme is in lower case.
+/// If GetDefaultSslUsage() is true, replaces every "http://" in \a url with "https://". Otherwise replaces every
+/// "https://" with "http://". The search is case-insensitive, and the new scheme is in lower case.
 ZQTUTIL_EXPORT QString ReplaceUrlProtocol(QString url);
 
 } // namespace Util

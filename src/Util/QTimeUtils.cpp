@@ -13,7 +13,7 @@ constexpr long long MillisecondsInDay = 86400000;
 
 QTime AvTimeToQTime(long long microseconds)
 {
-    // addMSecs() takes an int, which can hold only 24 days in milliseconds. Remove whole days to avoid an overflow.
+    // addMSecs() takes an int, which can hold only about 24 days in milliseconds. Remove whole days to avoid overflow.
     auto const milliseconds = static_cast<int>(microseconds / MicrosecondsInMillisecond % MillisecondsInDay);
     return QTime(0, 0, 0, 0).addMSecs(milliseconds);
 }

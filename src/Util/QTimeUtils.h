@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Conversions between AV time and `QTime`. AV time is the signed number of microseconds that media code uses; `QTime`
-/// has a resolution of one millisecond. Any thread.
+/// Conversions between AV time and `QTime`. AV time is a time in media code: a signed number of microseconds. `QTime`
+/// has a resolution of one millisecond. These functions may be called on any thread.
 
 #include <Util/Export.h>
 
@@ -15,13 +15,13 @@ namespace Util
 
 /// Returns the time of day \a microseconds after midnight.
 ///
-/// The value is rounded toward zero to whole milliseconds. The time wraps around midnight in both directions: -1000 is
-/// 23:59:59.999, and a whole day is 00:00:00.000.
+/// The value is rounded toward zero to whole milliseconds. The time wraps around midnight in both directions: -1000
+/// gives 23:59:59.999, and 86400000000 (24 hours) gives 00:00:00.000.
 ZQTUTIL_EXPORT QTime AvTimeToQTime(long long microseconds);
 
 /// Returns the number of microseconds from midnight to \a time.
 ///
-/// An invalid \a time is not rejected. Each of its components is -1, so the result is -3661001000.
+/// An invalid \a time is not rejected. Each component of an invalid `QTime` is -1, so the result is -3661001000.
 ZQTUTIL_EXPORT long long QTimeToAvTime(QTime time);
 
 } // namespace Util

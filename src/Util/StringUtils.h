@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Conversions of UTF-8 text between Qt and the standard library. Any thread.
+/// Conversions of UTF-8 text between Qt and the standard library. These functions may be called on any thread.
 
 #include <Util/Export.h>
 
@@ -14,10 +14,10 @@ namespace Zelkor
 namespace Util
 {
 
-/// Converts \a utf8 up to its first NUL byte. Bytes that are not valid UTF-8 become U+FFFD.
+/// Returns the part of \a utf8 before its first NUL byte as a `QString`. Bytes that are not valid UTF-8 become U+FFFD.
 ZQTUTIL_EXPORT QString Utf8ToQString(std::string const& utf8);
 
-/// Returns \a text as UTF-8, up to its first U+0000.
+/// Returns the part of \a text before its first U+0000 as UTF-8.
 ZQTUTIL_EXPORT std::string QStringToUtf8(QString const& text);
 
 } // namespace Util

@@ -47,7 +47,8 @@ int PrecisionForFileSize(unsigned long long size)
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
-    // Translators receive the same four requests in the same order at every call, whichever unit is used.
+    // All four labels are translated in this order at every call. The installed translators therefore receive the same
+    // requests for every size, although only one label is used.
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);
@@ -120,7 +121,7 @@ QString FormatDuration(long long microseconds, bool alwaysShowHours)
 {
     auto magnitude = static_cast<unsigned long long>(microseconds);
     if (microseconds < 0) {
-        magnitude = 0 - magnitude; // unsigned: the smallest long long has no positive counterpart
+        magnitude = 0 - magnitude; // unsigned arithmetic: negating the smallest long long would overflow
     }
     unsigned long long const seconds = magnitude / MicrosecondsInSecond;
     unsigned long long const milliseconds = magnitude % MicrosecondsInSecond / MicrosecondsInMillisecond;

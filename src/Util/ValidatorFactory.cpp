@@ -17,8 +17,8 @@ QValidator* NewValidator(QString const& pattern, QObject* parent)
 
 QValidator* GetEmailValidator(QObject* parent)
 {
-    // "A_Z" is not a typing error for "A-Z": this set is required. It accepts an underscore at the beginning of a
-    // label, and no capital letters except A and Z.
+    // "A_Z" looks like a typing error for "A-Z", but it is required. A domain label that is not the last one may begin
+    // with an underscore or with the capital letters A and Z. It may not begin with another capital letter.
     return NewValidator(QStringLiteral("[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*"
                                        "@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\\.)+"
                                        "[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?"),

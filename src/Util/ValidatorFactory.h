@@ -19,9 +19,12 @@ namespace Util
 
 /// Creates a validator for e-mail addresses in the dot-atom form (RFC 5322, section 3.4.1).
 ///
-/// The state is Intermediate for text that can still become an address, so the user can type every valid address. Each
-/// label of the domain except the last may begin with an underscore, a digit, a lower-case letter, or the capital
-/// letters A and Z. Other capital letters are rejected at the beginning of these labels.
+/// For text that can still become an accepted address, the state is QValidator::Intermediate. Users can therefore type
+/// an accepted address character by character.
+///
+/// Known restriction: some valid addresses are not accepted. In the domain, only the last label may begin with any
+/// letter or digit. Each label before it must begin with a lower-case letter, a digit, an underscore, or the capital
+/// letter A or Z. For example, the domain "Example.com" is rejected, but "example.com" is accepted.
 ///
 /// \param parent  the owner of the validator; if null, the caller owns it
 /// \return the new validator

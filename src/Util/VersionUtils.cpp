@@ -20,7 +20,7 @@ QString GenerateApplicationVisibleVersion(Core::Version const& version)
 {
     using Detail = Core::Util::VersionToStringDetail;
     bool const hasThird = version.GetThird() != 0 && version.GetThird() != Core::Version::NotGiven;
-    // Qualified, because argument-dependent lookup also finds the function of the same name in the namespace of Detail.
+    // The name is qualified because argument-dependent lookup would also find Core::Util::VersionToString().
     return Util::VersionToString(version, hasThird ? Detail::MajorMinorThird : Detail::MajorMinor, QStringLiteral("."));
 }
 
