@@ -25,14 +25,16 @@ namespace
 
 PathValidity CheckExistingFolder(QString const& path)
 {
-    // Both checks are required: WriteUser reflects the system's rule for this user, CanCreateFileIn() has its own rule.
+    // Both checks are required. WriteUser applies the system's rule for the current user; CanCreateFileIn() applies a
+    // different rule.
     bool const isWritable = QFileInfo(path).permissions().testFlag(QFileDevice::WriteUser) && CanCreateFileIn(path);
     return isWritable ? PathValidity::Valid : PathValidity::NotWritable;
 }
 
 PathValidity CheckMissingFolder(QString const& path)
 {
-    // Rejects names that end with a space before either separator. Existing folders with such names stay valid.
+    // Reject folder names that end with a space. Both the slash and the backslash count as separators. Existing folders
+    // with these names are valid, because CheckExistingFolder() does not check for spaces.
     if (path.contains(QLatin1String(" /")) || path.contains(QLatin1String(" \\")) || path.endsWith(QLatin1Char(' '))) {
         return PathValidity::TrailingSpace;
     }
@@ -44,8 +46,9 @@ PathValidity CheckMissingFolder(QString const& path)
     return PathValidity::Valid;
 }
 
-// A separator at the end of a path makes the system follow a link, so it would hide that the path is a link. The rest
-// of the path is not normalised, because only the system can resolve ".." after a link.
+// If a path ends with a separator, the system follows a symbolic link at the end of the path. The caller could then not
+// detect that the path is a link. The rest of the path is not normalised, because only the system can resolve ".."
+// after a link.
 QString WithoutTrailingSeparators(QString path)
 {
     while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/.")))) {
@@ -88,7 +91,7 @@ PathValidity IsThisPathValid(QString const& path)
 
 bool IsThisPathValid(QString const& path, QString* errorText)
 {
-    // Required since the first release: the text passes through this local exception, which is caught below.
+    // Required since the first release: the error text is thrown in an exception of this local class and caught below.
     class Error : public std::exception
     {
     public:
@@ -147,7 +150,7 @@ bool RemoveFile(ioPath path)
 
 unsigned long long GetPathSize(ioPath const& path)
 {
-    // "Erorr": misspelled since the first release; log searches depend on it.
+    // "Erorr" has been misspelt since the first release. It is kept because log searches depend on it.
     return TreeSize(path.utf8string(),
                     [](std::string const& sizeless) { LOG(ERROR) << "Erorr get size for: " << sizeless; });
 }
@@ -159,7 +162,7 @@ QString GetStandardPath(QStandardPaths::StandardLocation location)
     auto const found = std::find_if(candidates.cbegin(), candidates.cend(),
                                     [](QString const& candidate) { return !candidate.isEmpty(); });
     QFileInfo const folder(found != candidates.cend() ? *found : QDir::homePath());
-    // Resolves only one level, as documented: the target may be a link again, or missing.
+    // As documented, only one link is resolved: the target may be another link, or may not exist.
     return QDir::toNativeSeparators(folder.isSymLink() ? folder.symLinkTarget() : folder.filePath());
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Functions for files and folders. They may be called on any thread, except the functions that show files in the file
-/// manager.
+/// Functions for files and folders. Call the functions that show files in the file manager on the GUI thread. All other
+/// functions may be called on any thread.
 
 #include <Base/IoPath.h>
 #include <Util/Export.h>
@@ -29,9 +29,10 @@ enum class PathValidity : int {
 
 /// Checks if \a path can be used as a destination folder.
 ///
-/// The path must be absolute. If the folder exists, the function creates and removes a temporary file in it. Otherwise
-/// it creates the folder with its parents and removes them again. This removal also includes parents that were empty
-/// before. If creating the folder fails, parents that were already created are not removed.
+/// The path must be absolute. If the folder exists, the function creates a temporary file in it and removes the file
+/// again. If the folder does not exist, the function creates the folder and its missing parents, then removes them.
+/// Parents that existed before, but were empty, are removed too. If creating the folder fails, the function does not
+/// remove the parents that it has already created.
 ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
 /// Returns true if \a path can be used as a destination folder. See IsThisPathValid(QString const&) for the check and
@@ -41,40 +42,45 @@ ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 /// \param errorText  receives a translated message for the user if the result is false; may be null
 ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 
-/// Returns true if the permissions of \a folder let this process create files in it, and a test file can be created.
+/// Returns true if the permissions of \a folder let this process create files, and creating a test file succeeds.
 ///
 /// At least one of these permissions must be set:
 /// - everybody may write;
-/// - a group of this process may write;
-/// - the owner may write, and is the effective user of this process.
+/// - the group of the folder may write, and this process belongs to that group;
+/// - the owner of the folder may write, and the owner is the effective user of this process.
 ///
-/// The rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions), where only the first matching class
-/// decides. It also treats root as an ordinary user: if only the owner may write, and root is not the owner, the result
-/// is false.
+/// This rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions). In POSIX, only the first class that
+/// matches (owner, group or others) decides. This rule also treats root as an ordinary user: if only the owner may
+/// write, and root is not the owner, the result is false for root.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
-/// Returns true if the permissions of \a folder let this process read files in it. The files are not checked.
+/// Returns true if the permissions of \a folder let this process read files in it. The permissions of the files
+/// themselves are not checked.
 ///
 /// On macOS the result is always true, because the system requests the user's consent at the first access.
 ZQTUTIL_EXPORT bool CanReadFileIn(QString const& folder);
 
-/// Returns true if a file can be created in \a folder. Creates a file with a random name and removes it again.
+/// Returns true if a file can be created in \a folder. The function creates a file with a random name and removes the
+/// file again.
 ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 
 /// Removes the entries of \a folder that were last modified at least \a days days ago.
 ///
-/// The limit is the current local time of day on the calendar day \a days days ago. Subfolders as old as the limit are
-/// processed in the same way, and removed if they are then empty. Newer subfolders are not entered. Symbolic links are
-/// removed, not followed. Entries that cannot be removed are skipped without a message.
+/// Days are calendar days: the limit is \a days days ago, at the current local time of day.
 ///
-/// The depth of the tree and the process's limit of open files do not matter.
+/// A subfolder that was last modified at the limit or earlier is processed in the same way, and removed if it is then
+/// empty. Newer subfolders are skipped with all their contents. Symbolic links are never followed: a link is removed
+/// like a file. Entries that cannot be removed are skipped without a message.
 ///
-/// \param folder              the folder; the function does nothing if it is empty, missing or a symbolic link
+/// The tree can have any depth. The function works even if the process can open only a few files.
+///
+/// \param folder              the path of the folder; the function does nothing if the path is empty, if the folder
+///                            does not exist, or if the path is a symbolic link
 /// \param days                the minimum age in days; 0 removes everything modified up to the time of the call
-/// \param removeFolderItself  true to remove \a folder too if it is then empty, whatever its age
+/// \param removeFolderItself  true to also remove \a folder if it is then empty; the age of \a folder is not checked
 ZQTUTIL_EXPORT void RemoveDir(QString const& folder, int days, bool removeFolderItself);
 
-/// Removes the file, the symbolic link (not its target) or the empty folder at \a path. Throws and logs nothing.
+/// Removes the file, the symbolic link (not its target) or the empty folder at \a path. Does not throw or log.
 ///
 /// \return true if something was removed; false if nothing exists at \a path or the system reports an error
 ZQTUTIL_EXPORT bool RemoveFile(ioPath path);
@@ -82,50 +88,54 @@ ZQTUTIL_EXPORT bool RemoveFile(ioPath path);
 /// Returns the size in bytes of the file at \a path, or the sum of the sizes of all files in the folder \a path and its
 /// subfolders.
 ///
-/// The size of a file includes its holes. Folders themselves add nothing. A file with several hard links counts once
-/// for each link. A symbolic link to a file counts with the size of that file.
+/// The size of a sparse file includes its holes. A folder itself adds nothing. A file with several hard links counts
+/// once for each hard link. A symbolic link to a file counts with the size of that file.
 ///
-/// Entries without a size add nothing. Each is logged once at ERROR as "Erorr get size for: " and the path. These are:
-/// - a missing file, or one that is removed during the call;
-/// - a dangling link, and a link to a folder, which is not followed;
-/// - a folder that cannot be read completely, with all its contents;
+/// The following entries add nothing. Each of them is logged once at ERROR as "Erorr get size for: " and the path:
+/// - a file that does not exist, or that is removed during the call;
+/// - a dangling link, and a link to a folder; the function does not follow links to folders;
+/// - a folder that cannot be read completely; its contents add nothing either;
 /// - a pipe, a socket or a device.
 ///
-/// The depth of the tree, the length of its paths and the process's limit of open files do not matter. Throws nothing.
-/// A call may take minutes on a network volume; use AsyncService to run it in the background.
+/// The tree can have any depth, and the paths can have any length. The function works even if the process can open only
+/// a few files. Does not throw. A call may take minutes on a network volume; use AsyncService to run it in the
+/// background.
 ZQTUTIL_EXPORT unsigned long long GetPathSize(ioPath const& path);
 
 /// Returns the user's folder for \a location, with native separators.
 ///
-/// If the system has no such folder, returns the documents folder, or the home folder if there is none either. If the
-/// folder is a symbolic link, returns the target of this link. A target that is a link again is not resolved.
+/// If the system has no folder for \a location, returns the documents folder. If the system has no documents folder
+/// either, returns the home folder. If the folder is a symbolic link, returns the target of this link. If the target is
+/// also a link, this second link is not resolved.
 ZQTUTIL_EXPORT QString GetStandardPath(QStandardPaths::StandardLocation location);
 
-/// Returns the path of \a subPath in the user's movies folder, which contains the shared media library.
+/// Returns the path of \a subPath in the user's movies folder. The movies folder contains the shared media library.
 ZQTUTIL_EXPORT QString GetZelkorLibraryPath(QString subPath);
 
-/// Shows \a file selected in the system's file manager. GUI thread.
+/// Opens the system's file manager and selects \a file. Call this function on the GUI thread.
 ///
 /// \return the result of ExploreFile(ioPath const&, std::vector<ioPath> const&) for the parent folder of \a file
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 
-/// Shows \a files selected in the system's file manager. GUI thread. Does not wait for the file manager.
+/// Opens the system's file manager and selects \a files. Does not wait for the file manager. Call this function on the
+/// GUI thread.
 ///
-/// On macOS the Finder shows the files. On Linux the function calls org.freedesktop.FileManager1 on the session bus. If
-/// there is no session bus, or the call fails, the desktop's default application opens \a folder. If that fails too,
-/// one message is logged at WARNING.
+/// On macOS, the Finder shows the files. On Linux, the function calls org.freedesktop.FileManager1 on the session bus.
+/// If there is no session bus, or the call fails, the desktop's default application opens \a folder. If \a folder
+/// cannot be opened either, one message is logged at WARNING.
 ///
 /// \param folder  the folder to show if \a files is empty
 /// \param files   the files to select
-/// \return true on macOS; on Linux true if the call was sent or \a folder was opened
+/// \return on macOS, always true; on Linux, true if the D-Bus call was sent or \a folder was opened
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files);
 
-/// Shows \a file selected in the system's file manager. GUI thread. Same as ExploreFile(ioPath const&).
+/// Opens the system's file manager and selects \a file. Call this function on the GUI thread. The behaviour is the same
+/// as that of ExploreFile(ioPath const&).
 ZQTUTIL_EXPORT bool ExploreSingleFile(QString const& file);
 
-/// Returns the free space in bytes on the volume that contains \a path, or 0 if it cannot be read.
+/// Returns the free space in bytes on the volume that contains \a path, or 0 if the free space cannot be determined.
 ///
-/// On Linux, space that is reserved for root does not count.
+/// On Linux, the result does not include the space that is reserved for root.
 ZQTUTIL_EXPORT long long GetAvailableDiskSpace(ioPath const& path);
 
 } // namespace Util

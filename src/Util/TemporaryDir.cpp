@@ -1,10 +1,11 @@
 // The application's folder is inside the system's temporary folder, where other users can write too. Another user could
-// therefore create this folder, one of its parents, or a link in their place. For this reason FindForeignFolder()
-// checks each folder below the system's temporary folder. The check runs before the folder is created or emptied, and
-// again before a directory is created in it. If it fails, the object holds an invalid QTemporaryDir, and the log
-// contains the reason.
+// therefore create the application's folder or one of its parents, or put a link in the place of these folders. For
+// this reason, FindForeignFolder() checks each folder on the path from the system's temporary folder to the
+// application's folder. The check runs before the application's folder is created or emptied, and again before a
+// directory is created in it. If the check fails, the TemporaryDir holds an invalid QTemporaryDir, and the log contains
+// the reason.
 //
-// Emptying the folder does not follow links.
+// Links in the application's folder are not followed when the folder is emptied.
 
 #include <Util/TemporaryDir.h>
 
@@ -29,7 +30,7 @@ namespace Zelkor::Util
 namespace
 {
 
-// Read only once, so that a later change of the environment does not move the application's folder.
+// The path is read only once. Otherwise a later change of the environment would move the application's folder.
 QString const& SystemFolder()
 {
     static QString const folder = QDir::tempPath();
@@ -38,14 +39,15 @@ QString const& SystemFolder()
 
 QString ApplicationFolder(QString const& name, QString const& version)
 {
-    // One arg() call for all four values: the name may contain "%1", which a second call would replace.
+    // One arg() call for all four values: the name may contain "%1", which a second arg() call would replace.
     return QStringLiteral("%1/%2/%3/%4")
         .arg(SystemFolder(), name, QString::number(VersionFromString(version, QStringLiteral(".")).GetMajor()),
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
 }
 
-/// Returns the first folder on the path from the system's temporary folder to \a folder that exists but is not a folder
-/// of this user. A ".." in the path counts as such a folder. Returns an empty text if there is none.
+/// Checks each path between the system's temporary folder and \a folder, including \a folder. Returns the first path
+/// that ends with "..", or that exists but is not a folder owned by the effective user. Links do not count as folders.
+/// Returns an empty text if no check fails.
 QString FindForeignFolder(QString const& folder)
 {
     QString path = SystemFolder();
@@ -86,26 +88,27 @@ void PrepareTemporaryFolder(QString const& folder)
     }
     if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
-    } else if (FindForeignFolder(folder).isEmpty()) { // check again: it may have appeared since the caller's check
+    } else if (FindForeignFolder(folder).isEmpty()) { // check again: the folder may be newer than the caller's check
         EmptyFolder(folder);
     }
 }
 
-/// Returns an invalid object. Its path is inside a device file, where no directory can be created.
+/// Returns an invalid QTemporaryDir. It is invalid because its path is inside a device file, where no directory can be
+/// created.
 std::unique_ptr<QTemporaryDir> MakeInvalidDirectory()
 {
     return std::make_unique<QTemporaryDir>(QProcess::nullDevice() + QStringLiteral("/XXXXXX"));
 }
 
-/// Creates a directory at Qt's default location. Returns an invalid object if the system's temporary folder is missing,
-/// because Qt would create that folder.
+/// Creates a directory at Qt's default location. If the system's temporary folder is missing, returns an invalid
+/// object, because Qt would otherwise create the system's temporary folder.
 std::unique_ptr<QTemporaryDir> MakeDefaultDirectory()
 {
     return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<QTemporaryDir>() : MakeInvalidDirectory();
 }
 
-/// Creates a directory in \a folder, which is below the system's temporary folder. Returns an invalid object if that is
-/// not possible.
+/// Creates a directory in \a folder, which is below the system's temporary folder. Returns an invalid object if the
+/// directory cannot be created.
 std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& folder)
 {
     if (!QFileInfo::exists(SystemFolder())) {

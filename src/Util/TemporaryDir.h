@@ -18,19 +18,19 @@ namespace Zelkor
 namespace Util
 {
 
-/// Creates a directory with a unique name and removes it on destruction.
+/// A directory with a unique name. The constructor creates the directory, and the destructor removes it.
 ///
-/// The directory is created in the application's folder. The path of this folder is
+/// The directory is created in the application's folder. The path of the application's folder is
 /// "<temporary folder of the system>/<application name>/<major version>/<base name of the executable>". Set
-/// `QCoreApplication::applicationName` and `applicationVersion` first. While either is empty, the directory is created
-/// at the default location of `QTemporaryDir`.
+/// `QCoreApplication::applicationName` and `applicationVersion` first. If one of these properties is empty, the
+/// directory is created at the default location of `QTemporaryDir`.
 ///
-/// The first object of a process in the application's folder removes the entries of this folder, which earlier runs
-/// have left. It also removes the directories of other running instances of the same application. Hidden entries stay.
-/// Symbolic links are removed, not followed.
+/// The first object that a process creates in the application's folder removes all entries of this folder that are not
+/// hidden. These are the remains of earlier runs, but also the directories of other running instances of the same
+/// application. Symbolic links are removed, but not followed.
 ///
-/// The current user must own the application's folder and its parents up to the temporary folder of the system. None of
-/// them may be a symbolic link. Otherwise a message is logged at ERROR, and the object is invalid.
+/// The current user must own the application's folder and its parents below the temporary folder of the system. None of
+/// these folders may be a symbolic link. Otherwise a message is logged at ERROR, and the object is invalid.
 ///
 /// Different objects may be created on different threads. Use one object on one thread at a time.
 class ZQTUTIL_EXPORT TemporaryDir
@@ -39,7 +39,7 @@ public:
     /// Creates the directory. Use isValid() to check the result.
     ///
     /// Throws `std::logic_error` ("Using TemporaryDir before and after applicationName and applicationVersion are set")
-    /// if both properties are set now, and this process has already created an object without them.
+    /// if both properties are set now, but this process has already created an object while one of them was empty.
     TemporaryDir();
 
     /// Removes the directory with its contents if autoRemove() is true.
@@ -53,7 +53,8 @@ public:
 
     /// Returns Qt's message if the directory was not created.
     ///
-    /// If a parent folder belongs to another user or is a symbolic link, only the log contains this reason.
+    /// If a parent folder belongs to another user or is a symbolic link, the log contains this reason, but the message
+    /// does not.
     QString errorString() const;
 
     /// Returns true if the destructor removes the directory. This is the default.
@@ -61,22 +62,22 @@ public:
 
     /// Sets whether the destructor removes the directory.
     ///
-    /// \param autoRemove  true to remove it
+    /// \param autoRemove  true to remove the directory; false to keep it
     void setAutoRemove(bool autoRemove);
 
     /// Removes the directory with its contents.
     ///
-    /// \return true if it was removed; false if that failed or the directory was not created
+    /// \return true if the directory was removed; false if removing it failed, or if it was not created
     bool remove();
 
-    /// Returns the absolute path of the directory, or an empty text if it was not created.
+    /// Returns the absolute path of the directory, or an empty text if the directory was not created.
     QString path() const;
 
     /// Returns the absolute path of a file in the directory. The file need not exist.
     ///
     /// \param fileName  the relative path of the file
-    /// \return the path; empty if the directory was not created, or if \a fileName is absolute, which Qt reports with a
-    ///         warning
+    /// \return the path; empty if the directory was not created or if \a fileName is absolute. Qt logs a warning if
+    ///         \a fileName is absolute.
     QString filePath(QString const& fileName) const;
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
 
-// Checks of the owner and the permissions of a folder. Private to the library.
+// Checks the owner and the permissions of a folder. Private to the library.
 
 #include <QtCore/QString>
 
@@ -13,7 +13,7 @@ namespace Util
 /// rule.
 bool MayCreateFileIn(QString const& folder);
 
-/// Returns true if \a path is a folder, not a link to one, and the effective user owns it.
+/// Returns true if \a path is a folder that the effective user owns. Returns false if \a path is a link to a folder.
 bool IsOwnFolder(QString const& path);
 
 } // namespace Util

@@ -1,6 +1,6 @@
 #pragma once
 
-// Computes the size of a file or a tree. Private to the library.
+// Computes the size of a file or a folder tree. Private to the library.
 
 #include <functional>
 #include <string>
@@ -10,13 +10,13 @@ namespace Zelkor
 namespace Util
 {
 
-/// Receives the path of an entry that has no size.
+/// Receives the path of a file system entry whose size cannot be determined.
 using SizelessHandler = std::function<void(std::string const& path)>;
 
 /// Returns the size in bytes of the file at \a path, or of all files below the folder \a path.
 ///
-/// Implements GetPathSize() except the log lines: calls \a onSizeless where GetPathSize() logs. A folder that cannot be
-/// read completely has no size, so its files do not count either.
+/// Implements GetPathSize() without logging: calls \a onSizeless for each entry that GetPathSize() logs. If a folder
+/// cannot be read completely, the files in it are not counted either.
 unsigned long long TreeSize(std::string const& path, SizelessHandler const& onSizeless);
 
 } // namespace Util

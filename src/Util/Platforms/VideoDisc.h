@@ -1,6 +1,6 @@
 #pragma once
 
-// Recognises and names video discs by their folders. Private to the library.
+// Recognises video discs by their folders and determines their labels. Private to the library.
 
 #include <Base/IoPath.h>
 
@@ -12,8 +12,8 @@
 namespace Zelkor::Util
 {
 
-/// Returns the absolute paths of the video DVDs in \a volumes, a folder of mounted volumes. The order is the order in
-/// which the system lists the folder.
+/// Returns the absolute paths of the video DVDs in \a volumes, a folder of mounted volumes. The result is in the order
+/// in which the system lists the folder \a volumes.
 std::vector<ioPath> VideoDiscsIn(QString const& volumes);
 
 /// Returns the label of the folder \a name. See DVDLabel() for the rule.

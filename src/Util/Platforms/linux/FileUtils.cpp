@@ -21,8 +21,9 @@ namespace Zelkor::Util
 namespace
 {
 
-// Returns the file URI of a path. The bytes of the path are percent-encoded (RFC 3986, 2.1) without a conversion,
-// because they need not be UTF-8. A relative path stays relative if the current folder no longer exists.
+// Returns the file URI of a path. The bytes of the path are percent-encoded (RFC 3986, 2.1) without a conversion to
+// Unicode, because they need not be valid UTF-8. If the current folder no longer exists, a relative path is not made
+// absolute.
 QString FileUri(ioPath const& path)
 {
     boost::system::error_code error;
@@ -72,8 +73,8 @@ bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files)
     if (!bus.isConnected()) {
         return OpenFolder(folder);
     }
-    // The application object owns the watcher, so that the watcher is deleted if the application quits before the
-    // reply.
+    // The application object owns the watcher, so that the watcher is deleted even if the application quits before the
+    // reply arrives.
     auto* const watcher =
         new QDBusPendingCallWatcher(bus.asyncCall(FileManagerCall(folder, files)), QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, folder] {

@@ -1,6 +1,7 @@
-// Removes old files during a FolderWalk. The walk works with open folders, so that removing is safe in folders where
-// other users can write: a link that replaces a folder during the walk is not followed. The names of the files of all
-// folders share one buffer, so that a file costs no separate allocation.
+// Removes old files while FolderWalk traverses a folder tree. FolderWalk accesses entries through open folders, not
+// through paths. Removing is therefore safe in folders where other users can write: if a link replaces a folder during
+// the traversal, the link is not followed. All folders use the same buffer for their file names, so that a file does
+// not need a separate allocation.
 
 #include <Util/Platforms/AgedFiles.h>
 
@@ -20,8 +21,8 @@ namespace Zelkor::Util
 namespace
 {
 
-/// Returns the modification time in milliseconds since 1970. Some file systems return seconds that overflow when they
-/// are converted to milliseconds; the result is then the limit of the range.
+/// Returns the modification time in milliseconds since 1970. Some file systems return times in seconds that overflow
+/// when they are converted to milliseconds. These times are clamped to the valid range.
 long long ModificationTime(struct stat const& status)
 {
 #ifdef __APPLE__
@@ -45,7 +46,8 @@ public:
     using FolderWalk::Walk;
 
 private:
-    // Reads all names before it removes files: some file systems skip entries if others are removed during readdir().
+    // Reads all names before it removes files. On some file systems, readdir() skips entries if other entries are
+    // removed between its calls.
     bool Read(DIR* stream) override
     {
         int const descriptor = dirfd(stream);

@@ -29,7 +29,8 @@ bool IsInGroup(gid_t group)
 
 } // namespace
 
-// Required rule, which differs from the kernel's: any class that grants writing suffices, and root has no privilege.
+// This rule is required, although it differs from the kernel's rule. It is sufficient that one class (owner, group or
+// others) permits writing. Root has no special privileges.
 bool MayCreateFileIn(QString const& folder)
 {
     QFileInfo const info(folder);

@@ -1,17 +1,19 @@
 // Each folder is opened relative to its parent with openat() and O_NOFOLLOW. The kernel therefore never resolves a
 // whole path. This has two advantages: paths can be longer than PATH_MAX, and a link that replaces a folder during the
-// walk is not followed.
+// traversal is not followed.
 //
-// A folder is read completely before its subfolders are entered. The walk therefore does not need the position in its
-// directory stream later, and may close the stream.
+// A folder is read completely before its subfolders are entered. The position in the folder's directory stream is
+// therefore not needed later, and the stream may be closed.
 //
-// At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. A deeper walk closes
-// the outermost open folder. On the way back, a closed folder is opened again only if it has more subfolders to enter,
-// or if SubfolderLeft() must be called. It is opened by ".." from the last open folder below it. If this gives another
-// folder (device or inode differ), the walk opens the whole path again, name by name. If that gives another folder too,
-// the folder is lost.
+// At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. When the traversal
+// enters one more folder, it closes the outermost open folder. When the traversal returns to a closed folder, it opens
+// this folder again only if the folder has more subfolders to enter, or if SubfolderLeft() must be called. The closed
+// folder is opened by ".." from a folder below it, which is kept open for this purpose. If ".." gives a different
+// folder (device or inode differ), each folder on the path is opened again, beginning with the start folder. If this
+// also gives a different folder, the traversal calls Lost().
 //
-// The queued subfolders share one buffer and the paths share one string. An entry costs no separate allocation.
+// The names of all queued subfolders share one buffer, and all paths share one string. A subfolder therefore needs no
+// separate allocation.
 
 #include <Util/Platforms/posix/FolderWalk.h>
 
@@ -121,8 +123,8 @@ void FolderWalk::EnterNextSubfolder()
     }
 }
 
-/// Opens and reads the folder \a name and makes it the current one. path_ must already contain its path. Returns false
-/// if the folder cannot be opened or read.
+/// Opens and reads the folder \a name in \a parent, and makes it the current folder. path_ must already be the path of
+/// the folder \a name. Returns false if this folder cannot be opened or read.
 bool FolderWalk::Enter(int parent, char const* name)
 {
     if (folders_.size() - closedFolders_ >= MaxOpenFolders) {
@@ -160,8 +162,8 @@ void FolderWalk::Leave()
     }
 }
 
-/// Shortens path_ to the path of the current folder. Stores the removed name in left_ if SubfolderLeft() must be
-/// called.
+/// Shortens path_ to the path of the current folder. If SubfolderLeft() must be called, stores the name that is removed
+/// from path_ in left_.
 void FolderWalk::GoUp()
 {
     std::size_t const pathSize = folders_.back().pathSize;
@@ -177,7 +179,8 @@ void FolderWalk::FinishSubfolder()
     left_.clear();
 }
 
-/// Closes the outermost open folder. Returns false if that is the current folder, which must stay open.
+/// Closes the outermost open folder. If this is the current folder, which must stay open, does nothing and returns
+/// false.
 bool FolderWalk::CloseOutermost()
 {
     if (closedFolders_ + 1 >= folders_.size()) {
@@ -189,8 +192,9 @@ bool FolderWalk::CloseOutermost()
     return true;
 }
 
-/// Opens the current folder again: first by ".." from the last folder that was left. If that folder was moved, opens
-/// the path from the start folder, name by name. Returns false if the current folder is not found.
+/// Opens the current folder again. First tries ".." from the folder below_. If this does not give the current folder,
+/// for example because below_ was moved, opens each folder on the path again, beginning with the start folder. Returns
+/// false if the current folder is not found.
 bool FolderWalk::Reopen()
 {
     Folder& folder = folders_.back();
@@ -226,7 +230,7 @@ FolderWalk::FolderStream FolderWalk::OpenFromStart()
     return stream;
 }
 
-/// Discards the queued subfolders of the current folder, so that the walk leaves it next.
+/// Calls Lost() and discards the queued subfolders of the current folder, so that Walk() leaves this folder next.
 void FolderWalk::Lose()
 {
     Lost();

@@ -15,14 +15,17 @@ namespace Util
 /// Returns true if \a name is "." or "..".
 bool IsDotEntry(char const* name);
 
-/// Returns true if the entry \a name of the open folder \a parent is a folder, not a link to one.
+/// Returns true if \a name is a folder in the open folder \a parent (a file descriptor). Returns false for a link to a
+/// folder.
 bool IsFolder(int parent, char const* name);
 
-/// Walks a tree folder by folder. A derived class implements the work in each folder.
+/// Traverses a folder tree. A derived class implements the work in each folder.
 ///
-/// Read() handles all entries of a folder before the walk enters its subfolders. Links are never followed. The walk has
-/// no limit for the depth of the tree or the length of paths, and keeps only a few folders open. See FolderWalk.cpp for
-/// the design.
+/// The traversal enters a folder, calls Read() to process all entries of the folder, enters each queued subfolder, and
+/// then leaves the folder. The current folder is the innermost folder that the traversal has entered but has not left.
+///
+/// Links are never followed. The tree can have any depth and the paths can have any length. Only a few folders are open
+/// at the same time. See FolderWalk.cpp for the design.
 class FolderWalk
 {
 public:
@@ -31,17 +34,17 @@ public:
     virtual ~FolderWalk() = default;
 
 protected:
-    /// Selects if the walk calls SubfolderLeft().
+    /// Determines if Walk() calls SubfolderLeft().
     enum class AfterSubfolder { Nothing, Call };
 
-    /// Prepares a walk that starts at the folder \a path, which must not be empty. \a after selects if the walk calls
-    /// SubfolderLeft().
+    /// Creates an object that traverses the tree below the start folder \a path. \a path must not be empty. \a after
+    /// determines if Walk() calls SubfolderLeft().
     FolderWalk(std::string path, AfterSubfolder after);
 
-    /// Walks the start folder and all folders below it.
+    /// Traverses the start folder and all folders below it.
     void Walk();
 
-    /// Queues the subfolder \a name. The walk enters it after Read() has returned.
+    /// Queues the subfolder \a name. The traversal enters the subfolder after Read() has returned.
     void QueueSubfolder(char const* name);
 
     /// Returns the path of the current folder. During Read() and Unreadable(), returns the path of the new folder.
@@ -49,17 +52,19 @@ protected:
     /// Returns the path of the entry \a name in the folder Path().
     std::string PathOf(char const* name) const;
 
-    /// Reads the new folder \a stream and calls QueueSubfolder() for its subfolders. Returns false if reading fails;
-    /// the walk then discards the queued subfolders.
+    /// Reads the new folder \a stream and calls QueueSubfolder() for each subfolder to enter. Returns false if reading
+    /// fails; the queued subfolders of the new folder are then discarded.
     virtual bool Read(DIR* stream) = 0;
-    /// Called if the new folder cannot be opened or Read() has returned false. The walk does not enter the folder.
+    /// Called if the new folder cannot be opened or Read() has returned false. The traversal does not enter this
+    /// folder.
     virtual void Unreadable() = 0;
-    /// Called if the current folder cannot be opened again, because it was moved or access to it is denied now. The
-    /// walk discards its queued subfolders and leaves it next.
+    /// Called if the current folder was closed and cannot be opened again, because it was moved or access to it is now
+    /// denied. The traversal then discards the queued subfolders of the current folder and leaves it.
     virtual void Lost() = 0;
-    /// Called when the walk leaves the current folder.
+    /// Called immediately before the traversal leaves the current folder.
     virtual void Leaving() = 0;
-    /// Called after the walk has left the subfolder \a name, or could not enter it. \a parent is the current folder.
+    /// Called after the traversal has left the subfolder \a name, or has failed to enter this subfolder. \a parent is
+    /// the file descriptor of the current folder, which contains the subfolder.
     virtual void SubfolderLeft(int parent, char const* name);
 
 private:
@@ -77,11 +82,11 @@ private:
 
     struct Folder
     {
-        FolderStream stream;         // null while closed
+        FolderStream stream;         // null while the folder is closed
         FolderId id;                 // set when the stream is closed
-        std::size_t pathSize;        // the length of its path in path_
-        std::size_t subfoldersBegin; // the offset of its first subfolder in subfolders_
-        std::size_t nextSubfolder;   // the offset of its next subfolder to enter
+        std::size_t pathSize;        // the length of the folder's path in path_
+        std::size_t subfoldersBegin; // the offset in subfolders_ of the folder's first subfolder
+        std::size_t nextSubfolder;   // the offset in subfolders_ of the subfolder to enter next
     };
 
     static FolderStream Open(int parent, char const* name);
@@ -101,12 +106,18 @@ private:
 
     std::string path_;
     AfterSubfolder const after_;
-    std::vector<Folder> folders_;   // from the start folder to the current one
-    std::size_t closedFolders_ = 0; // the number of folders at the beginning of folders_ that are closed
-    std::vector<char> subfolders_;  // the queued names of all folders_, each with its terminating NUL
-    FolderStream below_;            // the last folder that was left and was still open
-    std::size_t levelsBelow_ = 0;   // the number of levels from the current folder down to below_
-    std::string left_;              // the subfolder for which SubfolderLeft() must still be called; empty if none
+    std::vector<Folder> folders_;   // the folders from the start folder to the current folder
+    std::size_t closedFolders_ = 0; // the number of closed folders; these are the first ones in folders_
+    std::vector<char> subfolders_;  // the names of the queued subfolders of all folders_, each with a terminating NUL
+
+    // When the traversal leaves a folder that is open, it keeps this folder open in below_ instead of closing it. If
+    // the parent of this folder is closed, Reopen() can open the parent by "..". Null after the traversal has tried to
+    // enter another subfolder.
+    FolderStream below_;
+    std::size_t levelsBelow_ = 0; // the number of levels from the current folder down to the folder below_
+
+    // The name of the subfolder for which SubfolderLeft() must still be called. Empty if no call is due.
+    std::string left_;
 };
 
 } // namespace Util

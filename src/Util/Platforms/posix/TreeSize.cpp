@@ -1,11 +1,12 @@
-// Adds up file sizes during a FolderWalk. Speed matters, because trees can contain millions of files:
+// Adds up file sizes while FolderWalk traverses a folder tree. Speed matters, because trees can contain millions of
+// files:
 //
 // - One fstatat() call per file follows links and returns existence, type and size together.
-// - The type in the directory entry identifies folders. Only file systems that do not set it need a second call.
-// - A file costs no allocation.
+// - The type in the directory entry identifies folders. Only file systems that do not set the type need a second call.
+// - No memory is allocated for a file.
 //
-// The sum of a folder is added to its parent only when the walk leaves the folder. Until then, a folder that becomes
-// inaccessible can be dropped from the result.
+// The sum of a folder is added to the sum of its parent only when the traversal leaves the folder. Until then, a folder
+// that becomes inaccessible can be dropped from the result.
 
 #include <Util/Platforms/TreeSize.h>
 
@@ -45,7 +46,8 @@ public:
 
     unsigned long long Total()
     {
-        // System calls read a path up to its first NUL byte, so they would use a different file.
+        // System calls read a path only up to its first NUL byte. If the path contains a NUL byte, they would therefore
+        // use a different file.
         bool const isUsable = Path().find('\0') == std::string::npos;
         if (isUsable && IsFolder(AT_FDCWD, Path().c_str())) {
             Walk();
@@ -99,7 +101,7 @@ private:
     }
 
     SizelessHandler const& onSizeless_;
-    std::vector<unsigned long long> sizes_; // the sums so far of the folders from the start to the current one
+    std::vector<unsigned long long> sizes_; // the sum so far of each folder, from the start folder to the current one
     unsigned long long total_ = 0;
 };
 

@@ -18,7 +18,7 @@ QString VideoFolder()
     return QStringLiteral("VIDEO_TS");
 }
 
-// Required: the names are case-sensitive here, although VideoDiscLabel() accepts "VIDEO_TS" in lower case too.
+// Required: this function compares names case-sensitively, although VideoDiscLabel() also accepts "video_ts".
 bool BelongsToDisc(QString const& name)
 {
     static QStringList const discFolders = {VideoFolder(), QStringLiteral("AUDIO_TS")};
