@@ -17,8 +17,8 @@ namespace Util
 
 /// Starts applications when the user logs in.
 ///
-/// An identifier names an application. It has four parts joined by "_": maker, product, version and flavour, for
-/// example "Zelkor_Studio_3.1.2_Agent".
+/// Each application has an identifier with four parts, joined by "_": vendor, product, version and flavour. An example
+/// is "Zelkor_Studio_3.1.2_Agent".
 ///
 /// \code
 /// auto const launcher = GetAutoLauncherImpl(AutoLauncherImplType::Default);
@@ -27,12 +27,12 @@ namespace Util
 /// }
 /// \endcode
 ///
-/// A launcher caches the list of the applications that start at login. A new launcher has an empty list.
+/// A launcher caches the list of the applications that start at login. The list of a new launcher is empty.
 /// IsInStartup() and GetStartupApplications() refresh the list first. AddToStartup() and RemoveFromStartup() use the
-/// cached list, and refresh it only after a success.
+/// cached list, and refresh the list only if they succeed.
 ///
-/// A query blocks until the system has answered; on macOS it runs launchctl. Use a launcher on one thread at a time,
-/// normally the GUI thread.
+/// IsInStartup() and GetStartupApplications() block until the system has returned the list; on macOS they run
+/// launchctl. Use a launcher on one thread at a time, normally the GUI thread.
 class ZQTUTIL_EXPORT IAutoLauncher
 {
 public:
@@ -40,36 +40,36 @@ public:
 
     /// Refreshes the list, then returns true if the application \a identifier starts at login.
     ///
-    /// On macOS the function first searches the login items for \a identifier. Then it searches each line of the output
-    /// of "launchctl list" for a match at the end. There, \a identifier is a regular expression, so an empty one always
-    /// matches.
+    /// On macOS, the function first searches the login items for \a identifier. If no login item has this identifier,
+    /// the function searches the output of "launchctl list" for a line that ends with \a identifier. In this second
+    /// search, \a identifier is a regular expression. An empty \a identifier therefore always matches.
     virtual bool IsInStartup(QString const& identifier) = 0;
 
-    /// Starts the application \a identifier at every login.
+    /// Registers the application \a identifier, so that the system starts it at every login.
     ///
-    /// Uses the cached list and refreshes it only after a success.
+    /// Uses the cached list, and refreshes the list only if the registration succeeds.
     ///
-    /// On macOS the function first adds a login item: the helper for \a identifier in the folder
-    /// "Contents/Library/LoginItems" of the main bundle. If there is no such helper, or adding it fails, the function
-    /// writes a launch agent and starts "launchctl load" without waiting for its result. Only the launch agent uses
-    /// \a executablePath and \a arguments.
+    /// On macOS, the function first tries to add a login item. The login item is the helper application for
+    /// \a identifier in the folder "Contents/Library/LoginItems" of the main bundle. If the bundle does not contain the
+    /// helper, or adding the login item fails, the function writes a launch agent. Then it starts "launchctl load"
+    /// without waiting for its result. Only the launch agent uses \a executablePath and \a arguments.
     ///
-    /// \param identifier      the application; if it does not have four parts, no launch agent can be written, which is
-    ///                        logged at WARNING
-    /// \param executablePath  the path of the executable; on macOS the bundle that contains it is opened
+    /// \param identifier      the identifier of the application; if it does not have four parts, the function cannot
+    ///                        write a launch agent and logs this at WARNING
+    /// \param executablePath  the path of the executable; on macOS, the bundle that contains the executable is opened
     /// \param arguments       the arguments of the executable
     /// \return true if the login item exists or was added, or if launchctl was started
     virtual bool AddToStartup(QString const& identifier, QString const& executablePath,
                               QStringList const& arguments) = 0;
 
-    /// Stops starting the application \a identifier at login.
+    /// Unregisters the application \a identifier, so that the system no longer starts it at login.
     ///
-    /// Searches the cached list and refreshes it only after a success. A new launcher therefore finds nothing before
-    /// the first query.
+    /// Searches the cached list, and refreshes the list only after a successful removal. The list of a new launcher is
+    /// empty. Therefore, call IsInStartup() or GetStartupApplications() first.
     ///
-    /// On macOS the function first removes the login item. If there is none, or removing it fails, it starts
-    /// "launchctl unload" for the launch agent, loaded or not, without waiting for its result. The file of the launch
-    /// agent stays.
+    /// On macOS, the function first tries to remove the login item. If the list does not contain the login item, or
+    /// removing it fails, the function starts "launchctl unload" for the launch agent without waiting for its result.
+    /// The function does this even if the launch agent is not loaded. The file of the launch agent is not removed.
     ///
     /// \return true if the login item was removed or launchctl was started; false otherwise, for example if the cached
     ///         list does not contain \a identifier
@@ -77,8 +77,9 @@ public:
 
     /// Refreshes the list, then returns the identifiers of the applications that start at login.
     ///
-    /// On macOS the result contains the login items of the maker, followed by the labels of all loaded launch agents of
-    /// the user, also of other makers. An application that has both appears twice.
+    /// On macOS, the result contains the identifiers of Zelkor's login items, followed by the labels of all loaded
+    /// launch agents of the user, including agents of other vendors. An application that has both a login item and a
+    /// launch agent appears twice.
     virtual QStringList GetStartupApplications() = 0;
 };
 
@@ -87,7 +88,7 @@ enum class AutoLauncherImplType : int {
     Default ///< the implementation for the current system
 };
 
-/// Creates a launcher for the current system. Defined on macOS.
+/// Creates a launcher for the current system. This function is defined only on macOS.
 ///
 /// \param type  reserved; every value gives the same implementation
 /// \return the new launcher, owned by the caller

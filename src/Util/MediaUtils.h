@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Video DVDs: the mounted ones, and their labels. Any thread.
+/// Finds mounted video DVDs and determines their labels. These functions may be called on any thread.
 
 #include <Base/IoPath.h>
 #include <Util/Export.h>
@@ -14,19 +14,19 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns the root folders of the mounted video DVDs. Defined on macOS.
+/// Returns the root folders of the mounted video DVDs. This function is defined only on macOS.
 ///
-/// A volume is a video DVD if its root folder contains a folder "VIDEO_TS". The result has the order in which the
-/// system lists the volumes, and is empty if no DVD is mounted.
+/// A volume is a video DVD if its root folder contains a folder "VIDEO_TS". The result is in the order in which the
+/// system lists the volumes. The result is empty if no video DVD is mounted.
 ZQTUTIL_EXPORT std::vector<ioPath> MountedDVD();
 
 /// Returns a label in UTF-8 for the DVD folder or volume \a path.
 ///
-/// The label is the name of the folder \a path. It is the name of the parent folder instead if both conditions are
-/// true:
+/// The label is normally the name of the folder \a path. If both of these conditions are true, the label is the name of
+/// the parent folder instead:
 /// - the name of the folder \a path is "VIDEO_TS" in upper or lower case;
-/// - the parent folder contains only "VIDEO_TS", "AUDIO_TS" and "Thumbs.db", in exactly this spelling, and names that
-///   begin with a dot.
+/// - the name of each entry of the parent folder is "VIDEO_TS", "AUDIO_TS" or "Thumbs.db", in exactly this spelling, or
+///   begins with a dot.
 ZQTUTIL_EXPORT std::string DVDLabel(ioPath const& path);
 
 } // namespace Util

@@ -1,16 +1,17 @@
 #pragma once
 
-// Starts applications at login on macOS, by login items or launch agents.
+// Starts applications at login on macOS through login items or launch agents.
 
 #include <Util/AutoLauncher.h>
 
 namespace Zelkor::Util
 {
 
-/// Combines login items and launch agents. Each operation uses the login items first. It uses the launch agents only if
-/// that has failed or found nothing.
+/// Combines login items and launch agents. Each function uses the login items first. IsInStartup(), AddToStartup() and
+/// RemoveFromStartup() use the launch agents only if the function of LoginItemStartupImpl has returned false.
 ///
-/// Both lists are refreshed before each query and after each successful change. Changes use the lists that are cached.
+/// The list of login items and the list of launch agents are refreshed before each query and after each successful
+/// change. AddToStartup() and RemoveFromStartup() use the cached lists.
 class AutoLauncherImpl : public virtual IAutoLauncher
 {
 public:

@@ -12,7 +12,7 @@ namespace Zelkor::Util
 /// Owns a Core Foundation object and releases it on destruction.
 ///
 /// The object must be the result of a function with "Create", "Copy" or "Insert" in its name, because only these
-/// functions transfer ownership to the caller. It may be null.
+/// functions transfer ownership to the caller. The object may be null.
 template <class Ref>
 class CoreFoundationOwner
 {

@@ -10,7 +10,7 @@ namespace Zelkor::Util
 namespace
 {
 
-// Returns null if the path is not valid UTF-8.
+// Returns nil if the path is not valid UTF-8.
 NSURL* FileUrl(ioPath const& path)
 {
     NSString* const text = [NSString stringWithUTF8String:path.utf8string().c_str()];
@@ -41,7 +41,7 @@ bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files)
             }
         }
         [workspace activateFileViewerSelectingURLs:urls];
-        return true; // required, because the workspace does not report if the Finder shows the files
+        return true; // always true, because NSWorkspace does not report whether the Finder shows the files
     }
 }
 

@@ -18,8 +18,8 @@ QString LaunchAgentFileName(QString const& identifier)
     if (parts.size() != IdentifierParts) {
         return {};
     }
-    // Required: there is no dot between product and version, and the version keeps its case. Installed agents have
-    // these names.
+    // Required, because launch agents that are already installed have names of this form: there is no dot between
+    // product and version, and the version is not converted to lower case.
     QString const majorVersion = parts[2].section(QLatin1Char('.'), 0, 0);
     return QLatin1String("com.") + parts[0].toLower() + QLatin1Char('.') + parts[1].toLower() + majorVersion +
            QLatin1Char('.') + parts[3].toLower() + QLatin1String(".startup.plist");
@@ -27,7 +27,8 @@ QString LaunchAgentFileName(QString const& identifier)
 
 QRegularExpression LoadedJobPattern(QString const& label)
 {
-    // Required: the label is not escaped, so its dots match any character, and longer labels with this end match too.
+    // Required: the label is not escaped, so its dots match any character. The pattern also matches longer labels that
+    // end with this label.
     return QRegularExpression(label + QLatin1String("(\n|$)"));
 }
 
@@ -35,7 +36,8 @@ QString BundlePathOf(QString const& executablePath)
 {
     static QRegularExpression const insideBundle(QStringLiteral("/Contents.*"));
     QString path = executablePath;
-    // Required: without a match the position is -1, which Qt counts from the end, so the last character is removed.
+    // Required: if the path does not contain "/Contents", lastIndexOf() returns -1. QString::remove() counts a negative
+    // position from the end, so the last character of the path is removed.
     return path.remove(path.lastIndexOf(insideBundle), path.size() + 1);
 }
 

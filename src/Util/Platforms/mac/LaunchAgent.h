@@ -1,6 +1,6 @@
 #pragma once
 
-// Names of launch agents. These functions do not access the system, so they are tested on every platform.
+// Names and paths for launch agents. These functions do not access the system, so they are tested on every platform.
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QString>
@@ -15,7 +15,7 @@ namespace Zelkor::Util
 QString LaunchAgentFileName(QString const& identifier);
 
 /// Returns a pattern that finds the job \a label at the end of a line in the output of "launchctl list". \a label is
-/// part of the pattern without escaping, so it is a regular expression itself.
+/// not escaped, so the pattern treats \a label as a regular expression.
 QRegularExpression LoadedJobPattern(QString const& label);
 
 /// Returns the path of the bundle that contains the executable at \a executablePath. If the executable is not in a

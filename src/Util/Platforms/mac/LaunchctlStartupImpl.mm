@@ -1,11 +1,12 @@
-// Queries must return the current state, so "launchctl list" runs synchronously and its output is read to the end.
-// NSTask raises an NSException if it cannot run launchctl; the list then counts as empty. Objective-C objects are
-// released manually, inside an autorelease pool.
+// Queries must return the current state, so "launchctl list" runs synchronously and its output is read to the end. If
+// launchctl cannot be run, NSTask raises an NSException, and the list of jobs is treated as empty. Objective-C objects
+// are released manually, inside an autorelease pool.
 //
-// "launchctl load" and "launchctl unload" run detached, because they can take long and their results are not used.
+// "launchctl load" and "launchctl unload" run detached, because they can take a long time and their results are not
+// used.
 //
-// The file name, the job pattern and the bundle path are computed by plain functions in LaunchAgent.cpp, which can be
-// tested without a Mac.
+// The functions in LaunchAgent.cpp compute file names, job patterns and bundle paths. They are plain C++, so that they
+// can be tested without a Mac.
 
 #include <Util/Platforms/mac/LaunchctlStartupImpl.h>
 
@@ -29,7 +30,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// Line numbers of two log records, fixed since the first release because support searches for them.
+// The line numbers that two log records contain. They have been fixed since the first release, because the support team
+// searches logs for these line numbers.
 constexpr int ListingFailedLine = 63;
 constexpr int InvalidIdentifierLine = 120;
 
@@ -72,7 +74,7 @@ void WriteAgent(QString const& path, QString const& label, QStringList const& co
     plist.sync();
 }
 
-// Required: found through PATH, unlike the absolute path that GetAppsFromLaunchctl() uses.
+// Required: launchctl is found through PATH here, although GetAppsFromLaunchctl() uses an absolute path.
 bool StartLaunchctl(QString const& verb, QString const& path)
 {
     return QProcess::startDetached(QStringLiteral("launchctl"), {verb, QStringLiteral("-w"), path});
@@ -83,7 +85,7 @@ bool StartLaunchctl(QString const& verb, QString const& path)
 class LaunchctlStartupImpl::Impl
 {
 public:
-    QMap<QString, QString> paths; // from the label of an agent to the path of its property list
+    QMap<QString, QString> paths; // key: the label of an agent; value: the path of the agent's property list
 };
 
 LaunchctlStartupImpl::LaunchctlStartupImpl()
@@ -128,8 +130,9 @@ bool LaunchctlStartupImpl::AddToStartup(QString const& identifier, QString const
     if (known == impl_->paths.constEnd() || !QFile::exists(*known)) {
         QString const name = LaunchAgentFileName(identifier);
         if (name.isNull()) {
+            // "identificator" has been misspelt since the first release. It is kept because log searches depend on it.
             google::LogMessage(__FILE__, InvalidIdentifierLine, google::GLOG_WARNING).stream()
-                << __PRETTY_FUNCTION__ << ": Invalid application identificator."; // misspelled since the first release
+                << __PRETTY_FUNCTION__ << ": Invalid application identificator.";
             return false;
         }
         QString const path = AgentsFolder().absoluteFilePath(name);

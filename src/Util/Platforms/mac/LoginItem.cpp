@@ -10,7 +10,8 @@ namespace
 
 constexpr int LeastBundleIdentifierParts = 3;
 constexpr int VersionDots = 2;
-// "Contents", "Library", "LoginItems", the item, and the empty part after the last slash.
+// The parts of a login item's path inside the main bundle: "Contents", "Library", "LoginItems", the login item, and the
+// empty part after the last slash.
 constexpr int PartsInsideMainBundle = 5;
 constexpr int HelperPart = 3;
 
@@ -24,14 +25,15 @@ QString BundleIdentifierPart(QString const& bundleIdentifier, int index)
 
 QString CompletedBundleVersion(QString const& version)
 {
-    // Required: ".0" is appended only once, so "5" becomes "5.0".
+    // Required: ".0" is appended only once, so "5" becomes "5.0", not "5.0.0".
     return version.count(QLatin1Char('.')) < VersionDots ? version + QLatin1String(".0") : version;
 }
 
 QString ProductWithoutMajorVersion(QString const& product, QString const& version)
 {
     QString const majorVersion = version.section(QLatin1Char('.'), 0, 0);
-    // Required: all occurrences are removed, not only the last one. Existing identifiers are built in this way.
+    // Required: all occurrences of the major version are removed, not only the last one. Existing identifiers were
+    // built in this way.
     return product.endsWith(majorVersion) ? QString(product).remove(majorVersion) : product;
 }
 

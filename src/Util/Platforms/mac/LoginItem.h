@@ -8,13 +8,13 @@ namespace Zelkor::Util
 {
 
 /// Returns the part of \a bundleIdentifier at \a index, counted from 0. Parts are separated by dots. Returns an empty
-/// text if there are fewer than three parts.
+/// text if \a bundleIdentifier has fewer than three parts.
 QString BundleIdentifierPart(QString const& bundleIdentifier, int index);
 
 /// Returns \a version with ".0" appended if it contains fewer than two dots.
 QString CompletedBundleVersion(QString const& version);
 
-/// If \a product ends with the major number of \a version, removes every occurrence of that number from \a product.
+/// If \a product ends with the major number of \a version, returns \a product without any occurrence of that number.
 /// Otherwise returns \a product unchanged.
 QString ProductWithoutMajorVersion(QString const& product, QString const& version);
 
@@ -25,12 +25,12 @@ QString MainBundlePathOf(QString const& itemPath);
 /// Converts the text of a file URL to a path by removing its scheme and host.
 ///
 /// \param url             the text of the URL
-/// \param namesLocalhost  true to remove "file://localhost", the form that systems before 10.9 return; false to remove
-///                        "file://"
+/// \param namesLocalhost  true to remove "file://localhost", with which file URLs begin before OS X 10.9; false to
+///                        remove "file://"
 QString PathOfUrlText(QString const& url, bool namesLocalhost);
 
-/// Returns the fourth part of an application's \a identifier, which names the helper. Returns an empty text if there is
-/// none.
+/// Returns the fourth part of \a identifier, the identifier of an application. This part is the product name of the
+/// helper. Returns an empty text if \a identifier has fewer than four parts.
 QString HelperProductOf(QString const& identifier);
 
 } // namespace Zelkor::Util

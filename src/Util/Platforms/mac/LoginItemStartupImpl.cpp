@@ -1,9 +1,9 @@
-// A login item does not store the identifier of its application. The identifier is rebuilt from the bundles: maker,
-// product and version of the main bundle, and the product of the helper bundle. It has the same four parts as the
-// identifiers of launch agents.
+// A login item does not store the identifier of its application. The identifier is rebuilt from the properties of two
+// bundles: the vendor from the helper bundle, the product and the version from the main bundle, and the product from
+// the helper bundle. The result has the same four parts as the identifiers of launch agents.
 //
-// CoreFoundationOwner holds the Core Foundation objects, so that they are released on every path. The functions in
-// LoginItem.cpp compute names and paths, so that these can be tested without a Mac.
+// CoreFoundationOwner owns the Core Foundation objects, so that they are released on every code path. The functions in
+// LoginItem.cpp compute names and paths. They are in a separate file, so that they can be tested without a Mac.
 
 #include <Util/Platforms/mac/LoginItemStartupImpl.h>
 
@@ -17,7 +17,8 @@
 
 #include <CoreServices/CoreServices.h>
 
-// Deprecated since OS X 10.11, but it is the only API for the login items that users see in their preferences.
+// LSSharedFileList has been deprecated since OS X 10.11. It is used because it is the only API for the login items that
+// users see in their preferences.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace Zelkor::Util
@@ -30,7 +31,7 @@ using Bundle = CoreFoundationOwner<CFBundleRef>;
 using LoginItems = CoreFoundationOwner<LSSharedFileListRef>;
 using Url = CoreFoundationOwner<CFURLRef>;
 
-/// A property of a bundle. The values of Maker and Product are indexes of parts in the bundle identifier.
+/// A property of a bundle. The values of Maker and Product are the indexes of these parts in the bundle identifier.
 enum InfoParameter { Maker = 1, Product = 2, BundleVersion = 3 };
 
 QString GetQStringFromCFURL(CFURLRef url)
@@ -91,8 +92,8 @@ Url Resolve(LSSharedFileListItemRef item)
     return status == noErr ? std::move(resolved) : Url();
 }
 
-/// Calls \a visit with each of \a items and its URL, in order, until \a visit returns true. Skips items whose URL
-/// cannot be resolved.
+/// Calls \a visit for each item in \a items, in order, until \a visit returns true. The arguments are the item and its
+/// URL. Skips items whose URL cannot be resolved.
 template <class Visit>
 void VisitItems(LoginItems const& items, Visit const& visit)
 {
@@ -109,8 +110,9 @@ void VisitItems(LoginItems const& items, Visit const& visit)
     }
 }
 
-/// Returns the application identifier for the login item at \a url. Returns a null string if its maker is not \a maker
-/// or a bundle cannot be read.
+/// Returns the identifier of the application that the login item at \a url belongs to. Returns a null string if the
+/// vendor in the login item's bundle identifier is not \a maker, or if the bundle of the login item or of the
+/// application cannot be read.
 QString IdentifierOf(Url const& url, QString const& maker)
 {
     Bundle const item = CreateBundle(url);
@@ -126,11 +128,11 @@ QString IdentifierOf(Url const& url, QString const& maker)
     return QStringList{maker, product, version, GetBundleInfo(item, Product)}.join(QLatin1Char('_'));
 }
 
-/// Returns the path of the helper \a product in the main bundle, ending with "/". Returns an empty text if there is
-/// none.
+/// Searches the main bundle for the helper whose bundle identifier contains \a product as its third part. Returns the
+/// helper's path, which ends with "/", or an empty text if the main bundle does not contain this helper.
 QString HelperPath(QString const& product)
 {
-    CFBundleRef const bundle = CFBundleGetMainBundle(); // not released: a "Get" function keeps the ownership
+    CFBundleRef const bundle = CFBundleGetMainBundle(); // not released: "Get" does not transfer ownership
     Url const mainBundle(bundle ? CFBundleCopyBundleURL(bundle) : nullptr);
     if (!mainBundle) {
         return {};
@@ -151,7 +153,7 @@ QString HelperPath(QString const& product)
 class LoginItemStartupImpl::Impl
 {
 public:
-    QMap<QString, QString> paths; // from the identifier of an item to the path of its bundle
+    QMap<QString, QString> paths; // key: the identifier of a login item; value: the path of the item's bundle
 };
 
 LoginItemStartupImpl::LoginItemStartupImpl()

@@ -1,6 +1,6 @@
 #pragma once
 
-// Starts applications at login by login items: helper applications inside the bundle of the main application.
+// Starts applications at login through login items: helper applications inside the bundle of the main application.
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -10,11 +10,11 @@
 namespace Zelkor::Util
 {
 
-/// Adds, finds and removes the login items of one maker's applications.
+/// Adds, finds and removes the login items of one vendor's applications.
 ///
-/// The object caches the identifiers and paths of the login items. Only UpdateStartupItems() refreshes this list.
-/// Nothing is logged or thrown: an item that cannot be read is skipped, and a failed operation returns false. Use an
-/// object on one thread at a time.
+/// The object caches a list of the identifiers and paths of the login items. Only UpdateStartupItems() refreshes this
+/// list. The functions do not log or throw: they skip login items that cannot be read, and return false on failure. Use
+/// an object on one thread at a time.
 class LoginItemStartupImpl
 {
 public:
@@ -25,11 +25,11 @@ public:
     LoginItemStartupImpl(LoginItemStartupImpl const&) = delete;
     LoginItemStartupImpl& operator=(LoginItemStartupImpl const&) = delete;
 
-    /// Reads the list of login items from the session. Includes only items whose bundle identifier has \a maker as its
-    /// second part.
+    /// Reads the list of login items of the user's session. The list contains only login items whose bundle identifier
+    /// has \a maker as its second part.
     void UpdateStartupItems(QString const& maker);
 
-    /// Returns true if the cached list contains the item \a identifier.
+    /// Returns true if the cached list contains the login item \a identifier.
     bool IsInStartup(QString const& identifier) const;
 
     /// Returns the identifiers in the cached list, in alphabetical order.
@@ -37,13 +37,14 @@ public:
 
     /// Adds the helper for \a identifier in the main bundle to the login items.
     ///
-    /// \return true if the helper was added or the cached list contains it; false if there is no helper or the system
-    ///         reports an error
+    /// \return true if the helper was added, or if the cached list already contains \a identifier; false if the main
+    ///         bundle does not contain the helper, or if the system reports an error
     bool AddToLoginItems(QString const& identifier) const;
 
-    /// Removes the item \a identifier from the login items.
+    /// Removes the login item \a identifier.
     ///
-    /// \return true if it was removed; false if the cached list does not contain it or the system reports an error
+    /// \return true if the login item was removed; false if the cached list does not contain the login item, or if the
+    ///         system reports an error
     bool RemoveFromLoginItems(QString const& identifier) const;
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
-// The settings format for property lists. On other systems than macOS, where the tests build the sources of this
-// folder, the test environment defines it.
+// The QSettings format for property lists. Tests on other systems also build the sources of this folder; there, the
+// test environment defines PropertyListFormat().
 
 #include <QtCore/QSettings>
 
