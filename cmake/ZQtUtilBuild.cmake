@@ -31,7 +31,7 @@ endif()
 # zqtutil_target(<target> [PREFIX <folder>])
 #
 # Enables warnings and Qt's strict mode for <target>. Makes __FILE__ relative to <folder>, so that log messages do not
-# contain paths of the build machine. The default of <folder> is the source tree.
+# contain paths of the build machine. <folder> defaults to the root of the source tree.
 function(zqtutil_target target)
     cmake_parse_arguments(arg "" "PREFIX" "" ${ARGN})
     if(NOT arg_PREFIX)

@@ -1,7 +1,8 @@
 # zqtutil_render_icons(<target> BASE <folder> SIZES <path>=<pixels>...)
 #
-# Renders each icon <folder>/<path>.svg to PNG at <pixels>, and at twice that size for high-resolution screens. Adds the
-# icons to the resources of <target> as ":/<path>.png" and ":/<path>@2x.png".
+# Renders each icon <folder>/<path>.svg to two PNG files: one with a width and height of <pixels>, and one with twice
+# that size for high-resolution screens. Adds the files to the resources of <target> as ":/<path>.png" and
+# ":/<path>@2x.png".
 find_program(ZQTUTIL_RSVG_CONVERT rsvg-convert)
 
 function(zqtutil_render_icons target)

@@ -1,12 +1,12 @@
-# Installation, the CMake and pkg-config files for applications, and the packages.
+# Installs the library, and generates the CMake and pkg-config files for applications and the packages.
 
 include(CMakePackageConfigHelpers)
 
 set(ZQTUTIL_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZQtUtil")
 set(ZQTUTIL_HEADER_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ZQtUtil")
 
-# Stores Qt's folder of QML modules, relative to Qt's installation prefix, in <result>. If the library is installed with
-# the same prefix as Qt, every QML program finds the module without an import path.
+# Stores the folder where Qt keeps its QML modules in <result>, relative to Qt's installation prefix. If the library is
+# installed with the same prefix as Qt, every QML program finds the library's QML module without an import path.
 function(zqtutil_qml_dir_of_qt result)
     get_target_property(qmake Qt5::qmake IMPORTED_LOCATION)
     foreach(name IN ITEMS QT_INSTALL_PREFIX QT_INSTALL_QML)
@@ -41,7 +41,7 @@ foreach(header IN LISTS ZQTUTIL_GENERATED_HEADERS)
     install(FILES "${PROJECT_BINARY_DIR}/include/${header}" DESTINATION "${ZQTUTIL_HEADER_DIR}/${folder}")
 endforeach()
 
-# A relative run path, so that the plugin still finds the library if the installed tree is moved.
+# The run path is relative, so that the QML plugin still finds the library if the installed tree is moved.
 file(RELATIVE_PATH libraries_from_module "/${ZQTUTIL_QML_MODULE_DIR}" "/${CMAKE_INSTALL_LIBDIR}")
 set(origin "$ORIGIN")
 if(APPLE)
@@ -61,7 +61,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/ZQtUtilConfigVersion.cmake"
     DESTINATION ${ZQTUTIL_CMAKE_DIR})
 
-# A relative prefix, so that the pkg-config file stays valid if the installed tree is moved.
+# The prefix is relative, so that the pkg-config file stays valid if the installed tree is moved.
 file(RELATIVE_PATH ZQTUTIL_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/zqtutil.pc.in "${PROJECT_BINARY_DIR}/zqtutil.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zqtutil.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
@@ -75,7 +75,7 @@ set(CPACK_PACKAGE_VENDOR Zelkor)
 set(CPACK_PACKAGE_CONTACT "Zelkor <support@zelkor.example>")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # sets the dependencies of packages that link the library
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # lets packages that link the library find their dependency on it
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qtbase5-dev (>= 5.15), libboost-filesystem-dev (>= 1.74)")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
