@@ -36,7 +36,8 @@ constexpr int MaxDays = 365;
 
 enum Column { Name, Age, After };
 
-// tr() with "%n" chooses a singular form only from a translation, and the gallery has none.
+// The singular is handled here: tr() with "%n" has a singular form only in a translation, and the gallery has no
+// translation.
 QString DaysText(int days)
 {
     return days == 1 ? CleanUpBox::tr("1 day") : CleanUpBox::tr("%n days", nullptr, days);

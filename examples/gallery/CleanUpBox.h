@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A part of the Temporary folder page that creates files of several ages and removes the old ones.
+/// The part of the Temporary folder page that creates files of different ages and removes the old files.
 
 #include <Util/TemporaryDir.h>
 
@@ -23,8 +23,8 @@ namespace Gallery
 
 class StatusLabel;
 
-/// Creates sample files in a temporary directory and removes those that have reached a minimum age. The directory is
-/// created together with the first files.
+/// Creates sample files in a temporary directory, and removes the files that have reached a minimum age. The temporary
+/// directory is created by the first call of MakeFiles().
 class CleanUpBox : public QGroupBox
 {
     Q_OBJECT
@@ -32,10 +32,11 @@ class CleanUpBox : public QGroupBox
 public:
     explicit CleanUpBox(QWidget* parent = nullptr);
 
-    /// Creates the sample files with their modification times. Existing ones are overwritten.
+    /// Creates the sample files and sets their modification times. Overwrites existing sample files.
     void MakeFiles();
 
-    /// Removes the files that have the chosen age, and the folder if the user has chosen that.
+    /// Removes the files that have reached the age in the spin box. Also removes the folder if the check box is
+    /// checked.
     void CleanUp();
 
 private:

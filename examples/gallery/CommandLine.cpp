@@ -20,7 +20,7 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(GalleryCommandLine)
 };
 
-// Returns the value in "--option=value", or the whole argument if it is not an option.
+// Returns the value of an argument of the form "--option=value". Returns the whole argument if it is not an option.
 std::string OptionValue(std::string const& argument)
 {
     bool const isOption = argument.compare(0, 2, "--") == 0;
@@ -82,8 +82,8 @@ std::optional<QString> CommandLine::Screenshots() const
     return parser_.isSet(screenshots_) ? std::make_optional(parser_.value(screenshots_)) : std::nullopt;
 }
 
-// The parser works on QStrings, which cannot hold bytes that are not UTF-8. Returns the path from the original argument
-// that has the same text.
+// QCommandLineParser uses QStrings, which cannot represent bytes that are not valid UTF-8. Therefore, this function
+// finds the original argument whose text is the value of the option, and returns the path with the original bytes.
 std::optional<ioPath> CommandLine::PathValue(QCommandLineOption const& option) const
 {
     if (!parser_.isSet(option)) {

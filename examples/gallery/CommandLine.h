@@ -16,25 +16,27 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Parses the command line before an application object exists: the options decide whether the program needs a
-/// QCoreApplication or a QApplication.
+/// Parses the command line. The constructor does not require an application object, because the options decide whether
+/// the program creates a QCoreApplication or a QApplication.
 class CommandLine
 {
 public:
     CommandLine(int argc, char const* const* argv);
 
-    /// Returns true if the program needs windows. Otherwise it only prints a report, the help, the version or an error.
+    /// Returns true if the program needs windows. Returns false if the program only prints a report, the help, the
+    /// version or an error.
     bool WantsWindow() const;
 
-    /// If the user requested the help or the version, or if the command line has an error, prints the text and exits
-    /// the program. Otherwise does nothing. Requires an application object.
+    /// If the command line requests the help or the version, prints the requested text and exits the program. If the
+    /// command line has an error, prints an error message and exits the program. Otherwise does nothing. Requires an
+    /// application object.
     void ExitIfHandled();
 
-    /// Returns the folder to report on in the terminal.
+    /// Returns the folder whose sizes the program prints on the terminal, if the option "--report" is set.
     std::optional<ioPath> Report() const;
-    /// Returns the folder that the pages start with.
+    /// Returns the folder that the pages show first, if the option "--folder" is set.
     std::optional<ioPath> Folder() const;
-    /// Returns the folder to write pictures of the pages to.
+    /// Returns the folder into which the program writes pictures of the pages, if the option "--screenshots" is set.
     std::optional<QString> Screenshots() const;
 
 private:

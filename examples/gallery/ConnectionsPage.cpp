@@ -66,8 +66,8 @@ void ConnectionsPage::AddControl(QAbstractSlider* control, QString const& name, 
     control->setAccessibleName(name);
     auto* const value = new QLabel(locale().toString(control->value()));
     value->setAlignment(Qt::AlignHCenter);
-    // Connect before anything is registered: slots run in the order of connection, so the timeline lists the control
-    // that the user moves before the receivers that follow it.
+    // Connect this slot before any control is registered. Slots are called in the order in which they were connected,
+    // so the timeline shows the control that the user moves before the receivers that follow the control.
     connect(control, &QAbstractSlider::valueChanged, this, [this, name, value](int number) {
         value->setText(locale().toString(number));
         timeline_->Add(name, tr("value %1").arg(value->text()));
@@ -167,7 +167,7 @@ void ConnectionsPage::UnregisterSelected()
     } else {
         ObjectsConnector::unregisterReceiver(registration.id, control, Slot());
     }
-    // ObjectsConnector removes all registrations of the same object, side and name.
+    // ObjectsConnector has removed all registrations with the same object, side and name. Remove all their rows.
     for (int row = table_->rowCount() - 1; row >= 0; --row) {
         auto const at = registrations_.begin() + row;
         if (at->control == registration.control && at->isEmitter == registration.isEmitter &&

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A queue that passes items from any thread to the thread of an object.
+/// A queue that passes items from any thread to the thread of a QObject.
 
 #include <QtCore/QMetaObject>
 #include <QtCore/QObject>
@@ -16,21 +16,22 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Delivers items in batches, so that many items need few events. The queue is a member of its owner and delivers the
-/// items on the owner's thread.
+/// Delivers items on the thread of a QObject, the owner of the queue. The queue is a data member of the owner. It
+/// delivers several items with one event, so that many items need only a few events.
 template <class Item>
 class CrossThreadQueue
 {
 public:
     using Delivery = std::function<void(std::vector<Item> const&)>;
 
-    /// Creates a queue that calls \a deliver with each batch on the thread of \a owner, which must outlive the queue.
+    /// Creates a queue that delivers items by calling \a deliver on the thread of \a owner. \a owner must outlive the
+    /// queue.
     CrossThreadQueue(QObject* owner, Delivery deliver)
         : owner_(owner)
         , deliver_(std::move(deliver))
     {}
 
-    /// Queues \a item. Any thread. Logs nothing, so log sinks and message handlers can call it.
+    /// Queues \a item. Can be called on any thread. Push() logs nothing, so log sinks and message handlers can call it.
     void Push(Item item)
     {
         std::lock_guard<std::mutex> const lock(mutex_);

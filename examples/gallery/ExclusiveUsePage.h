@@ -46,7 +46,7 @@ private:
     QString NameOf(QObject const* client) const;
     void Update();
 
-    ExclusiveService device_; // destroyed before its clients, which are child objects and permit that
+    ExclusiveService device_; // destroyed before its clients, which are child objects; the clients allow this order
     std::vector<Player> players_;
     StatusLabel* holderLabel_;
     Timeline* timeline_;

@@ -26,7 +26,7 @@ using Util::FontDatabase;
 
 constexpr int SampleSize = 18;
 
-/// The choices of the combo box, in its order.
+/// The indexes of the items in the combo box.
 enum List { Added, System, Scalable };
 
 QStringList FamiliesOf(int list)
@@ -41,7 +41,7 @@ QStringList FamiliesOf(int list)
     }
 }
 
-/// Returns the first font file found in the system's font folders, or an empty string.
+/// Returns the path of any font file in the system's font folders. Returns an empty string if there is no font file.
 QString AnyFontFile()
 {
     for (QString const& folder : QStandardPaths::standardLocations(QStandardPaths::FontsLocation)) {

@@ -13,7 +13,8 @@ using Util::SimpleModel;
 void ItemDelegate::initStyleOption(QStyleOptionViewItem* option, QModelIndex const& index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
-    // The icon path is a URL for QML ("qrc:/icons/..."). QIcon needs the resource path (":/icons/...").
+    // SimpleModel returns the icon path as a URL for QML ("qrc:/icons/..."). QIcon requires a resource path instead
+    // (":/icons/...").
     QUrl const icon(index.data(SimpleModel::IconPath).toString());
     option->icon = QIcon(QLatin1Char(':') + icon.path());
     option->text = index.data(SimpleModel::Title).toString();

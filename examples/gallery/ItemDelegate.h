@@ -10,8 +10,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Shows the title and the icon of an item. SimpleModel has its own roles for them, which the standard delegate does
-/// not use.
+/// Shows the title and the icon of an item. The standard delegate cannot show them, because SimpleModel has its own
+/// roles for titles and icons.
 class ItemDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The filter for Qt messages that the user sets on the Log page.
+/// The filter for Qt messages. The user sets the filter on the Log page.
 
 #include <QtCore/QString>
 #include <QtCore/QtGlobal>
@@ -14,17 +14,19 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Drops messages by their type or text, and counts them. All functions can be called on any thread.
+/// Drops messages by their type or text, and counts the dropped messages. All functions can be called on any thread.
 class LogFilter
 {
 public:
-    /// Drops messages that contain \a text, ignoring case. An empty \a text drops none.
+    /// Makes the filter drop messages that contain \a text, ignoring case. If \a text is empty, the filter drops no
+    /// messages by their text.
     void SetDroppedText(QString const& text);
 
     /// Sets whether messages of \a type are dropped.
     void SetDropped(QtMsgType type, bool isDropped);
 
-    /// Returns true if the message passes the filter. Fatal messages always pass. Counts the others that do not.
+    /// Returns true if the message passes the filter. Fatal messages always pass. If the message does not pass,
+    /// increases the number of dropped messages.
     bool Accepts(QtMsgType type, QString const& message);
 
     /// Returns the number of dropped messages.

@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Keeps the most recent lines and drops older ones.
+/// Keeps a limited number of log lines. Removes the oldest lines if there are more.
 class LogModel : public QAbstractTableModel
 {
     Q_OBJECT

@@ -182,7 +182,8 @@ void LogPage::Connect()
     connect(previousHandler_, &PreviousHandler::MessagesReceived, this, &LogPage::ShowForwarded);
 }
 
-// Filters cannot be removed from the handler, which outlives the page. Capture a weak pointer instead of this.
+// The handler outlives the page, and a filter cannot be removed from the handler. Therefore, the filter function
+// captures a weak pointer to filter_ instead of the pointer to the page.
 void LogPage::ConnectFilter()
 {
     Util::QtLogHandler::GetInstance().AddFilter(
@@ -234,13 +235,15 @@ void LogPage::SendMessage()
 void LogPage::ShowDropped()
 {
     int const count = filter_->DroppedCount();
-    // tr() with "%n" chooses a singular form only from a translation, and the gallery has none.
+    // Handle the singular here: tr() with "%n" has a singular form only in a translation, and the gallery has no
+    // translation.
     droppedLabel_->Show(count == 1 ? tr("1 message was dropped") : tr("%n messages were dropped", nullptr, count));
 }
 
 void LogPage::ShowLines(std::vector<LogLine> const& lines)
 {
-    // Scroll only if the last line was visible: a user who has scrolled up is reading.
+    // Scroll down only if the last line was visible before. If the user has scrolled up to read older lines, keep the
+    // position.
     QScrollBar const* const bar = table_->verticalScrollBar();
     bool const isAtEnd = bar->value() == bar->maximum();
     model_->Append(lines);

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// The Log page: sends Qt messages and shows them in glog and in the previous message handler.
+/// The Log page: sends Qt messages. Shows the messages that glog receives, and the messages that the previous message
+/// handler receives.
 
 #include "Page.h"
 
@@ -67,7 +68,7 @@ private:
     QComboBox* categoryBox_;
     QPushButton* sendButton_;
     QLineEdit* droppedTextEdit_;
-    std::vector<QCheckBox*> droppedTypeBoxes_; // in the order of MessageTypes in the source
+    std::vector<QCheckBox*> droppedTypeBoxes_; // in the order of MessageTypes in LogPage.cpp
     StatusLabel* droppedLabel_;
     QCheckBox* positionBox_;
     QCheckBox* forwardBox_;

@@ -10,7 +10,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-/// A command that calls a function for redo and another for undo.
+/// A command that calls one function for redo and another function for undo.
 class Command : public QUndoCommand
 {
 public:

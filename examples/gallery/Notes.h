@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The document of the Undo page, and the commands that change it.
+/// The document of the Undo page, and functions that create undo commands for the document.
 
 #include <QtCore/QAbstractListModel>
 #include <QtGui/QColor>
@@ -23,7 +23,7 @@ struct Note
     QColor colour;
 };
 
-/// A list model of notes. The colour of a note is its decoration.
+/// A list model of notes. Returns the colour of a note for Qt::DecorationRole.
 class Notes : public QAbstractListModel
 {
     Q_OBJECT
@@ -36,7 +36,8 @@ public:
 
     std::vector<Note> const& All() const { return notes_; }
 
-    // Undo commands call these functions. Other code creates a command instead.
+    // Only undo commands call these functions, and ColoursDialog to fill its copy of the notes. Other code must push an
+    // undo command instead.
     void Insert(int row, Note const& note);
     Note Take(int row);
     void Replace(std::vector<Note> notes);
@@ -47,7 +48,8 @@ private:
 };
 
 /// \name Commands
-/// Each function creates a command for an undo stack, which takes ownership. \a notes must outlive the command.
+/// Each function creates a command. Push the command onto an undo stack, which takes ownership of the command. \a notes
+/// must outlive the command.
 /// \{
 
 /// Creates a command that appends \a note.

@@ -33,7 +33,7 @@ public:
     /// Sets the folder that the page shows or checks. Pages that do not use a folder ignore \a folder.
     virtual void SetFolder(ioPath const& folder);
 
-    /// Fills the page with sample data. When the data is complete, the event loop emits SampleShown().
+    /// Fills the page with sample data. When the data is complete, SampleShown() is emitted from the event loop.
     virtual void ShowSample() = 0;
 
     /// Creates the dialogs that the page can open, fills them with sample data and returns them.

@@ -20,7 +20,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// The usual font size of desktops, in points. The offscreen platform has a larger default.
+// A usual font size on desktops, in points. The default font size of the offscreen platform is larger.
 constexpr int FontSize = 10;
 
 constexpr std::chrono::milliseconds RedrawTime(50);
@@ -45,7 +45,8 @@ void FillPage(Page* page)
     loop.exec();
 }
 
-/// During its lifetime, drops a harmless warning: the offscreen platform logs it for every window with a fixed size.
+/// Suppresses a harmless warning during the lifetime of the object. The offscreen platform logs this warning for every
+/// window with a fixed size.
 class SizeHintWarningFilter
 {
 public:
@@ -68,8 +69,8 @@ private:
 
 QtMessageHandler SizeHintWarningFilter::next_ = nullptr;
 
-/// Saves a picture of \a widget in \a folder and prints the file name, which consists of \a id and the name of \a look.
-/// Prints an error and returns false if the file cannot be written.
+/// Saves a picture of \a widget in \a folder and prints the path of the file. The file name consists of \a id and the
+/// name of \a look. If the file cannot be written, prints an error and returns false.
 bool SavePicture(QWidget& widget, QDir const& folder, char const* id, Look const& look)
 {
     QString const name = QStringLiteral("%1-%2.png").arg(QLatin1String(id), QLatin1String(look.name));
@@ -82,8 +83,8 @@ bool SavePicture(QWidget& widget, QDir const& folder, char const* id, Look const
     return true;
 }
 
-/// Runs the event loop until the visible page is painted in the new colours. A QML view is painted from a timer, and
-/// only while it is visible.
+/// Runs the event loop for #RedrawTime, so that the visible page is painted in the new colours. Processing the pending
+/// events once is not enough, because a timer triggers the painting of a QML view.
 void Redraw()
 {
     QEventLoop loop;

@@ -31,8 +31,8 @@ void StatusLabel::changeEvent(QEvent* event)
     }
 }
 
-// setPalette() sends a PaletteChange event, which calls this function again. Return if the colour is already set, or
-// the recursion would be endless.
+// setPalette() sends a PaletteChange event, and changeEvent() then calls this function again. To avoid infinite
+// recursion, the function returns if the colour is already set.
 void StatusLabel::UpdateColour()
 {
     QColor const color = ToneColor(tone_, QApplication::palette());

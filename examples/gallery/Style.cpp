@@ -49,15 +49,16 @@ void Style::drawPrimitive(PrimitiveElement element, QStyleOption const* option, 
     }
 }
 
-// The wider header margin moves the sort arrow up, away from the vertical centre of the text. Move it back.
+// The wider header margin moves the sort arrow up, away from the vertical centre of the text. Move the arrow down
+// again.
 void Style::DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidget const* widget) const
 {
     header.rect.translate(0, ArrowShift);
     QProxyStyle::drawPrimitive(PE_IndicatorHeaderArrow, &header, painter, widget);
 }
 
-// Fusion draws the outline in a darker shade of the window colour, which is invisible on a dark background. Pass a
-// lighter window colour.
+// Fusion draws the outline of a check box in a darker shade of the window colour. This outline is invisible on a dark
+// background, so pass a lighter window colour to Fusion.
 void Style::DrawCheckBox(QStyleOptionButton box, QPainter* painter, QWidget const* widget) const
 {
     if (IsDark(box.palette)) {

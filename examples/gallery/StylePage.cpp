@@ -25,7 +25,8 @@ namespace
 
 using Util::MessageLevel;
 
-/// Creates a dialog with the kinds of widgets that FixWidgetStyle names and tags.
+/// Creates a dialog and applies FixWidgetStyle to it. The dialog contains the kinds of widgets that FixWidgetStyle
+/// changes.
 std::unique_ptr<QDialog> NewSettingsDialog(QWidget* parent)
 {
     auto dialog = std::make_unique<QDialog>(parent);

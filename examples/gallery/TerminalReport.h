@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Reports the sizes of a folder's entries in the terminal.
+/// Functions that report the sizes of a folder's entries on the terminal.
 
 #include "FolderMeasurer.h"
 
@@ -10,12 +10,12 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Returns a table of \a entries, sorted by size in descending order, with \a totals and a list of the paths that could
-/// not be measured.
+/// Returns the text of the report: a table of \a entries, sorted by size in descending order, with \a totals in the
+/// last row. If some paths could not be measured, a list of these paths follows the table.
 QString ReportText(std::vector<FolderEntry> entries, FolderTotals const& totals);
 
-/// Measures \a folder and prints its ReportText(), with progress on the standard error. Runs the application's event
-/// loop. Returns the exit code of the program: 1 if the folder cannot be read.
+/// Measures \a folder and prints the ReportText() to the standard output. Shows progress on the standard error. Runs
+/// the application's event loop. Returns the exit code of the program, which is 1 if the folder cannot be read.
 int PrintReport(ioPath const& folder);
 
 } // namespace Gallery

@@ -78,7 +78,8 @@ QString StateText(FolderEntry const& entry)
     return entry.unmeasured.empty() ? QString() : UnmeasuredText(entry.unmeasured.size());
 }
 
-// tr() with "%n" chooses a singular form only from a translation, and the gallery has none.
+// The singular is handled here: tr() with "%n" has a singular form only in a translation, and the gallery has no
+// translation.
 QString EntriesText(int count)
 {
     return count == 1 ? Text::tr("1 entry") : Text::tr("%n entries", nullptr, count);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Texts shared by the window and the terminal report.
+/// Functions that create the texts for both the window and the terminal report.
 
 #include "FolderEntry.h"
 
@@ -19,38 +19,40 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Returns \a text on one line. Control characters and line separators are escaped as in a C string.
+/// Returns \a text as one line. Control characters, line separators and paragraph separators are replaced by escape
+/// sequences such as `\n` and `\x07`.
 QString OneLineText(QString const& text);
 
-/// Returns \a path as OneLineText(). Bytes that are not valid UTF-8 become U+FFFD.
+/// Returns the OneLineText() of \a path. Replaces bytes that are not valid UTF-8 by U+FFFD.
 QString PathText(ioPath const& path);
 
-/// Returns the file name of \a entry as PathText().
+/// Returns the PathText() of the file name of \a entry.
 QString NameText(FolderEntry const& entry);
 
-/// Returns the state of \a entry. If it is measured, returns the number of paths that could not be measured, or an
-/// empty string if there are none.
+/// Returns a text for the state of \a entry. If \a entry has been measured, returns the UnmeasuredText() for its
+/// unmeasured paths, or an empty string if all paths could be measured.
 QString StateText(FolderEntry const& entry);
 
-/// Returns \a count with its noun: "348 entries".
+/// Returns a text such as "348 entries" for the number \a count.
 QString EntriesText(int count);
 
-/// Returns \a count in a sentence: "3 entries could not be measured".
+/// Returns a text such as "3 entries could not be measured" for the number \a count.
 QString UnmeasuredText(std::size_t count);
 
-/// Returns the first \a limit of \a paths, one in each line, and then a line with the number of the others.
+/// Returns at most the first \a limit of \a paths, one on each line. If there are more paths, appends a line with the
+/// number of omitted paths.
 QString PathListText(std::vector<ioPath> const& paths, std::size_t limit);
 
 /// Returns \a bytes as a size with a unit.
 QString SizeText(unsigned long long bytes);
 
-/// Returns \a microseconds as a duration, precise to milliseconds.
+/// Returns \a microseconds as the text of a duration, with millisecond precision.
 QString TimeText(long long microseconds);
 
-/// Returns a message for the user that \a folder cannot be read because of \a error.
+/// Returns a message for the user which says that \a folder cannot be read because of \a error.
 QString UnreadableFolderText(ioPath const& folder, boost::system::error_code const& error);
 /// \overload
-/// \a reason is a text that the message includes.
+/// Includes the text \a reason in the message.
 QString UnreadableFolderText(ioPath const& folder, QString const& reason);
 
 } // namespace Gallery

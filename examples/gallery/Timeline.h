@@ -12,8 +12,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Lists events and scrolls to the newest, which is last. Events of the same iteration of the event loop have the same
-/// number.
+/// Lists events and scrolls to the newest event, which is in the last row. Each event has the number of an iteration of
+/// the event loop. Events that happen in the same iteration have the same number.
 class Timeline : public QTableWidget
 {
     Q_OBJECT
@@ -21,10 +21,11 @@ class Timeline : public QTableWidget
 public:
     explicit Timeline(QWidget* parent = nullptr);
 
-    /// Appends the event \a event of the object named \a object, in the colour of \a tone.
+    /// Appends a row for the event \a event of the object with the name \a object. Shows the event in the colour of \a
+    /// tone.
     void Add(QString const& object, QString const& event, Tone tone = Tone::Neutral);
 
-    /// Removes all events and restarts the numbers.
+    /// Removes all events and restarts the numbers of the iterations at 1.
     void Clear();
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Text colours for good and bad values.
+/// Text colours that show whether a value is good or bad.
 
 #include <QtGui/QColor>
 #include <QtGui/QPalette>
@@ -11,10 +11,11 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// How good a value is. The tone sets the colour of its text.
+/// Rates a value. The tone of a value determines the colour of its text.
 enum class Tone { Neutral, Good, Caution, Bad };
 
-/// Returns the colour for text of \a tone that is readable on the light or dark background of \a palette.
+/// Returns the text colour for \a tone. The colour is readable on the background of \a palette, which may be light or
+/// dark.
 QColor ToneColor(Tone tone, QPalette const& palette);
 
 } // namespace Gallery

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The Versions and validators page.
+/// The Versions and validators page: compares and formats versions, and validates e-mail addresses and file names.
 
 #include "Page.h"
 

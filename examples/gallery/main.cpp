@@ -26,7 +26,8 @@ int RunOnTerminal(int& argc, char** argv, CommandLine& commandLine)
 
 int ShowWindow(CommandLine const& commandLine)
 {
-    // Do not quit when the window is closed: a page may still be busy. ReadyToQuit() is emitted afterwards.
+    // Do not quit when the window is closed, because a page may still be busy. The program quits when MainWindow emits
+    // ReadyToQuit().
     QApplication::setQuitOnLastWindowClosed(false);
     MainWindow window;
     QObject::connect(&window, &MainWindow::ReadyToQuit, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
@@ -43,7 +44,7 @@ int RunWithWindows(int& argc, char** argv, CommandLine const& commandLine)
     if (screenshots) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-    // Software rendering is fast enough for the QML view of the List model page, and works without OpenGL.
+    // Use software rendering for the QML view of the List model page. It is fast enough, and works without OpenGL.
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     QApplication const application(argc, argv);
     QApplication::setStyle(new Style);

@@ -38,6 +38,7 @@ ListView {
         }
     }
 
-    // ListModelPage registers the Qt Widgets list under the same name, so that it clears its selection.
+    // ListModelPage registers the Qt Widgets view under the same name. Therefore, the Qt Widgets view clears its selection
+    // when this view emits chosen().
     Component.onCompleted: ObjectsConnector.registerEmitter("chosen in QML", view, "chosen()")
 }
