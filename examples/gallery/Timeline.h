@@ -21,11 +21,11 @@ class Timeline : public QTableWidget
 public:
     explicit Timeline(QWidget* parent = nullptr);
 
-    /// Appends a row for the event \a event of the object with the name \a object. Shows the event in the colour of \a
-    /// tone.
+    /// Appends a row for the event \a event of the object with the name \a object. The colour of the event's text is
+    /// the colour of \a tone.
     void Add(QString const& object, QString const& event, Tone tone = Tone::Neutral);
 
-    /// Removes all events and restarts the numbers of the iterations at 1.
+    /// Removes all events and restarts the numbering of the iterations.
     void Clear();
 
 private:
