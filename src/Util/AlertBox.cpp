@@ -20,9 +20,9 @@
 // when a property changes, so AlertBox calls unpolish() and polish() after every change of a property.
 //
 // An empty spacer widget in the last row of the grid layout enforces the minimum width. QMessageBox deletes its grid
-// layout and creates a new one whenever its contents change, so AlertBox must insert the spacer again after each
-// deletion. It does this in a queued call, because the new layout does not exist yet when the old layout emits
-// destroyed().
+// layout and creates a new one whenever the contents of the box change, so AlertBox must insert the spacer again after
+// each deletion. AlertBox does this in a queued call, because the new layout does not exist yet when the old layout
+// emits destroyed().
 
 namespace Zelkor::Util
 {
@@ -117,13 +117,13 @@ AlertBox::AlertBox(Level level, QString const& title, QString const& text, QMess
         LevelLook const* const look = LookOf(level_);
         if (look && look->title) {
             shownTitle = tr(look->title);
-        } else if (level_ == Question) { // deliberate: a question with a title has no minimum width
+        } else if (level_ == Question) { // deliberate: only a question without a title gets a minimum width
             SetWidth(QuestionWidth);
         }
-        // Since the first release, QMessageBox::setWindowTitle() is called only if the caller passes no title.
+        // Keep this call inside the if statement: since the first release, it is made only for an empty title.
         QMessageBox::setWindowTitle(shownTitle);
     }
-    QWidget::setWindowTitle(shownTitle); // QMessageBox::setWindowTitle() has no effect on macOS
+    QWidget::setWindowTitle(shownTitle); // required, because QMessageBox::setWindowTitle() has no effect on macOS
 
     setStyleSheet(QStringLiteral("QLabel#qt_msgbox_label { font : normal }"));
     SetDialogSubStyle(level_);
@@ -139,7 +139,7 @@ AlertBox::~AlertBox() = default;
 int AlertBox::Exec(Level level, QString const& title, QString const& text, QMessageBox::StandardButtons buttons,
                    QWidget* parent, Qt::WindowFlags flags)
 {
-    // The box is on the heap, because the parent deletes the box if the parent is destroyed while the box is shown.
+    // Allocate the box on the heap: if its parent is destroyed while the box is shown, the parent deletes the box.
     QPointer<AlertBox> const box(new AlertBox(level, title, text, buttons, parent, flags));
     auto const boxGuard = qScopeGuard([&box] { delete box.data(); });
     box->PrepareToShow();
@@ -191,8 +191,8 @@ void AlertBox::SetWidth(int width)
     widthSpacer_->setFixedSize(width, 0);
     grid->addWidget(widthSpacer_, grid->rowCount() - 1, 0, 1, grid->columnCount());
     // The connection is queued, because QMessageBox has not installed its new layout yet when it deletes the old one.
-    // disconnect() does not cancel a call that is already queued. The call therefore checks that the minimum width has
-    // not been removed meanwhile.
+    // disconnect() does not cancel a call that is already queued. The lambda therefore checks that the minimum width
+    // has not been removed in the meantime.
     widthConnection_ = connect(
         grid, &QObject::destroyed, this,
         [this] {
@@ -271,8 +271,8 @@ void AlertBox::SetButtonsSubStyle()
         StandardButton const standard = standardButton(button);
         ButtonRole const role = buttonRole(button);
 
-        // The tests for Ok and Cancel are independent: a Cancel button with AcceptRole passes both tests. The values of
-        // Cancel then overwrite the values of Ok.
+        // The conditions for Ok and Cancel are independent: a Cancel button with AcceptRole meets both conditions. The
+        // values for Cancel then overwrite the values for Ok.
         if (standard == Ok || role == AcceptRole) {
             apply("Ok", "SubStyle");
             apply("activeButton", "styleHint");

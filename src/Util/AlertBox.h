@@ -36,12 +36,12 @@ namespace Util
 /// **Style sheets.** The property "Level" of the box contains the level, see ApplyMessageLevel().
 /// SetDefaultButtonNames() and SetButtonsSubStyle() document the object names and the properties of the buttons.
 ///
-/// **Icons.** The application provides three resources: ":/MessageBox/info_icon.png", ":/MessageBox/error_icon.png" and
-/// ":/MessageBox/question_icon.png".
+/// **Icons.** The application should provide the default icons as resources: ":/MessageBox/info_icon.png",
+/// ":/MessageBox/error_icon.png" and ":/MessageBox/question_icon.png".
 ///
 /// **A box without buttons.** QMessageBox adds an OK button to a box without buttons, but only when the box is shown.
-/// AlertBox sets the object names and properties before that. Therefore, the added button has neither. Pass
-/// `QMessageBox::Ok` to get an OK button that style sheets can select.
+/// AlertBox sets the object names and properties before the box is shown. Therefore, the added button has neither an
+/// object name nor properties. Pass `QMessageBox::Ok` to get an OK button that style sheets can select.
 ///
 /// **Additional buttons.** If you add buttons after construction, call SetDefaultButtonNames() to set their object
 /// names. Exec() and Show() set the properties of all buttons through PrepareToShow().
@@ -54,13 +54,14 @@ class ZQTUTIL_EXPORT AlertBox : public QMessageBox
     Q_OBJECT
     /// The minimum width of the dialog in pixels; -1 if no minimum width is set.
     Q_PROPERTY(int minimumDialogWidth READ GetWidth WRITE SetWidth)
-    /// The last value that was set for the spacing between the buttons, in pixels; initially 0.
+    /// The spacing between the buttons in pixels, as last applied by SetSpacing(); 0 if SetSpacing() has applied no
+    /// value yet.
     Q_PROPERTY(int spacing READ GetSpacing WRITE SetSpacing)
-    /// True if a box without an icon gets the icon of its level when it is shown; initially true.
+    /// True if a box without an icon gets the default icon of its level before it is shown; initially true.
     Q_PROPERTY(bool useDefaultLevelIcon READ GetUseDefaultLevelIcon WRITE SetUseDefaultLevelIcon)
 
 public:
-    /// The kind of message. It selects the default title, the default icon and the property "Level".
+    /// The kind of message. The level determines the default title, the default icon and the property "Level".
     enum Level { Information, Error, Question };
 
     /// Creates a message box of level Information without a parent, a title, buttons or a style sheet. The property
@@ -100,7 +101,7 @@ public:
 
     /// Prepares the box with PrepareToShow(), shows it and returns immediately.
     ///
-    /// \param modal  true if the box blocks input to the other windows
+    /// \param modal  true to block input to all other windows of the application while the box is visible
     virtual void Show(bool modal);
 
     /// Calls SetButtonsSubStyle(), UpdateDefaultIcon() and Repolish(), in this order. Exec() and Show()
@@ -117,7 +118,8 @@ public:
     /// Sets the spacing between the buttons to \a spacing pixels. Does nothing if the box has no buttons, or if the
     /// layout of the buttons is not a QHBoxLayout.
     void SetSpacing(int spacing);
-    /// Returns the last value that was set for the spacing between the buttons, in pixels; initially 0.
+    /// Returns the spacing between the buttons in pixels, as last applied by SetSpacing(). Returns 0 if SetSpacing()
+    /// has applied no value yet.
     int GetSpacing() const;
 
     /// Enables the default icon if \a use is true, otherwise disables it. See UpdateDefaultIcon().
@@ -133,7 +135,7 @@ public:
     /// If \a opener is null, each label opens its links itself.
     ///
     /// Removes all other connections from the signal `QLabel::linkActivated()` of these labels. QMessageBox creates
-    /// labels on demand, so call this function again after adding texts.
+    /// labels on demand, so call this function again after you have added text to the box.
     void SetLinksOpener(std::shared_ptr<App::ILinksOpener> const& opener);
 
     /// Sets the object name of every button to "button" followed by the name of its standard button, for example
@@ -150,21 +152,22 @@ public:
     /// | `Cancel`, or a button with `RejectRole`       | "Cancel"   | "rejectButton" |
     /// | `No`                                          |            | "rejectButton" |
     ///
-    /// The property "buttonRole" of every button is the name of its role without "Role", for example "Accept".
+    /// The property "buttonRole" of every button is set to the name of the button's role without the suffix "Role", for
+    /// example to "Accept" for `AcceptRole`.
     void SetButtonsSubStyle();
 
     /// Sets the property "Level" of the box to \a level. Changes neither the icon nor the title. Ignores a value
     /// outside the enumeration.
     void SetDialogSubStyle(Level level);
 
-    /// Sets the icon of the level if the box has no icon and the default icon is enabled.
+    /// Sets the default icon of the box's level if the box has no icon and the default icon is enabled.
     void UpdateDefaultIcon();
 
     /// Applies the style sheet again to the box and to all widgets inside it.
     void Repolish();
 
-    /// Returns the icon of \a level. Returns a null pixmap if \a level is outside the enumeration, or if the
-    /// application does not provide the resource.
+    /// Returns the default icon of \a level. Returns a null pixmap if \a level is outside the enumeration, or if the
+    /// application does not provide the resource of the icon.
     static QPixmap GetPixmapForLevel(Level level);
 
 private:

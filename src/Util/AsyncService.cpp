@@ -150,7 +150,7 @@ void AsyncService::Impl::complete(Task* task, bool cancelled)
     delete tasks.take(task);
     keepDuringDelivery(completed);
 
-    // Each of these callbacks may destroy the service. Therefore, the code below uses only the task.
+    // Each of the following callbacks may destroy the service. Therefore, access only the task from here on.
     if (task->error && task->onError) {
         task->onError(task->error);
     } else if (cancelled && task->onCancelled) {
@@ -168,8 +168,8 @@ void AsyncService::Impl::deliver(Task* task, int value)
     }
 }
 
-/// If progress callbacks of \a task are running, transfers the ownership of \a task to the outermost of these
-/// deliveries. The outermost delivery returns last, so the callbacks stay alive until all of them have returned.
+/// If calls of Task::onProgress for \a task are running, transfers the ownership of \a task to the Delivery object of
+/// the outermost call. The outermost call returns last, so the task is not destroyed before all calls have returned.
 void AsyncService::Impl::keepDuringDelivery(std::unique_ptr<Task>& task) const
 {
     Delivery* outermost = nullptr;
@@ -189,8 +189,8 @@ AsyncService::AsyncService()
 
 AsyncService::~AsyncService()
 {
-    // The thread is stopped here and not in ~Impl(), because the running job uses impl_ to report progress. Some
-    // standard libraries set impl_ to null before they call ~Impl().
+    // Stop the thread here and not in ~Impl(): the running job uses impl_ to report progress, but some standard
+    // libraries set impl_ to null before they call ~Impl().
     impl_->stop();
 }
 

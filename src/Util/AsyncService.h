@@ -51,11 +51,11 @@ namespace Util
 /// - Progress values are delivered in the order in which the job reported them, all of them before the completion
 ///   callback.
 /// - The task is unregistered before its completion callback runs. The callback may therefore post and run other tasks,
-///   and may destroy the service if it is empty().
+///   and may destroy the service if the service is empty().
 ///
 /// **Ownership.** post() transfers the ownership of the task to the service, which deletes the task when it completes.
-/// Destroy a service only when it is empty(): tasks that are still registered are not freed, and their callbacks are
-/// not called.
+/// Destroy a service only when empty() returns true: tasks that are still registered are not freed, and their callbacks
+/// are not called.
 class ZQTUTIL_EXPORT AsyncService
 {
 public:
@@ -72,26 +72,26 @@ public:
     /// thread. The task is nevertheless deleted when it completes.
     struct Task
     {
-        /// The service that the task was posted to.
+        /// The service that the task was posted to. Null before the first post().
         AsyncService* service = nullptr;
         /// The exception that the job threw. Null if the job threw nothing or threw Cancelled.
         std::exception_ptr error;
-        /// The job. It is called once, on the worker thread. If the job is an empty function, #error is
-        /// `std::bad_function_call`.
+        /// The job. It is called once, on the worker thread. If #work is empty, the service behaves as if the
+        /// job had thrown `std::bad_function_call`.
         std::function<void(Reporter*)> work;
-        /// Called when the job has returned. Also called if the job has thrown Cancelled and #onCancelled is empty, or
-        /// if the job has thrown another exception and #onError is empty.
+        /// Called when the job has returned normally. Also called if the job has thrown Cancelled and #onCancelled is
+        /// empty, or if the job has thrown another exception and #onError is empty.
         std::function<void()> onFinished;
         /// Called when the job has thrown Cancelled.
         std::function<void()> onCancelled;
-        /// Called with each reported value. The callback may run its own event loop, for example in a message box: the
-        /// task is not deleted before the callback returns.
+        /// Called with each reported value. The callback may run its own event loop, for example for a message
+        /// box. The task is not deleted before the callback returns.
         std::function<void(int)> onProgress;
-        /// Called with #error when the job has thrown anything except Cancelled.
+        /// Called with #error when the job has thrown anything other than Cancelled.
         std::function<void(std::exception_ptr)> onError;
     };
 
-    /// Creates a service. Its worker thread starts with the first run().
+    /// Creates a service. The first call of run() starts the worker thread.
     ///
     /// Throws `std::logic_error` if an internal connection of a signal to a slot fails.
     AsyncService();
@@ -109,8 +109,9 @@ public:
 
     /// Registers \a task and sets Task::error to null. Returns \a task. Does not start the job.
     ///
-    /// \a task must have been created with plain `new`. If \a task is posted again, it gets a new reporter, which is
-    /// not cancelled. If the job is already queued, it keeps the previous reporter.
+    /// \a task must have been created with `new`, because the service deletes it with `delete`. A second post() of the
+    /// same task creates a new reporter, which is not cancelled. If the job is already queued, the job still uses the
+    /// previous reporter.
     ///
     /// Throws `std::invalid_argument` if \a task is null.
     Task* post(Task* task);
@@ -129,7 +130,7 @@ public:
     /// the job throws Cancelled.
     void cancel(Task* task);
 
-    /// Returns true if \a task is registered: posted and not yet completed.
+    /// Returns true if \a task is registered, that is, if it has been posted and has not completed yet.
     bool contains(Task* task) const;
 
     /// Returns true if no task is registered.
@@ -144,8 +145,8 @@ public:
     /// Queues \a value for the progress callback of \a task. The value is dropped if the task has completed before the
     /// delivery. Thread-safe while the service exists.
     ///
-    /// Do not call this for a task that may have completed: a new task can have the same address and would then receive
-    /// the value.
+    /// Do not call this function for a task that may have completed: a new task can have the same address and would
+    /// then receive the value.
     void report(Task* task, int value);
 
 private:
@@ -155,8 +156,8 @@ private:
 
 /// A plain struct that a job uses to report progress and to check for cancellation.
 ///
-/// The service deletes the reporter when the task completes. The destructor of the service deletes a reporter that a
-/// second post() of the same task has replaced.
+/// The service deletes the reporter when the task completes. If a second post() of the same task has replaced the
+/// reporter, the destructor of the service deletes the replaced reporter.
 struct AsyncService::Reporter
 {
     /// The service that runs the job.
@@ -166,7 +167,7 @@ struct AsyncService::Reporter
     /// True if cancel() has been called for the task.
     std::atomic<bool> cancelled{false};
 
-    /// Queues \a value for Task::onProgress. The value is not changed. Thread-safe until the job has returned.
+    /// Queues \a value for Task::onProgress, which receives it unchanged. Thread-safe until the job has returned.
     void report(int value) { service->report(task, value); }
 
     /// Returns true if cancellation has been requested. Thread-safe.

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The interface that starts applications when the user logs in.
+/// The interface for registering applications that the system starts when the user logs in.
 
 #include <Util/Export.h>
 
@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Util
 {
 
-/// Starts applications when the user logs in.
+/// Registers applications that the system starts when the user logs in.
 ///
 /// Each application has an identifier with four parts, joined by "_": vendor, product, version and flavour. An example
 /// is "Zelkor_Studio_3.1.2_Agent".
@@ -27,9 +27,9 @@ namespace Util
 /// }
 /// \endcode
 ///
-/// A launcher caches the list of the applications that start at login. The list of a new launcher is empty.
-/// IsInStartup() and GetStartupApplications() refresh the list first. AddToStartup() and RemoveFromStartup() use the
-/// cached list, and refresh the list only if they succeed.
+/// A launcher caches the list of the applications that start at login. The cached list of a new launcher is
+/// empty. IsInStartup() and GetStartupApplications() refresh the list first. AddToStartup() and RemoveFromStartup() use
+/// the cached list, and refresh the list only if they succeed.
 ///
 /// IsInStartup() and GetStartupApplications() block until the system has returned the list; on macOS they run
 /// launchctl. Use a launcher on one thread at a time, normally the GUI thread.
@@ -38,7 +38,7 @@ class ZQTUTIL_EXPORT IAutoLauncher
 public:
     virtual ~IAutoLauncher();
 
-    /// Refreshes the list, then returns true if the application \a identifier starts at login.
+    /// Refreshes the cached list, then returns true if the application \a identifier starts at login.
     ///
     /// On macOS, the function first searches the login items for \a identifier. If no login item has this identifier,
     /// the function searches the output of "launchctl list" for a line that ends with \a identifier. In this second
@@ -64,8 +64,8 @@ public:
 
     /// Unregisters the application \a identifier, so that the system no longer starts it at login.
     ///
-    /// Searches the cached list, and refreshes the list only after a successful removal. The list of a new launcher is
-    /// empty. Therefore, call IsInStartup() or GetStartupApplications() first.
+    /// Searches the cached list, and refreshes the list only after a successful removal. The cached list of a new
+    /// launcher is empty. Therefore, call IsInStartup() or GetStartupApplications() first.
     ///
     /// On macOS, the function first tries to remove the login item. If the list does not contain the login item, or
     /// removing it fails, the function starts "launchctl unload" for the launch agent without waiting for its result.
@@ -75,7 +75,7 @@ public:
     ///         list does not contain \a identifier
     virtual bool RemoveFromStartup(QString const& identifier) = 0;
 
-    /// Refreshes the list, then returns the identifiers of the applications that start at login.
+    /// Refreshes the cached list, then returns the identifiers of the applications that start at login.
     ///
     /// On macOS, the result contains the identifiers of Zelkor's login items, followed by the labels of all loaded
     /// launch agents of the user, including agents of other vendors. An application that has both a login item and a
@@ -83,9 +83,9 @@ public:
     virtual QStringList GetStartupApplications() = 0;
 };
 
-/// The implementation that GetAutoLauncherImpl() creates.
+/// Selects the implementation that GetAutoLauncherImpl() creates.
 enum class AutoLauncherImplType : int {
-    Default ///< the implementation for the current system
+    Default ///< the implementation for the operating system that the program runs on
 };
 
 /// Creates a launcher for the current system. This function is defined only on macOS.

@@ -14,10 +14,10 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns a copy of all \a bytes. If \a bytes is empty, returns a default-constructed `QByteArray` without an
+/// Returns a copy of \a bytes. If \a bytes is empty, returns a default-constructed `QByteArray` without an
 /// allocation.
 ///
-/// Throws `std::length_error` if there are more bytes than a `QByteArray` can hold (2 GiB).
+/// Throws `std::length_error` if \a bytes has more elements than the maximum value of `int`.
 ZQTUTIL_EXPORT QByteArray VectorByteToQByteArray(std::vector<unsigned char> const& bytes);
 
 /// Returns a copy of all bytes of \a array, including NUL bytes.

@@ -6,9 +6,9 @@
 
 // Design notes
 //
-// The service and its clients emit signals in the middle of a transfer. A slot that is connected to one of these
-// signals can destroy the client, the service or the next holder of the resource. Therefore, objects that are used
-// after a signal was emitted are held in a QPointer.
+// The service and its clients emit signals in the middle of a transfer of the resource. A slot that is connected to one
+// of these signals can destroy the client, the service or the next holder of the resource. Therefore, the code uses a
+// QPointer for every object that it accesses after it has emitted a signal.
 
 /// While this object exists, the client does not react to clientAboutToBeChanged(). A client creates this object while
 /// it releases the resource or emits a signal about a transfer. The client can be destroyed before this object.
@@ -39,8 +39,8 @@ ExclusiveClient::ExclusiveClient(ExclusiveService* boundService, QObject* parent
     : QObject(parent)
 {
     setService(boundService);
-    // These connections are made before the application can connect slots to finished() and intercepted(). Slots of
-    // released() therefore run before the slots of finished() and intercepted().
+    // These connections are made before the application can connect slots to finished() and intercepted(). Slots
+    // connected to released() therefore run before the slots connected to finished() and intercepted().
     connect(this, &ExclusiveClient::finished, this, &ExclusiveClient::released);
     connect(this, &ExclusiveClient::intercepted, this, &ExclusiveClient::released);
 }
@@ -64,7 +64,7 @@ void ExclusiveClient::setService(ExclusiveService* newService)
         return;
     }
     if (service_) {
-        // A slot that ran during letGo() can have set another service and acquired the resource of that service.
+        // A slot that ran during letGo() may have set another service and acquired the resource of that service.
         // Release that resource too. Disconnect first: otherwise, a slot that acquires the resource after every release
         // would cause an endless loop.
         disconnect(service_, nullptr, this, nullptr);

@@ -54,7 +54,7 @@ public:
 
 public Q_SLOTS:
     /// Acquires the resource and takes it from another client if necessary. Does nothing if this client already holds
-    /// it.
+    /// the resource.
     ///
     /// Throws `std::logic_error` ("ExclusiveClient use without service!") if this client has no service, or if the
     /// service was destroyed.
@@ -70,18 +70,20 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Emitted after this client has acquired the resource.
     void acquired();
-    /// Emitted when this client no longer holds the resource, for any reason. Slots of released() run before the slots
-    /// that the application connects to finished() or intercepted().
+    /// Emitted when this client no longer holds the resource, for any reason. Slots connected to released() run before
+    /// the slots that the application connects to finished() or intercepted().
     void released();
     /// Emitted when another client or breakAll() takes the resource from this client.
     void intercepted();
-    /// Emitted after this client released the resource because of finalize(), setService() or its own destruction.
+    /// Emitted after this client has released the resource in finalize(), in setService() or in its destructor.
     void finished();
     /// Emitted when another client acquires the resource while this client does not hold it.
     void otherClientAppeared();
 
 protected Q_SLOTS:
-    /// Reacts to ExclusiveService::clientAboutToBeChanged(): the resource is being transferred from \a from to \a to.
+    /// Slot connected to ExclusiveService::clientAboutToBeChanged(). Emits intercepted() if \a from is this client.
+    /// Otherwise, emits otherClientAppeared() if \a to is another client. Does nothing while this client releases the
+    /// resource or emits one of these signals.
     void onClientAboutToBeChanged(QObject* from, QObject* to);
 
 private:

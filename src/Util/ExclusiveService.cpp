@@ -15,7 +15,7 @@ void ExclusiveService::setClient(QObject* client)
         return;
     }
     QObject* const previous = current_;
-    current_ = nullptr; // no client holds the resource while clientAboutToBeChanged() is emitted
+    current_ = nullptr; // no client holds the resource while clientAboutToBeChanged() is being emitted
 
     QPointer<ExclusiveService> const self(this);
     QPointer<QObject> const next(client);

@@ -20,7 +20,8 @@
 ///
 /// **Threads.** Use the service and its clients on one thread, normally the GUI thread.
 ///
-/// **Ownership.** The service does not own the current client. If the client is destroyed, there is no current client.
+/// **Ownership.** The service does not own the current client. If the current client is destroyed, no client
+/// holds the resource.
 class ZQTUTIL_EXPORT ExclusiveService : public QObject
 {
     Q_OBJECT
@@ -29,8 +30,8 @@ public:
     /// Creates a service without a current client. \a parent owns the service and can be null.
     explicit ExclusiveService(QObject* parent = nullptr);
 
-    /// Returns the client that holds the resource. Returns null if no client holds it, and while
-    /// clientAboutToBeChanged() is emitted.
+    /// Returns the client that holds the resource. Returns null if no client holds the resource, and
+    /// also while clientAboutToBeChanged() is being emitted.
     QObject* currentClient() const;
 
 public Q_SLOTS:
@@ -45,12 +46,12 @@ public Q_SLOTS:
     void setClient(QObject* client);
 
 Q_SIGNALS:
-    /// Emitted before the resource is transferred from \a from to \a to. A null pointer means that no client holds the
-    /// resource.
+    /// Emitted before the resource is transferred from \a from to \a to. \a from is null if no client held the resource
+    /// before the transfer. \a to is null if no client will hold the resource after the transfer.
     void clientAboutToBeChanged(QObject* from, QObject* to);
 
-    /// Emitted after the resource has been transferred to \a client. A null pointer means that no client holds the
-    /// resource.
+    /// Emitted after the resource has been transferred to \a client. \a client is null if no client holds the resource
+    /// now.
     void clientChanged(QObject* client);
 
 private:

@@ -25,30 +25,30 @@ namespace
 
 PathValidity CheckExistingFolder(QString const& path)
 {
-    // Both checks are required. WriteUser applies the system's rule for the current user; CanCreateFileIn() applies a
-    // different rule.
+    // Both checks are required, because they use different rules: WriteUser uses the system's rule for the current
+    // user; CanCreateFileIn() uses the rule that FileUtils.h documents.
     bool const isWritable = QFileInfo(path).permissions().testFlag(QFileDevice::WriteUser) && CanCreateFileIn(path);
     return isWritable ? PathValidity::Valid : PathValidity::NotWritable;
 }
 
 PathValidity CheckMissingFolder(QString const& path)
 {
-    // Reject folder names that end with a space. Both the slash and the backslash count as separators. Existing folders
-    // with these names are valid, because CheckExistingFolder() does not check for spaces.
+    // Reject the path of a new folder if any component of the path ends with a space. Both '/' and '\' separate
+    // components. Paths of existing folders do not reach this check.
     if (path.contains(QLatin1String(" /")) || path.contains(QLatin1String(" \\")) || path.endsWith(QLatin1Char(' '))) {
         return PathValidity::TrailingSpace;
     }
     if (!QDir().mkpath(path)) {
         return PathValidity::CannotCreate;
     }
-    // Accepted side effect: rmpath() also removes parents that were empty before the check.
+    // Accepted side effect: rmpath() also removes parent folders that already existed and were empty.
     QDir().rmpath(path);
     return PathValidity::Valid;
 }
 
-// If a path ends with a separator, the system follows a symbolic link at the end of the path. The caller could then not
-// detect that the path is a link. The rest of the path is not normalised, because only the system can resolve ".."
-// after a link.
+// Removes all "/" and "/." from the end of the path. If a path ends with "/", the system follows a symbolic link at the
+// end of the path, and the caller cannot detect that the path is a link. The rest of the path is not normalised,
+// because only the system can resolve ".." after a link.
 QString WithoutTrailingSeparators(QString path)
 {
     while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/.")))) {
@@ -91,7 +91,8 @@ PathValidity IsThisPathValid(QString const& path)
 
 bool IsThisPathValid(QString const& path, QString* errorText)
 {
-    // Required since the first release: the error text is thrown in an exception of this local class and caught below.
+    // The error text is thrown in an exception of this local class and caught in the same function. This has been a
+    // requirement since the first release.
     class Error : public std::exception
     {
     public:
@@ -162,7 +163,7 @@ QString GetStandardPath(QStandardPaths::StandardLocation location)
     auto const found = std::find_if(candidates.cbegin(), candidates.cend(),
                                     [](QString const& candidate) { return !candidate.isEmpty(); });
     QFileInfo const folder(found != candidates.cend() ? *found : QDir::homePath());
-    // As documented, only one link is resolved: the target may be another link, or may not exist.
+    // Resolve only one link, as documented. The target may be another link, or may not exist.
     return QDir::toNativeSeparators(folder.isSymLink() ? folder.symLinkTarget() : folder.filePath());
 }
 

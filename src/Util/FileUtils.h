@@ -23,7 +23,7 @@ enum class PathValidity : int {
     Empty,         ///< the path is empty
     Relative,      ///< the path is relative
     NotWritable,   ///< the folder exists, but no file can be created in it
-    TrailingSpace, ///< the folder does not exist, and a name in its path ends with a space
+    TrailingSpace, ///< the folder does not exist, and a component of its path ends with a space
     CannotCreate   ///< the folder does not exist and cannot be created
 };
 
@@ -31,7 +31,7 @@ enum class PathValidity : int {
 ///
 /// The path must be absolute. If the folder exists, the function creates a temporary file in it and removes the file
 /// again. If the folder does not exist, the function creates the folder and its missing parents, then removes them.
-/// Parents that existed before, but were empty, are removed too. If creating the folder fails, the function does not
+/// Parents that already existed and were empty are removed too. If creating the folder fails, the function does not
 /// remove the parents that it has already created.
 ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
@@ -42,16 +42,17 @@ ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 /// \param errorText  receives a translated message for the user if the result is false; may be null
 ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 
-/// Returns true if the permissions of \a folder let this process create files, and creating a test file succeeds.
+/// Returns true if the permissions of \a folder let this process create files, and if a test file can be created
+/// in \a folder.
 ///
 /// At least one of these permissions must be set:
 /// - everybody may write;
 /// - the group of the folder may write, and this process belongs to that group;
 /// - the owner of the folder may write, and the owner is the effective user of this process.
 ///
-/// This rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions). In POSIX, only the first class that
-/// matches (owner, group or others) decides. This rule also treats root as an ordinary user: if only the owner may
-/// write, and root is not the owner, the result is false for root.
+/// This rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions). In POSIX, only the permissions of the
+/// first matching class (owner, group or others) are decisive. This rule also treats root as an ordinary user: if only
+/// the owner may write, and root is not the owner, the result is false for root.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
 /// Returns true if the permissions of \a folder let this process read files in it. The permissions of the files
@@ -66,7 +67,7 @@ ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 
 /// Removes the entries of \a folder that were last modified at least \a days days ago.
 ///
-/// Days are calendar days: the limit is \a days days ago, at the current local time of day.
+/// Days are calendar days. The limit is the current local time of day on the date \a days days ago.
 ///
 /// A subfolder that was last modified at the limit or earlier is processed in the same way, and removed if it is then
 /// empty. Newer subfolders are skipped with all their contents. Symbolic links are never followed: a link is removed
@@ -91,7 +92,8 @@ ZQTUTIL_EXPORT bool RemoveFile(ioPath path);
 /// The size of a sparse file includes its holes. A folder itself adds nothing. A file with several hard links counts
 /// once for each hard link. A symbolic link to a file counts with the size of that file.
 ///
-/// The following entries add nothing. Each of them is logged once at ERROR as "Erorr get size for: " and the path:
+/// The following entries add nothing. Each of them is logged once at ERROR as "Erorr get size for: " (with this
+/// spelling), followed by the path:
 /// - a file that does not exist, or that is removed during the call;
 /// - a dangling link, and a link to a folder; the function does not follow links to folders;
 /// - a folder that cannot be read completely; its contents add nothing either;
@@ -114,15 +116,16 @@ ZQTUTIL_EXPORT QString GetZelkorLibraryPath(QString subPath);
 
 /// Opens the system's file manager and selects \a file. Call this function on the GUI thread.
 ///
-/// \return the result of ExploreFile(ioPath const&, std::vector<ioPath> const&) for the parent folder of \a file
+/// \return the result of ExploreFile(ioPath const&, std::vector<ioPath> const&), called with the parent folder of
+///         \a file and with \a file
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 
 /// Opens the system's file manager and selects \a files. Does not wait for the file manager. Call this function on the
 /// GUI thread.
 ///
-/// On macOS, the Finder shows the files. On Linux, the function calls org.freedesktop.FileManager1 on the session bus.
-/// If there is no session bus, or the call fails, the desktop's default application opens \a folder. If \a folder
-/// cannot be opened either, one message is logged at WARNING.
+/// On macOS, the Finder shows the files. On Linux, the function calls the D-Bus service org.freedesktop.FileManager1
+/// on the session bus. If there is no session bus, or the call fails, the desktop's default application opens
+/// \a folder. If \a folder cannot be opened either, one message is logged at WARNING.
 ///
 /// \param folder  the folder to show if \a files is empty
 /// \param files   the files to select

@@ -53,7 +53,7 @@ QWidgetList PopUpsOf(QWidget* root)
         popUps.append(menu);
     }
     for (QComboBox* const comboBox : FindWithRoot<QComboBox>(root)) {
-        popUps.append(comboBox->view()->window()); // the container that Qt shows as pop-up window
+        popUps.append(comboBox->view()->window()); // the pop-up window that contains the list of the combo box
     }
     return popUps;
 }

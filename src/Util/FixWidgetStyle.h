@@ -28,7 +28,8 @@ public:
     /// window when its flags change. GUI thread.
     ///
     /// - Sets the property "roundedEdges" to true on all menus and on the pop-up windows of all combo boxes below
-    ///   \a root. If \a root is a menu or a combo box, this includes \a root itself or its pop-up window.
+    ///   \a root. If \a root is a menu, also sets it on \a root. If \a root is a combo box, also sets it on its pop-up
+    ///   window.
     /// - Makes every widget whose property "roundedEdges" is true translucent and frameless, without a drop shadow. To
     ///   include other widgets, set this property on them before the call.
     /// - Removes the context help button from the title bar of \a root.

@@ -27,8 +27,7 @@ using FunctorType = std::function<void()>;
 /// \endcode
 ///
 /// The event loop of the forwarder's thread calls the functions one at a time, in the order in which they were
-/// forwarded.
-/// Functions that are still queued when the forwarder is destroyed are discarded.
+/// forwarded. Functions that are still queued when the forwarder is destroyed are discarded.
 ///
 /// Destroy the forwarder on its own thread, or after that thread has finished.
 class ZQTUTIL_EXPORT FunctorExecutionForwarder : public QObject
@@ -46,15 +45,15 @@ public:
     /// the forwarder's thread is the calling thread. Can be called from any thread.
     ///
     /// \a functor is copied once. The copy is called and destroyed on the forwarder's thread. \a functor itself is
-    /// destroyed when this call returns, possibly after the copy was destroyed. An object that both own, such as a
-    /// captured `std::shared_ptr`, can therefore be destroyed on the calling thread.
+    /// destroyed when this call returns, possibly after the copy was destroyed. An object that both share, such as
+    /// the target of a captured `std::shared_ptr`, can therefore be destroyed on the calling thread.
     ///
     /// Exceptions that the function throws propagate through the event loop of the forwarder's thread. If \a functor is
     /// empty, `std::bad_function_call` is thrown there.
     void Forward(std::function<void()> functor) const;
 
 Q_SIGNALS:
-    /// Passes \a f to the thread of the forwarder. Forward() emits this signal.
+    /// Forward() emits this signal to pass \a f to the thread of the forwarder.
     void ExecuteFunctor(FunctorType f) const;
 
 private Q_SLOTS:

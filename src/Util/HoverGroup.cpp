@@ -8,10 +8,11 @@
 
 // Design notes
 //
-// When a member receives a hover event, the group sends the same QEvent object to all other members. The group's event
-// filter then sees that QEvent again, once for each of the other members. The filter compares the address of the QEvent
-// with replayed_ to recognise these replayed events, and does not replay them again. Without this comparison, the group
-// would iterate over all members once for each member instead of once for each hover event.
+// When a member receives a hover event (an enter or leave event), the group sends the same QEvent object to all other
+// members. The group's event filter then sees that QEvent again, once for each of the other members. The filter
+// compares the address of the QEvent with replayed_ to recognise these replayed events, and does not replay them again.
+// Without this comparison, the group would iterate over all members once for each member instead of once for each hover
+// event.
 //
 // An event handler of a member can destroy any widget or the group itself, and can add or remove members.
 // replayToOthers() therefore iterates over a copy of the addresses. Before it sends the event to an address, it looks
@@ -62,7 +63,8 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     if (!IsHover(event->type())) {
         return QObject::eventFilter(watched, event);
     }
-    auto const hovered = members_.find(static_cast<QWidget*>(watched)); // the filter is installed on widgets only
+    // The cast is safe, because the event filter is installed only on widgets.
+    auto const hovered = members_.find(static_cast<QWidget*>(watched));
     if (hovered == members_.end()) {
         return QObject::eventFilter(watched, event);
     }

@@ -59,7 +59,7 @@ private:
     struct Member
     {
         QPointer<QWidget> widget;         // null after the widget has been destroyed
-        QEvent::Type last = QEvent::None; // the type of the last original or replayed hover event
+        QEvent::Type last = QEvent::None; // the type of the last hover event, whether original or sent by the group
     };
 
     void replayToOthers(QWidget* hovered, QEvent* event);
