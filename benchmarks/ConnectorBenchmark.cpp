@@ -1,8 +1,8 @@
 // Measures ObjectsConnector: registers emitters and receivers under one name, and unregisters them. The registrations
 // connect every emitter to every receiver.
 //
-// The peer is handwritten code that creates and removes the same connections with QObject::connect() and
-// QObject::disconnect().
+// For comparison, the benchmark also measures handwritten code that creates and removes the same connections with
+// QObject::connect() and QObject::disconnect().
 
 #include "Support.h"
 

@@ -1,7 +1,8 @@
 // Measures FormatFileSize() and FormatDuration(). Each call formats the next value of a table.
 //
-// The lower bound is snprintf(), which writes into a buffer. A label needs a QString, so another peer is snprintf()
-// with a conversion to QString. The other peers are the formatters of Qt and of KDE's frameworks.
+// The lower bound of the time is snprintf(), which writes into a buffer. A label needs a QString, so snprintf() with a
+// conversion to QString is measured too. The other functions for comparison are the formatters of Qt and of KDE's
+// frameworks.
 
 #include "Support.h"
 
@@ -29,7 +30,8 @@ constexpr std::array<unsigned long long, 8> Sizes{512,      1500,       999999, 
 // Durations in milliseconds. All of them are shorter than a day, because QTime cannot represent a day or more.
 constexpr std::array<int, 8> Durations{1234, 59999, 60000, 754321, 3599999, 3600000, 20123456, 86399999};
 
-/// Measures calls of \a format. Passes the \a values in turn, and starts again with the first value after the last one.
+/// Measures calls of \a format. Each call formats the next element of \a values. After the last element, the first
+/// element follows again.
 template <class Values, class Format>
 void FormatInTurn(benchmark::State& state, Values const& values, Format const& format)
 {

@@ -1,9 +1,10 @@
 // Measures FunctorExecutionForwarder, which calls functors on another thread: the time to post functors, the time to
 // call posted functors, and the time of round trips between two threads.
 //
-// The lower bound is an event that contains the functor and is posted with QCoreApplication::postEvent(). Two peers are
-// functions of Qt. The last peer is LeanForwarder, the smallest class that passes a std::function through a queued
-// signal. FunctorExecutionForwarder is documented to use the same mechanism.
+// For comparison, the benchmark measures four alternatives. The lower bound of the time is an event that contains the
+// functor and is posted with QCoreApplication::postEvent(). Two alternatives are functions of Qt. The last alternative
+// is LeanForwarder, the smallest class that passes a std::function through a queued signal. FunctorExecutionForwarder
+// is documented to use the same mechanism.
 
 #include "LeanForwarder.h"
 #include "Support.h"
@@ -203,9 +204,9 @@ void PingPong(benchmark::State& state)
 }
 
 // Measures no time. Reports the number of copies of a functor as three counters:
-// - "kept": the copies if the caller passes a variable and keeps it.
-// - "handed_over": the copies if the caller passes a temporary.
-// - "called": the copies made while both queued functors are called.
+// - "kept": the copies that Forward() makes if the caller passes a variable.
+// - "handed_over": the copies that Forward() makes if the caller passes a temporary.
+// - "called": the copies made while the event loop calls both functors.
 template <class Forwarder>
 void Copies(benchmark::State& state)
 {

@@ -1,11 +1,11 @@
 // Measures how long the dynamic linker takes to load a library whose dependencies are already loaded.
 //
-//     LoadBenchmark --library=FILE [benchmark options]   Measures FILE and its peers. Starts a new process with --load
-//                                                        for each repetition.
+//     LoadBenchmark --library=FILE [benchmark options]   Measures FILE and two other libraries for comparison.
+//                                                        Starts a new process with --load for each repetition.
 //     LoadBenchmark --load=FILE                          Loads FILE once. Prints the processor time in nanoseconds and
 //                                                        the number of initialisation functions.
 //
-// The peers are KDE frameworks, which also provide utilities for Qt 5 applications.
+// The other libraries are KDE frameworks, which also provide utilities for Qt 5 applications.
 
 #include "Support.h"
 
@@ -99,8 +99,8 @@ void Measure(benchmark::State& state, std::string const& self, std::string const
     state.counters["functions"] = static_cast<double>(load.functions);
 }
 
-/// Returns the part of \a argument after \a prefix, for example after "--name=". Returns null if \a argument does not
-/// start with \a prefix.
+/// Returns the part of \a argument after \a prefix, for example after "--name=". Returns a null pointer if
+/// \a argument does not start with \a prefix.
 char const* OptionValue(char const* argument, char const* prefix)
 {
     std::size_t const size = std::strlen(prefix);

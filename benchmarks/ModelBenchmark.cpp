@@ -29,7 +29,8 @@ QStringList Uids()
     return uids;
 }
 
-/// The lower bound for the uids: a list of texts with only the two functions that every list model needs.
+/// The lower bound of the time for reading uids: a list of strings with only the two functions that every list model
+/// needs.
 class MinimalModel : public QAbstractListModel
 {
 public:
@@ -93,8 +94,8 @@ void Read(benchmark::State& state)
     }
 }
 
-/// The lower bound for the icon paths. Returns the icon path of \a uid. Allocates a string of the final length and
-/// writes each character once.
+/// Returns the icon path of \a uid. The lower bound of the time for creating icon paths: allocates a string of the
+/// final length and writes each character once.
 QString OnePass(QString const& uid)
 {
     static QLatin1String const before("qrc:/icons/");
@@ -119,7 +120,7 @@ QString ReplaceAndArg(QString const& uid)
     return QStringLiteral("qrc:/icons/%1.png").arg(QString(uid).replace(QLatin1Char('_'), QLatin1Char('/')));
 }
 
-/// A model that provides only icon paths. Calls the function \a Path to create them.
+/// A model that provides only icon paths. Calls the function \a Path to create the icon path of a uid.
 template <QString (*Path)(QString const&)>
 class IconModel : public QAbstractListModel
 {

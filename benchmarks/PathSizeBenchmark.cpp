@@ -4,12 +4,13 @@
 //     PathSizeBenchmark --trees=FOLDER [--scale=PERCENT] [benchmark options]
 //         Creates the trees in FOLDER and measures all implementations.
 //     PathSizeBenchmark --walk=NAME FOLDER
-//         Computes the size of FOLDER once, with the implementation NAME. In this mode, run.py
-//         counts the system calls with `strace`.
+//         Computes the size of FOLDER once, with the implementation NAME. run.py uses this mode to count the system
+//         calls with `strace`.
 //
-// The lower bound reads each folder and calls fstatat() once for each entry. Another peer is the command `du`. Its time
-// includes the start of the process; "ProcessStart/Du" measures only the start, with an empty folder. The other peers
-// are functions of libraries that traverse folder trees.
+// For comparison, the benchmark measures several alternatives. The lower bound of the time is code that reads each
+// folder and calls fstatat() once for each entry. Another alternative is the command `du`. The time of `du` includes
+// the start of the process; "ProcessStart/Du" measures only the start, with an empty folder. The other alternatives are
+// functions of libraries that traverse folder trees.
 
 #include "Process.h"
 #include "Support.h"
@@ -208,7 +209,7 @@ constexpr Tree Trees[] = {
 
 void Measure(benchmark::State& state, Walk const& walk, std::string const& folder, Size expected)
 {
-    Size size = walk.size(folder); // not measured; loads the tree into the kernel's caches
+    Size size = walk.size(folder); // This call is not measured. It loads the tree into the kernel's caches.
     for ([[maybe_unused]] auto _ : state) {
         state.SetIterationTime(ProcessorSeconds([&] { size = walk.size(folder); }));
     }

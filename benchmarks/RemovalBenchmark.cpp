@@ -1,8 +1,8 @@
 // Measures RemoveDir(), which removes files that have reached a minimum age: 20 000 old files in 200 folders.
 //
-// The peers are the command `rm -rf` and QDir::removeRecursively(). Both of them remove files without checking their
-// age. The time of `rm` includes the start of the process; "RemovalStart/Rm" measures only the start, with an empty
-// folder.
+// For comparison, the benchmark also measures the command `rm -rf` and QDir::removeRecursively(). Both remove files
+// without checking their age. The time of `rm` includes the start of the process; "RemovalStart/Rm" measures only the
+// start, with an empty folder.
 
 #include "Process.h"
 #include "Support.h"
@@ -32,7 +32,7 @@ void Age(std::string const& path)
     utimensat(AT_FDCWD, path.c_str(), longAgo, 0);
 }
 
-/// Creates the folder \a tree with the number \a folders of subfolders. Each subfolder contains old files.
+/// Creates the folder \a tree with \a folders subfolders. Each subfolder contains old files.
 void MakeTree(std::string const& tree, int folders)
 {
     mkdir(tree.c_str(), 0700);
@@ -76,7 +76,7 @@ void Register(char const* name, double (*seconds)(std::string const& tree), std:
                                      }
                                  })
         ->Unit(benchmark::kMillisecond)
-        ->Iterations(1) // one removal per repetition, because creating the tree takes long
+        ->Iterations(1) // one removal per repetition, because creating the tree takes a long time
         ->UseManualTime();
 }
 

@@ -90,8 +90,8 @@ private:
     int count_;
 };
 
-/// Calls functors on another thread. Posts one event for each functor; the event contains the functor. This is the
-/// lower bound for all ways to pass work to a thread with an event loop.
+/// Calls functors on another thread. Posts one event for each functor; the event contains the functor. The benchmarks
+/// use this class as the lower bound of the time for passing work to a thread with an event loop.
 class PostedEvents : public QObject
 {
 public:

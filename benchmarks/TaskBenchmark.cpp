@@ -1,7 +1,9 @@
 // Measures AsyncService, which runs jobs on one worker thread and delivers progress and completion to the owner thread.
 //
-// Every peer also has only one worker thread, so that its jobs run one after another, like those of AsyncService. The
-// lower bound posts each job to the worker thread as one event, and each report and the completion back as one event.
+// For comparison, the benchmark measures several alternatives. Each alternative also has only one worker thread, so
+// that its jobs run one after another, like the jobs of AsyncService. The lower bound of the time is code that posts
+// one event for each job to the worker thread. The worker thread posts one event for each progress report and for the
+// completion of the job to the owner thread.
 
 #include "Support.h"
 
@@ -156,7 +158,7 @@ private:
     ThreadWeaver::Queue queue_;
 };
 
-/// Runs jobs without progress only, because a function that QtConcurrent::run() calls cannot report progress.
+/// Runs only jobs without progress reports, because a function that QtConcurrent::run() calls cannot report progress.
 class ConcurrentWithWatcher
 {
 public:
@@ -176,8 +178,8 @@ private:
     OneThreadPool pool_;
 };
 
-/// Passes each progress report as a result of a QFuture. A QFuture delivers all results, but drops some progress
-/// values.
+/// Passes each progress report as a result of a QFuture. The progress values of a QFuture are not suitable, because Qt
+/// drops some of them; all results are delivered.
 class FutureResults
 {
 public:

@@ -1,8 +1,10 @@
-// Measures three classes and functions for widgets:
-// - AlertBox: creates, shows and closes a message box, with and without a style sheet. The lower bound is a dialog
-//   with a label and two buttons. The other peers are QMessageBox, the base class of AlertBox, and KMessageDialog.
-// - ApplyWidgetStyle(): sets a style property of a widget with 200 ancestors. The peer is handwritten code.
-// - HoverGroup: hovers over groups of 10 and 100 widgets. The lower bound sends the same events in a loop.
+// Measures three classes and functions for widgets, and alternatives for comparison:
+// - AlertBox: creates, shows and closes a message box, with and without a style sheet. The lower bound of the time is a
+//   dialog with a label and two buttons. The other alternatives are QMessageBox, the base class of AlertBox, and
+//   KMessageDialog.
+// - ApplyWidgetStyle(): sets a style property of a widget with 200 ancestors. The alternative is handwritten code.
+// - HoverGroup: hovers over groups of 10 and 100 widgets. The lower bound of the time is a loop that sends the same
+//   events.
 
 #include "Support.h"
 
@@ -145,7 +147,8 @@ void StyledBox(benchmark::State& state)
     }
 }
 
-/// Creates \a depth widgets, each inside the previous one and the first one in \a outermost. Returns the last one.
+/// Creates \a depth nested widgets and returns the innermost widget. The first new widget is a child of
+/// \a outermost.
 QWidget* Innermost(QWidget* outermost, int depth)
 {
     QWidget* widget = outermost;

@@ -154,12 +154,12 @@ PEERS = {
     "Sigc": Peer("sigc++", "The signal library of GTK applications. It supports only one thread."),
     "Signals2": Peer("`boost::signals2`", "Boost's signal library. It supports several threads."),
     "MinimalModel": Peer(
-        "minimal model", "**Lower bound.** A list of texts with only the two functions that every list model needs."
+        "minimal model", "**Lower bound.** A list of strings with only the two functions that every list model needs."
     ),
-    "QStringListModel": Peer("`QStringListModel`", "Qt's model for a list of texts. It has no custom roles."),
+    "QStringListModel": Peer("`QStringListModel`", "Qt's model for a list of strings. It has no custom roles."),
     "QStandardItemModel": Peer("`QStandardItemModel`", "Qt's general-purpose model."),
     "OnePass": Peer(
-        "one pass", "**Lower bound.** A function that writes each character once, into a text of the final length."
+        "one pass", "**Lower bound.** A function that writes each character once, into a string of the final length."
     ),
     "ReplaceAndArg": Peer("`replace` and `arg`", "The most obvious code: `QString::replace()` and `QString::arg()`."),
     "ConnectByHand": Peer(
@@ -573,32 +573,33 @@ def document(rows, facts, quick):
     warning = "\n**This was a quick run with few repetitions on small trees. Its times are not representative.**\n"
     return f"""# Benchmarks
 
-`./dev bench` generates this page. It compares the speed of the library with alternatives, called *peers*.
-[The peers](#the-peers) are described at the end of this page.
+`./dev bench` generates this page. It compares the speed of the library with that of alternatives, which are called
+*peers*. [The peers](#the-peers) are described at the end of this page.
 
 - **Ours** is the time of the library.
 - **Ours ÷ peer** is the time of the library divided by the time of the peer. A value below 1.00 means that the library
   is faster.
 - **Goal** is a limit for one of these ratios. The last column shows whether the library meets all goals of the row.
 
-Every measured time is the median of many repetitions. The repetitions of the library and of its peers alternate in
-random order. The last rows of the table count functions, copies or system calls instead of time. The row about copies
-shows the numbers of the peer instead of a ratio.
+Every measured time is the median of 3 to 201 repetitions, depending on the duration of the job. The repetitions of the
+library and of its peers alternate in random order. The last rows of the table count functions, copies or system calls
+instead of time. The row about copies shows the numbers of the peer instead of a ratio.
 {warning if quick else ""}
 {result_table}
 
 ## How it is measured
 
 - **Work on one thread** is measured in processor time of that thread, so that other programs do not affect the result.
-  `du` and `rm` are measured in processor time of their processes. These results vary by up to 5 % between runs.
-- **Work on two threads** is measured in wall-clock time. These results vary by up to 30 % between runs.
+  `du` and `rm` are measured in processor time of their processes. Repeated runs differ by at most 5 %.
+- **Work on two threads** is measured in wall-clock time. Repeated runs differ by at most 30 %.
 - **Two threads that wait for each other in turn** share one core. Otherwise the results would mainly show how long an
   idle core takes to wake.
-- **Functors** are posted by a second thread, while the thread that calls the functors waits.
-- **Jobs** run on one worker thread. The library and each peer use the same worker thread for all jobs.
+- **Functors** are posted by a second thread while the thread that will run them waits. That thread runs the functors
+  after all of them have been posted. In the round trips, both threads post functors.
+- **Jobs** run on a single worker thread that is reused for all jobs. This applies to the library and to each peer.
 - **Folders and files** are in the caches of the kernel before the measurement.
-- **Libraries** are loaded with `RTLD_NOW`, each time in a new process. The benchmark fails if loading a library also
-  loads one of its dependencies.
+- **Libraries** are loaded with `RTLD_NOW`, each time in a new process. The process loads the dependencies of a library
+  before the measurement; the benchmark fails if one of them is still missing.
 
 ## The machine
 
@@ -628,7 +629,7 @@ def scratch_folder():
     try:
         yield path
     finally:
-        # shutil.rmtree() fails on a folder tree as deep as the chain of nested folders.
+        # shutil.rmtree() fails on the chain of 1 000 nested folders, because the chain is too deep.
         subprocess.run(["rm", "-rf", path], check=False)
 
 
