@@ -160,7 +160,7 @@ void AlertsPage::ShowBox()
     QPointer<AlertBox> const box = NewBox().release();
     box->Exec();
     if (!alive) {
-        return; // the window was closed meanwhile, which deleted this page and the box
+        return; // the main window was destroyed while the box was open, and this page and the box with it
     }
     answerLabel_->Show(box && box->clickedButton() ? box->clickedButton()->objectName() : tr("none"));
     delete box;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// An observer of a SimpleModel.
+/// A group box that counts the clicks on the items of a SimpleModel.
 
 #include <Util/Model/SimpleModel/SimpleModel.h>
 
@@ -18,14 +18,15 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A group box that counts the clicks on each item of a model. It counts only while its check box is checked.
+/// A checkable group box that counts the clicks on each item of a model. Clicks are counted only while the group box is
+/// checked.
 class ClickCounter : public QGroupBox, private Util::ISimpleModelObserver
 {
     Q_OBJECT
 
 public:
-    /// Creates a checked counter with the title \a title for the current items of \a model. Does not take ownership of
-    /// \a model. The model may be destroyed before the counter.
+    /// Creates a group box with the title \a title for the current items of \a model. The group box is initially
+    /// checked. Does not take ownership of \a model. The model may be destroyed before the group box.
     ClickCounter(QString const& title, Util::SimpleModel* model, QWidget* parent = nullptr);
     ~ClickCounter() override;
 

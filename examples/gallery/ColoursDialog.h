@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A dialog with its own undo stack.
+/// A dialog that changes the colours of notes and has its own undo stack.
 
 #include "Notes.h"
 

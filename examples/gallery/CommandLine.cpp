@@ -20,7 +20,7 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(GalleryCommandLine)
 };
 
-// Returns the value of an argument of the form "--option=value". Returns the whole argument if it is not an option.
+// Returns the value of an argument of the form "--option=value". Returns an argument of any other form unchanged.
 std::string OptionValue(std::string const& argument)
 {
     bool const isOption = argument.compare(0, 2, "--") == 0;
@@ -83,7 +83,8 @@ std::optional<QString> CommandLine::Screenshots() const
 }
 
 // QCommandLineParser uses QStrings, which cannot represent bytes that are not valid UTF-8. Therefore, this function
-// finds the original argument whose text is the value of the option, and returns the path with the original bytes.
+// searches the original arguments for the one that corresponds to the value of the option. It returns the path with the
+// original bytes.
 std::optional<ioPath> CommandLine::PathValue(QCommandLineOption const& option) const
 {
     if (!parser_.isSet(option)) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The command line of the program.
+/// The command line of the gallery program.
 
 #include <Base/IoPath.h>
 
@@ -32,11 +32,13 @@ public:
     /// application object.
     void ExitIfHandled();
 
-    /// Returns the folder whose sizes the program prints on the terminal, if the option "--report" is set.
+    /// Returns the folder for which the program prints the sizes of the entries on the terminal. Returns std::nullopt
+    /// if the option "--report" is not set.
     std::optional<ioPath> Report() const;
-    /// Returns the folder that the pages show first, if the option "--folder" is set.
+    /// Returns the folder that the pages show first. Returns std::nullopt if the option "--folder" is not set.
     std::optional<ioPath> Folder() const;
-    /// Returns the folder into which the program writes pictures of the pages, if the option "--screenshots" is set.
+    /// Returns the folder into which the program writes pictures of the pages. Returns std::nullopt if the option
+    /// "--screenshots" is not set.
     std::optional<QString> Screenshots() const;
 
 private:

@@ -167,7 +167,8 @@ void ConnectionsPage::UnregisterSelected()
     } else {
         ObjectsConnector::unregisterReceiver(registration.id, control, Slot());
     }
-    // ObjectsConnector has removed all registrations with the same object, side and name. Remove all their rows.
+    // The control may be registered several times under this name in the selected role, emitter or receiver.
+    // ObjectsConnector has removed all of these registrations. Therefore, remove all of their rows.
     for (int row = table_->rowCount() - 1; row >= 0; --row) {
         auto const at = registrations_.begin() + row;
         if (at->control == registration.control && at->isEmitter == registration.isEmitter &&

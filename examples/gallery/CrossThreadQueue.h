@@ -31,7 +31,8 @@ public:
         , deliver_(std::move(deliver))
     {}
 
-    /// Queues \a item. Can be called on any thread. Push() logs nothing, so log sinks and message handlers can call it.
+    /// Queues \a item. Can be called on any thread. Push() does not log anything, so log sinks and message handlers can
+    /// call it without causing infinite recursion or a deadlock.
     void Push(Item item)
     {
         std::lock_guard<std::mutex> const lock(mutex_);

@@ -46,7 +46,8 @@ private:
     QString NameOf(QObject const* client) const;
     void Update();
 
-    ExclusiveService device_; // destroyed before its clients, which are child objects; the clients allow this order
+    // Destroyed before its clients, which are child objects of the page. The clients support this order of destruction.
+    ExclusiveService device_;
     std::vector<Player> players_;
     StatusLabel* holderLabel_;
     Timeline* timeline_;

@@ -17,7 +17,7 @@ using Util::AsyncService;
 
 // One measurement of a folder. Each measurement has a separate AsyncService: with a shared service, a new measurement
 // would have to wait for the entry that the cancelled measurement is still measuring. A measurement is destroyed when
-// its service is empty.
+// its service has no more tasks.
 class FolderMeasurer::Measurement
 {
 public:

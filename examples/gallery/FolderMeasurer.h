@@ -63,15 +63,16 @@ Q_SIGNALS:
     /// Emitted when the folder has been read. All \a entries are in the state EntryState::Waiting.
     void Listed(std::vector<FolderEntry> const& entries);
 
-    /// Emitted when the measurement of an entry starts. \a row is the index of the entry in the list of Listed().
+    /// Emitted when the measurement of an entry starts. \a row is the index of the entry in the list that the signal
+    /// Listed() passed.
     void EntryStarted(int row);
 
-    /// Emitted when an entry has been measured or cancelled. \a row is the index of the entry in the list of Listed().
-    /// \a entry is the result.
+    /// Emitted when an entry has been measured or cancelled. \a row is the index of the entry in the list that the
+    /// signal Listed() passed. \a entry is the result.
     void EntryFinished(int row, FolderEntry const& entry);
 
-    /// Emitted with the \a totals when all entries have been measured or cancelled. A slot connected to this signal may
-    /// call Start().
+    /// Emitted when all entries have been measured or cancelled. \a totals is the result of the measurement. A slot
+    /// connected to this signal may call Start().
     void Finished(FolderTotals const& totals);
 
     /// Emitted instead of Finished() if the folder could not be read. \a message is a text for the user that contains

@@ -24,7 +24,7 @@ public:
     enum Column { Name, Size, Time, Share, State, ColumnCount };
 
     enum Role {
-        /// The value by which the view sorts a column. Sizes and times are numbers instead of texts.
+        /// The value by which the view sorts a column. For sizes and times, the value is a number instead of a string.
         SortRole = Qt::UserRole,
         /// The size of the entry divided by Total(), from 0 to 1. Invalid if the entry has not been measured or if
         /// Total() is zero.
@@ -36,8 +36,8 @@ public:
     void SetEntries(std::vector<FolderEntry> const& entries);
 
     /// \name Changes of one entry
-    /// These functions do not notify the views. Each change affects the shares of all rows, and there may be thousands
-    /// of changes in a second. Call NotifyViews() after a number of changes.
+    /// These functions do not notify the views. Each change affects the shares of all rows in the total, and there may
+    /// be thousands of changes in a second. Call NotifyViews() after several changes.
     /// \{
     void SetMeasuring(int row);
     void SetEntry(int row, FolderEntry const& entry);

@@ -207,8 +207,8 @@ bool FolderSizesPage::IsBusy() const
     return measurer_->IsBusy();
 }
 
-// A QString cannot represent a path that is not valid UTF-8. Therefore, if the user has not changed the text of the
-// line edit, use the path from which SetFolder() created the text.
+// A QString cannot represent a path that is not valid UTF-8. Therefore, if the user has not edited the text that
+// SetFolder() wrote into the line edit, return the path that was passed to SetFolder().
 ioPath FolderSizesPage::Folder() const
 {
     QString const text = folderEdit_->text();

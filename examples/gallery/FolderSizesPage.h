@@ -63,7 +63,7 @@ private:
     QTimer* refreshTimer_;
     ioPath proposed_;
     Phase phase_ = Phase::Idle;
-    QString measuring_; // the name of the entry whose measurement has started last
+    QString measuring_; // the name of the entry whose measurement started most recently
     int measured_ = 0;
 
     QLabel* folderLabel_;

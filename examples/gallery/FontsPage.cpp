@@ -26,7 +26,7 @@ using Util::FontDatabase;
 
 constexpr int SampleSize = 18;
 
-/// The indexes of the items in the combo box.
+/// The indexes of the items in the combo box that selects the list of font families.
 enum List { Added, System, Scalable };
 
 QStringList FamiliesOf(int list)

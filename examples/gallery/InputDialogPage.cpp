@@ -79,7 +79,7 @@ void InputDialogPage::AddFilm()
     QPointer<ValidationInputDialog> const dialog = NewDialog(QString()).release();
     bool const isAccepted = dialog->exec() == QDialog::Accepted;
     if (!alive) {
-        return; // the window was closed meanwhile, which deleted this page
+        return; // the main window was destroyed while the dialog was open, and this page with it
     }
     QString const input = dialog ? dialog->inputText() : QString();
     delete dialog;

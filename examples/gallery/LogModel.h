@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Keeps a limited number of log lines. Removes the oldest lines if there are more.
+/// A table model with a maximum number of log lines. When new lines exceed the maximum, the oldest lines are removed.
 class LogModel : public QAbstractTableModel
 {
     Q_OBJECT

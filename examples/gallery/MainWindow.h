@@ -32,10 +32,10 @@ public:
     /// Sets \a folder on all pages that use a folder.
     void SetFolder(ioPath const& folder);
 
-    /// Shows the page at \a index of Pages().
+    /// Shows the page at \a index in Pages().
     void ShowPage(int index);
 
-    /// Returns the page at \a index of Pages().
+    /// Returns the page at \a index in Pages().
     Page* PageAt(int index) const;
 
 Q_SIGNALS:

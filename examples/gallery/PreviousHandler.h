@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Emits a signal for the messages that the installed handler receives. The handler receives messages on any thread;
+/// Emits a signal with the messages that the installed handler receives. The handler receives messages on any thread;
 /// the signal is emitted on the thread of the PreviousHandler object. If there are several PreviousHandler objects,
 /// only the object that was created last receives messages.
 class PreviousHandler : public QObject
@@ -27,7 +27,7 @@ public:
     /// window and not on the terminal.
     static constexpr char DemoCategoryPrefix[] = "gallery.";
 
-    /// Installs the message handler. The installed handler forwards messages, other than demo messages, to the handler
+    /// Installs the message handler. The installed handler forwards all messages except demo messages to the handler
     /// that was installed before it. Call Install() once, before QtLogHandler::GetInstance().
     static void Install();
 

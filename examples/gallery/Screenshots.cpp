@@ -70,7 +70,7 @@ private:
 QtMessageHandler SizeHintWarningFilter::next_ = nullptr;
 
 /// Saves a picture of \a widget in \a folder and prints the path of the file. The file name consists of \a id and the
-/// name of \a look. If the file cannot be written, prints an error and returns false.
+/// name of \a look, which is "light" or "dark". If the file cannot be written, prints an error and returns false.
 bool SavePicture(QWidget& widget, QDir const& folder, char const* id, Look const& look)
 {
     QString const name = QStringLiteral("%1-%2.png").arg(QLatin1String(id), QLatin1String(look.name));

@@ -12,8 +12,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Shows the text of a value in the colour of the value's tone. The user can select and copy the text. A long text does
-/// not widen the window.
+/// Shows the text of a value. The tone of the value, such as Tone::Good, determines the colour of the text. The user
+/// can select and copy the text. A long text does not widen the window.
 class StatusLabel : public QLabel
 {
     Q_OBJECT

@@ -49,8 +49,8 @@ void Style::drawPrimitive(PrimitiveElement element, QStyleOption const* option, 
     }
 }
 
-// The wider header margin moves the sort arrow up, away from the vertical centre of the text. Move the arrow down
-// again.
+// This style uses a wider header margin, which moves the sort arrow up, away from the vertical centre of the text. Move
+// the arrow down again.
 void Style::DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidget const* widget) const
 {
     header.rect.translate(0, ArrowShift);

@@ -21,7 +21,7 @@ void Print(QString const& text);
 void PrintError(QString const& text);
 
 /// Shows progress on the standard error. If the standard error is a terminal, rewrites the same line for each change.
-/// Otherwise prints a new line after each quarter of the work.
+/// Otherwise prints a new line when 25 %, 50 %, 75 % and 100 % of the entries have been measured.
 class ProgressLine
 {
 public:
@@ -36,7 +36,9 @@ public:
 
 private:
     bool const isTerminal_;
-    int quarters_ = 0; // the number of quarters that have been printed
+    // The progress that was printed last: 1 for 25 %, 2 for 50 %, 3 for 75 %, 4 for 100 %; 0 if nothing has been
+    // printed.
+    int quarters_ = 0;
 };
 
 } // namespace Gallery

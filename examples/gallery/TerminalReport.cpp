@@ -23,8 +23,8 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(GalleryReport)
 };
 
-// The name is the last column: the width of a name on the terminal is unknown, so a column after it could not be
-// aligned.
+// The name is the last column: the width of a name on the terminal is unknown, so a column to the right of the name
+// could not be aligned.
 enum Column { Size, Bytes, Time, Name, ColumnCount };
 using Row = std::array<QString, ColumnCount>;
 

@@ -23,14 +23,15 @@ namespace Gallery
 /// sequences such as `\n` and `\x07`.
 QString OneLineText(QString const& text);
 
-/// Returns the OneLineText() of \a path. Replaces bytes that are not valid UTF-8 by U+FFFD.
+/// Converts \a path to a string and returns the OneLineText() of that string. Replaces bytes that are not valid UTF-8
+/// by U+FFFD.
 QString PathText(ioPath const& path);
 
-/// Returns the PathText() of the file name of \a entry.
+/// Returns the file name of \a entry, converted by PathText().
 QString NameText(FolderEntry const& entry);
 
-/// Returns a text for the state of \a entry. If \a entry has been measured, returns the UnmeasuredText() for its
-/// unmeasured paths, or an empty string if all paths could be measured.
+/// Returns a text that describes the state of \a entry. If \a entry has been measured, returns the UnmeasuredText() for
+/// its unmeasured paths, or an empty string if all paths could be measured.
 QString StateText(FolderEntry const& entry);
 
 /// Returns a text such as "348 entries" for the number \a count.
@@ -52,7 +53,7 @@ QString TimeText(long long microseconds);
 /// Returns a message for the user which says that \a folder cannot be read because of \a error.
 QString UnreadableFolderText(ioPath const& folder, boost::system::error_code const& error);
 /// \overload
-/// Includes the text \a reason in the message.
+/// Includes the string \a reason in the message instead of an error code.
 QString UnreadableFolderText(ioPath const& folder, QString const& reason);
 
 } // namespace Gallery

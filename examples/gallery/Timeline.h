@@ -12,8 +12,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Lists events and scrolls to the newest event, which is in the last row. Each event has the number of an iteration of
-/// the event loop. Events that happen in the same iteration have the same number.
+/// Lists events and scrolls to the newest event, which is in the last row. Numbers those iterations of the event loop
+/// in which events happen, and shows for each event the number of its iteration.
 class Timeline : public QTableWidget
 {
     Q_OBJECT

@@ -10,7 +10,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Draws the text of an item in the colour of the item's Tone. The model returns the Tone as an int for #ToneRole.
+/// Draws the text of an item in the colour of the item's Tone. For the role #ToneRole, the model returns the Tone as an
+/// int.
 class ToneDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -8,7 +8,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// The start of the record that GetPathSize() logs. "Erorr" has been misspelled since the first release; it is kept
+// The start of the log message of GetPathSize(). "Erorr" has been misspelled since the first release; it is kept
 // because log searches depend on it.
 constexpr std::string_view Prefix = "Erorr get size for: ";
 

@@ -19,17 +19,17 @@ namespace Gallery
 
 class StatusLabel;
 
-/// Shows a line edit, the validation state of its text, and a table of sample texts with their validation states.
+/// Shows a line edit, the validation state of its text, and a table of sample strings with their validation states.
 class ValidatorBox : public QGroupBox
 {
     Q_OBJECT
 
 public:
-    /// Creates a box with the title \a title. \a label is the label of the line edit, and may contain a mnemonic.
-    /// \a samples are the texts of the table. Takes ownership of \a validator.
+    /// Creates a box with the title \a title. \a label is the text of the label of the line edit, and may contain a
+    /// mnemonic. \a samples are the strings in the table. Takes ownership of \a validator.
     ValidatorBox(QString const& title, QString const& label, QValidator* validator, QStringList const& samples);
 
-    /// Sets the text of the line edit to the sample text at index \a row.
+    /// Sets the text of the line edit to the sample string in row \a row of the table.
     void Choose(int row);
 
 private:

@@ -25,7 +25,7 @@ class VersionBox : public QGroupBox
 public:
     explicit VersionBox(QWidget* parent = nullptr);
 
-    /// Sets the texts of both version edits.
+    /// Sets the text of the first line edit to \a version and the text of the second line edit to \a other.
     void ShowVersions(QString const& version, QString const& other);
 
 private:

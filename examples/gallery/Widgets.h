@@ -35,8 +35,8 @@ void SetUpPageLayout(QLayout* layout);
 /// Sets up \a table without a grid. The user can select only whole rows.
 void SetUpTable(QTableView* table);
 
-/// Sets up \a table like the other overload. Also sets the column \a titles, prevents editing of cells and allows only
-/// one selected row. The last column uses the remaining width of the table.
+/// Sets up \a table like the other overload. Also sets the column \a titles, prevents editing of cells and allows the
+/// selection of only one row at a time. The last column uses the remaining width of the table.
 void SetUpTable(QTableWidget* table, QStringList const& titles);
 
 /// Creates a read-only table cell with the text \a text.

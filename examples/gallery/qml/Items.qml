@@ -38,7 +38,7 @@ ListView {
         }
     }
 
-    // ListModelPage registers the Qt Widgets view under the same name. Therefore, the Qt Widgets view clears its
-    // selection when this view emits chosen().
+    // ListModelPage registers the Qt Widgets view as a receiver under the same name. Therefore, the Qt Widgets view
+    // clears its selection when this QML view emits chosen().
     Component.onCompleted: ObjectsConnector.registerEmitter("chosen in QML", view, "chosen()")
 }
