@@ -115,7 +115,7 @@ private Q_SLOTS:
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         helper_ = bundles_->MakeStudio();
         QVERIFY(other->AddToStartup(Identifier, Executable, {}));
-        // Login items precede agents.
+        // GetStartupApplications() returns the login items before the agents.
         QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent}));
 
         auto const third = GetAutoLauncherImpl(AutoLauncherImplType::Default);
@@ -191,7 +191,7 @@ private Q_SLOTS:
         TestBed::AddLoginItem(helper_);
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // adds a duplicate login item
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // finds the login item that the first call read
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // adds nothing: the call above has read the items
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
     }
 

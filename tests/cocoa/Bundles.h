@@ -9,7 +9,8 @@
 namespace Zelkor::Testing
 {
 
-/// A temporary folder with application bundles. The bundles are real folders with real property lists.
+/// A temporary folder that contains application bundles. The bundles are folders on the disk, and their property lists
+/// are files.
 class Bundles
 {
 public:
@@ -38,8 +39,8 @@ public:
         return path;
     }
 
-    /// Creates an application that contains a helper, and makes the application the main bundle. Returns the path of
-    /// the helper.
+    /// Creates the bundle of an application that contains a helper application, and makes this bundle the main bundle.
+    /// Returns the path of the helper's bundle.
     QString MakeStudio()
     {
         TestBed::SetMainBundle(

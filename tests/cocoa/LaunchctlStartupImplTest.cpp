@@ -89,7 +89,7 @@ private Q_SLOTS:
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
-        QVERIFY(startup_->IsInStartup(Identifier)); // true only if launchctl has found the label in the file
+        QVERIFY(startup_->IsInStartup(Identifier)); // launchctl has read the label from the file
     }
 
     void doesNotWaitForLaunchctl()

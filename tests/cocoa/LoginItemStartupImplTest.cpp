@@ -287,7 +287,8 @@ private Q_SLOTS:
             path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
         }
         path = QFileInfo(path).path();
-        // Find two consecutive entries of the folder that the file system lists in reverse alphabetical order.
+        // In the order in which the file system lists the folder, find two consecutive names that are in reverse
+        // alphabetical order.
         std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
         auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
         QVERIFY(first != names.end());

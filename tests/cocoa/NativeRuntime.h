@@ -14,17 +14,17 @@ int SumOfBlocks(int number);
 void RaiseNSException();
 void ThrowCpp();
 
-/// The kind of handler that catches an exception.
+/// The kind of handler that caught an exception. None means that no exception was thrown.
 enum class Handler { None, StdException, NSException, CatchAll };
 
 /// Calls \a call in a try block with two handlers: one for std::exception, and catch (...). Returns the handler that
-/// runs.
+/// ran.
 Handler CatchInCpp(std::function<void()> const& call);
 
-/// Calls \a call in a @try block with a handler for NSException. Returns the handler that runs.
+/// Calls \a call in a @try block with a handler for NSException. Returns the handler that ran.
 Handler CatchNSException(std::function<void()> const& call);
 
-/// Calls \a call in a @try block with the handler @catch (...). Returns the handler that runs.
+/// Calls \a call in a @try block with the handler @catch (...). Returns the handler that ran.
 Handler CatchAnythingInObjectiveC(std::function<void()> const& call);
 
 /// Calls \a call in a @try block. Sets \a ranFinally to true in the @finally block.

@@ -30,8 +30,8 @@ inline Arguments UnloadArguments(QString const& propertyList)
     return {QStringLiteral("unload"), QStringLiteral("-w"), propertyList};
 }
 
-/// Provides fake launchctl, open and tccutil programs during its lifetime. They are on the search path and replace the
-/// full paths that the library uses. The script testbed/programs/program implements all three programs.
+/// While this object exists, calls of launchctl, open and tccutil run fake programs instead, even if the caller uses an
+/// absolute path. The script testbed/programs/program implements the three fake programs.
 class Programs
 {
 public:
@@ -55,10 +55,10 @@ public:
     Programs(Programs const&) = delete;
     Programs& operator=(Programs const&) = delete;
 
-    /// Allows every user to run the programs.
+    /// Allows every user to run the fake programs.
     void GrantAccessToEveryone() const { chmod(QFile::encodeName(folder_.path()).constData(), 0777); }
 
-    /// Locks the programs. While the returned file exists, no called program finishes.
+    /// Locks the fake programs. A called program finishes only after the returned object has been destroyed.
     std::unique_ptr<QFile> Lock() const
     {
         auto lock = std::make_unique<QFile>(folder_.filePath(QStringLiteral("lock")));
@@ -70,7 +70,7 @@ public:
     /// Sets the output of "launchctl list".
     void SetJobs(QByteArray const& list) { SetState(QLatin1String("launchctl"), list); }
 
-    /// Replaces the content of the state file of \a program.
+    /// Replaces the content of the file in which the fake program \a program stores its state.
     void SetState(QLatin1String program, QByteArray const& state)
     {
         QFile file(File(program) + QLatin1String(".state"));

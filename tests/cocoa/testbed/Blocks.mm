@@ -1,5 +1,6 @@
 // Makes blocks Objective-C objects, as on macOS: blocks accept the messages copy, retain and release, and can be stored
-// in collections. For GCC's runtime, the blocks runtime library provides only empty class structures.
+// in collections. Without this file, the classes of blocks would be empty structures when GCC's Objective-C runtime is
+// used.
 
 #import <Foundation/Foundation.h>
 

@@ -162,7 +162,7 @@ struct Handlers
     bool objectiveC = false;
 };
 
-/// Returns the kinds of typed handlers in the chain of action records that starts at \a actions.
+/// Returns which kinds of typed handlers the chain of action records that starts at \a actions contains.
 Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std::uint8_t typeEncoding,
                     _Unwind_Context* context)
 {
@@ -184,7 +184,8 @@ Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std:
     }
 }
 
-/// Returns the kinds of typed handlers around the call in \a context through which the exception propagates.
+/// Returns which kinds of typed handlers enclose the current call of the stack frame \a context. An exception is
+/// propagating through this call.
 Handlers HandlersAtCall(_Unwind_Context* context)
 {
     auto const table = reinterpret_cast<std::uint8_t const*>(_Unwind_GetLanguageSpecificData(context));
@@ -222,8 +223,8 @@ Handlers HandlersAtCall(_Unwind_Context* context)
     return {};
 }
 
-/// Returns true if \a type is the exception class of C++, which is "GNUCC++" and a version byte. The exception class of
-/// the Objective-C runtime is "GNUCOBJC".
+/// Returns true if \a type identifies a C++ exception: the characters "GNUCC++" followed by a version byte. The
+/// Objective-C runtime uses the characters "GNUCOBJC" instead.
 bool IsCppException(_Unwind_Exception_Class type)
 {
     return type >> 8 == 0x474e5543432b2b;

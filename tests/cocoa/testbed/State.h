@@ -35,7 +35,7 @@ struct State
 
 State& TheState();
 
-/// Adds a reference to \a object and returns \a object. The caller owns the reference and must release it. Does nothing
+/// Adds a reference to \a object and returns \a object. The caller owns the reference and must release it. Returns null
 /// if \a object is null.
 CFTypeRef Own(id object) __attribute__((cf_returns_retained));
 

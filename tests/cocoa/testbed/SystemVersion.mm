@@ -1,4 +1,5 @@
-// Implements the availability checks of Objective-C++, C++ and NSProcessInfo with the simulated system version.
+// Implements the availability checks of Objective-C++ and C++, and the version methods of NSProcessInfo. All of them
+// use the simulated system version.
 
 #include "State.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Functions that control the simulated macOS system. Tests set the state of this system and read it back. This header
-// is plain C++, so that every test can include it.
+// Functions with which tests set and read the state of the simulated macOS system. This header is plain C++, so that
+// every test can include it.
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -10,8 +10,8 @@
 namespace Zelkor::TestBed
 {
 
-/// Restores the initial state: the system version is 10.13.6, and there are no main bundle, login items, recorded
-/// requests, failures or programs.
+/// Restores the initial state: the system version is 10.13.6, no calls fail, and neither a main bundle nor a folder of
+/// fake programs is set. There are no login items and no recorded requests.
 void Reset();
 
 // --- Core Foundation
@@ -19,7 +19,7 @@ void Reset();
 /// Returns the number of owned references to Core Foundation objects that have not been released.
 int LiveObjects();
 
-/// Sets the folder of the program's main bundle.
+/// Makes the bundle in the folder \a path the main bundle of the program.
 void SetMainBundle(QString const& path);
 
 enum class MainBundleCall { None, Get, CopyUrl };
@@ -44,8 +44,8 @@ enum class LoginItemsCall { None, Create, Snapshot, Insert, Remove };
 /// Makes all following calls of the kind \a call fail. With LoginItemsCall::None, all calls succeed again.
 void FailLoginItems(LoginItemsCall call);
 
-/// Adds a login item for the folder \a path. If \a resolves is false, an attempt to resolve the item returns its URL
-/// together with an error status.
+/// Adds a login item for the folder \a path. If \a resolves is false, an attempt to resolve the login item returns an
+/// error status in addition to the URL of the login item.
 void AddLoginItem(QString const& path, bool resolves = true);
 
 /// Returns the URLs of the login items, in order.

@@ -1,11 +1,11 @@
 #pragma once
 
-// The compiler includes this header before every source that is built for the test bed.
+// The compiler includes this header at the beginning of every source file that is built for the test bed.
 
 #ifdef __OBJC__
 #include <objc/objc.h>
-// Define these names as on macOS. The definitions of GCC do not compile in some expressions: nil, which is (id)0, in
-// "error:nil", and YES, which is (BOOL)1, in "@YES".
+// Define these names as on macOS. With GCC's definitions, some expressions do not compile: "error:nil", because nil is
+// (id)0, and "@YES", because YES is (BOOL)1.
 #undef nil
 #undef Nil
 #define nil nullptr
@@ -16,8 +16,8 @@
 #define NO __objc_no
 #endif
 
-// Availability depends on the system version that a test sets. Clang's own check always succeeds for a system that is
-// not the target system.
+// Availability checks must use the system version that a test sets. Clang's own check for a macOS version always
+// succeeds in a program that is not built for macOS.
 extern "C" bool ZBSystemIsAtLeast(char const* version);
 // NOLINTNEXTLINE(bugprone-reserved-identifier): this macro replaces the compiler's builtin
 #define __builtin_available(version, ...) ZBSystemIsAtLeast(#version)
@@ -26,8 +26,8 @@ extern "C" bool ZBSystemIsAtLeast(char const* version);
 // defined.
 #include <QtCore/qcontiguouscache.h>
 #include <QtCore/qsemaphore.h>
-// "@available(...)" expands to "@encode(char)[...]", which reads a character of the string "c". The character at index
-// 0 is not zero, so it means true. The character at index 1 is the terminating zero, so it means false.
+// "@available(...)" expands to "@encode(char)[...]". Because @encode(char) is the string "c", the index 0 yields the
+// character 'c', which means true, and the index 1 yields the terminating zero, which means false.
 #define available(version, ...) encode(char)[ZBSystemIsAtLeast(#version) ? 0 : 1]
 #endif
 

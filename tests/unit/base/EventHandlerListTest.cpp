@@ -42,8 +42,8 @@ static_assert(!std::is_copy_constructible_v<List> && !std::is_copy_assignable_v<
 static_assert(!std::is_move_constructible_v<List> && !std::is_move_assignable_v<List>);
 static_assert(!std::is_final_v<List>);
 
-/// Together with List, this class shows that List inherits EventPublisher virtually. Otherwise ListAndPublisher would
-/// have two EventPublisher bases, and the conversion to EventPublisher* would be ambiguous.
+/// The static_assert below requires that List inherits EventPublisher virtually, as this class does. Otherwise
+/// ListAndPublisher would have two EventPublisher bases, and its conversion to EventPublisher* would be ambiguous.
 struct AnotherPublisher : virtual EventPublisher<Handler>
 {};
 
@@ -273,13 +273,13 @@ private Q_SLOTS:
         QCOMPARE(PublishAndCollect(), Handlers{&handlers_[1]});
     }
 
-    void serializesPublicationsOfSeveralThreads()
+    void serialisesPublicationsOfSeveralThreads()
     {
         constexpr int Threads = 4;
         constexpr int Publications = 500;
         std::atomic<int> inside{0};
         std::atomic<bool> overlapped{false};
-        int calls = 0; // not atomic: the list under test must serialize all accesses
+        int calls = 0; // not atomic: the list under test must serialise all accesses
         handlers_[0].onEvent = [&] {
             overlapped = overlapped || inside.fetch_add(1) != 0;
             ++calls;

@@ -69,7 +69,7 @@ private Q_SLOTS:
         QTest::newRow("relative") << std::string("a/b.c");
         QTest::newRow("absolute") << std::string("/a/b.c");
         QTest::newRow("trailing slash") << std::string("/a/b/");
-        QTest::newRow("path that is not normalized") << std::string("/a//./../b");
+        QTest::newRow("path that is not normalised") << std::string("/a//./../b");
         QTest::newRow("backslash") << std::string("a\\b");
         QTest::newRow("UTF-8") << std::string("/\xC3\xA4/\xE2\x82\xAC/\xF0\x9F\x98\x80");
         QTest::newRow("invalid UTF-8") << std::string("/\xFF\xC3/\x80");
@@ -313,7 +313,7 @@ private:
         return path;
     }
 
-    /// Allows every user to read and traverse \a path, the folder of the test and the temporary folder.
+    /// Allows every user to read and traverse three folders: \a path, the folder of the test, and the temporary folder.
     void grantAccessToEveryone(ioPath const& path) const
     {
         for (ioPath const& folder : {path, at({}), ioPath(QDir::tempPath().toStdString())}) {

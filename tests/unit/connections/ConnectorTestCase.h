@@ -15,8 +15,8 @@
 namespace Zelkor::Testing
 {
 
-/// Object that emits and receives signals. Appends the calls of its slots to the log that is passed to the constructor.
-/// Also records which of its signals are connected and disconnected.
+/// Object that emits and receives signals. Appends an entry for each call of one of its slots to the log that is passed
+/// to the constructor. Also records which of its signals are connected and disconnected.
 class TestObject : public QObject
 {
     Q_OBJECT
@@ -29,10 +29,10 @@ public:
         , name_(std::move(name))
     {}
 
-    /// For each connection made so far, returns the signature of the connected signal of this object.
+    /// Returns the signatures of the signals of this object that have been connected so far: one entry per connection.
     QStringList const& ConnectedSignals() const { return connectedSignals_; }
 
-    /// For each signal disconnected so far, returns the signature of this signal.
+    /// Returns the signatures of the signals of this object that have been disconnected so far.
     QStringList const& DisconnectedSignals() const { return disconnectedSignals_; }
 
     int DestroyedConnectionCount() const { return receivers(SIGNAL(destroyed(QObject*))); }
@@ -86,7 +86,8 @@ protected:
     /// Queued calls are not included.
     QByteArrayList EmitChanged(TestObject& emitter);
 
-    /// Adds the column "isEmitter" with the row \a emitterRow for true and \a receiverRow for false.
+    /// Adds the test data column "isEmitter" and two rows: \a emitterRow, in which the value is true, and
+    /// \a receiverRow, in which the value is false.
     static void AddEmitterAndReceiverRows(char const* emitterRow = "emitter", char const* receiverRow = "receiver");
 
     void SetUp() override;

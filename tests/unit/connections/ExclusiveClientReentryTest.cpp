@@ -485,9 +485,9 @@ private Q_SLOTS:
         QCOMPARE(timesFinished, 0);
     }
 
-    // While setService(nullptr) runs, a slot binds the client to another service and uses that service. setService()
-    // must release that service too. Otherwise the service would keep a client that is not bound to it, and would
-    // become free without a signal when the client is destroyed.
+    // While setService(nullptr) runs, a slot binds the client to the backup service and uses this service. setService()
+    // must also release the backup service. Otherwise the client would remain the current client of the backup service
+    // although it is no longer bound to this service.
     void leavesAServiceThatASlotHasBoundMeanwhile()
     {
         ExclusiveService backup(nullptr);
@@ -646,8 +646,8 @@ private Q_SLOTS:
     }
 
 private:
-    /// Binds A to the first service again, lets A, B and C use this service in turn, and checks the log entries about
-    /// A.
+    /// Binds the client A to the first service again, lets the clients A, B and C use this service one after another,
+    /// and checks the log entries about A.
     void VerifyClientReactsAgain()
     {
         a_->setService(service_.get());

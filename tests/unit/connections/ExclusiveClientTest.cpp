@@ -513,8 +513,8 @@ private Q_SLOTS:
         QCOMPARE(callsForClient, 1);
         QCOMPARE(callsForOthers, 1);
 
-        // setService() disconnects the client from the old service before it releases that service. Slots that have the
-        // client as context object therefore do not receive the last clientChanged().
+        // setService() disconnects the client from the old service before it releases that service. When the service
+        // then emits clientChanged(), slots whose context object is the client are no longer called.
         a_->setService(nullptr);
 
         QCOMPARE(callsForClient, 1);
@@ -577,8 +577,9 @@ private Q_SLOTS:
         QCOMPARE(inUse, QByteArrayList());
     }
 
-    // Announcements of the service. The client uses only the arguments of an announcement, not the current client of
-    // the service.
+    // A service emits clientAboutToBeChanged() to announce a change of its client. In these tests, Announce() directly
+    // calls the slot that the client connects to this signal. The slot must use only its arguments, not the current
+    // client of the service.
 
     void isInterceptedByAnAnnouncementFromItselfToAnother()
     {

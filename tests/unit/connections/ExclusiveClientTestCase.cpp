@@ -79,8 +79,9 @@ ExclusiveClient* ExclusiveClientTestCase::MakeClient(QByteArray const& name)
     auto const logSignal = [this, client, &name](void (ExclusiveClient::*signal)(), char const* signalName) {
         QObject::connect(client, signal, this, [this, entry = name + ' ' + signalName] { log_ += entry; });
     };
-    // The client emits released() in the first slot of finished() and of intercepted(). The tests therefore log
-    // released() before these two signals, although released() is connected last here.
+    // The first connections of finished() and intercepted(), made by the constructor of the client, emit released().
+    // The log therefore contains released() before these two signals, although the logging of released() is connected
+    // last here.
     logSignal(&ExclusiveClient::finished, "finished");
     logSignal(&ExclusiveClient::intercepted, "intercepted");
     logSignal(&ExclusiveClient::acquired, "acquired");

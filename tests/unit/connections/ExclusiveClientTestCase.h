@@ -37,16 +37,16 @@ protected:
         QObject::connect(client, signal, this, [this] { RunOnce(action_); });
     }
 
-    /// Runs \a action once, when a service announces a change of its client. The clients of the service receive this
-    /// announcement later. The test fails if \a action does not run.
+    /// Runs \a action once, when a service emits clientAboutToBeChanged(). The clients of the service receive this
+    /// signal later. The test fails if \a action does not run.
     void OnceAnnounced(std::function<void()> action) { onAnnounced_ = std::move(action); }
 
     /// Runs \a action once, when a service emits clientChanged(). The clients of the service receive this signal later.
     /// The test fails if \a action does not run.
     void OnceChanged(std::function<void()> action) { onChanged_ = std::move(action); }
 
-    /// Announces a change from \a from to \a to: calls the protected slot of \a client that receives such announcements
-    /// from its service.
+    /// Directly calls the slot that \a client connects to clientAboutToBeChanged() of its service. The arguments of the
+    /// slot announce a change of the service's client from \a from to \a to.
     static void Announce(ExclusiveClient* client, QObject* from, QObject* to);
 
     /// Returns the names of the clients A, B and C that are in use. Skips destroyed clients.

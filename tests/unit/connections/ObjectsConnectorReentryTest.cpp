@@ -166,8 +166,8 @@ private Q_SLOTS:
             unregisterInDestroyed();
         }
 
-        // ~QObject() emits destroyed(). At that time, the signals and slots of derived classes no longer exist, so the
-        // attempt to disconnect them causes a Qt warning.
+        // ~QObject() emits destroyed(). At that time, the signals and slots of derived classes no longer exist.
+        // Therefore, the attempt of ObjectsConnector to disconnect them causes a Qt warning.
         ExpectQtWarning(
             QRegularExpression(QStringLiteral("No such (signal QObject::Changed|slot QObject::Receive)\\(\\)")));
         isEmitter ? emitter_.reset() : first_.reset();

@@ -22,7 +22,8 @@ namespace
 
 QObject* lastObject = nullptr;
 
-/// Registers an object that DestroyLastObjectAtExit() destroys after the static objects of all libraries.
+/// Registers an object. DestroyLastObjectAtExit() makes sure that this object is destroyed at exit, after the static
+/// objects of all libraries.
 void RegisterObjectDestroyedLast()
 {
     lastObject = new QObject;
@@ -37,8 +38,8 @@ void RegisterObjectDestroyedLast()
     });
 }
 
-// This function runs at exit, before the destructors of the libraries. An exit handler that is registered at this point
-// runs after those destructors.
+// This function runs at exit, before the static objects of the libraries are destroyed. The exit handler that it
+// registers runs after they have been destroyed.
 [[gnu::destructor]] void DestroyLastObjectAtExit()
 {
     if (lastObject) {
@@ -244,8 +245,8 @@ private Q_SLOTS:
         QCOMPARE(emitter_->ConnectedSignals(), QStringList());
     }
 
-    // The receiver belongs to this thread, but another thread destroys it. With an automatic connection, the call of
-    // the slot for destroyed() would be queued and never delivered.
+    // The receiver belongs to this thread, but another thread destroys it. If ObjectsConnector connected a slot to
+    // destroyed() with an automatic connection, the call of this slot would be queued and never delivered.
     void removesAnObjectThatAnotherThreadDestroys()
     {
         RegisterReceiver(*receiver_);
@@ -259,7 +260,8 @@ private Q_SLOTS:
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        // glibc overwrites freed memory, so that an access to a destroyed object fails.
+        // This variable makes glibc overwrite freed memory, so that an access to a destroyed object does not go
+        // unnoticed.
         environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
         process.setProcessEnvironment(environment);
         StartChildMain(process, "object destroyed last");

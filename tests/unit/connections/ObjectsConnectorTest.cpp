@@ -55,15 +55,15 @@ private:
 namespace
 {
 
-/// Returns a pattern for the warning that Qt logs when it cannot connect a signal. \a reason is the reason in the text
-/// of the warning, in UTF-8.
+/// Returns a pattern for the warning that Qt logs when it cannot connect a signal. \a reason is the part of the warning
+/// after "QObject::connect: ", in UTF-8.
 QRegularExpression ConnectWarning(char const* reason)
 {
     QString const text = QStringLiteral("QObject::connect: ") + QString::fromUtf8(reason);
     return QRegularExpression(QRegularExpression::anchoredPattern(QRegularExpression::escape(text)));
 }
 
-/// A signal and a slot that Qt cannot connect, and the reason in the text of Qt's warning. All texts are in UTF-8.
+/// A signal and a slot that Qt cannot connect, and the reason that Qt's warning contains. All strings are in UTF-8.
 struct RejectedPair
 {
     char const* name;
@@ -425,8 +425,8 @@ private Q_SLOTS:
         QTest::newRow("no code") << ValueChangedSignal << ReceiveValueSlot;
     }
 
-    // A signature can begin with the code that SIGNAL() or SLOT() adds. The forms with and without this code denote the
-    // same registration: unregistering either form removes it.
+    // A signature can begin with the code that SIGNAL() or SLOT() adds, which is one digit. Signatures with and without
+    // this code are equivalent: an object that was registered with one form can be unregistered with the other form.
     void acceptsSignaturesWithAndWithoutCode()
     {
         QFETCH(QString, signal);
@@ -453,8 +453,8 @@ private Q_SLOTS:
         RegisterReceiver(*receiver_, QStringLiteral("ReceiveValue( int )"));
         RegisterEmitter(*emitter_, QStringLiteral("ValueChanged(  int )"));
         QCOMPARE(emitter_->ConnectedSignals(), QStringList{ValueChangedSignal});
-        // Qt normalizes both spellings and disconnects the slot. ObjectsConnector compares the spellings without
-        // normalization. They differ, so the receiver stays registered.
+        // Qt normalises both spellings of the slot and disconnects the slot. ObjectsConnector compares the spellings
+        // without normalising them. Because the spellings differ, the receiver stays registered.
         UnregisterReceiver(*receiver_, ReceiveValueSlot);
         QCOMPARE(emitter_->DisconnectedSignals(), QStringList{ValueChangedSignal});
         RegisterEmitter(late, ValueChangedSignal);
@@ -482,12 +482,12 @@ private Q_SLOTS:
         TestObject fourth(log_, "fourth");
         QRegularExpression const warning = ConnectWarning(pair.reason);
         RegisterReceiver(first, slot);
-        ExpectQtWarning(warning); // for the signal of second and the slot of first
+        ExpectQtWarning(warning); // second's signal cannot be connected to first's slot
         RegisterEmitter(second, signal);
-        ExpectQtWarning(warning); // for the signal of second and the slot of third
+        ExpectQtWarning(warning); // second's signal cannot be connected to third's slot
         RegisterReceiver(third, slot);
-        ExpectQtWarning(warning); // for the signal of fourth and the slot of first
-        ExpectQtWarning(warning); // for the signal of fourth and the slot of third
+        ExpectQtWarning(warning); // fourth's signal cannot be connected to first's slot
+        ExpectQtWarning(warning); // fourth's signal cannot be connected to third's slot
         RegisterEmitter(fourth, signal);
         QCOMPARE(second.ConnectedSignals() + fourth.ConnectedSignals(), QStringList());
     }
@@ -503,7 +503,7 @@ private Q_SLOTS:
         ExpectQtWarning(unknownSlot);
         ExpectQtWarning(unknownSlot);
         RegisterEmitter(*emitter_);
-        RegisterEmitter(*receiver_); // causes no attempt to connect this object to itself
+        RegisterEmitter(*receiver_); // no warning: an object is never connected to itself
         ExpectQtWarning(missingSignal);
         ExpectQtWarning(missingSignal);
         RegisterEmitter(*emitter_, QStringLiteral("Missing()"));

@@ -140,7 +140,7 @@ void UseWithoutPreviousHandler()
 void WarnAtExit()
 {
     qInstallMessageHandler(PreviousHandler);
-    // This object is constructed before the log handler and is therefore destroyed after it.
+    // This object is constructed before the log handler and is therefore destroyed after the log handler.
     static AtExit const afterTheHandler([] {
         PrintLine(QCoreApplication::instance() ? "application" : "no application");
         Warn("after the handler");
@@ -262,7 +262,7 @@ struct Result
     QByteArray output;
     QByteArray errorOutput;
     QProcess::ExitStatus exitStatus;
-    int exitCode; // after a crash: the number of the signal
+    int exitCode; // if the process crashed: the number of the signal
 };
 
 Result RunChildProcess(char const* childMain)

@@ -36,7 +36,7 @@ Q_DECLARE_METATYPE(QtMsgType)
 namespace
 {
 
-/// The smallest value that is not a QtMsgType.
+/// A value that is not an enumerator of QtMsgType. QtInfoMsg is the largest enumerator.
 constexpr auto UnknownMsg = static_cast<QtMsgType>(QtInfoMsg + 1);
 
 /// Returns the installed message handler.
@@ -47,7 +47,7 @@ QtMessageHandler InstalledHandler()
     return installed;
 }
 
-/// A message forwarded to the previous handler or passed to a full filter.
+/// A message that was forwarded to the previous handler or passed to a filter of the type FullFilter.
 struct Message
 {
     QtMsgType type;
@@ -57,7 +57,8 @@ struct Message
 };
 
 // QtLogHandler is a singleton and filters cannot be removed, so all tests share the previous handler and the filters.
-// The previous handler and the filters record their calls here and call the functions set by the test.
+// The previous handler and the filters record their calls in this structure and call the functions that a test has
+// stored in it.
 struct SharedState
 {
     std::mutex guard;

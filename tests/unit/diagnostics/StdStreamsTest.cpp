@@ -189,7 +189,7 @@ struct Flush
     Pointers pointers;
 };
 
-/// A C file that appends a Flush to a list for each write.
+/// A FILE stream that appends a Flush to a list for each write.
 class RecordingFile
 {
 public:
@@ -396,7 +396,8 @@ private Q_SLOTS:
     {
         QTemporaryDir const folder;
         QString const path = folder.filePath(QStringLiteral("output"));
-        // The child process inherits the buffer of stdout. Without this flush, it would write the buffered text again.
+        // The child process inherits the buffer of stdout. Without this flush, the child process would write the
+        // buffered text again.
         std::fflush(stdout);
         QVector<qlonglong> const sizes = RunInChild([&path] {
             QVector<qlonglong> sizesInChild;

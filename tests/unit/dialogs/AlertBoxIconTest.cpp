@@ -57,9 +57,9 @@ QColor ColorOf(QPixmap const& pixmap)
     return pixmap.isNull() ? QColor() : pixmap.toImage().pixelColor(0, 0);
 }
 
-/// Registers the files of one folder as Qt resources. The destructor unregisters them. One test requires that the
-/// resources are missing, but the resources of a linked .qrc file are always present. The class therefore builds the
-/// binary format of QResource (version 1) in memory.
+/// Registers files in one folder as Qt resources. The destructor unregisters them. A .qrc file cannot be used: its
+/// resources would always be present, but one test requires that they are missing. The class therefore builds the
+/// resource data in memory, in version 1 of the binary format of QResource.
 class Resources
 {
 public:
@@ -172,7 +172,7 @@ private:
     RecordingStyle* style_; // owned by QApplication
 };
 
-/// Closes the modal alert box from its event loop. Before that, saves the color of the icon of the box in \a color.
+/// Closes the modal alert box from its event loop. Before that, stores the colour of the box's icon in \a color.
 void CloseBoxLater(QColor& color)
 {
     QTimer::singleShot(0, qApp, [&color] {
@@ -367,7 +367,7 @@ private Q_SLOTS:
     {
         RecordingStyle boxStyle;
         RecordingStyle labelStyle;
-        AlertBox box; // has no style sheet: Qt would otherwise wrap the style of the box in another style
+        AlertBox box; // a style sheet would make Qt wrap the style of the box in another style
         QLabel label(&box);
         label.setStyle(&labelStyle);
         box.setStyle(&boxStyle);
@@ -400,7 +400,8 @@ private Q_SLOTS:
         box->setStyle(&style);
         style.calls.clear();
 
-        // QMessageBox replaces its layout when the icon is set. The slot therefore runs while the icon is set.
+        // QMessageBox replaces its layout when the icon is set. The slot connected to destroyed() of the old layout
+        // therefore runs while the icon is being set.
         int callsBeforeIcon = -1;
         bool hadPropertiesBeforeIcon = false;
         connect(box->layout(), &QObject::destroyed, this, [&] {

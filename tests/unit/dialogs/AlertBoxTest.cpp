@@ -34,7 +34,7 @@ namespace
 
 constexpr auto NoLevel = static_cast<AlertBox::Level>(3);
 
-/// Translates the texts of AlertBox by adding brackets. Does not translate texts of other contexts.
+/// Translates the strings of AlertBox by enclosing them in brackets. Does not translate strings of other classes.
 class Translator : public QTranslator
 {
 public:

@@ -42,8 +42,8 @@ QPixmap CreateIcon()
     return pixmap;
 }
 
-/// Checks that \a box has exactly one spacer, and that the spacer is \a width pixels wide. The spacer must span the
-/// last row of the grid layout, and this row must also contain other items.
+/// Checks that \a box has exactly one spacer, and that the spacer is \a width pixels wide. The spacer must span all
+/// columns of the last row of the grid layout, and this row must also contain other items.
 void VerifyWidthIsSet(AlertBox const& box, int width)
 {
     QCOMPARE(box.GetWidth(), width);

@@ -560,7 +560,7 @@ private Q_SLOTS:
         QCOMPARE(style.CallsFor(restore), restoreCalls + restoreCalls);
         QCOMPARE(style.CallsFor(cancel), Repolishing(cancel, {QStringLiteral("cancelButton"), QString()}));
         QCOMPARE(style.CallsFor(custom), Repolishing(custom, {QStringLiteral("custom"), QString()}));
-        // The first four calls are the first repolishing of the two buttons with hints. This shows that all hints are
+        // The first four calls repolish the two buttons with hints for the first time. This shows that all hints are
         // set before any button is repolished a second time.
         QCOMPARE(style.calls.mid(0, 4), okCalls + restoreCalls);
     }

@@ -29,8 +29,8 @@ static_assert(!std::is_copy_constructible_v<ValidationInputDialog> && !std::is_f
 namespace
 {
 
-/// Records the texts of the context "ValidationInputDialog" for which Qt requests a translation. The constructor
-/// installs the translator, the destructor removes it.
+/// Records the strings of the translation context "ValidationInputDialog" for which Qt requests a translation. The
+/// constructor installs the translator, and the destructor removes it.
 class RecordingTranslator : public QTranslator
 {
 public:

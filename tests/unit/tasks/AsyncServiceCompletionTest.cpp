@@ -108,7 +108,7 @@ void AsyncServiceCompletionTest::outcomeCallsOneCallback_data()
         bool hasOnFinished;
         bool hasOnCancelled;
         bool hasOnError;
-        QByteArrayList called[3]; // the expected calls for the outcomes Returns, Cancels and Throws
+        QByteArrayList called[3]; // the expected calls for each outcome: Returns, Cancels, Throws
     } const table[] = {
         {"no callback", false, false, false, {none, none, none}},
         {"onFinished", true, false, false, {finished, finished, finished}},

@@ -339,8 +339,8 @@ void AsyncServiceTest::replacedReporterLivesAsLongAsTheService_data()
     QTest::newRow("cancelled after it was replaced") << false;
 }
 
-// The test posts other tasks, which allocate new reporters. If the replaced reporter had been freed, the new reporters
-// would overwrite its memory.
+// The test posts other tasks, which allocate new reporters. If the replaced reporter had been freed, one of the new
+// reporters would reuse and overwrite the memory of the replaced reporter.
 void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
 {
     QFETCH(bool, cancelled);

@@ -468,8 +468,8 @@ void AsyncServiceThreadsTest::runRestartsAFinishedWorkerThread()
     }
 }
 
-// The worker thread finishes after each job. A varying delay queues the next job at different moments while the thread
-// finishes.
+// Each job makes the worker thread finish. The next job is queued after a delay that varies, so that jobs are queued at
+// different moments while the worker thread finishes.
 void AsyncServiceThreadsTest::losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes()
 {
     constexpr int Rounds = 3000;
@@ -511,7 +511,8 @@ void AsyncServiceThreadsTest::losesNoQueuedJobWhenAJobQuitsTheWorkerThread()
 {
     constexpr int Count = 300;
     AsyncService service;
-    // Shows the thread sanitizer that the jobs run one after another, even if the worker thread restarts between them.
+    // The jobs run one after another, even if the worker thread restarts between two jobs. The mutex shows this to the
+    // thread sanitizer, which would otherwise report data races.
     std::mutex guard;
     QVector<int> jobs;
     QVector<int> finished;

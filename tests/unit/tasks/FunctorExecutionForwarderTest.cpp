@@ -45,8 +45,8 @@ namespace
 struct FunctorError
 {};
 
-/// Functor that counts its copies and calls. Records the thread that calls the functor and the thread that destroys the
-/// called copy.
+/// Functor that counts its copies and calls. Records the thread that calls a copy of the functor and the thread that
+/// destroys this copy.
 class CopyCounter
 {
 public:

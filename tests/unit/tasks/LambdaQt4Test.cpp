@@ -59,7 +59,7 @@ namespace
 struct FunctionError
 {};
 
-/// Appends a text to a log when it is destroyed.
+/// Object that appends a string to a log when the object is destroyed.
 class DestructionLogger
 {
 public:
@@ -112,7 +112,7 @@ void ExecuteOnce(OneTimeExecutor* executor)
     QVERIFY(QMetaObject::invokeMethod(executor, "executeOnce", Qt::DirectConnection));
 }
 
-/// Checks that \a call throws the exception that reports a missing function.
+/// Checks that \a call throws the exception that execute() throws if the LambdaQt4 object has no function.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {
@@ -499,8 +499,8 @@ private Q_SLOTS:
         QPointer<OneTimeExecutor> second;
         bool hasSameAddress = false;
         bool isSecondDestroyed = false;
-        // This code deletes the executor and continues afterwards. It is in a separate function, because the executor
-        // destroys its own function together with itself.
+        // This function deletes the first executor while it runs, and continues afterwards. It is therefore not the
+        // function of the first executor itself, which is destroyed together with the executor.
         std::function<void()> const replaceFirst = [&] {
             void const* const address = first.data();
             delete first.data();

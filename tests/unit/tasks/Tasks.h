@@ -70,8 +70,8 @@ void DeliverQueuedEvents();
 /// earlier have then finished. Their completions are still queued for the owner thread. Returns the additional task.
 Task* WaitForWorker(AsyncService& service);
 
-/// Returns an object that a callback can capture. When its last copy is destroyed, the object appends \a name to \a
-/// destroyed. If this happens outside the main thread, " on another thread" follows the name.
+/// Returns a pointer that a callback can capture. When the last copy of the pointer is destroyed, \a name is appended
+/// to \a destroyed. If this happens outside the main thread, " on another thread" is appended to the name.
 std::shared_ptr<void> MakeDestructionLogger(QStringList& destroyed, char const* name);
 
 /// Exception that the callbacks of the tests throw.

@@ -123,7 +123,7 @@ private Q_SLOTS:
         QVERIFY(!error.message.isEmpty());
         QVERIFY2(error.callStack.contains(QStringLiteral("VectorByteToQByteArray")), qPrintable(error.callStack));
         QCOMPARE(error.file, QStringLiteral("Util/ByteArrayUtils.cpp"));
-        // Compilers write function names with different spaces.
+        // Compilers put spaces at different positions in function names.
         QString const function = QString(error.function).remove(QLatin1Char(' '));
         QCOMPARE(function,
                  QStringLiteral("QByteArrayZelkor::Util::VectorByteToQByteArray(conststd::vector<unsignedchar>&)"));

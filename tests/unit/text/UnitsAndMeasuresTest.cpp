@@ -45,7 +45,7 @@ constexpr KiloSize BothBases[] = {Kilo1000, Kilo1024};
 
 using Texts = QHash<QString, QString>;
 
-/// Translator that is installed during its lifetime and records the source texts that Qt translates.
+/// Translator that is installed during its lifetime and records the source strings that Qt translates.
 class Translation : public QTranslator
 {
 public:
@@ -121,7 +121,7 @@ QString ExpectedFileSize(unsigned long long size, int precision, int minUnit, un
     return Translated("%1 B").arg(size);
 }
 
-/// Compares the results of FormatFileSize() and ExpectedFileSize(). Returns an empty text if the results are equal,
+/// Compares the results of FormatFileSize() and ExpectedFileSize(). Returns an empty string if the results are equal,
 /// otherwise a description of the difference.
 QString FileSizeDifference(unsigned long long size, int precision, int minUnit, KiloSize kilo)
 {
@@ -138,7 +138,8 @@ QString FileSizeDifference(unsigned long long size, int precision, int minUnit, 
         .arg(actual, expected);
 }
 
-/// Returns sizes near every unit and near the rounding limits of the decimals.
+/// Returns file sizes in bytes for which errors are likely: sizes near each unit, and sizes near values at which the
+/// rounded decimals change.
 std::vector<unsigned long long> EdgeSizes(unsigned long long kilo)
 {
     std::vector<unsigned long long> sizes{0, 1, LargestSize, LargestSize - 1, 1ULL << 63, (1ULL << 53) + 1};
@@ -775,7 +776,8 @@ private:
                  qPrintable(error.callStack));
         QCOMPARE(error.file, QStringLiteral("Util/UnitsAndMeasures.cpp"));
         QVERIFY(error.line > 0);
-        // Compilers write function names differently: with "long" or "long int", and with different spaces.
+        // Compilers write function names differently: with "long" or "long int", and with spaces at different
+        // positions.
         QString const function = QString(error.function).remove(QLatin1Char(' '));
         QCOMPARE(QString(function).replace(QLatin1String("longint"), QLatin1String("long")),
                  QStringLiteral("voidZelkor::Util::DurationInSecondsToTimeComponents(long,int&,int&,int&)"));

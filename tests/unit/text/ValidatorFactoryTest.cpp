@@ -43,7 +43,7 @@ QValidator::State StateOf(QValidator const& validator, QString text)
     return validator.validate(text, position);
 }
 
-/// Returns the prefixes of \a text that \a validator rejects. \a text itself is not one of the prefixes.
+/// Returns the prefixes of \a text that are shorter than \a text and that \a validator rejects.
 QStringList InvalidPrefixes(QValidator const& validator, QString const& text)
 {
     QStringList prefixes;
@@ -66,7 +66,7 @@ QValidator::State ExpectedState(QRegularExpression const& pattern, QString const
     return text.isEmpty() || match.hasPartialMatch() ? Intermediate : Invalid;
 }
 
-/// Returns all texts that consist of \a prefix and zero to \a length characters of \a letters.
+/// Returns all strings that consist of \a prefix followed by zero to \a length characters from \a letters.
 QStringList AllTexts(QString const& prefix, QString const& letters, int length)
 {
     QStringList all(prefix);
@@ -82,7 +82,8 @@ QStringList AllTexts(QString const& prefix, QString const& letters, int length)
     return all;
 }
 
-/// Returns the \a texts for which the state of \a validator differs from the state expected for \a pattern.
+/// Returns those strings in \a texts for which the state that \a validator returns differs from the state that
+/// \a pattern requires.
 QStringList TextsWithWrongState(QValidator const& validator, QString const& pattern, QStringList const& texts)
 {
     QRegularExpression const expected(QStringLiteral("\\A(?:") + pattern + QStringLiteral(")\\z"));

@@ -195,8 +195,8 @@ private Q_SLOTS:
     void theControllerInvalidatesTheLayoutForChangeEvents()
     {
         QFETCH(int, event);
-        // Does not call QWidget::event(), which would invalidate the layout too. Therefore only the event filter of the
-        // controller invalidates the layout.
+        // This widget does not call QWidget::event(), which would also invalidate the layout. Therefore, only the event
+        // filter of the controller invalidates the layout.
         class Container : public QWidget
         {
         public:

@@ -174,8 +174,8 @@ private Q_SLOTS:
         Send(tiles_[0].get(), QEvent::Enter);
         Send(tiles_[1].get(), QEvent::Enter);
         QCOMPARE(tiles_[0]->received, Types{QEvent::Enter});
-        // tiles_[1] receives the second event too: Qt delivers an event to its original receiver, and the group skips
-        // only replays.
+        // tiles_[1] receives the second event although it has already received an event of the same type: Qt delivers
+        // the second event to tiles_[1] directly, and the group can skip only replayed events.
         QCOMPARE(tiles_[1]->received, (Types{QEvent::Enter, QEvent::Enter}));
         QCOMPARE(tiles_[2]->received, Types{QEvent::Enter});
     }
@@ -291,8 +291,8 @@ private Q_SLOTS:
 
     void skipsAMemberThatIsRemovedDuringTheReplay()
     {
-        // The order of the replay is unspecified. The first of the two members that receives the event removes the
-        // other member.
+        // The group replays the event to the other two members in an unspecified order. The member that receives the
+        // event first removes the other member from the group.
         tiles_[0]->onHover = [this] { group_->removeItem(tiles_[2].get()); };
         tiles_[2]->onHover = [this] { group_->removeItem(tiles_[0].get()); };
         Send(tiles_[1].get(), QEvent::Enter);
@@ -325,7 +325,7 @@ private Q_SLOTS:
             tile->received.clear();
         }
         for (auto const type : {QEvent::Leave, QEvent::Enter}) {
-            event.emplace(type); // at the address of the previous event, as often happens for events on the stack
+            event.emplace(type); // has the address of the previous event, as often happens for events on the stack
             QCoreApplication::sendEvent(tiles_[1].get(), &*event);
         }
         for (auto const& tile : tiles_) {

@@ -80,8 +80,8 @@ private Q_SLOTS:
         auto* const deep = new QWidget(outer_);
         deep->setAttribute(Qt::WA_NativeWindow);
         container_->setAttribute(Qt::WA_NativeWindow);
-        // Qt also makes all ancestors of a native widget native. Reset this, because deep must be the first native
-        // widget.
+        // Qt also makes all ancestors of a native widget native. Undo this for the ancestors, because `deep` must be
+        // the first native widget.
         outer_->setAttribute(Qt::WA_NativeWindow, false);
         window_->setAttribute(Qt::WA_NativeWindow, false);
         QCOMPARE(findQmlContainer(window_.get()), deep);

@@ -251,7 +251,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QRect>("window");
         QTest::addColumn<QPoint>("middle");
-        // The exact centres are (-300.5, -200.5), (-100.5, -50.5) and (499.5, 349.5).
+        // The exact centres of the windows in the three rows are (-300.5, -200.5), (-100.5, -50.5) and (499.5, 349.5).
         QTest::newRow("negative coordinates") << QRect(-500, -300, 400, 200) << QPoint(-300, -200);
         QTest::newRow("negative centre across zero") << QRect(-300, -200, 400, 300) << QPoint(-100, -50);
         QTest::newRow("positive coordinates") << QRect(300, 200, 400, 300) << QPoint(499, 349);

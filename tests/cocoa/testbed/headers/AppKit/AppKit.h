@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// GNUstep's AppKit, and the declarations that GNUstep lacks.
+// Includes GNUstep's AppKit header and adds declarations that are missing there.
 
 #include_next <AppKit/AppKit.h>
 

@@ -1,7 +1,8 @@
 #pragma once
 #pragma clang system_header
 
-// The part of Core Foundation that the library uses. Signatures and values match Apple's open-source releases.
+// Declares the part of Core Foundation that the library uses. The signatures and values are the same as in Apple's
+// open-source releases.
 
 #include <stddef.h>
 #include <stdint.h>

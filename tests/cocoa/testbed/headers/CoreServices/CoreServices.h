@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// The part of Launch Services that the library uses: functions for shared file lists.
+// Declares the part of Launch Services that the library uses: the functions for shared file lists.
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 #pragma clang system_header
 
-// GNUstep's Foundation, and the declarations that GNUstep lacks.
+// Includes GNUstep's Foundation header and adds declarations that are missing there.
 
 #include_next <Foundation/Foundation.h>
 
