@@ -14,8 +14,9 @@ namespace
 struct RunningExecutor;
 thread_local RunningExecutor* innermostExecutor = nullptr;
 
-/// Represents a running call of OneTimeExecutor::executeOnce(). The executor's function may run an event loop that
-/// delivers the signal again, and may delete the executor.
+/// Represents one running call of OneTimeExecutor::executeOnce(). The function of the executor may run a nested event
+/// loop that delivers the signal again. executeOnce() then finds the running call and ignores the signal. The pointer
+/// `executor` becomes null if the function deletes the executor.
 struct RunningExecutor : StackLink<RunningExecutor>
 {
     explicit RunningExecutor(OneTimeExecutor* runningExecutor)

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Slots that call a function, for string-based connections.
+/// Objects with a slot that calls a function, for Qt's string-based connections.
 
 #include <Util/Export.h>
 
@@ -34,8 +34,8 @@ public:
     {}
 
 public Q_SLOTS:
-    /// Calls the function with the sender of the signal. The sender is null if the slot is called directly. Exceptions
-    /// that the function throws are not caught.
+    /// Calls the function that was passed to the constructor. Its argument is the sender of the signal, or null if this
+    /// slot is called directly. Exceptions that the function throws are not caught.
     ///
     /// Throws `std::logic_error` ("LambdaQt4 use without functor!") if the function is empty.
     void execute();
@@ -44,11 +44,11 @@ private:
     std::function<void(QObject* sender)> functor_;
 };
 
-/// A LambdaQt4 that destroys itself after its first execution. Connect a signal to the private slot `executeOnce()` by
-/// name.
+/// A LambdaQt4 that destroys itself after its first execution. Connect a signal to the private slot with
+/// `SLOT(executeOnce())`.
 ///
 /// Create the object with `new`, and do not use it after the slot has run. If the function is empty or throws an
-/// exception, the object is not destroyed. The function can also delete the object.
+/// exception, the object is not destroyed. The function itself may also delete the object.
 ///
 /// If the function runs a nested event loop, the object ignores signals that it receives before the function returns.
 ///

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Slots that pass an `int` to a function, for string-based connections.
+/// An object with a slot that passes an `int` to a function, for Qt's string-based connections.
 
 #include <Util/Export.h>
 
@@ -35,8 +35,9 @@ public:
     {}
 
 public Q_SLOTS:
-    /// Calls the function with the sender of the signal and \a inputParam. The sender is null if the slot is called
-    /// directly. Exceptions that the function throws are not caught.
+    /// Calls the function that was passed to the constructor. Its arguments are the sender of the signal and
+    /// \a inputParam. The sender is null if this slot is called directly. Exceptions that the function throws are not
+    /// caught.
     ///
     /// Throws `std::logic_error` ("LambdaQt4WithIntParameter use without functor!") if the function is empty.
     void execute(int inputParam);

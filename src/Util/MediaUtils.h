@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Finds mounted video DVDs and determines their labels. These functions may be called on any thread.
+/// Functions that find mounted video DVDs and determine their labels. All functions in this file may be called on any
+/// thread.
 
 #include <Base/IoPath.h>
 #include <Util/Export.h>
@@ -24,9 +25,9 @@ ZQTUTIL_EXPORT std::vector<ioPath> MountedDVD();
 ///
 /// The label is normally the name of the folder \a path. If both of these conditions are true, the label is the name of
 /// the parent folder instead:
-/// - the name of the folder \a path is "VIDEO_TS" in upper or lower case;
-/// - the name of each entry of the parent folder is "VIDEO_TS", "AUDIO_TS" or "Thumbs.db", in exactly this spelling, or
-///   begins with a dot.
+/// - the name of the folder \a path is "VIDEO_TS", compared case-insensitively;
+/// - the name of each file and folder in the parent folder begins with a dot, or is "VIDEO_TS", "AUDIO_TS" or
+///   "Thumbs.db", compared case-sensitively.
 ZQTUTIL_EXPORT std::string DVDLabel(ioPath const& path);
 
 } // namespace Util

@@ -21,8 +21,8 @@ std::map<QString, std::map<std::string, ObjectsConnector::Entries>> ObjectsConne
 namespace
 {
 
-/// False after m_metaCollector was destroyed at exit. Registered static objects can be destroyed later than
-/// m_metaCollector.
+/// Becomes false before m_metaCollector is destroyed at exit. Registered objects with static storage duration can be
+/// destroyed later than m_metaCollector. Their destruction must not use m_metaCollector.
 bool registryExists = true;
 
 struct RegistryEnd
@@ -30,11 +30,12 @@ struct RegistryEnd
     ~RegistryEnd() { registryExists = false; }
 } const registryEnd;
 
-/// The digits that SLOT() and SIGNAL() put before a signature.
+/// The digits that the macros SLOT() and SIGNAL() put before the signature of a slot or of a signal.
 constexpr char SlotCode = '1';
 constexpr char SignalCode = '2';
 
-/// Returns true if \a object can be registered or unregistered. Logs at ERROR if \a object is null.
+/// Returns true if \a object can be registered or unregistered: it is not null, and m_metaCollector still exists. Logs
+/// at ERROR if \a object is null. The log message contains \a side, which is "sender" or "receiver", and \a ID.
 bool IsUsable(QObject const* object, char const* side, QString const& ID)
 {
     LOG_IF(ERROR, !object) << "The " << side << " under \"" << QStringToUtf8(ID) << "\" is null";
@@ -47,18 +48,19 @@ std::string Coded(char code, QString const& signature)
     return signature.startsWith(QLatin1Char(code)) ? text : code + text;
 }
 
-/// Iterates over a copy of the emitters or of the receivers of an ID. The caller connects each of them to one other
-/// object, or disconnects each of them from that object.
+/// An iteration over a copy of the emitters or of the receivers of an ID. ObjectsConnector uses it to connect all
+/// emitters to one receiver, or all receivers to one emitter, and to disconnect them again.
 ///
-/// A connection calls QObject::connectNotify() of the sender, which an application can override. The override can
-/// register, unregister and destroy objects. Therefore, when a registered object is destroyed, a handler of its
-/// destroyed() signal removes the object from all running iterations. QPointer cannot be used instead: Qt 5 reads freed
-/// memory when a QPointer is created for an object whose destroyed() signal is being delivered.
+/// QObject::connect() calls connectNotify() of the sender, which an application can override. The override can
+/// register, unregister and destroy objects while an iteration is running. Therefore, when a registered object is
+/// destroyed, a handler of its destroyed() signal removes the object from all running iterations. QPointer cannot be
+/// used instead: Qt 5 reads freed memory when a QPointer is created for an object whose destroyed() signal is being
+/// delivered.
 class Iteration : public StackLink<Iteration>
 {
 public:
-    /// \param entries  the emitters or receivers; they are copied
-    /// \param self     the object to connect to them or to disconnect from them
+    /// \param entries  the registered emitters or receivers; the constructor copies the list
+    /// \param self     the object that the caller connects to these objects or disconnects from them
     template <class Entries>
     Iteration(Entries const& entries, QObject const* self)
         : StackLink(innermost_)
@@ -66,8 +68,8 @@ public:
         , self_(self)
     {}
 
-    /// Calls \a visit with the object and the signature of each entry. Skips the entries of the object that was passed
-    /// to the constructor as `self`. Stops if that object is destroyed.
+    /// Calls \a visit for each registered object, and passes the object and its signature. Skips the object that was
+    /// passed to the constructor as `self`, and objects that have been destroyed. Stops if `self` is destroyed.
     template <class Visit>
     void VisitOthers(Visit const& visit) const
     {
@@ -82,7 +84,7 @@ public:
         }
     }
 
-    /// Removes \a object, which is being destroyed, from all running iterations.
+    /// Removes \a object from all running iterations. Called while \a object is being destroyed.
     static void Remove(QObject const* object)
     {
         for (Iteration* iteration = innermost_; iteration; iteration = iteration->Outer()) {
@@ -122,10 +124,13 @@ void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QStri
     if (!IsUsable(sender, "sender", ID)) {
         return;
     }
-    // Use the copy of ID in the registry: the caller's ID can belong to an object that the iteration destroys.
+    // ID can refer to a member of an object that is destroyed during the iteration. Therefore, the code below uses id,
+    // which is the copy of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSignal = Coded(SignalCode, signal);
-    QPointer<QObject> const alive(sender); // registerMetaType() connects the destroyed() handler later
+    // This QPointer detects the destruction of sender during the iteration. The destroyed() handler that stops the
+    // iteration cannot be used for this purpose, because registerMetaType() connects the handler only later.
+    QPointer<QObject> const alive(sender);
     Iteration(roles[TYPE_SLOT], sender).VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
         if (alive) {
             connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));
@@ -141,10 +146,13 @@ void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QS
     if (!IsUsable(receiver, "receiver", ID)) {
         return;
     }
-    // Use the copy of ID in the registry: the caller's ID can belong to an object that the iteration destroys.
+    // ID can refer to a member of an object that is destroyed during the iteration. Therefore, the code below uses id,
+    // which is the copy of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSlot = Coded(SlotCode, slot);
-    QPointer<QObject> const alive(receiver); // registerMetaType() connects the destroyed() handler later
+    // This QPointer detects the destruction of receiver during the iteration. The destroyed() handler that stops the
+    // iteration cannot be used for this purpose, because registerMetaType() connects the handler only later.
+    QPointer<QObject> const alive(receiver);
     Iteration(roles[TYPE_SIGNAL], receiver).VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
         if (alive) {
             connect(sender, codedSignal.c_str(), receiver, codedSlot.c_str(), UniqueConnection(queued));

@@ -18,13 +18,14 @@ namespace Zelkor
 namespace Util
 {
 
-/// The name of the emitter role in the registry of ObjectsConnector.
+/// The key under which ObjectsConnector stores the emitters of an ID.
 extern ZQTUTIL_EXPORT std::string const TYPE_SIGNAL;
-/// The name of the receiver role in the registry of ObjectsConnector.
+/// The key under which ObjectsConnector stores the receivers of an ID.
 extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 
-/// Connects signals to slots by a shared name, the ID. Every emitter of an ID is connected to every receiver of the
-/// same ID. The order of registration does not matter.
+/// Connects signals to slots by a shared name, the ID. An object can be registered under an ID as an emitter, with one
+/// of its signals, or as a receiver, with one of its slots. Every emitter of an ID is connected to every receiver of
+/// the same ID. Emitters and receivers can be registered in any order.
 ///
 /// \code
 /// ObjectsConnector::registerReceiver(QStringLiteral("volume"), dial, QStringLiteral("setValue(int)"));
@@ -90,13 +91,14 @@ public:
     Q_INVOKABLE static void unregisterEmitter(QString const& ID, QObject* sender, QString const& signal);
 
 private:
-    // This private function is Q_INVOKABLE because callers could call it through the meta-object since the first
-    // release.
+    // This private function is Q_INVOKABLE because callers have been able to call it through the meta-object since the
+    // first release.
     Q_INVOKABLE static void registerMetaType(QString const& ID, std::string const& metaType,
                                              std::pair<QObject const*, std::string const> const& metaPair);
 
-    // Registered objects and their signatures, in the order of registration. Each signature starts with the digit that
-    // SIGNAL() or SLOT() adds.
+    // The registered objects and their signatures, in the order of registration. Each signature starts with the digit
+    // that the macro SIGNAL() or SLOT() adds. m_metaCollector contains one list for each ID and for each of the keys
+    // TYPE_SIGNAL and TYPE_SLOT.
     using Entries = std::list<std::pair<QObject const*, std::string const>>;
     static std::map<QString, std::map<std::string, Entries>> m_metaCollector;
 };

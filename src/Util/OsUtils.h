@@ -12,8 +12,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns the word size of the process in bits as text. The result is always "64", because the library supports only
-/// 64-bit processes. May be called on any thread.
+/// Returns the size of a pointer of the process in bits, as a string. The result is always "64", because the library
+/// supports only 64-bit processes. May be called on any thread.
 ZQTUTIL_EXPORT std::string AppBits();
 
 } // namespace Util

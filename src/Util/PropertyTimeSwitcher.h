@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A property whose value depends on the current time.
+/// A class that changes a property of an object depending on the current time.
 
 #include <Util/Export.h>
 
@@ -14,9 +14,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// Sets a property of its parent to one value while the current time is in a range, and to a default value while the
-/// current time is outside the range. The application supplies the current time with setCurrentTime(). All times are in
-/// milliseconds.
+/// Sets a property of the parent object to one value while the current time is in a range, and to a default value while
+/// the current time is outside the range. The application supplies the current time with setCurrentTime(). All times
+/// are in milliseconds.
 ///
 /// \code
 /// auto* const switcher = new PropertyTimeSwitcher("visible", false, subtitle);
@@ -41,8 +41,8 @@ public:
 
     /// Sets the range and calls updateValue(). Replaces the previous range.
     ///
-    /// \param from   the start of the range in milliseconds; part of the range
-    /// \param to     the end of the range in milliseconds; not part of the range
+    /// \param from   the start of the range in milliseconds (inclusive)
+    /// \param to     the end of the range in milliseconds (exclusive)
     /// \param value  the value of the property while the current time is in the range
     void setRange(int from, int to, QVariant const& value);
 

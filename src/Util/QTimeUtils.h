@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Conversions between AV time and `QTime`. AV time is a time in media code: a signed number of microseconds. `QTime`
-/// has a resolution of one millisecond. These functions may be called on any thread.
+/// Conversions between AV time and `QTime`. AV time is the time format of audio and video code: a signed number of
+/// microseconds. `QTime` has a resolution of one millisecond. All functions in this file may be called on any thread.
 
 #include <Util/Export.h>
 

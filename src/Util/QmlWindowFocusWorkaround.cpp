@@ -26,7 +26,7 @@ void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widget)
     }
     if (QWidget* const container = findQmlContainer(widget)) {
         container->setFocusPolicy(Qt::StrongFocus);
-        new QmlWindowFocusWorkaround(window, widget); // deliberate: the focus target is widget, not container
+        new QmlWindowFocusWorkaround(window, widget); // widget, not container, deliberately gets the focus
     }
 }
 

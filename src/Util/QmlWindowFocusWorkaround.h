@@ -22,15 +22,15 @@ ZQTUTIL_EXPORT QWidget* findQmlContainer(QWidget* widget);
 /// Gives the keyboard focus to \a widget whenever \a window is activated. Without this workaround, Qt gives the
 /// focus to the top-level window only, and a native window that is embedded in \a widget loses the focus.
 ///
-/// Also sets the focus policy of the embedded native window to `Qt::StrongFocus`. Each call installs another event
-/// filter, so call it once for each window. GUI thread.
+/// Also sets the focus policy of the native widget that findQmlContainer() returns to `Qt::StrongFocus`. Each call
+/// installs another event filter, so call this function only once for each window. GUI thread.
 ///
 /// \param window  the top-level window to watch. If \a window is null or is not a window, the function does nothing.
 /// \param widget  the widget that contains the native window. If findQmlContainer() returns null for \a widget, the
 ///                function does nothing.
 ZQTUTIL_EXPORT void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widget);
 
-/// The event filter that ApplyQmlWindowFocusWorkaround() installs on a window.
+/// The event filter that ApplyQmlWindowFocusWorkaround() installs on the top-level window.
 class ZQTUTIL_EXPORT QmlWindowFocusWorkaround : public QObject
 {
 public:
@@ -42,10 +42,11 @@ public:
 
     ~QmlWindowFocusWorkaround() override;
 
-    /// If \a event is an activation change, and the window is now active and visible, activates and raises the target
-    /// widget and gives it the focus.
+    /// Handles `QEvent::ActivationChange`. If the window is now active and visible, activates and raises the target
+    /// widget and gives the focus to it. Does nothing for other events.
     ///
-    /// \returns the result of the base class for \a watched and \a event, so that the window receives the event too
+    /// \returns the result of QObject::eventFilter() for \a watched and \a event. The result is false, so the window
+    ///          also receives the event.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -24,8 +24,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// StaticHandler() needs these two variables after the handler is destroyed, when the members of the handler no longer
-// exist.
+// StaticHandler() can be called after the handler has been destroyed. It then uses these two variables, because the
+// members of the handler no longer exist.
 std::atomic<bool> g_isDestroyed(false);
 std::atomic<QtMessageHandler> g_fallbackHandler(nullptr);
 
@@ -61,7 +61,7 @@ void WriteToLog(QtMsgType type, std::string const& text)
         LOG(WARNING) << text;
         break;
     case QtCriticalMsg:
-    case QtFatalMsg: // at FATAL, glog would abort before the previous handler is called; Qt aborts later
+    case QtFatalMsg: // not logged at FATAL: glog would abort before the previous handler is called
         LOG(ERROR) << text;
         break;
     }

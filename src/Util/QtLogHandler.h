@@ -25,10 +25,11 @@ namespace Util
 /// | warning          | WARNING       |
 /// | critical, fatal  | ERROR         |
 ///
-/// glog aborts after a record at FATAL. A fatal Qt message is therefore logged at ERROR, so that the previous handler
-/// is called as well. Qt aborts afterwards.
+/// When glog logs a record at FATAL, it aborts the process. Therefore, a fatal Qt message is logged at ERROR, so that
+/// the previous handler is called as well. Qt aborts the process afterwards.
 ///
-/// Each glog record has a source position in this handler. The source position of the Qt message is part of the text.
+/// The source position (file and line) of each glog record is a position in this handler. The source position of the Qt
+/// message is written at the start of the text of the record.
 ///
 /// \code
 /// int main(int argc, char** argv)
@@ -39,8 +40,8 @@ namespace Util
 /// }
 /// \endcode
 ///
-/// **Threads.** Any thread can log messages. The filters and settings are not locked: change them before other threads
-/// log messages.
+/// **Threads.** Any thread can log messages. The filters and settings are not protected by a lock: change them before
+/// other threads log messages.
 ///
 /// **At exit** the handler restores the previous handler, which then receives all later messages.
 ///
@@ -49,10 +50,10 @@ namespace Util
 class ZQTUTIL_EXPORT QtLogHandler
 {
 public:
-    /// Receives the text of a message. Returns true to keep the message, false to drop it.
+    /// A filter function that receives the text of a message. Returns true to keep the message, or false to drop it.
     using TextFilter = std::function<bool(QString const&)>;
-    /// Receives the type, the source position and the text of a message. Returns true to keep the message, false to
-    /// drop it.
+    /// A filter function that receives the type, the source position and the text of a message. Returns true to keep
+    /// the message, or false to drop it.
     using FullFilter = std::function<bool(QtMsgType, QMessageLogContext const&, QString const&)>;
 
     /// Returns the only handler of the process. The first call creates and installs the handler. Can be called from any
@@ -72,7 +73,7 @@ public:
     /// Restores the message handler that Install() replaced. Does nothing if this handler is not installed.
     void Uninstall();
 
-    /// Appends \a filter to the text filters or to the full filters. An empty function is ignored. Filters cannot be
+    /// Adds \a filter, which is a text filter or a full filter. An empty function is ignored. Filters cannot be
     /// removed.
     ///
     /// Full filters are called first, then text filters. The filters of each type are called in the order in which they

@@ -2,8 +2,8 @@
 
 // Design notes
 //
-// Loading the library must not run code for these streams. Therefore, the exported variables are plain pointers with
-// constant initialisation, and the application decides when the streams are created and flushed.
+// The streams must not be created when the library is loaded. Therefore, the exported variables are plain pointers with
+// constant initialisation, and the application decides when the streams are created and destroyed.
 
 QTextStream* qinPtr = nullptr;
 ConsoleOutputStream* qoutPtr = nullptr;
@@ -22,7 +22,7 @@ ConsoleOutputStream& ConsoleOutputStream::operator<<(QString const& text)
 }
 
 QtStdStreamsInitializer::QtStdStreamsInitializer()
-    : input_(stdin) // deliberately opened in the default mode of QTextStream, ReadWrite
+    : input_(stdin) // deliberately without an open mode: the default of QTextStream is ReadWrite
     , output_(stdout)
     , error_(stderr)
 {

@@ -35,7 +35,7 @@ class ZQTUTIL_EXPORT QtStdStreamsInitializer
 public:
     /// Creates the streams and sets #qinPtr, #qoutPtr and #qerrPtr.
     QtStdStreamsInitializer();
-    /// Sets the three pointers to null, then flushes and destroys the streams. Does not close stdin, stdout and stderr.
+    /// Sets the three pointers to null, then flushes and destroys the streams. Does not close stdin, stdout or stderr.
     ~QtStdStreamsInitializer();
 
     QtStdStreamsInitializer(QtStdStreamsInitializer const&) = delete;
@@ -47,9 +47,9 @@ private:
     ConsoleOutputStream error_;
 };
 
-/// The stream for standard input; null while there is no QtStdStreamsInitializer.
+/// The stream for standard input. The pointer is null while no QtStdStreamsInitializer exists.
 extern ZQTUTIL_EXPORT QTextStream* qinPtr;
-/// The stream for standard output; null while there is no QtStdStreamsInitializer.
+/// The stream for standard output. The pointer is null while no QtStdStreamsInitializer exists.
 extern ZQTUTIL_EXPORT ConsoleOutputStream* qoutPtr;
-/// The stream for standard error; null while there is no QtStdStreamsInitializer.
+/// The stream for standard error. The pointer is null while no QtStdStreamsInitializer exists.
 extern ZQTUTIL_EXPORT ConsoleOutputStream* qerrPtr;

@@ -1,7 +1,8 @@
 #pragma once
 
 /// \file
-/// Conversions of UTF-8 text between Qt and the standard library. These functions may be called on any thread.
+/// Conversions of UTF-8 text between Qt and the standard library. All functions in this file may be called on any
+/// thread.
 
 #include <Util/Export.h>
 
@@ -14,10 +15,11 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns the part of \a utf8 before its first NUL byte as a `QString`. Bytes that are not valid UTF-8 become U+FFFD.
+/// Converts \a utf8 to a `QString`. The conversion stops before the first NUL byte. Bytes that are not valid UTF-8
+/// become U+FFFD.
 ZQTUTIL_EXPORT QString Utf8ToQString(std::string const& utf8);
 
-/// Returns the part of \a text before its first U+0000 as UTF-8.
+/// Converts \a text to UTF-8. The conversion stops before the first character U+0000.
 ZQTUTIL_EXPORT std::string QStringToUtf8(QString const& text);
 
 } // namespace Util

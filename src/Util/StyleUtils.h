@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Dynamic properties that style sheets use in selectors.
+/// Functions that read and set dynamic properties of widgets. Style sheets use these properties in selectors.
 
 #include <Util/Export.h>
 
@@ -37,16 +37,17 @@ Q_ENUM_NS(MessageLevel)
 /// \param property  the name of the property
 ZQTUTIL_EXPORT void ApplyWidgetStyle(QWidget* widget, QString const& value, char const* property);
 
-/// Returns the property named \a property of \a widget as text. Returns an empty text if \a widget is null, or if
-/// \a widget does not have the property. GUI thread.
+/// Returns the value of the property \a property of \a widget as a string. Returns an empty string if \a widget is
+/// null, or if \a widget does not have the property. GUI thread.
 ZQTUTIL_EXPORT QString GetWidgetStyle(QWidget const* widget, char const* property);
 
 /// Sets the property "Level" of \a widget to the name of \a level and applies the style sheet to the widget again. If
-/// \a level is outside the enumeration, the property is set to an empty text. A null \a widget is ignored. GUI thread.
+/// \a level is not an enumerator, the property is set to an empty string. If \a widget is null, nothing happens. GUI
+/// thread.
 ZQTUTIL_EXPORT void ApplyMessageLevel(QWidget* widget, MessageLevel level);
 
-/// Returns the level from the property "Level" of \a widget. Returns NoMessage if \a widget is null, or if the property
-/// is not set or does not contain the name of a level. GUI thread.
+/// Returns the level that the property "Level" of \a widget contains. Returns NoMessage if \a widget is null, or if the
+/// property is not set or does not contain the name of a level. GUI thread.
 ZQTUTIL_EXPORT MessageLevel GetMessageLevel(QWidget const* widget);
 
 } // namespace Util

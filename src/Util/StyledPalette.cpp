@@ -46,7 +46,7 @@ QColor StyledPalette::GetPalleteLight()
 
 void StyledPalette::SetPaletteLight(QColor color)
 {
-    // Unlike SetLinksColor(), convert the colour to RGB: callers depend on this.
+    // Unlike SetLinksColor(), this function converts the colour to RGB, because callers depend on an RGB colour.
     QColor rgb;
     rgb.setRgb(color.red(), color.green(), color.blue(), color.alpha());
     SetApplicationColor(QPalette::Light, rgb);

@@ -1,11 +1,11 @@
 // The application's folder is inside the system's temporary folder, where other users can write too. Another user could
-// therefore create the application's folder or one of its parents, or put a link in the place of these folders. For
-// this reason, FindForeignFolder() checks each folder on the path from the system's temporary folder to the
-// application's folder. The check runs before the application's folder is created or emptied, and again before a
-// directory is created in it. If the check fails, the TemporaryDir holds an invalid QTemporaryDir, and the log contains
-// the reason.
+// therefore create the application's folder or one of its parents, or create a symbolic link with the name of one of
+// these folders. For this reason, FindForeignFolder() checks each folder on the path from the system's temporary folder
+// to the application's folder. The check runs before the application's folder is created or emptied, and again before a
+// directory is created in the application's folder. If the check fails, the TemporaryDir holds an invalid
+// QTemporaryDir, and the log contains the reason.
 //
-// Links in the application's folder are not followed when the folder is emptied.
+// When the application's folder is emptied, symbolic links in it are not followed.
 
 #include <Util/TemporaryDir.h>
 
@@ -30,7 +30,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// The path is read only once. Otherwise a later change of the environment would move the application's folder.
+// The path is determined only once. Otherwise, a change of the environment, for example of the variable TMPDIR, would
+// change the path while the process is running.
 QString const& SystemFolder()
 {
     static QString const folder = QDir::tempPath();
@@ -45,9 +46,9 @@ QString ApplicationFolder(QString const& name, QString const& version)
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
 }
 
-/// Checks each path between the system's temporary folder and \a folder, including \a folder. Returns the first path
-/// that ends with "..", or that exists but is not a folder owned by the effective user. Links do not count as folders.
-/// Returns an empty text if no check fails.
+/// Checks the path of each folder below the system's temporary folder, down to and including \a folder. Returns the
+/// first path that ends with "/..", or that exists but is not a folder owned by the effective user. Symbolic links do
+/// not count as folders. Returns an empty string if no check fails.
 QString FindForeignFolder(QString const& folder)
 {
     QString path = SystemFolder();
@@ -88,7 +89,8 @@ void PrepareTemporaryFolder(QString const& folder)
     }
     if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
-    } else if (FindForeignFolder(folder).isEmpty()) { // check again: the folder may be newer than the caller's check
+    } else if (FindForeignFolder(folder).isEmpty()) {
+        // Checked again because another user may have created the folder after the caller's check.
         EmptyFolder(folder);
     }
 }
@@ -107,8 +109,8 @@ std::unique_ptr<QTemporaryDir> MakeDefaultDirectory()
     return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<QTemporaryDir>() : MakeInvalidDirectory();
 }
 
-/// Creates a directory in \a folder, which is below the system's temporary folder. Returns an invalid object if the
-/// directory cannot be created.
+/// Creates a directory in \a folder, which is below the system's temporary folder. Returns an invalid object if
+/// FindForeignFolder() rejects \a folder, or if the directory cannot be created.
 std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& folder)
 {
     if (!QFileInfo::exists(SystemFolder())) {

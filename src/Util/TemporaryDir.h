@@ -25,12 +25,13 @@ namespace Util
 /// `QCoreApplication::applicationName` and `applicationVersion` first. If one of these properties is empty, the
 /// directory is created at the default location of `QTemporaryDir`.
 ///
-/// The first object that a process creates in the application's folder removes all entries of this folder that are not
-/// hidden. These are the remains of earlier runs, but also the directories of other running instances of the same
-/// application. Symbolic links are removed, but not followed.
+/// The first object that a process creates in the application's folder deletes the contents of this folder, except
+/// hidden files and folders. The contents include the remains of earlier runs, but also the directories of other
+/// running instances of the same application. Symbolic links are deleted, but not followed.
 ///
-/// The current user must own the application's folder and its parents below the temporary folder of the system. None of
-/// these folders may be a symbolic link. Otherwise a message is logged at ERROR, and the object is invalid.
+/// The current user must own the application's folder and all folders between it and the temporary folder of the
+/// system. None of these folders may be a symbolic link. Otherwise, a message is logged at ERROR, and the object is
+/// invalid.
 ///
 /// Different objects may be created on different threads. Use one object on one thread at a time.
 class ZQTUTIL_EXPORT TemporaryDir
@@ -51,13 +52,13 @@ public:
     /// Returns true if the directory was created.
     bool isValid() const;
 
-    /// Returns Qt's message if the directory was not created.
+    /// Returns Qt's error message if the directory was not created, otherwise an empty string.
     ///
-    /// If a parent folder belongs to another user or is a symbolic link, the log contains this reason, but the message
-    /// does not.
+    /// If the application's folder was rejected because of its owner or because of a symbolic link, only the log
+    /// contains this reason. The error message does not contain it.
     QString errorString() const;
 
-    /// Returns true if the destructor removes the directory. This is the default.
+    /// Returns true if the destructor removes the directory. The default is true.
     bool autoRemove() const;
 
     /// Sets whether the destructor removes the directory.
@@ -70,14 +71,14 @@ public:
     /// \return true if the directory was removed; false if removing it failed, or if it was not created
     bool remove();
 
-    /// Returns the absolute path of the directory, or an empty text if the directory was not created.
+    /// Returns the absolute path of the directory, or an empty string if the directory was not created.
     QString path() const;
 
     /// Returns the absolute path of a file in the directory. The file need not exist.
     ///
     /// \param fileName  the relative path of the file
-    /// \return the path; empty if the directory was not created or if \a fileName is absolute. Qt logs a warning if
-    ///         \a fileName is absolute.
+    /// \return the path, or an empty string if the directory was not created or if \a fileName is absolute. If
+    ///         \a fileName is absolute, Qt also logs a warning.
     QString filePath(QString const& fileName) const;
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A text document that shows a running time.
+/// A class that writes a changing time to a text document.
 
 #include <Util/Export.h>
 
@@ -17,8 +17,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Writes a running time to a text document. The updater converts an input time, for example the position in a film, to
-/// an output time, for example the position in a clip or the remaining time. All times are in milliseconds.
+/// Writes a changing time to a text document. The updater converts an input time, for example the position in a film,
+/// to an output time, for example the position in a clip or the remaining time. All times are in milliseconds.
 ///
 /// The text is a time of day, formatted by QTime. It therefore starts again at zero after 24 hours.
 ///
@@ -47,10 +47,10 @@ public:
     TimeUpdater(int outputStart, int inputStart, int inputEnd, QString const& format, QTextDocument* document,
                 bool reverse);
 
-    /// Returns the output time in milliseconds for the input time \a time, in milliseconds.
+    /// Converts the input time \a time to the output time. Both times are in milliseconds.
     ///
-    /// The result is limited to the range from the output start to the output start plus the length of the input range.
-    /// The result is never negative.
+    /// The result is limited to the range that starts at `outputStart` and has the same length as the input range. The
+    /// result is never negative.
     int calculateOutputTime(int time) const;
 
     /// Sets the input time to \a time milliseconds. Writes the output time to the document, unless the document

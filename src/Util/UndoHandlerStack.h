@@ -39,17 +39,19 @@ class ZQTUTIL_EXPORT UndoHandlerStack : public QObject
     Q_OBJECT
 
 public:
-    /// Creates an object without undo stacks. \a parent owns it and can be null.
+    /// Creates an object without undo stacks. \a parent owns the object and can be null.
     explicit UndoHandlerStack(QObject* parent = nullptr);
 
-    /// Pushes \a stack and makes it the active undo stack. Emits the four signals with the state of \a stack.
+    /// Pushes \a stack and makes it the active undo stack. Emits the four signals of this class with the state of
+    /// \a stack.
     ///
     /// Throws `std::invalid_argument` ("UndoHandlerStack use without stack!") and changes nothing if \a stack is null.
     void push(QUndoStack* stack);
 
-    /// Removes the topmost undo stack and activates the next one below it, if any. Does not delete the removed stack.
+    /// Removes the topmost undo stack. The undo stack below it, if any, becomes active. Does not delete the removed
+    /// stack.
     ///
-    /// \returns the removed stack. If no stack is pushed, returns null and emits no signal.
+    /// \returns the removed stack. If this object contains no undo stacks, returns null and emits no signal.
     QUndoStack* pop();
 
     /// Returns the undo stack that undo() and redo() act on, or null if no stack is active.
@@ -59,26 +61,26 @@ public:
     void undo();
     /// Redoes the next command of the active stack. Does nothing if there is no command to redo.
     void redo();
-    /// Returns true if there is an active stack and it has a command to undo.
+    /// Returns true if there is an active stack that has a command to undo.
     bool canUndo() const;
-    /// Returns true if there is an active stack and it has a command to redo.
+    /// Returns true if there is an active stack that has a command to redo.
     bool canRedo() const;
 
-    /// Returns true if no stack is pushed.
+    /// Returns true if this object contains no undo stacks.
     bool empty() const;
 
 Q_SIGNALS:
-    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// Emitted when another stack becomes active, when no stack is active any more, and when the active stack emits
     /// `QUndoStack::canRedoChanged()`. \a canRedo is the result of canRedo().
     void canRedoChanged(bool canRedo);
-    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// Emitted when another stack becomes active, when no stack is active any more, and when the active stack emits
     /// `QUndoStack::canUndoChanged()`. \a canUndo is the result of canUndo().
     void canUndoChanged(bool canUndo);
-    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// Emitted when another stack becomes active, when no stack is active any more, and when the active stack emits
     /// `QUndoStack::cleanChanged()`. \a clean is true if the active stack is in its clean state, or if no stack is
     /// active.
     void cleanChanged(bool clean);
-    /// Emitted when another stack or no stack becomes active, and when the active stack emits
+    /// Emitted when another stack becomes active, when no stack is active any more, and when the active stack emits
     /// `QUndoStack::indexChanged()`. \a idx is the `QUndoStack::index()` of the active stack, or 0 if no stack is
     /// active.
     void indexChanged(int idx);

@@ -17,7 +17,7 @@ constexpr unsigned long long MicrosecondsInSecond = 1000000;
 constexpr unsigned long long SecondsInMinute = 60;
 constexpr unsigned long long SecondsInHour = 3600;
 
-/// Returns \a number in decimal, with leading zeros up to \a width digits.
+/// Returns \a number in decimal. If it has fewer than \a width digits, leading zeros are added.
 std::string Padded(unsigned long long number, std::size_t width)
 {
     std::string digits = std::to_string(number);
@@ -47,8 +47,8 @@ int PrecisionForFileSize(unsigned long long size)
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
-    // All four labels are translated in this order at every call. The installed translators therefore receive the same
-    // requests for every size, although only one label is used.
+    // Every call deliberately translates all four labels in this order, although it uses only one of them. The
+    // installed translators therefore receive the same requests for every size.
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);
@@ -121,7 +121,7 @@ QString FormatDuration(long long microseconds, bool alwaysShowHours)
 {
     auto magnitude = static_cast<unsigned long long>(microseconds);
     if (microseconds < 0) {
-        magnitude = 0 - magnitude; // unsigned arithmetic: negating the smallest long long would overflow
+        magnitude = 0 - magnitude; // unsigned, because negating the smallest long long would overflow
     }
     unsigned long long const seconds = magnitude / MicrosecondsInSecond;
     unsigned long long const milliseconds = magnitude % MicrosecondsInSecond / MicrosecondsInMillisecond;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Formats sizes, rates and durations as short texts for users, and converts a size suffix to a multiplier.
+/// Functions that format sizes, rates and durations for users, and that convert a size suffix to a multiplier.
 ///
 /// All unit names are translated with `QObject::tr`. All functions are thread-safe and log nothing.
 
@@ -15,22 +15,22 @@ namespace Zelkor
 namespace Util
 {
 
-/// A unit of file sizes, from bytes to terabytes. Selects the smallest unit that FormatFileSize() may use.
+/// The units of file sizes, from bytes to terabytes.
 enum SizeUnit : int { B, KB, MB, GB, TB };
 
-/// The factor between a unit and the next larger unit, for example between KB and MB.
+/// The factor between a unit and the next larger unit, for example the number of KB in one MB.
 enum KiloSize : int { Kilo1000 = 1000, Kilo1024 = 1024 };
 
 /// Returns the recommended number of decimal places for a file size of \a size bytes: 0 below 1 000 000 bytes, 1 below
 /// 1 000 000 000 bytes, otherwise 2.
 ///
-/// The limits are decimal, even if the caller then formats the size with Kilo1024.
+/// These limits apply even if the caller then formats the size with Kilo1024.
 ZQTUTIL_EXPORT int PrecisionForFileSize(unsigned long long size);
 
-/// Returns \a size as text, for example "2.5 MB".
+/// Formats the file size \a size, for example as "2.5 MB".
 ///
-/// The text uses the largest unit that is not larger than \a size, but at least \a minUnit. The decimal separator is
-/// always a point, unlike in QLocale::formattedDataSize().
+/// The function uses the largest unit that is not larger than \a size, but no unit below \a minUnit. The decimal
+/// separator is always a point, unlike in QLocale::formattedDataSize().
 ///
 /// \param size       the size in bytes
 /// \param precision  the number of decimal places; a negative value selects PrecisionForFileSize(). Sizes in bytes (B)
@@ -40,40 +40,43 @@ ZQTUTIL_EXPORT int PrecisionForFileSize(unsigned long long size);
 /// \param kilo       the factor between a unit and the next larger unit
 ZQTUTIL_EXPORT QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo);
 
-/// Returns the number of bytes in the unit \a suffix. The result is 1000 for the translation of "KB", 1000000 for "MB",
-/// 1000000000 for "GB" and 1000000000000 for "TB". Upper and lower case are equal. For any other text, the result is 1.
+/// Returns the number of bytes in the unit \a suffix. The result is 1000 for "KB", 1000000 for "MB", 1000000000 for
+/// "GB" and 1000000000000 for "TB". For any other string, the result is 1. \a suffix is compared with the translated
+/// names of the units, and the comparison is case-insensitive.
 ///
-/// The multipliers are decimal, even in applications that format sizes with Kilo1024. The function name has been
+/// The multipliers are powers of 1000, even in applications that format sizes with Kilo1024. The function name has been
 /// misspelt since the first release; it is kept because applications link against it.
 ZQTUTIL_EXPORT unsigned long long SizeSuffixToMultipler(QString const& suffix);
 
-/// Returns \a bitsPerSecond as text in kilobits per second, for example "192 Kbps". The value is truncated toward zero.
+/// Formats the bit rate \a bitsPerSecond in kilobits per second, for example as "192 Kbps". The value is truncated
+/// toward zero.
 ZQTUTIL_EXPORT QString FormatBitrate(long long bitsPerSecond);
 
-/// Returns \a hertz as text, for example "44100 Hz".
+/// Formats the sample rate \a hertz, for example as "44100 Hz".
 ZQTUTIL_EXPORT QString FormatSampleRate(long long hertz);
 
 /// Splits \a seconds into \a hours, \a minutes (0 to 59) and \a secs (0 to 59).
 ///
-/// \a hours can exceed 24. A number of hours that exceeds the range of `int` (about 245 000 years) is truncated.
+/// \a hours can exceed 24. If the number of hours exceeds the range of `int` (about 245 000 years), \a hours receives a
+/// truncated value.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative. The output parameters are then
 /// unchanged.
 ZQTUTIL_EXPORT void DurationInSecondsToTimeComponents(long seconds, int& hours, int& minutes, int& secs);
 
-/// Returns \a seconds as a time of day. The result is invalid if \a seconds is 86400 (24 hours) or more.
+/// Returns the time of day \a seconds after midnight. The result is invalid if \a seconds is 86400 (24 hours) or more.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QTime DurationInSecondsToQTime(long seconds);
 
-/// Returns \a seconds as a time of day in the format \a format. See QTime::toString() for the formats. Returns an empty
-/// text if \a seconds is 86400 (24 hours) or more.
+/// Formats the time of day \a seconds after midnight with \a format. See QTime::toString() for the formats. Returns an
+/// empty string if \a seconds is 86400 (24 hours) or more.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QString DurationInSecondsToString(long seconds, QString const& format);
 
-/// Returns the duration \a microseconds as text: "S.mmm" below one minute, "M:SS.mmm" below one hour, and "H:MM:SS.mmm"
-/// from one hour. If \a alwaysShowHours is true, the format is always "H:MM:SS.mmm". Negative durations start with "-".
+/// Formats the duration \a microseconds: "S.mmm" below one minute, "M:SS.mmm" below one hour, and "H:MM:SS.mmm" from
+/// one hour. If \a alwaysShowHours is true, the format is always "H:MM:SS.mmm". Negative durations start with "-".
 /// Fractions of a millisecond are dropped.
 ZQTUTIL_EXPORT QString FormatDuration(long long microseconds, bool alwaysShowHours);
 

@@ -55,7 +55,8 @@ public:
 
         label->setWordWrap(true);
         buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-        // The constructor of the dialog replaces this text. It is kept because the translation catalogues contain it.
+        // The constructor of ValidationInputDialog replaces this text. The call is kept because the translation
+        // catalogues contain the text.
         label->setText(QCoreApplication::translate("ValidationInputDialog", "Input string:"));
     }
 

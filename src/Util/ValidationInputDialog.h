@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A dialog for one line of text. The text is checked while the user types.
+/// A dialog in which the user enters one line of text. The text is checked while the user types.
 
 #include <Util/Export.h>
 
@@ -16,7 +16,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// A dialog for one line of text. Two check functions are called when the text changes.
+/// A dialog in which the user enters one line of text. When the text changes, the dialog checks it with up to two
+/// functions.
 ///
 /// \code
 /// ValidationInputDialog dialog(tr("Rename"), tr("New name:"), name, IsFileName, IsNotTaken);
@@ -31,7 +32,7 @@ namespace Util
 /// | passes      | fails        | enabled   | "error"                 | shown                   |
 /// | passes      | passes       | enabled   | "normal"                | hidden                  |
 ///
-/// If the second check fails, this is therefore only a warning: the user can still accept the text.
+/// If only the second check fails, the message is a warning: the user can still accept the text.
 ///
 /// OK is the default button. The Esc key has the same effect as the Cancel button. The parent of the dialog is the
 /// result of SpontaneousDialog::findParent(). GUI thread.
@@ -63,7 +64,7 @@ public:
     ~ValidationInputDialog() override;
 
     /// Returns the text of the field after `QString::simplified()`. Calls the first check again, and returns an empty
-    /// text if this check fails, even after the user has accepted the dialog.
+    /// string if this check fails, even after the user has accepted the dialog.
     QString inputText();
 
 private:

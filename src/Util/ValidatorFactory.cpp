@@ -17,8 +17,8 @@ QValidator* NewValidator(QString const& pattern, QObject* parent)
 
 QValidator* GetEmailValidator(QObject* parent)
 {
-    // "A_Z" looks like a typing error for "A-Z", but it is required. A domain label that is not the last one may begin
-    // with an underscore or with the capital letters A and Z. It may not begin with another capital letter.
+    // "A_Z" in the second line of the pattern looks like a typing error for "A-Z", but it is required. A domain label
+    // before the last label may begin with "A", "Z" or an underscore, but not with any other capital letter.
     return NewValidator(QStringLiteral("[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*"
                                        "@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\\.)+"
                                        "[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?"),

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Conversions between `QString` and `Core::Version`, and the version text for users. These functions may be called on
-/// any thread. They do not throw or log.
+/// Functions that convert between `QString` and `Core::Version`, and that format a version for users. All functions in
+/// this file may be called on any thread. They do not throw exceptions and do not log.
 
 #include <Base/Version.h>
 #include <Util/Export.h>
@@ -14,18 +14,19 @@ namespace Zelkor
 namespace Util
 {
 
-/// Reads a version from \a text: decimal numbers with \a separator between them. See Core::Util::VersionFromString().
+/// Parses a version from \a text, which consists of decimal numbers with \a separator between them. See
+/// Core::Util::VersionFromString().
 ZQTUTIL_EXPORT Core::Version VersionFromString(QString const& text, QString const& separator);
 
-/// Returns the first components of \a version as text, joined by \a separator. \a detail is the maximum number of
+/// Returns a string with the first components of \a version, joined by \a separator. \a detail is the maximum number of
 /// components. See Core::Util::VersionToString().
 ZQTUTIL_EXPORT QString VersionToString(Core::Version const& version, Core::Util::VersionToStringDetail detail,
                                        QString const& separator);
 
-/// Returns the text of \a version for users: major and minor number, for example "3.1".
+/// Formats \a version for users: the major and the minor number, for example "3.1".
 ///
-/// Appends the third component, for example "3.1.2", unless it is 0 or Core::Version::NotGiven. The text never contains
-/// the build number.
+/// Appends the third component, for example "3.1.2", unless this component is 0 or Core::Version::NotGiven. The result
+/// never contains the build number.
 ZQTUTIL_EXPORT QString GenerateApplicationVisibleVersion(Core::Version const& version);
 
 } // namespace Util

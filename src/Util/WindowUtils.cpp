@@ -15,8 +15,8 @@ namespace Zelkor::Util
 namespace
 {
 
-/// Returns the mean of two coordinates. Half pixels are rounded away from zero. qRound() is not suitable: it rounds
-/// negative half pixels up.
+/// Returns the mean of two coordinates. Half pixels are rounded away from zero. qRound() is not suitable, because it
+/// rounds negative half pixels toward zero.
 int RoundedMiddle(int first, int last)
 {
     return static_cast<int>(std::lround((static_cast<double>(first) + last) * 0.5));

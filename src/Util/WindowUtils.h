@@ -22,14 +22,15 @@ namespace Util
 /// the centre of the rectangle that includes the window frame.
 ///
 /// Returns the geometry of the primary screen if no screen contains the centre, or if \a widget is null. Returns a null
-/// rectangle if there is no screen. GUI thread.
+/// `QRect` if there is no screen. GUI thread.
 ZQTUTIL_EXPORT QRect GetCurrentScreenRect(QWidget const* widget);
 
-/// Returns the position of the top left corner at which \a widget is in the centre of the screen of its parent. If
-/// \a widget has no parent, the primary screen is used. See GetCurrentScreenRect(). GUI thread.
+/// Returns the position for the top left corner of \a widget that centres \a widget on the screen of its parent widget.
+/// If \a widget has no parent, the primary screen is used. See GetCurrentScreenRect(). GUI thread.
 ZQTUTIL_EXPORT QPoint GetWidgetPosOnCurrentScreenCenter(QWidget const& widget);
 
-/// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`. GUI thread; runs a nested event loop.
+/// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`, which runs a nested event loop. GUI
+/// thread.
 ///
 /// \param dialog  the dialog to show; the caller keeps ownership
 /// \param parent  any widget of the window in which the dialog is centred. If \a parent is null, the parent of

@@ -13,18 +13,22 @@ namespace Zelkor
 namespace Util
 {
 
-/// Receives the clicks on the items of a SimpleModel. SimpleModel::setData() registers observers. The pointer type is a
-/// Qt meta-type, because the pointer is passed in a `QVariant`.
+/// Interface for objects that are notified of clicks on the items of a SimpleModel.
+///
+/// Register an observer with SimpleModel::setData(). This function receives the observer as an `ISimpleModelObserver*`
+/// in a `QVariant`. Therefore, the pointer type is declared as a Qt meta-type.
 class ZQTUTIL_EXPORT ISimpleModelObserver
 {
 public:
-    /// Does not unregister the observer. Use SimpleModel::UnregisterObserver before the observer is destroyed.
+    /// Does not unregister the observer. Before you destroy an observer, unregister it with the role
+    /// SimpleModel::UnregisterObserver.
     virtual ~ISimpleModelObserver();
 
-    /// Called when the item with the identifier \a uid is clicked, on the thread that calls SimpleModel::setData().
+    /// Called when the user clicks the item with the identifier \a uid. The model calls this function on the thread on
+    /// which SimpleModel::setData() is called.
     ///
-    /// The callback can register and unregister observers, including itself. The change takes effect from the next
-    /// click. The callback must not delete the model, but it can call `deleteLater()`.
+    /// This function may register and unregister observers, including the observer itself. Such a change takes effect
+    /// from the next click. This function must not delete the model, but it may call `deleteLater()` of the model.
     virtual void OnItemClicked(QString const& uid) = 0;
 };
 

@@ -9,11 +9,11 @@
 
 // Design notes
 //
-// Observers are registered through setData(). QML code can therefore use the model without additional invokable
-// functions.
+// setData() is used to report clicks and to register observers. Therefore, QML code and observers need only the
+// interface of QAbstractItemModel, and the model has no additional invokable functions.
 //
-// The items never change, so the model emits no change signals. Before a click is reported, the list of observers is
-// copied. An observer can therefore register and unregister observers during a click.
+// The items never change, so the model emits no change signals. setData() copies the list of observers before it
+// reports a click. Therefore, an observer can register and unregister observers while it handles a click.
 
 namespace Zelkor::Util
 {
@@ -21,7 +21,7 @@ namespace Zelkor::Util
 namespace
 {
 
-/// Returns the URL of the icon of \a uid. Each underscore in \a uid becomes a folder separator.
+/// Returns the URL of the icon of the item \a uid. Each underscore in \a uid becomes a "/" in the URL.
 QString IconPathOf(QString const& uid)
 {
     static constexpr QStringView before(u"qrc:/icons/");
@@ -70,7 +70,7 @@ int SimpleModel::rowCount(QModelIndex const& parent) const
 
 QVariant SimpleModel::data(QModelIndex const& index, int role) const
 {
-    // The row is deliberately not checked: views only request rows below rowCount().
+    // The row is deliberately not checked, because views request only rows that exist.
     if (role == Uid) {
         return impl_->uids.at(index.row());
     }
@@ -89,7 +89,8 @@ bool SimpleModel::setData(QModelIndex const& index, QVariant const& value, int r
         if (role != Click) {
             return false;
         }
-        // The index can belong to a proxy model of this model. Therefore, the model of the index must return the uid.
+        // The index can belong to a proxy model, whose rows can differ from the rows of this model. Therefore, read the
+        // uid with index.data() and not from impl_->uids.
         QString const uid = index.data(Uid).toString();
         impl_->PerformForEachEventHandler([&uid](ISimpleModelObserver* observer) { observer->OnItemClicked(uid); });
         return true;

@@ -23,8 +23,8 @@ namespace Util
 {
 
 /// A list model with fixed items for views and QML. Each item has an identifier (uid), a title that the application
-/// supplies, and an icon path that is derived from the uid. Views write clicks to the model, which notifies its
-/// observers.
+/// supplies, and an icon path that is derived from the uid. A view calls setData() to report a click, and the model
+/// then notifies its observers.
 ///
 /// \code
 /// QStringList const uids{QStringLiteral("video_trim"), QStringLiteral("audio")};
@@ -46,12 +46,13 @@ class ZQTUTIL_EXPORT SimpleModel : public QAbstractListModel
     Q_OBJECT
 
 public:
-    /// The roles for data(), which are marked "read", and for setData(), which are marked "write".
+    /// The roles of the items. data() supports the roles marked "read", and setData() supports the roles marked
+    /// "write".
     enum Role {
-        Uid = Qt::UserRole + 1, ///< read: the uid
-        Title,                  ///< read: the result of the title getter for the uid
+        Uid = Qt::UserRole + 1, ///< read: the identifier (uid) of the item
+        Title,                  ///< read: the title that the title getter returns for the uid of the item
         IconPath,               ///< read: the icon URL; "qrc:/icons/video/trim.png" for the uid "video_trim"
-        Click,                  ///< write with a valid index: reports a click; the value is ignored
+        Click,                  ///< write with a valid index: reports a click on the item; the value is ignored
         RegisterObserver,       ///< write with an invalid index: registers the `ISimpleModelObserver*` in the value
         UnregisterObserver      ///< write with an invalid index: unregisters the `ISimpleModelObserver*` in the value
     };
@@ -70,7 +71,7 @@ public:
 
     ~SimpleModel() override;
 
-    /// Returns the number of items, or 0 if \a parent is a valid index.
+    /// Returns the number of items. Returns 0 if \a parent is a valid index, because items have no children.
     int rowCount(QModelIndex const& parent = QModelIndex()) const override;
 
     /// Returns the data of an item. Throws `std::bad_function_call` for Title if the title getter is empty.
@@ -81,17 +82,21 @@ public:
 
     /// Reports a click, or registers or unregisters an observer. Emits no change signal.
     ///
-    /// With a valid \a index, Click calls ISimpleModelObserver::OnItemClicked() of every observer, in the order of
-    /// registration. With an invalid \a index, RegisterObserver and UnregisterObserver use the observer in \a value. An
-    /// observer that is null, already registered or not registered is ignored.
+    /// The role Click requires a valid \a index. It calls ISimpleModelObserver::OnItemClicked() of every observer, in
+    /// the order of registration.
+    ///
+    /// The roles RegisterObserver and UnregisterObserver require an invalid \a index. They register or unregister the
+    /// observer in \a value. Nothing happens if the observer is null, if an observer to register is already registered,
+    /// or if an observer to unregister is not registered.
     ///
     /// \param index  for Click: the clicked item; for RegisterObserver and UnregisterObserver: an invalid index
     /// \param value  the observer as an `ISimpleModelObserver*`; ignored for Click
     /// \param role   Click, RegisterObserver or UnregisterObserver
-    /// \returns false if \a role cannot be used with \a index; otherwise true, even if the observer is ignored
+    /// \returns false if \a role cannot be used with \a index; otherwise true, even if nothing happens
     bool setData(QModelIndex const& index, QVariant const& value, int role = Qt::EditRole) override;
 
-    /// Returns the role names for QML: "Uid", "Title", "IconPath" and "Click". Qt's standard roles have no names.
+    /// Returns the role names for QML: "Uid", "Title", "IconPath" and "Click". The other roles cannot be used in QML by
+    /// name.
     QHash<int, QByteArray> roleNames() const override;
 
 private:
