@@ -1,5 +1,5 @@
-# The public headers, with the paths that applications use to include them. The installation, the test that each header
-# compiles alone, and the reference documentation use this list.
+# The public headers. Applications use these paths in #include directives. This list determines which headers are
+# installed, tested to compile alone, and described in the reference documentation.
 set(ZQTUTIL_PUBLIC_HEADERS
     Base/AddStack.h
     Base/CallStack.h

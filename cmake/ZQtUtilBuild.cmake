@@ -30,8 +30,9 @@ endif()
 
 # zqtutil_target(<target> [PREFIX <folder>])
 #
-# Enables warnings and Qt's strict mode for <target>. Makes __FILE__ relative to <folder>, so that log messages do not
-# contain paths of the build machine. <folder> defaults to the root of the source tree.
+# Enables compiler warnings for <target>, and disables error-prone and deprecated parts of Qt's API. Makes __FILE__
+# relative to <folder>, so that log messages do not contain paths of the build machine. <folder> defaults to the root of
+# the source tree.
 function(zqtutil_target target)
     cmake_parse_arguments(arg "" "PREFIX" "" ${ARGN})
     if(NOT arg_PREFIX)
@@ -60,7 +61,7 @@ endfunction()
 
 # zqtutil_precompile(<target> <header>...)
 #
-# Precompiles the headers for <target> if ZQTUTIL_PCH is on.
+# Precompiles the headers for <target> if the option ZQTUTIL_PCH is on.
 function(zqtutil_precompile target)
     if(ZQTUTIL_PCH)
         target_precompile_headers(${target} PRIVATE ${ARGN})

@@ -1,12 +1,13 @@
-# Installs the library, and generates the CMake and pkg-config files for applications and the packages.
+# Defines the installation of the library. Generates the CMake and pkg-config files that applications use to find the
+# library. Configures CPack, which creates the packages.
 
 include(CMakePackageConfigHelpers)
 
 set(ZQTUTIL_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ZQtUtil")
 set(ZQTUTIL_HEADER_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ZQtUtil")
 
-# Stores the folder where Qt keeps its QML modules in <result>, relative to Qt's installation prefix. If the library is
-# installed with the same prefix as Qt, every QML program finds the library's QML module without an import path.
+# Sets the variable <result> to the folder of Qt's QML modules, relative to Qt's installation prefix. If the library is
+# installed with the same prefix as Qt, QML programs find the library's QML module without an additional import path.
 function(zqtutil_qml_dir_of_qt result)
     get_target_property(qmake Qt5::qmake IMPORTED_LOCATION)
     foreach(name IN ITEMS QT_INSTALL_PREFIX QT_INSTALL_QML)
@@ -41,7 +42,7 @@ foreach(header IN LISTS ZQTUTIL_GENERATED_HEADERS)
     install(FILES "${PROJECT_BINARY_DIR}/include/${header}" DESTINATION "${ZQTUTIL_HEADER_DIR}/${folder}")
 endforeach()
 
-# The run path is relative, so that the QML plugin still finds the library if the installed tree is moved.
+# The run path of the QML plugin is relative, so that the plugin still finds the library if the installed tree is moved.
 file(RELATIVE_PATH libraries_from_module "/${ZQTUTIL_QML_MODULE_DIR}" "/${CMAKE_INSTALL_LIBDIR}")
 set(origin "$ORIGIN")
 if(APPLE)
@@ -61,7 +62,8 @@ install(FILES
     "${PROJECT_BINARY_DIR}/ZQtUtilConfigVersion.cmake"
     DESTINATION ${ZQTUTIL_CMAKE_DIR})
 
-# The prefix is relative, so that the pkg-config file stays valid if the installed tree is moved.
+# The prefix in the pkg-config file is relative to this file, so that the file stays valid if the installed tree is
+# moved.
 file(RELATIVE_PATH ZQTUTIL_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/zqtutil.pc.in "${PROJECT_BINARY_DIR}/zqtutil.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zqtutil.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -33,11 +33,11 @@ public:
 
 /// A policy for EventHandlerList that calls each handler immediately, on the thread that publishes the event.
 ///
-/// Any type with an `Execute` function of the same form can be a policy. A policy may also store the calls and make
-/// them later.
+/// Any type with an `Execute` function that can be called in the same way can be a policy. For example, a policy can
+/// store the calls and execute them later.
 struct SyncExecutePolicy
 {
-    /// Calls \a call without arguments.
+    /// Invokes the function object \a call without arguments.
     template <class Call>
     static void Execute(Call&& call)
     {
@@ -57,15 +57,16 @@ struct SyncExecutePolicy
 /// };
 /// \endcode
 ///
-/// A call of PerformForEachEventHandler() is called a publication.
+/// In this documentation, "publication" means a call of PerformForEachEventHandler().
 ///
 /// **Threads.** All functions are thread-safe. Publications on different threads do not overlap: the second publication
-/// waits until the first has finished. A publication that a handler starts on its own thread does not wait. The list is
-/// not locked while handlers are called, so other threads can register and unregister handlers.
+/// waits until the first has finished. If a handler starts another publication on the same thread, this publication
+/// does not wait. The list is not locked while handlers are called, so other threads can register and unregister
+/// handlers.
 ///
-/// **Changes during a publication.** A publication copies the list before it waits or calls handlers. If a handler is
-/// unregistered later, the publication still calls this handler. The handler and the list must therefore exist until
-/// all publications that are running or waiting have finished.
+/// **Changes during a publication.** A publication first copies the list, then waits if necessary, then calls the
+/// handlers. If a handler is unregistered after the list was copied, the publication still calls this handler. The
+/// handler and the list must therefore exist until all publications that are running or waiting have finished.
 ///
 /// \tparam T       the type of the handlers
 /// \tparam Policy  determines how a handler is called; SyncExecutePolicy calls the handler immediately
@@ -73,7 +74,7 @@ template <class T, class Policy>
 class EventHandlerList : public virtual EventPublisher<T>
 {
 public:
-    /// Appends \a handler. Ignores null and a handler that is already registered.
+    /// Appends \a handler. Does nothing if \a handler is null or already registered.
     void RegisterEventHandler(T* handler) override
     {
         if (!handler) {
@@ -85,7 +86,7 @@ public:
         }
     }
 
-    /// Removes \a handler. Ignores null and a handler that is not registered.
+    /// Removes \a handler. Does nothing if \a handler is null or not registered.
     void UnregisterEventHandler(T* handler) override
     {
         if (!handler) {
@@ -113,7 +114,8 @@ public:
     }
 
 private:
-    // Each publication copies the list of handlers. Up to this number of handlers, the copy needs no heap allocation.
+    // PerformForEachEventHandler() copies the list of handlers. The copy needs no heap allocation if the list contains
+    // at most this number of handlers.
     static constexpr std::size_t HandlersOnStack = 32;
     using Handlers = boost::container::small_vector<T*, HandlersOnStack>;
 

@@ -13,7 +13,7 @@ namespace App
 {
 
 /// Opens links for the library's dialogs. Applications implement this interface, for example to warn the user before a
-/// link is opened, or to show the link in their own browser.
+/// link is opened, or to open the link in a built-in browser.
 class ZQTUTIL_EXPORT ILinksOpener
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     /// Opens \a link. The library calls this function on the GUI thread.
     ///
-    /// \param link  the link, exactly as the text of the dialog contains it
+    /// \param link  the target of the link, exactly as it is written in the text of the dialog
     virtual void OpenLink(QString const& link) = 0;
 };
 

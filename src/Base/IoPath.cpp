@@ -20,8 +20,8 @@ char const* RequireNotNull(char const* utf8)
     return utf8;
 }
 
-// System calls read a path only up to its first NUL byte. If a path contains a NUL byte, they would therefore act on a
-// different file.
+// Returns true if \a path contains a NUL byte. Callers reject this path: system calls read a path only up to its first
+// NUL byte, so they would access a different file.
 bool ContainsNul(ioPath const& path)
 {
     return path.native().find(ioPath::value_type()) != ioPath::string_type::npos;
@@ -64,7 +64,8 @@ bool ioPath::remove() const
             "The path holds a NUL byte", *this,
             boost::system::errc::make_error_code(boost::system::errc::invalid_argument)));
     }
-    // If the path is a link to a folder followed by a slash, Boost returns true without removing anything.
+    // If the path ends with a slash and is a link to a folder, boost::filesystem::remove() returns true without
+    // removing anything. Therefore, check that the path no longer exists.
     boost::system::error_code error;
     return boost::filesystem::remove(*this) && !exists(boost::filesystem::symlink_status(*this, error));
 }

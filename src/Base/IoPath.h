@@ -54,8 +54,8 @@ namespace Core
 
 /// Returns true if a file, a folder or another type of file system entry exists at \a path.
 ///
-/// Symbolic links are followed. Returns false for a dangling link, for a link loop, if access to a parent folder is
-/// denied, and if \a path contains a NUL byte.
+/// Symbolic links are followed. Returns false if \a path is a dangling link or leads to a loop of links, if access to a
+/// parent folder is denied, or if \a path contains a NUL byte.
 ///
 /// May be called on any thread. Does not throw or log.
 ZQTUTIL_EXPORT bool FileExists(ioPath const& path);

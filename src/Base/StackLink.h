@@ -1,18 +1,20 @@
 #pragma once
 
-// Private to the library. Records the nested calls of one function on a thread, so that other code can find them.
+// Private to the library. Records the nested calls of a function on one thread, so that other code can find the running
+// calls.
 
 #include <utility>
 
 namespace Zelkor
 {
 
-/// Base class of \a T. Links the objects of type \a T on one thread's stack into a chain. The chain begins with the
-/// object that was created last, the innermost one.
+/// Base class for a type \a T: `struct T : StackLink<T>`. Links the objects of type \a T on the stack of one thread
+/// into a chain. The chain begins with the innermost object, which was created last.
 ///
 /// Use this class in a function that calls foreign code, for example a callback. The foreign code can call the function
-/// again, and it can destroy objects that the function still uses. Each call of the function creates a \a T on the
-/// stack. A nested call or a destructor can then find the running calls through the chain and adjust their \a T.
+/// again, and can destroy objects that the function still uses. Each call of the function creates an object of type
+/// \a T on the stack. A nested call, or the destructor of an object that is still used, can then find the objects of
+/// all running calls through the chain and modify them.
 template <class T>
 class StackLink
 {
@@ -20,16 +22,17 @@ public:
     StackLink(StackLink const&) = delete;
     StackLink& operator=(StackLink const&) = delete;
 
-    /// Returns the next outer object of the chain, or null.
+    /// Returns the next object of the chain, which was created before this object. Returns null if this object is the
+    /// outermost object.
     T* Outer() const { return outer_; }
 
-    /// Prevents the destructor from writing to the pointer to the innermost object. Must be called if that pointer is
-    /// destroyed before this object.
+    /// Prevents the destructor from writing to the pointer that was passed to the constructor. Must be called if that
+    /// pointer is destroyed before this object.
     void Detach() { innermost_ = nullptr; }
 
 protected:
-    /// Adds this object to a chain. \a innermost is the pointer to the innermost object of the chain; it must exist
-    /// until this object is destroyed or Detach() is called.
+    /// Adds this object to a chain. \a innermost is the pointer to the innermost object of the chain; the constructor
+    /// sets it to this object. The pointer must exist until this object is destroyed or Detach() is called.
     explicit StackLink(T*& innermost)
         : innermost_(&innermost)
         , outer_(std::exchange(innermost, static_cast<T*>(this)))

@@ -12,7 +12,8 @@
 #include <boost/current_function.hpp>
 #include <boost/throw_exception.hpp>
 
-// BOOST_CURRENT_LOCATION is not used, because newer releases of Boost omit the signature from it.
+// BOOST_CURRENT_LOCATION is not used, because in newer releases of Boost it does not contain the signature of the
+// function.
 #define ZELKOR_THROW(exception)                                                                                        \
     ::boost::throw_exception(::Zelkor::AddStack(exception),                                                            \
                              ::boost::source_location(__FILE__, __LINE__, BOOST_CURRENT_FUNCTION))

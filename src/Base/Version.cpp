@@ -17,8 +17,8 @@ Components ComponentsOf(Version const& version)
     return {version.GetMajor(), version.GetMinor(), version.GetThird(), version.GetBuild()};
 }
 
-// Returns the components of a version, each increased by one. NotGiven (all bits set) wraps to 0. It therefore orders
-// below a component that is 0, which becomes 1.
+// Returns the components of \a version, each incremented by one, for comparisons. NotGiven (all bits set) becomes 0 and
+// the component 0 becomes 1. In a comparison, NotGiven is therefore less than every other component.
 Components Ranks(Version const& version)
 {
     Components ranks = ComponentsOf(version);

@@ -15,7 +15,8 @@ namespace Core
 
 /// A version of four components: major, minor, third (patch) and build number. It is a plain value type.
 ///
-/// A missing component is stored as 0 or as #NotGiven. #NotGiven orders below every other value, including 0.
+/// A missing component is stored as 0 or as #NotGiven. In comparisons, #NotGiven is less than every other value,
+/// including 0.
 class ZQTUTIL_EXPORT Version
 {
 public:
@@ -57,7 +58,7 @@ ZQTUTIL_EXPORT bool operator>=(Version const& left, Version const& right);
 namespace Util
 {
 
-/// The number of components in the text of a version.
+/// The maximum number of components that VersionToString() writes.
 enum class VersionToStringDetail : int { Major = 1, MajorMinor = 2, MajorMinorThird = 3, Full = 4 };
 
 /// Reads a version from \a text: decimal numbers with separators between them, major number first.
@@ -77,7 +78,8 @@ ZQTUTIL_EXPORT Version VersionFromString(std::string const& text, std::string co
 /// May be called on any thread. Does not throw or log.
 ///
 /// \param version    the version to convert
-/// \param detail     the maximum number of components; the text ends before the first Version::NotGiven
+/// \param detail     the maximum number of components; the first component that is Version::NotGiven and all components
+///                   after it are omitted
 /// \param separator  the text between two components
 ZQTUTIL_EXPORT std::string VersionToString(Version const& version, VersionToStringDetail detail,
                                            std::string const& separator);

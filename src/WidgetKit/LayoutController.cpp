@@ -44,8 +44,9 @@ bool LayoutController::eventFilter(QObject* watched, QEvent* event)
 
 void LayoutController::Invalidate()
 {
-    // invalidate() makes Qt read the margins and spacings that are not set explicitly from the style again. Qt combines
-    // the layout requests of one event loop iteration, so several calls cause only one layout pass.
+    // Margins and spacings that are not set explicitly come from the style. After invalidate(), Qt reads them from the
+    // style again. Qt combines the layout requests of one event loop iteration, so several calls of invalidate() cause
+    // only one layout pass.
     if (QLayout* const layout = container_->layout()) {
         layout->invalidate();
     }

@@ -49,7 +49,8 @@ private:
 
 } // namespace LayoutHelpers
 
-/// A plain frame for a part of a dialog. Style sheets can select it by its class name.
+/// A frame for a part of a dialog. It is a separate class, so that style sheets can select these frames by the class
+/// name.
 class ZQTUTIL_EXPORT MFrame : public QFrame
 {
     Q_OBJECT

@@ -28,13 +28,13 @@ ZQTUTIL_EXPORT void applyStyleHint(QWidget* widget, QString const& hint);
 
 /// Applies the style and the style sheet to \a widget again, but not to its children.
 ///
-/// Call this function after a change of a property that a style sheet selector uses: Qt evaluates such selectors only
-/// when a widget is polished. A null \a widget is ignored.
+/// Call this function after a change of a property that a style sheet selector uses: Qt evaluates property selectors
+/// only when it polishes a widget. A null \a widget is ignored.
 ZQTUTIL_EXPORT void repolishWidget(QWidget* widget);
 
-/// Creates a plain widget that reserves space in a layout.
+/// Creates an empty widget that reserves space in a layout.
 ///
-/// The widget has no default size: the caller sets its size. It is transparent for mouse events.
+/// The widget has no default size, so the caller must set its size. The widget is transparent for mouse events.
 ///
 /// \param parent  the owner of the widget; if null, the caller owns it
 /// \param name    the object name, for style sheets

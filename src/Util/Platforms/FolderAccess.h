@@ -9,8 +9,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns true if the permission bits of \a folder let this process create files in it. See CanCreateFileIn() for the
-/// rule.
+/// Returns true if the permission bits of \a folder let this process create files in \a folder. The documentation of
+/// CanCreateFileIn() describes the exact rule.
 bool MayCreateFileIn(QString const& folder);
 
 /// Returns true if \a path is a folder that the effective user owns. Returns false if \a path is a link to a folder.

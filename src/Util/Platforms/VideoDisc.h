@@ -12,19 +12,19 @@
 namespace Zelkor::Util
 {
 
-/// Returns the absolute paths of the video DVDs in \a volumes, a folder of mounted volumes. The result is in the order
-/// in which the system lists the folder \a volumes.
+/// Returns the absolute paths of the mounted video DVDs. \a volumes is the folder that contains the mounted volumes.
+/// The result has the order in which the system lists this folder.
 std::vector<ioPath> VideoDiscsIn(QString const& volumes);
 
-/// Returns the label of the folder \a name. See DVDLabel() for the rule.
+/// Returns the label of the DVD folder \a name. The documentation of DVDLabel() describes the rule.
 ///
 /// \param name        the name of the folder
 /// \param siblings    the names of all entries of the parent folder, including \a name
 /// \param parentName  the name of the parent folder
 QString VideoDiscLabel(QString const& name, QStringList const& siblings, QString const& parentName);
 
-/// Returns the label of the folder \a path. See DVDLabel() for the rule. A parent folder that cannot be read counts as
-/// empty.
+/// Returns the label of the DVD folder \a path. The documentation of DVDLabel() describes the rule. A parent folder
+/// that cannot be read is treated as an empty folder.
 QString VideoDiscLabel(QString const& path);
 
 } // namespace Zelkor::Util

@@ -8,8 +8,8 @@ namespace Zelkor::Core
 
 Version GetSystemVersion()
 {
-    // Qt returns VERSION_ID of os-release(5), or "unknown" if VERSION_ID is missing. VersionFromString() converts
-    // "unknown" to 0.0.
+    // QSysInfo::productVersion() returns the value of VERSION_ID in os-release(5), or "unknown" if VERSION_ID is
+    // missing. VersionFromString() converts "unknown" to 0.0.
     return Util::VersionFromString(QSysInfo::productVersion().toStdString(), ".");
 }
 

@@ -21,9 +21,9 @@ namespace Zelkor::Util
 namespace
 {
 
-// Returns the file URI of a path. The bytes of the path are percent-encoded (RFC 3986, 2.1) without a conversion to
-// Unicode, because they need not be valid UTF-8. If the current folder no longer exists, a relative path is not made
-// absolute.
+// Returns the file URI of \a path. The bytes of the path are percent-encoded (RFC 3986, section 2.1) without a
+// conversion to Unicode, because a path may contain bytes that are not valid UTF-8. A relative path is resolved against
+// the current folder; if the current folder no longer exists, the path stays relative.
 QString FileUri(ioPath const& path)
 {
     boost::system::error_code error;
@@ -40,7 +40,8 @@ bool OpenFolder(ioPath const& folder)
     return isOpen;
 }
 
-// https://www.freedesktop.org/wiki/Specifications/file-manager-interface/
+// Returns the D-Bus call that makes the file manager show \a files, or \a folder if \a files is empty. The interface is
+// described at https://www.freedesktop.org/wiki/Specifications/file-manager-interface/
 QDBusMessage FileManagerCall(ioPath const& folder, std::vector<ioPath> const& files)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(

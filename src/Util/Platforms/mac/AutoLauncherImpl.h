@@ -7,11 +7,13 @@
 namespace Zelkor::Util
 {
 
-/// Combines login items and launch agents. Each function uses the login items first. IsInStartup(), AddToStartup() and
-/// RemoveFromStartup() use the launch agents only if the function of LoginItemStartupImpl has returned false.
+/// Combines login items and launch agents. IsInStartup(), AddToStartup() and RemoveFromStartup() first use the login
+/// items. They use the launch agents only if the call for the login items has returned false. GetStartupApplications()
+/// returns the login items, followed by the launch agents.
 ///
-/// The list of login items and the list of launch agents are refreshed before each query and after each successful
-/// change. AddToStartup() and RemoveFromStartup() use the cached lists.
+/// The login items and the launch agents are cached in two lists. IsInStartup() and GetStartupApplications() refresh
+/// the lists before they use them. AddToStartup() and RemoveFromStartup() use the lists without refreshing them first,
+/// and refresh them after a successful change.
 class AutoLauncherImpl : public virtual IAutoLauncher
 {
 public:

@@ -10,7 +10,7 @@ namespace Zelkor::Util
 namespace
 {
 
-// Returns nil if the path is not valid UTF-8.
+// Returns the file URL of \a path, or nil if \a path is not valid UTF-8.
 NSURL* FileUrl(ioPath const& path)
 {
     NSString* const text = [NSString stringWithUTF8String:path.utf8string().c_str()];

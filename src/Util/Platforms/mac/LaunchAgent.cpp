@@ -18,8 +18,8 @@ QString LaunchAgentFileName(QString const& identifier)
     if (parts.size() != IdentifierParts) {
         return {};
     }
-    // Required, because launch agents that are already installed have names of this form: there is no dot between
-    // product and version, and the version is not converted to lower case.
+    // The name must have this form, because launch agents with such names are already installed: there is no dot
+    // between the product and the major version, and the major version is not converted to lower case.
     QString const majorVersion = parts[2].section(QLatin1Char('.'), 0, 0);
     return QLatin1String("com.") + parts[0].toLower() + QLatin1Char('.') + parts[1].toLower() + majorVersion +
            QLatin1Char('.') + parts[3].toLower() + QLatin1String(".startup.plist");
@@ -27,8 +27,8 @@ QString LaunchAgentFileName(QString const& identifier)
 
 QRegularExpression LoadedJobPattern(QString const& label)
 {
-    // Required: the label is not escaped, so its dots match any character. The pattern also matches longer labels that
-    // end with this label.
+    // Required behaviour: the label is not escaped, so each dot in the label matches any character. The beginning of
+    // the label is not anchored, so the pattern also matches longer labels that end with this label.
     return QRegularExpression(label + QLatin1String("(\n|$)"));
 }
 
@@ -36,8 +36,8 @@ QString BundlePathOf(QString const& executablePath)
 {
     static QRegularExpression const insideBundle(QStringLiteral("/Contents.*"));
     QString path = executablePath;
-    // Required: if the path does not contain "/Contents", lastIndexOf() returns -1. QString::remove() counts a negative
-    // position from the end, so the last character of the path is removed.
+    // Required behaviour: if the path does not contain "/Contents", lastIndexOf() returns -1. QString::remove() counts
+    // a negative position from the end, so the last character of the path is removed.
     return path.remove(path.lastIndexOf(insideBundle), path.size() + 1);
 }
 

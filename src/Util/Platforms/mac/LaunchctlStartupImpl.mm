@@ -1,6 +1,6 @@
 // Queries must return the current state, so "launchctl list" runs synchronously and its output is read to the end. If
-// launchctl cannot be run, NSTask raises an NSException, and the list of jobs is treated as empty. Objective-C objects
-// are released manually, inside an autorelease pool.
+// launchctl cannot be run, NSTask raises an NSException, and the list of jobs is treated as empty. Automatic reference
+// counting is off, so an autorelease pool releases the Objective-C objects.
 //
 // "launchctl load" and "launchctl unload" run detached, because they can take a long time and their results are not
 // used.
@@ -30,8 +30,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// The line numbers that two log records contain. They have been fixed since the first release, because the support team
-// searches logs for these line numbers.
+// The source line numbers that two log records contain. They are constants, because the support team searches logs for
+// the line numbers of the first release.
 constexpr int ListingFailedLine = 63;
 constexpr int InvalidIdentifierLine = 120;
 
@@ -74,7 +74,8 @@ void WriteAgent(QString const& path, QString const& label, QStringList const& co
     plist.sync();
 }
 
-// Required: launchctl is found through PATH here, although GetAppsFromLaunchctl() uses an absolute path.
+// Required behaviour: this function finds launchctl through PATH, although GetAppsFromLaunchctl() uses an absolute
+// path.
 bool StartLaunchctl(QString const& verb, QString const& path)
 {
     return QProcess::startDetached(QStringLiteral("launchctl"), {verb, QStringLiteral("-w"), path});

@@ -10,10 +10,10 @@ namespace
 
 constexpr int LeastBundleIdentifierParts = 3;
 constexpr int VersionDots = 2;
-// The parts of a login item's path inside the main bundle: "Contents", "Library", "LoginItems", the login item, and the
-// empty part after the last slash.
+// MainBundlePathOf() removes five parts from the end of a login item's path: "Contents", "Library", "LoginItems", the
+// login item's bundle, and the empty string after the last slash.
 constexpr int PartsInsideMainBundle = 5;
-constexpr int HelperPart = 3;
+constexpr int HelperPart = 3; // the index of the helper's product name in an application identifier
 
 } // namespace
 
@@ -25,15 +25,15 @@ QString BundleIdentifierPart(QString const& bundleIdentifier, int index)
 
 QString CompletedBundleVersion(QString const& version)
 {
-    // Required: ".0" is appended only once, so "5" becomes "5.0", not "5.0.0".
+    // Required behaviour: ".0" is appended only once, so "5" becomes "5.0", not "5.0.0".
     return version.count(QLatin1Char('.')) < VersionDots ? version + QLatin1String(".0") : version;
 }
 
 QString ProductWithoutMajorVersion(QString const& product, QString const& version)
 {
     QString const majorVersion = version.section(QLatin1Char('.'), 0, 0);
-    // Required: all occurrences of the major version are removed, not only the last one. Existing identifiers were
-    // built in this way.
+    // Required behaviour: all occurrences of the major version are removed, not only the last one. Existing identifiers
+    // were built in this way.
     return product.endsWith(majorVersion) ? QString(product).remove(majorVersion) : product;
 }
 

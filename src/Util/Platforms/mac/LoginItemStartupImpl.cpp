@@ -1,6 +1,7 @@
-// A login item does not store the identifier of its application. The identifier is rebuilt from the properties of two
-// bundles: the vendor from the helper bundle, the product and the version from the main bundle, and the product from
-// the helper bundle. The result has the same four parts as the identifiers of launch agents.
+// A login item does not store the identifier of its application. IdentifierOf() rebuilds the identifier from two
+// bundles: the bundle of the helper application (the login item), and the bundle of the main application. The vendor is
+// from the helper's bundle. The product name and the version are from the main bundle. The product name of the helper
+// is from the helper's bundle. The result has the same four parts as the identifiers of launch agents.
 //
 // CoreFoundationOwner owns the Core Foundation objects, so that they are released on every code path. The functions in
 // LoginItem.cpp compute names and paths. They are in a separate file, so that they can be tested without a Mac.
@@ -31,7 +32,8 @@ using Bundle = CoreFoundationOwner<CFBundleRef>;
 using LoginItems = CoreFoundationOwner<LSSharedFileListRef>;
 using Url = CoreFoundationOwner<CFURLRef>;
 
-/// A property of a bundle. The values of Maker and Product are the indexes of these parts in the bundle identifier.
+/// A property of a bundle. The enumerators Maker and Product are also the indexes of the vendor and of the product name
+/// in the dot-separated bundle identifier.
 enum InfoParameter { Maker = 1, Product = 2, BundleVersion = 3 };
 
 QString GetQStringFromCFURL(CFURLRef url)
@@ -92,8 +94,8 @@ Url Resolve(LSSharedFileListItemRef item)
     return status == noErr ? std::move(resolved) : Url();
 }
 
-/// Calls \a visit for each item in \a items, in order, until \a visit returns true. The arguments are the item and its
-/// URL. Skips items whose URL cannot be resolved.
+/// Calls visit(item, URL of the item) for each item in \a items, in the order of the list, until \a visit returns true.
+/// Skips items whose URL cannot be resolved.
 template <class Visit>
 void VisitItems(LoginItems const& items, Visit const& visit)
 {
@@ -128,8 +130,8 @@ QString IdentifierOf(Url const& url, QString const& maker)
     return QStringList{maker, product, version, GetBundleInfo(item, Product)}.join(QLatin1Char('_'));
 }
 
-/// Searches the main bundle for the helper whose bundle identifier contains \a product as its third part. Returns the
-/// helper's path, which ends with "/", or an empty text if the main bundle does not contain this helper.
+/// Searches the main bundle for the helper application whose bundle identifier has \a product as its third part.
+/// Returns the helper's path, which ends with "/", or an empty string if the main bundle does not contain this helper.
 QString HelperPath(QString const& product)
 {
     CFBundleRef const bundle = CFBundleGetMainBundle(); // not released: "Get" does not transfer ownership

@@ -1,6 +1,7 @@
 #pragma once
 
-// Starts applications at login through login items: helper applications inside the bundle of the main application.
+// Starts applications at login through login items. A login item is a helper application inside the bundle of the main
+// application.
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -13,8 +14,8 @@ namespace Zelkor::Util
 /// Adds, finds and removes the login items of one vendor's applications.
 ///
 /// The object caches a list of the identifiers and paths of the login items. Only UpdateStartupItems() refreshes this
-/// list. The functions do not log or throw: they skip login items that cannot be read, and return false on failure. Use
-/// an object on one thread at a time.
+/// list. The functions do not log or throw: they skip login items that cannot be read, and return false on failure. Do
+/// not use an object on several threads at the same time.
 class LoginItemStartupImpl
 {
 public:
@@ -25,23 +26,24 @@ public:
     LoginItemStartupImpl(LoginItemStartupImpl const&) = delete;
     LoginItemStartupImpl& operator=(LoginItemStartupImpl const&) = delete;
 
-    /// Reads the list of login items of the user's session. The list contains only login items whose bundle identifier
-    /// has \a maker as its second part.
+    /// Replaces the cached list with the login items of the user's session whose bundle identifier has \a maker as its
+    /// second part, the vendor.
     void UpdateStartupItems(QString const& maker);
 
-    /// Returns true if the cached list contains the login item \a identifier.
+    /// Returns true if the cached list contains a login item for the application \a identifier.
     bool IsInStartup(QString const& identifier) const;
 
     /// Returns the identifiers in the cached list, in alphabetical order.
     QStringList GetItemsAtStartup() const;
 
-    /// Adds the helper for \a identifier in the main bundle to the login items.
+    /// Adds the helper application that belongs to \a identifier to the login items. The helper must be inside the
+    /// bundle of the running application, the main bundle.
     ///
     /// \return true if the helper was added, or if the cached list already contains \a identifier; false if the main
     ///         bundle does not contain the helper, or if the system reports an error
     bool AddToLoginItems(QString const& identifier) const;
 
-    /// Removes the login item \a identifier.
+    /// Removes the login item of the application \a identifier.
     ///
     /// \return true if the login item was removed; false if the cached list does not contain the login item, or if the
     ///         system reports an error

@@ -1,7 +1,7 @@
 #pragma once
 
-// The QSettings format for property lists. Tests on other systems also build the sources of this folder; there, the
-// test environment defines PropertyListFormat().
+// The QSettings format for property lists. The tests on other systems also compile the sources of this folder. On these
+// systems, the test code defines PropertyListFormat().
 
 #include <QtCore/QSettings>
 

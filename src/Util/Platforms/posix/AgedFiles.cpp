@@ -1,7 +1,7 @@
-// Removes old files while FolderWalk traverses a folder tree. FolderWalk accesses entries through open folders, not
-// through paths. Removing is therefore safe in folders where other users can write: if a link replaces a folder during
-// the traversal, the link is not followed. All folders use the same buffer for their file names, so that a file does
-// not need a separate allocation.
+// Removes old files while FolderWalk traverses a folder tree. FolderWalk accesses entries relative to the file
+// descriptors of open folders, not by their full paths. Removing files is therefore safe in folders where other users
+// can write: if another user replaces a folder with a link during the traversal, the link is not followed. The file
+// names of all folders are stored in the same buffer, so that no memory is allocated for a single file.
 
 #include <Util/Platforms/AgedFiles.h>
 
@@ -21,8 +21,8 @@ namespace Zelkor::Util
 namespace
 {
 
-/// Returns the modification time in milliseconds since 1970. Some file systems return times in seconds that overflow
-/// when they are converted to milliseconds. These times are clamped to the valid range.
+/// Returns the modification time in milliseconds since 1970. Some file systems return times so large that the
+/// conversion from seconds to milliseconds would overflow. These times are clamped to the valid range.
 long long ModificationTime(struct stat const& status)
 {
 #ifdef __APPLE__

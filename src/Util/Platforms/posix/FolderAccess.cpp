@@ -29,8 +29,8 @@ bool IsInGroup(gid_t group)
 
 } // namespace
 
-// This rule is required, although it differs from the kernel's rule. It is sufficient that one class (owner, group or
-// others) permits writing. Root has no special privileges.
+// Required behaviour, although the kernel uses a different rule: it is sufficient that the permission bits of one class
+// (owner, group or others) permit writing, and root has no special privileges.
 bool MayCreateFileIn(QString const& folder)
 {
     QFileInfo const info(folder);

@@ -5,12 +5,13 @@
 // A folder is read completely before its subfolders are entered. The position in the folder's directory stream is
 // therefore not needed later, and the stream may be closed.
 //
-// At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. When the traversal
-// enters one more folder, it closes the outermost open folder. When the traversal returns to a closed folder, it opens
-// this folder again only if the folder has more subfolders to enter, or if SubfolderLeft() must be called. The closed
-// folder is opened by ".." from a folder below it, which is kept open for this purpose. If ".." gives a different
-// folder (device or inode differ), each folder on the path is opened again, beginning with the start folder. If this
-// also gives a different folder, the traversal calls Lost().
+// At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. If this limit is
+// reached, the traversal closes the outermost open folder before it enters the next folder. When the traversal returns
+// to a closed folder, it opens this folder again only if the folder has more subfolders to enter, or if SubfolderLeft()
+// must be called. To open the closed folder again, the traversal opens ".." relative to a folder below it, which is
+// kept open for this purpose. If ".." is a different folder (its device or inode number differs), each folder on the
+// path is opened again, beginning with the start folder. If the result is a different folder again, the traversal calls
+// Lost().
 //
 // The names of all queued subfolders share one buffer, and all paths share one string. A subfolder therefore needs no
 // separate allocation.
@@ -162,8 +163,8 @@ void FolderWalk::Leave()
     }
 }
 
-/// Shortens path_ to the path of the current folder. If SubfolderLeft() must be called, stores the name that is removed
-/// from path_ in left_.
+/// Shortens path_ from the path of a subfolder to the path of the current folder. If SubfolderLeft() must be called,
+/// first copies the name of the subfolder from path_ to left_.
 void FolderWalk::GoUp()
 {
     std::size_t const pathSize = folders_.back().pathSize;
@@ -179,8 +180,8 @@ void FolderWalk::FinishSubfolder()
     left_.clear();
 }
 
-/// Closes the outermost open folder. If this is the current folder, which must stay open, does nothing and returns
-/// false.
+/// Closes the outermost open folder and returns true. The current folder must stay open: if no other folder is open,
+/// does nothing and returns false.
 bool FolderWalk::CloseOutermost()
 {
     if (closedFolders_ + 1 >= folders_.size()) {
@@ -192,9 +193,9 @@ bool FolderWalk::CloseOutermost()
     return true;
 }
 
-/// Opens the current folder again. First tries ".." from the folder below_. If this does not give the current folder,
-/// for example because below_ was moved, opens each folder on the path again, beginning with the start folder. Returns
-/// false if the current folder is not found.
+/// Opens the current folder again. First opens ".." relative to the folder below_. If the opened folder is not the
+/// current folder, for example because below_ was moved, opens each folder on the path again, beginning with the start
+/// folder. Returns false if the current folder is not found.
 bool FolderWalk::Reopen()
 {
     Folder& folder = folders_.back();

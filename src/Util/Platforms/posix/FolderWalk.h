@@ -15,8 +15,8 @@ namespace Util
 /// Returns true if \a name is "." or "..".
 bool IsDotEntry(char const* name);
 
-/// Returns true if \a name is a folder in the open folder \a parent (a file descriptor). Returns false for a link to a
-/// folder.
+/// Returns true if the entry \a name of the folder with the file descriptor \a parent is a folder. Returns false if the
+/// entry is a link to a folder.
 bool IsFolder(int parent, char const* name);
 
 /// Traverses a folder tree. A derived class implements the work in each folder.
@@ -34,11 +34,11 @@ public:
     virtual ~FolderWalk() = default;
 
 protected:
-    /// Determines if Walk() calls SubfolderLeft().
+    /// Determines whether Walk() calls SubfolderLeft() after each subfolder.
     enum class AfterSubfolder { Nothing, Call };
 
     /// Creates an object that traverses the tree below the start folder \a path. \a path must not be empty. \a after
-    /// determines if Walk() calls SubfolderLeft().
+    /// determines whether Walk() calls SubfolderLeft().
     FolderWalk(std::string path, AfterSubfolder after);
 
     /// Traverses the start folder and all folders below it.
@@ -47,19 +47,21 @@ protected:
     /// Queues the subfolder \a name. The traversal enters the subfolder after Read() has returned.
     void QueueSubfolder(char const* name);
 
-    /// Returns the path of the current folder. During Read() and Unreadable(), returns the path of the new folder.
+    /// Returns the path of the current folder. During Read() and Unreadable(), returns the path of the folder that the
+    /// traversal is about to enter.
     std::string const& Path() const { return path_; }
     /// Returns the path of the entry \a name in the folder Path().
     std::string PathOf(char const* name) const;
 
-    /// Reads the new folder \a stream and calls QueueSubfolder() for each subfolder to enter. Returns false if reading
-    /// fails; the queued subfolders of the new folder are then discarded.
+    /// Reads \a stream, which is the folder that the traversal is about to enter. Calls QueueSubfolder() for each
+    /// subfolder that the traversal must enter later. Returns false if reading fails; the queued subfolders of this
+    /// folder are then discarded.
     virtual bool Read(DIR* stream) = 0;
-    /// Called if the new folder cannot be opened or Read() has returned false. The traversal does not enter this
-    /// folder.
+    /// Called if the folder Path() cannot be opened, or if Read() has returned false for this folder. The traversal
+    /// does not enter this folder.
     virtual void Unreadable() = 0;
-    /// Called if the current folder was closed and cannot be opened again, because it was moved or access to it is now
-    /// denied. The traversal then discards the queued subfolders of the current folder and leaves it.
+    /// Called if the current folder was closed and cannot be opened again, for example because it was moved or access
+    /// to it is now denied. The traversal then discards the queued subfolders of the current folder and leaves it.
     virtual void Lost() = 0;
     /// Called immediately before the traversal leaves the current folder.
     virtual void Leaving() = 0;
@@ -83,10 +85,10 @@ private:
     struct Folder
     {
         FolderStream stream;         // null while the folder is closed
-        FolderId id;                 // set when the stream is closed
-        std::size_t pathSize;        // the length of the folder's path in path_
-        std::size_t subfoldersBegin; // the offset in subfolders_ of the folder's first subfolder
-        std::size_t nextSubfolder;   // the offset in subfolders_ of the subfolder to enter next
+        FolderId id;                 // set when the stream is closed; identifies the folder when it is opened again
+        std::size_t pathSize;        // the length of the folder's path; path_ begins with this path
+        std::size_t subfoldersBegin; // the offset in subfolders_ of the name of the folder's first subfolder
+        std::size_t nextSubfolder;   // the offset in subfolders_ of the name of the subfolder to enter next
     };
 
     static FolderStream Open(int parent, char const* name);
@@ -107,16 +109,17 @@ private:
     std::string path_;
     AfterSubfolder const after_;
     std::vector<Folder> folders_;   // the folders from the start folder to the current folder
-    std::size_t closedFolders_ = 0; // the number of closed folders; these are the first ones in folders_
-    std::vector<char> subfolders_;  // the names of the queued subfolders of all folders_, each with a terminating NUL
+    std::size_t closedFolders_ = 0; // the number of closed folders, which are always the first elements of folders_
+    std::vector<char> subfolders_;  // the names of all queued subfolders, each with a terminating NUL
 
     // When the traversal leaves a folder that is open, it keeps this folder open in below_ instead of closing it. If
-    // the parent of this folder is closed, Reopen() can open the parent by "..". Null after the traversal has tried to
-    // enter another subfolder.
+    // the parent of this folder is closed, Reopen() can open ".." relative to this folder. below_ is null after the
+    // traversal has tried to enter another subfolder.
     FolderStream below_;
     std::size_t levelsBelow_ = 0; // the number of levels from the current folder down to the folder below_
 
-    // The name of the subfolder for which SubfolderLeft() must still be called. Empty if no call is due.
+    // The name of the subfolder for which SubfolderLeft() must still be called. Empty if SubfolderLeft() need not be
+    // called.
     std::string left_;
 };
 

@@ -3,10 +3,10 @@
 //
 // - One fstatat() call per file follows links and returns existence, type and size together.
 // - The type in the directory entry identifies folders. Only file systems that do not set the type need a second call.
-// - No memory is allocated for a file.
+// - No memory is allocated for a single file.
 //
-// The sum of a folder is added to the sum of its parent only when the traversal leaves the folder. Until then, a folder
-// that becomes inaccessible can be dropped from the result.
+// The sum of a folder is added to the sum of its parent only when the traversal leaves the folder. Until then, the sum
+// of a folder that becomes inaccessible can be set to 0, so that the folder does not count.
 
 #include <Util/Platforms/TreeSize.h>
 
@@ -46,8 +46,8 @@ public:
 
     unsigned long long Total()
     {
-        // System calls read a path only up to its first NUL byte. If the path contains a NUL byte, they would therefore
-        // use a different file.
+        // Reject a path that contains a NUL byte: system calls read a path only up to its first NUL byte, so they would
+        // access a different file.
         bool const isUsable = Path().find('\0') == std::string::npos;
         if (isUsable && IsFolder(AT_FDCWD, Path().c_str())) {
             Walk();

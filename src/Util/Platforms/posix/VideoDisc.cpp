@@ -18,7 +18,8 @@ QString VideoFolder()
     return QStringLiteral("VIDEO_TS");
 }
 
-// Required: this function compares names case-sensitively, although VideoDiscLabel() also accepts "video_ts".
+// Required behaviour: this function compares names case-sensitively, although VideoDiscLabel() accepts the name
+// "VIDEO_TS" in upper or lower case.
 bool BelongsToDisc(QString const& name)
 {
     static QStringList const discFolders = {VideoFolder(), QStringLiteral("AUDIO_TS")};
