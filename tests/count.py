@@ -7,7 +7,7 @@ test.
 import re
 import sys
 
-# QtTest counts the setup and the teardown of a test class as passed tests. They are subtracted from the result.
+# QtTest counts initTestCase() and cleanupTestCase() of each test class as passed tests. count() subtracts them.
 SETUP_ROW = r"^PASS   : .*::(?:initTestCase|cleanupTestCase)\(\)$"
 
 

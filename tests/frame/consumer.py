@@ -31,7 +31,8 @@ def check_library(how, program):
 
 
 def check_qml(how, program, source):
-    # Remove QML2_IMPORT_PATH: the program must find the QML module through the installed package.
+    # Remove QML2_IMPORT_PATH from the environment: the program must find the QML module through the import path of the
+    # installed package.
     env = {name: value for name, value in os.environ.items() if name != "QML2_IMPORT_PATH"}
     output = run(str(program), str(source / "consumer.qml"), env={**env, "QML_DISABLE_DISK_CACHE": "1"})
     check_output(f"{how}, QML", output, "Observers register with role 261")
@@ -52,7 +53,8 @@ def main():
         installed.rename(prefix)
 
         build = pathlib.Path(folder, "build")
-        # Request C++14, which is too old for the headers, to check that the package itself requires C++17.
+        # Request C++14, which is too old for the headers. The build succeeds only if the installed package itself
+        # requires C++17.
         run("cmake", "-S", str(source), "-B", str(build), "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
             f"-DCMAKE_CXX_COMPILER={arguments.compiler}", "-DCMAKE_CXX_STANDARD=14")
         run("cmake", "--build", str(build))

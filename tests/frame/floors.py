@@ -15,10 +15,12 @@ SYSTEM_MACRO = re.compile(r"^\s*#\s*(?:el)?if.*(?:__APPLE__|__linux__|__unix__|_
                           r"(?:__APPLE__|__linux__|__unix__|_WIN32|Q_OS_\w+)", re.MULTILINE)
 SYSTEM_HEADER = re.compile(r"^(?:sys|net|arpa|mach|objc|linux)/|^(?:unistd|dirent|fcntl|pwd|grp|dlfcn|pthread|signal)\.h$|"
                            r"^(?:AppKit|Foundation|Carbon|CoreFoundation|CoreServices|IOKit|X11|xcb)/|^QtDBus/")
-# The layer of each top-level folder of src. A source includes only headers of the same layer or of a lower layer.
+# The layers of the top-level folders of src, numbered from the lowest layer (0) to the highest (3). A source includes
+# only headers of its own layer or of a lower layer.
 FLOORS = {"Base": 0, "WidgetKit": 1, "Util": 2, "Qml": 3}
-# PLATFORM matches the sources of one platform, for example in Base/Platforms/mac. SEAM matches the internal interface
-# headers between the platform-neutral sources and the platforms, for example Util/Platforms/TreeSize.h.
+# PLATFORM matches the paths of sources for a single platform, for example sources in Base/Platforms/mac. SEAM matches
+# the paths of the internal interface headers between platform-neutral and platform-specific sources, for example
+# Util/Platforms/TreeSize.h.
 PLATFORM = re.compile(r"^(?:Base|Util)/Platforms/[a-z]+/")
 SEAM = re.compile(r"^(?:Base|Util)/Platforms/\w+\.h$")
 

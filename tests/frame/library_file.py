@@ -10,9 +10,9 @@ import tempfile
 
 LIST = pathlib.Path(__file__).resolve().parent / "exported-symbols.txt"
 
-# The number of functions that run when the library is loaded: the compiler's start-up function, and one function for
-# each source that has global objects. These sources are LinksUtils (link schemes), ObjectsConnector (roles and
-# registry), FontDatabase (added fonts) and SpontaneousDialog (main window).
+# The number of functions that run when the library is loaded. The compiler adds one such function to every library, and
+# one for each source that has global objects. These sources (and their global objects) are LinksUtils (link schemes),
+# ObjectsConnector (roles and registered objects), FontDatabase (added fonts) and SpontaneousDialog (main window).
 INITIALIZERS = 5
 POINTER_SIZE = 8
 
@@ -22,7 +22,8 @@ def output_of(*command):
 
 
 def exported(library):
-    # A set, because each constructor has two symbols with the same name: one for complete and one for base objects.
+    # Use a set to remove duplicates: each constructor has two symbols with the same demangled name, one for complete
+    # objects and one for base-class subobjects.
     lines = output_of("nm", "--dynamic", "--defined-only", "--demangle", library).splitlines()
     return sorted({line.split(maxsplit=2)[2] for line in lines})
 
@@ -42,7 +43,7 @@ def initializer_errors(library):
 
 
 def path_errors(library, source_dir):
-    # Remove the debug information before the check: it contains full source paths, which the debugger needs.
+    # Remove the debug information before the check, because the debug information contains full source paths.
     with tempfile.TemporaryDirectory() as folder:
         stripped = pathlib.Path(folder, "stripped")
         subprocess.run(["objcopy", "--strip-debug", library, stripped], check=True)

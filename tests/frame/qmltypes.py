@@ -11,8 +11,8 @@ import tempfile
 
 def describe(qmlplugindump, import_dir):
     with tempfile.TemporaryDirectory() as folder:
-        # qmlplugindump writes its command line into the description. The import path is ".", because a full path would
-        # differ between machines. The platform plugin "minimal" needs no display.
+        # qmlplugindump writes its own command line into the type description. Therefore, the import path is ".": a full
+        # path would differ between machines. The platform plugin "minimal" needs no display.
         result = subprocess.run([qmlplugindump, "-nonrelocatable", "-noforceqtquick", "-defaultplatform", "Zelkor.Util",
                                  "1.0", "."], cwd=import_dir, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                                 env={**os.environ, "QT_QPA_PLATFORM": "minimal", "XDG_RUNTIME_DIR": folder})

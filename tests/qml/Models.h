@@ -11,7 +11,7 @@
 namespace Zelkor::Testing
 {
 
-/// QML singleton that creates SimpleModel objects for the tests. QML code cannot create them itself.
+/// QML singleton that creates SimpleModel objects for the tests. QML code cannot create SimpleModel objects itself.
 class Models : public QObject
 {
     Q_OBJECT

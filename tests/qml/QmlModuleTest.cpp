@@ -55,7 +55,8 @@ int main(int argc, char** argv)
     int const failures = quick_test_main(argc, argv, "QmlModuleTest", nullptr);
     google::RemoveLogSink(&LogWatch::Instance());
 
-    // These warnings were logged outside the test functions: while QML files were loaded or objects were destroyed.
+    // Check for warnings that were logged outside the test functions, while QML files were loaded or objects were
+    // destroyed.
     QString const warnings = Warnings::take();
     if (warnings.isEmpty()) {
         return failures;

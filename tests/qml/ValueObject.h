@@ -17,7 +17,7 @@ class ValueObject : public QObject
 public:
     int Value() const { return value_; }
 
-    /// Registers this object from C++ as an emitter under \a ID.
+    /// Registers this object from C++ as an emitter with the identifier \a ID.
     Q_INVOKABLE void registerAsEmitter(QString const& ID)
     {
         Util::ObjectsConnector::registerEmitter(ID, this, QStringLiteral("valueChanged(int)"));

@@ -14,7 +14,7 @@ class Warnings : public QObject
 
 public:
     /// Installs the message handler that collects Qt's warnings. main() and each test case call this function, because
-    /// QtTest replaces the message handler between these calls.
+    /// QtTest installs its own message handler between these calls.
     Q_INVOKABLE static void collect();
 
     /// Returns the collected warnings, one per line, and clears the list.

@@ -176,7 +176,8 @@ ModuleTestCase {
         emitter.clicked()
         compare(receiver.toggled, 0)
 
-        // The other object is still registered. New objects are therefore connected to it.
+        // Only one of the two objects was unregistered. New objects must be connected to the other one, which is still
+        // registered.
         const newEmitter = create(emitterComponent)
         const newReceiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", newEmitter, "clicked()")

@@ -31,7 +31,7 @@ Item {
             Image {
                 id: image
                 source: IconPath
-                cache: false // cached images would outlive the window and leak their textures
+                cache: false // a cached image would outlive the window, and its texture would leak
             }
         }
     }

@@ -12,17 +12,18 @@ namespace Zelkor::Testing
 /// The parts of an exception that the library throws for a programming error.
 struct ProgrammingError
 {
-    QString message;   // first line of what()
-    QString callStack; // remaining lines of what()
+    QString message;   // the first line of what()
+    QString callStack; // the remaining lines of what()
     QString file;
     QString function;
     int line = 0;
 };
 
-/// Calls \a call and returns the parts of the exception that it throws. Returns an empty record if \a call throws
-/// nothing.
+/// Calls \a call. If \a call throws an exception, returns the parts of the exception. Otherwise, returns a
+/// ProgrammingError with empty strings.
 ///
-/// Only exceptions of class \a Error that carry a source location are caught. Other exceptions propagate to the caller.
+/// Only exceptions of class \a Error that contain a source location are caught. Other exceptions propagate to the
+/// caller.
 template <class Error, class Call>
 ProgrammingError CatchProgrammingError(Call const& call)
 {

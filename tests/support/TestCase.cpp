@@ -68,8 +68,9 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString 
     }
 }
 
-/// Checks that there are ZQTUTIL_TEST_SCREENS screens that do not overlap. Without this check, the tests that need
-/// several screens would pass on one screen and cover nothing.
+/// If the environment variable ZQTUTIL_TEST_SCREENS is set, checks that there are as many screens as it specifies, and
+/// that the screens do not overlap. Without this check, the tests for several screens would also pass on a single
+/// screen, where they test nothing.
 void VerifyScreens()
 {
     int const expected = qEnvironmentVariableIntValue("ZQTUTIL_TEST_SCREENS");
@@ -123,8 +124,8 @@ void TestCase::ExpectQtWarning(QRegularExpression const& pattern)
 
 void TestCase::initTestCase()
 {
-    // QtTest has already installed its own message handler. HandleQtMessage() filters the messages and forwards the
-    // others to QtTest's handler.
+    // QtTest has already installed its own message handler. HandleQtMessage() drops expected warnings and harmless
+    // messages of the platform plugins, and forwards all other messages to QtTest's handler.
     Messages().next = qInstallMessageHandler(HandleQtMessage);
     VerifyScreens();
 }

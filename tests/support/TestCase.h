@@ -21,8 +21,8 @@ class TestCase : public QObject
     Q_OBJECT
 
 protected:
-    /// Announces one Qt message of type warning or critical whose text matches \a pattern. Any thread may log this
-    /// message, until TearDown() returns. This function can be called from any thread.
+    /// Announces one Qt message of type QtWarningMsg or QtCriticalMsg whose text matches \a pattern. The message can be
+    /// logged on any thread, and at any time until TearDown() returns. This function can be called from any thread.
     static void ExpectQtWarning(QRegularExpression const& pattern);
 
     /// Called before each data row of each test function.
@@ -41,15 +41,15 @@ private Q_SLOTS:
 /// Runs the tests of one test class and returns the number of failures.
 ///
 /// Before the test object is created, RunTests() sets a fixed environment: locale C.UTF-8, time zone UTC, and one new
-/// temporary folder that serves as the home, temporary and runtime folder. The folder is removed before RunTests()
-/// returns.
+/// folder that is the home folder, the temporary folder and the runtime folder at the same time. The new folder is
+/// removed before RunTests() returns.
 ///
 /// \param argc, argv   The arguments of main(). QtTest evaluates them.
 /// \param withWidgets  True to create a QApplication, false to create a QCoreApplication.
 /// \param makeTest     Creates the test object. RunTests() takes ownership of the object.
 int RunTests(int argc, char** argv, bool withWidgets, QObject* (*makeTest)());
 
-/// Overload that default-constructs a test object of class \a Test.
+/// Overload that creates the test object with the default constructor of class \a Test.
 template <class Test>
 int RunTests(int argc, char** argv, bool withWidgets)
 {

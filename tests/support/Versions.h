@@ -8,7 +8,7 @@
 namespace Zelkor::Core
 {
 
-/// Formats \a version for the failure messages of QCOMPARE. QtTest deletes the returned text.
+/// Formats \a version for the failure messages of QCOMPARE. QtTest deletes the returned string.
 inline char* toString(Version const& version)
 {
     return QTest::toString(QStringLiteral("Version(%1, %2, %3, %4)")

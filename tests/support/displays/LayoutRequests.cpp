@@ -22,7 +22,8 @@ bool RequestsLayoutForNewChild(QWidget& container)
         }
     } requests;
 
-    // A label with word wrap needs several passes until its height is stable. The limit prevents an endless loop.
+    // A layout that contains a label with word wrap must be activated several times until the height of the label is
+    // stable. The limit of 10 activations prevents an endless loop.
     for (int i = 0; i < 10 && container.layout()->activate(); ++i) {
     }
     QCoreApplication::removePostedEvents(&container, QEvent::LayoutRequest);

@@ -9,8 +9,9 @@ QT_END_NAMESPACE
 namespace Zelkor::Testing
 {
 
-/// Returns true if adding a child object to \a container requests a new layout, even if the layout of \a container does
-/// not contain that child. Plain Qt widgets return false. Containers with a LayoutController return true.
+/// Adds to \a container a child object that is not in the layout of \a container. Returns true if \a container then
+/// receives an event of type QEvent::LayoutRequest. The result is false for plain Qt widgets, and true for containers
+/// with a LayoutController.
 bool RequestsLayoutForNewChild(QWidget& container);
 
 } // namespace Zelkor::Testing

@@ -10,7 +10,7 @@
 namespace Zelkor::Testing
 {
 
-/// The Fusion style of Qt. Records every call of polish(QWidget*) and unpolish(QWidget*).
+/// Qt's Fusion style, which in addition records every call of polish(QWidget*) and unpolish(QWidget*).
 class RecordingStyle : public QProxyStyle
 {
 public:
@@ -20,11 +20,12 @@ public:
     {
         Operation operation;
         QWidget const* widget; // for comparison only: the widget may have been destroyed since the call
-        QStringList values;    // values of the recorded properties at the time of the call
+        QStringList values;    // the values of the recorded properties at the time of the call
     };
     using Calls = QVector<Call>;
 
-    /// \param properties  Names of the widget properties to record at each call. The names must outlive this object.
+    /// \param properties  Names of the widget properties whose values are recorded at each call. The strings must
+    ///                    outlive this object.
     explicit RecordingStyle(std::initializer_list<char const*> properties = {});
 
     /// All recorded calls, in order. Tests can clear this list.
@@ -47,7 +48,7 @@ private:
 
 bool operator==(RecordingStyle::Call const& a, RecordingStyle::Call const& b);
 
-/// Formats \a calls for the failure messages of QCOMPARE. QtTest deletes the returned text.
+/// Formats \a calls for the failure messages of QCOMPARE. QtTest deletes the returned string.
 char* toString(RecordingStyle::Calls const& calls);
 
 /// Returns the two calls that RecordingStyle records when \a widget is polished again: unpolish(), then polish(). Both

@@ -6,11 +6,12 @@
 namespace Zelkor::Testing
 {
 
-/// Returns the geometries of all screens. The first one is the primary screen. The offscreen platform has one screen;
-/// the X server of the tests has several.
+/// Returns the geometries of all screens. The first geometry is that of the primary screen. The offscreen platform has
+/// one screen; the X server of the tests has several screens.
 QVector<QRect> ScreenGeometries();
 
-/// Adds the column "screen" of type QRect to the current test data, and one row with the geometry of each screen.
+/// Adds the column "screen" of type QRect to the current test data, and one row for each screen with the geometry of
+/// that screen.
 void AddScreenRows();
 
 } // namespace Zelkor::Testing

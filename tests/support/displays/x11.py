@@ -17,15 +17,17 @@ import time
 SCREENS = ((1280, 1024), (1024, 768))
 OUTPUT = "screen"  # the only RandR output of Xvfb
 
-# In seconds. Xvfb starts slowly while the machine runs other tests under sanitizers.
+# The longest time in seconds that this script waits for a program to start, reply or exit. The limit is high because
+# Xvfb starts slowly while the machine runs other tests under sanitizers.
 TIMEOUT = 60
 
-# Variables of the user's session that would change the behaviour of Qt.
+# Environment variables of the user's desktop session that would change the behaviour of Qt. This script removes them.
 SESSION_VARIABLES = ("DBUS_STARTER_ADDRESS", "DESKTOP_SESSION", "KDE_FULL_SESSION", "QT_IM_MODULE",
                      "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE", "SESSION_MANAGER", "WAYLAND_DISPLAY", "XAUTHORITY",
                      "XDG_CURRENT_DESKTOP", "XMODIFIERS")
 
-# New windows receive the focus and stay at the position that their program requests.
+# With these settings, the window manager gives the focus to each new window and keeps the window at the position that
+# its program requests.
 WINDOW_MANAGER_SETTINGS = """<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
   <focus><focusNew>yes</focusNew><followMouse>no</followMouse></focus>
@@ -170,8 +172,8 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("command", nargs="+", help="after --")
     arguments = parser.parse_args()
-    # Raise an exception on SIGTERM, so that the with blocks terminate their programs. The default action of SIGTERM
-    # would skip the end of the with blocks.
+    # Raise an exception on SIGTERM, so that Python leaves the with blocks, which terminate the started programs and
+    # remove the temporary folder. The default action of SIGTERM would skip this clean-up.
     signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
     sys.exit(run(arguments.command))
 

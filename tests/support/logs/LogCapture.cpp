@@ -12,7 +12,7 @@ namespace Zelkor::Testing
 namespace
 {
 
-// This is not a QMutex: the thread sanitizer does not recognise locks of QMutex and would report false data races.
+// Do not use QMutex here: the thread sanitizer does not recognise locks of QMutex and would report false data races.
 std::mutex& Guard()
 {
     static std::mutex guard;

@@ -8,16 +8,16 @@
 namespace Zelkor::Testing
 {
 
-/// One record of the glog log.
+/// A log line of glog: one message and the source line that logged it.
 struct LogLine
 {
     google::LogSeverity severity;
-    QString file; // source path as passed to the compiler, for example "Util/FileUtils.cpp"
+    QString file; // the source path as passed to the compiler, for example "Util/FileUtils.cpp"
     int line;
     QString text;
 };
 
-/// Records all glog lines of all threads while this object exists.
+/// Records all log lines of glog, from all threads, while this object exists.
 ///
 /// Several LogCapture objects can exist at the same time; each of them records every line. If a warning or an error is
 /// logged while no LogCapture exists, the current test function fails (see TestCase).
@@ -46,7 +46,8 @@ class LogWatch : public google::LogSink
 public:
     static LogWatch& Instance();
 
-    /// Returns the warnings and errors that were logged while no LogCapture existed, and clears their list.
+    /// Returns the warnings and errors that were logged since the previous call of this function, at times when no
+    /// LogCapture existed.
     QVector<LogLine> TakeUnexpected();
 
     /// glog calls this function for every log line, on the thread that logs the line.

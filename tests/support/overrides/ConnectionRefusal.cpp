@@ -1,5 +1,5 @@
-// Replaces the overload of QObject::connect() that takes signatures as text. Qt has no hook to make this function fail
-// for valid signatures.
+// Replaces the overload of QObject::connect() that takes the signal and the slot as strings. Qt has no hook to make
+// this function fail for valid signatures.
 
 #include <support/overrides/ConnectionRefusal.h>
 

@@ -9,7 +9,7 @@
 namespace Zelkor::Testing
 {
 
-/// The arguments of a call of the QObject::connect() overload that takes signatures as text.
+/// The arguments of one call of the QObject::connect() overload that takes the signal and the slot as strings.
 struct ConnectionRequest
 {
     QObject const* sender;
@@ -19,18 +19,19 @@ struct ConnectionRequest
     Qt::ConnectionType type;
 };
 
-/// Makes QObject::connect() fail while an object of this class exists. Affects only the overload that takes signatures
-/// as text, and only calls on the thread that created the object. The object records these calls. Only one
-/// object of this class may exist on a thread at a time.
+/// Records the calls of QObject::connect() on the thread that created the object, and makes these calls fail. This ends
+/// with the destruction of the object. Only the overload that takes the signal and the slot as strings is affected. At
+/// most one object of this class may exist on each thread at a time.
 class ConnectionRefusal
 {
 public:
-    /// \param allowed  The number of calls that reach Qt. All later calls fail.
+    /// \param allowed  The number of calls that do not fail: they are forwarded to Qt. All later calls fail.
     explicit ConnectionRefusal(std::size_t allowed = 0);
     ~ConnectionRefusal();
     Q_DISABLE_COPY_MOVE(ConnectionRefusal)
 
-    /// If this thread has a ConnectionRefusal, records \a request in it. Returns true if the call may reach Qt.
+    /// If the calling thread has a ConnectionRefusal, adds \a request to its recorded calls. Returns true if the call
+    /// must be forwarded to Qt, and false if it must fail.
     static bool Allows(ConnectionRequest const& request);
 
     std::vector<ConnectionRequest> requests; ///< All recorded calls, including the calls that failed.

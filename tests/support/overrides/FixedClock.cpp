@@ -1,4 +1,5 @@
-// Replaces clock_gettime() and gettimeofday(), because a test of an age limit in milliseconds needs a fixed time.
+// Replaces clock_gettime() and gettimeofday(), because a test that checks an age limit to the millisecond needs a
+// current time that does not change.
 
 #include <support/overrides/FixedClock.h>
 
@@ -28,7 +29,8 @@ Clock& Fixed()
     return clock;
 }
 
-// Added to the fixed time, because a real clock almost never returns a whole number of milliseconds.
+// These nanoseconds are added to the fixed time, because a real clock almost never returns a whole number of
+// milliseconds.
 constexpr long FurtherNanoseconds = 700000;
 
 } // namespace
@@ -53,7 +55,8 @@ int FixedClock::ReadCount() const
 
 extern "C" {
 
-// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// The C library declares this function with reserved identifiers as parameter names. This definition must not use
+// reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
 {
@@ -67,7 +70,8 @@ Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
     return 0;
 }
 
-// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// The C library declares this function with reserved identifiers as parameter names. This definition must not use
+// reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
 {

@@ -1,4 +1,4 @@
-// Replaces statvfs(), because a test cannot mount file systems with arbitrary numbers and sizes of blocks.
+// Replaces statvfs(), because a test cannot mount file systems with arbitrary block counts and block sizes.
 
 #include <support/overrides/FixedVolume.h>
 
@@ -33,7 +33,8 @@ FixedVolume::~FixedVolume()
 
 } // namespace Zelkor::Testing
 
-// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// The C library declares this function with reserved identifiers as parameter names. This definition must not use
+// reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT int statvfs(char const* path, struct statvfs* volume) noexcept
 {

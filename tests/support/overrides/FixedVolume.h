@@ -5,11 +5,12 @@
 namespace Zelkor::Testing
 {
 
-/// Makes statvfs() return the same information for all paths. The destructor restores the real information.
+/// Makes statvfs() return the same volume information for all paths. After the destruction of this object, statvfs()
+/// returns the real information again.
 class FixedVolume
 {
 public:
-    /// \a volume must outlive this object.
+    /// \param volume  The information that statvfs() returns. It must outlive this object.
     explicit FixedVolume(struct statvfs const& volume);
     ~FixedVolume();
     FixedVolume(FixedVolume const&) = delete;

@@ -1,4 +1,5 @@
-// Replaces readdir(), because a test cannot make a real file system fail or omit the types of entries.
+// Replaces readdir(), because with a real file system a test cannot make readdir() fail or return entries without their
+// types.
 
 #include <support/overrides/FolderReading.h>
 
@@ -22,7 +23,7 @@ struct Faults
 {
     std::atomic<bool> hidesTypes{false};
     std::atomic<ino_t> unreadableFolder{0}; // the inode of the folder; 0 means: no folder
-    std::atomic<int> count{0};              // the number of entries returned without a type, or of failed calls
+    std::atomic<int> count{0};              // entries returned without a type, or failed calls of readdir()
 };
 
 Faults& CurrentFaults()
@@ -76,7 +77,8 @@ int UnreadableFolder::Count() const
 
 } // namespace Zelkor::Testing
 
-// The declaration in the C library uses reserved names for the parameters. This definition must not use them.
+// The C library declares this function with reserved identifiers as parameter names. This definition must not use
+// reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
 {

@@ -5,7 +5,7 @@
 namespace Zelkor::Testing
 {
 
-/// Makes readdir() return entries without their types, as some file systems do.
+/// Makes readdir() return all entries with the type DT_UNKNOWN, as it does on some file systems.
 class EntriesWithoutTypes
 {
 public:
@@ -14,11 +14,11 @@ public:
     EntriesWithoutTypes(EntriesWithoutTypes const&) = delete;
     EntriesWithoutTypes& operator=(EntriesWithoutTypes const&) = delete;
 
-    /// Returns the number of entries that readdir() has returned without a type.
+    /// Returns the number of entries that readdir() has returned with the type DT_UNKNOWN.
     int Count() const;
 };
 
-/// Makes readdir() return all entries of a folder and then fail with EIO.
+/// Makes readdir() fail with EIO after it has returned all entries of a certain folder.
 class UnreadableFolder
 {
 public:

@@ -1,5 +1,5 @@
-// Replaces __cxa_throw() to record all exceptions. A test cannot otherwise observe an exception that the library itself
-// catches.
+// Replaces __cxa_throw() to record all exceptions. Without this record, a test could not observe an exception that the
+// library itself catches.
 
 #include <support/overrides/LastException.h>
 

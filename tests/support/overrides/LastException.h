@@ -5,7 +5,7 @@
 namespace Zelkor::Testing
 {
 
-/// Describes the most recent exception of a thread. The library itself may have caught this exception.
+/// Describes the most recent exception that a thread has thrown, even if the library itself has caught this exception.
 struct LastException
 {
     QByteArray type;

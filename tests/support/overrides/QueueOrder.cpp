@@ -1,5 +1,5 @@
-// Replaces QThread::wait() in builds with the thread sanitizer. Qt has no hook in this function, and a suppression
-// would hide real data races.
+// Replaces QThread::wait() in builds with the thread sanitizer, to inform the thread sanitizer that a thread has
+// finished. Qt offers no hook for this purpose, and a suppression would hide real data races.
 
 #include <support/overrides/QueueOrder.h>
 
@@ -22,7 +22,8 @@
 
 #include <sanitizer/tsan_interface.h>
 
-// Qt declares this class and this function in the private header qobject_p.h. QtCore exports the function for QtTest.
+// The following class and function are declared in Qt's private header qobject_p.h. QtCore exports the function because
+// QtTest uses it.
 struct QSignalSpyCallbackSet
 {
     using BeginCallback = void (*)(QObject* caller, int index, void** arguments);
@@ -42,8 +43,8 @@ void BeforeEmission(QObject* sender, int, void**)
     __tsan_release(sender);
 }
 
-// data[0] is the receiver, data[1] is the event, and data[2] points to the result of the delivery. Returns false so
-// that Qt delivers the event.
+// Qt calls this function before it delivers an event. data[0] is the receiver, data[1] is the event, and data[2] points
+// to the result of the delivery. Returns false so that Qt delivers the event.
 bool BeforeDelivery(void** data)
 {
     if (static_cast<QEvent*>(data[1])->type() == QEvent::MetaCall) {
@@ -54,8 +55,8 @@ bool BeforeDelivery(void** data)
 
 } // namespace
 
-// When a thread finishes, it emits finished(), and BeforeEmission() releases the QThread object. After the wait,
-// acquire the same object.
+// When a thread finishes, it emits finished(), and BeforeEmission() calls __tsan_release() with the QThread object. The
+// call of __tsan_acquire() with the same object informs the thread sanitizer that wait() returned after this emission.
 bool QThread::wait(QDeadlineTimer deadline)
 {
     static auto const next =

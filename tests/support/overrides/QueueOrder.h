@@ -4,7 +4,8 @@ namespace Zelkor::Testing
 {
 
 /// Informs the thread sanitizer of two happens-before relations that Qt guarantees:
-/// - An object emits a signal before a queued slot of the same object runs on another thread.
+/// - If an object emits a signal and one of its own slots is connected to that signal with a queued connection, the
+///   emission happens before the slot runs, even on different threads.
 /// - A thread finishes before QThread::wait() returns true.
 ///
 /// The thread sanitizer cannot detect these relations, because Debian's Qt is not built with the thread sanitizer.

@@ -23,8 +23,8 @@ QStringList Zelkor::Testing::TakeSettingsKeys()
     return std::exchange(Keys(), {});
 }
 
-// Replaces QSettings::setValue() to record the order of the keys. QSettings sorts the keys when it writes the file.
-// Therefore, the file does not show the order of the calls.
+// Replaces QSettings::setValue() to record the keys in the order of the calls. The settings file does not show this
+// order, because QSettings sorts the keys when it writes the file.
 void QSettings::setValue(QString const& key, QVariant const& value)
 {
     static auto const next = Zelkor::Testing::NextFunction<void (*)(QSettings*, QString const&, QVariant const&)>(

@@ -1,5 +1,5 @@
-// Replaces QStandardPaths::standardLocations(), because no configuration makes Qt's function return empty paths or an
-// empty list.
+// Replaces QStandardPaths::standardLocations(), because no configuration of the system makes Qt's function return empty
+// paths or an empty list.
 
 #include <support/overrides/StandardLocations.h>
 

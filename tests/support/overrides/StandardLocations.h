@@ -5,7 +5,8 @@
 namespace Zelkor::Testing
 {
 
-/// Makes QStandardPaths::standardLocations() return fixed paths. The destructor restores Qt's function.
+/// Makes QStandardPaths::standardLocations() return fixed paths. After the destruction of this object, it returns the
+/// real paths again.
 class StandardLocations
 {
 public:

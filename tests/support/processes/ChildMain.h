@@ -10,21 +10,23 @@ namespace Zelkor::Testing
 
 /// An alternative main function of a test program. A test uses it to start the test program again as a new process, for
 /// example with another file name, with redirected standard streams, or to test static objects. RunInChild() is
-/// simpler, but the forked process is a copy of the current one.
+/// simpler, but its forked process is a copy of the current process.
 struct ChildMain
 {
     char const* name;
     void (*run)();
 };
 
-/// The first argument of a process that runs a ChildMain. The second argument is ChildMain::name.
+/// The first command line argument of a process that runs a ChildMain. The second command line argument is the name of
+/// the ChildMain.
 constexpr char const* childMainArgument = "--child-main";
 
-/// Returns true if the arguments request a ChildMain instead of the tests of the program.
+/// Returns true if the command line arguments request a ChildMain instead of the tests of the program.
 bool IsChildMain(int argc, char** argv);
 
-/// Creates a QCoreApplication and runs the ChildMain whose name is the second argument. Searches the array that begins
-/// at \a first and ends before \a last. Returns the exit status for the process: 0, or 1 if no ChildMain has this name.
+/// Creates a QCoreApplication and runs the ChildMain whose name is the second command line argument. The array of all
+/// available ChildMain objects begins at \a first and ends before \a last. Returns the exit status for the process: 0,
+/// or 1 if no ChildMain has this name.
 int RunChildMain(int argc, char** argv, ChildMain const* first, ChildMain const* last);
 
 template <std::size_t Count>
@@ -33,11 +35,11 @@ int RunChildMain(int argc, char** argv, ChildMain const (&functions)[Count])
     return RunChildMain(argc, argv, functions, functions + Count);
 }
 
-/// Starts this program again as \a process, in which the ChildMain \a name runs. \a arguments are additional command
-/// line arguments.
+/// Starts this program again as \a process. The new process runs the ChildMain with the name \a name. \a arguments are
+/// additional command line arguments.
 void StartChildMain(QProcess& process, char const* name, QStringList const& arguments = {});
 
-/// Overload that starts \a program, the path of a copy of this program.
+/// Overload that starts a copy of this program. \a program is the path of the copy.
 void StartChildMain(QProcess& process, QString const& program, char const* name, QStringList const& arguments);
 
 } // namespace Zelkor::Testing

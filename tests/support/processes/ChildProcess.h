@@ -19,7 +19,7 @@ namespace Zelkor::Testing
 class ChildProcess
 {
 public:
-    /// The child's connection to its parent process.
+    /// The child process uses an object of this class to communicate with its parent process.
     class Parent
     {
     public:

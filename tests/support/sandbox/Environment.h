@@ -8,7 +8,7 @@
 namespace Zelkor::Testing
 {
 
-/// Sets an environment variable. The destructor restores its previous value.
+/// Sets an environment variable. The destructor restores the previous value of the variable.
 class EnvironmentVariable
 {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-// Modification times of files and folders.
+// Reads the system's clock and sets the modification times of files and folders.
 
 #include <ctime>
 #include <string>
@@ -17,16 +17,16 @@ constexpr Milliseconds Day = 24 * Hour;
 /// Returns the current time of the system's clock.
 Milliseconds Now();
 
-/// Returns the sum of \a time and \a nanoseconds.
+/// Returns \a time plus \a nanoseconds as a timespec.
 timespec ToTimespec(Milliseconds time, long nanoseconds);
 
-/// Sets the modification time of a file, folder or link. For a link, changes the link itself and not its target.
-/// \a name is relative to the folder that the descriptor \a folder refers to.
+/// Sets the modification time of a file, folder or link. For a link, changes the link itself and not its target. \a
+/// folder is a file descriptor of a folder, and \a name is a path relative to this folder.
 void SetTimeAt(int folder, char const* name, Milliseconds time);
 void SetTime(std::string const& path, Milliseconds time, long nanoseconds = 0);
 
-/// Sets the modification time of \a path to the current time minus \a age. Call this function after all entries have
-/// been created, because creating an entry changes the modification time of its folder.
+/// Sets the modification time of \a path to the current time minus \a age. If \a path is a folder, create all entries
+/// in it before this call: creating an entry changes the modification time of the folder.
 void SetAge(std::string const& path, Milliseconds age);
 
 /// Calls SetAge() for all entries below \a path. Does not follow links.

@@ -12,7 +12,8 @@ void FolderTestCase::SetUp()
 {
     folder_.emplace();
     QVERIFY2(folder_->isValid(), qPrintable(folder_->errorString()));
-    // By default, only the owner of a QTemporaryDir may enter its folder. Some tests access the folder as other users.
+    // Some tests access these folders as other users. By default, only the owner may enter a folder that QTemporaryDir
+    // has created.
     Chmod(QDir::tempPath().toStdString(), 0755);
     Chmod(Root(), 0755);
 }

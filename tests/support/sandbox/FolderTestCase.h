@@ -14,7 +14,7 @@ Q_DECLARE_METATYPE(std::string)
 namespace QTest
 {
 
-/// Lets QCOMPARE() print two strings that are not equal.
+/// QCOMPARE() calls this function to print std::string values that are not equal.
 template <>
 inline char* toString(std::string const& t)
 {
@@ -35,7 +35,8 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// Adds the column "name" of type QByteArray. Its rows contain file names that faulty code may misinterpret.
+    /// Adds the column "name" of type QByteArray to the test data, and rows with unusual file names that faulty code
+    /// may misinterpret.
     static void NameRows();
 
     /// Returns the path of the test's folder.
@@ -47,7 +48,7 @@ protected:
     /// Returns the same path as At(), for functions that take a QString.
     QString PathAt(QByteArray const& name) const;
 
-    /// Creates entries in the test's folder, to which a test can create links:
+    /// Creates the following entries in the test's folder. Tests use them as targets of links:
     ///   - "target", a file of 321 bytes, and "link-to-target"
     ///   - "full", a folder that contains the file "file" of 1000 bytes, and "link-to-full"
     ///   - "dangling", a link to a missing entry

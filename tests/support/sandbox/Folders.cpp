@@ -207,8 +207,8 @@ bool IsFolderAt(int folder, std::string const& name)
     return fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Before a folder is removed, its subfolders are moved into the folder \a path. Therefore, this function never needs a
-// path that is longer than the system accepts.
+// Before this function removes a folder, it moves the subfolders of that folder directly into the folder \a path.
+// Therefore, this function never needs a path that is longer than the system accepts.
 void EmptyFolder(std::string const& path)
 {
     Descriptor const top(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

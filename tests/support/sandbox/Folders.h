@@ -15,8 +15,8 @@
 namespace Zelkor::Testing
 {
 
-/// Returns \a result, the return value of a function that sets errno. Throws std::system_error if \a result is
-/// negative.
+/// Checks \a result, the return value of a function that sets errno on failure. Throws std::system_error with the value
+/// of errno if \a result is negative. Otherwise, returns \a result.
 int Check(int result);
 
 /// Owns an open file descriptor. The destructor closes the descriptor.
@@ -37,8 +37,8 @@ private:
     int number_;
 };
 
-/// Creates a file with the content "content". \a name is relative to the folder that the descriptor \a folder refers
-/// to.
+/// Creates a file with the content "content". \a folder is a file descriptor of a folder, and \a name is a path
+/// relative to this folder.
 void MakeFileAt(int folder, char const* name);
 void MakeFile(std::string const& path);
 
@@ -49,7 +49,7 @@ void MakeFile(std::string const& path, off_t size);
 /// Creates a file with \a content.
 void WriteFile(std::string const& path, std::string const& content);
 
-/// Returns the content of a file. Returns "cannot be opened" if the file cannot be opened.
+/// Returns the content of a file. Returns the string "cannot be opened" if the file cannot be opened.
 QByteArray ReadFile(std::string const& path);
 
 void MakeFolder(std::string const& path, mode_t mode = 0755);
@@ -70,13 +70,15 @@ using Maker = void (*)(std::string const& path);
 
 void Chmod(std::string const& path, mode_t mode);
 
-/// Changes the owner of \a path; the group is unchanged. Does not follow a link. Requires root.
+/// Changes the owner of \a path; the group is unchanged. If \a path is a link, changes the link itself and not its
+/// target. Requires root.
 void SetOwner(std::string const& path, uid_t user);
 
-/// Changes the owner and the group of \a path. Does not follow a link. Requires root.
+/// Changes the owner and the group of \a path. If \a path is a link, changes the link itself and not its target.
+/// Requires root.
 void SetOwner(std::string const& path, uid_t user, gid_t group);
 
-/// Returns true if an entry exists at \a path. Also returns true for a dangling link.
+/// Returns true if an entry exists at \a path, even if the entry is a dangling link.
 bool Exists(std::string const& path);
 
 /// Returns \a path without its last component and the slash before this component.
@@ -85,11 +87,13 @@ std::string ParentOf(std::string const& path);
 /// Returns the last component of \a path.
 std::string NameOf(std::string const& path);
 
-/// Returns the names of the entries in a folder, without "." and "..". The names are not sorted: their order is the one
-/// in which readdir() returns the entries. \a name is relative to the folder that the descriptor \a folder refers to.
+/// Returns the names of the entries in a folder, without "." and "..". The names are not sorted; they are in the order
+/// in which readdir() returns the entries. \a folder is a file descriptor of a folder, and \a name is a path relative
+/// to this folder.
 std::vector<std::string> NamesIn(int folder, char const* name);
 
-/// Returns true if the entry \a name is a folder. Returns false if the entry is missing or is a link to a folder.
+/// Returns true if the entry \a name is a folder. Returns false if the entry does not exist or is a link to a folder.
+/// \a folder is a file descriptor of a folder, and \a name is a path relative to this folder.
 bool IsFolderAt(int folder, std::string const& name);
 
 /// Removes all entries of a folder. The tree may be deeper than the longest path that the system accepts.

@@ -18,13 +18,14 @@ void WriteToExistingFile(char const* path, std::string const& text)
     Check(static_cast<int>(write(file, text.data(), text.size())));
 }
 
-/// Makes later mounts visible to this process only.
+/// Moves this process into a new mount namespace, so that later mounts are visible only to this process.
 void EnterMountNamespace()
 {
     std::string const userMap = "0 " + std::to_string(geteuid()) + " 1";
     std::string const groupMap = "0 " + std::to_string(getegid()) + " 1";
     if (unshare(CLONE_NEWNS) != 0) {
-        // A container may forbid a new mount namespace, but allow it together with a new user namespace.
+        // A container may forbid the creation of a mount namespace, but allow the creation of a mount namespace
+        // together with a user namespace.
         Check(unshare(CLONE_NEWUSER | CLONE_NEWNS));
         WriteToExistingFile("/proc/self/setgroups", "deny");
         WriteToExistingFile("/proc/self/uid_map", userMap);

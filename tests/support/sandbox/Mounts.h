@@ -11,7 +11,7 @@ namespace Zelkor::Testing
 /// mount options of tmpfs, for example "size=1m".
 void MountForThisProcess(std::string const& path, char const* options);
 
-/// Calls MountForThisProcess() and then \a work in a child process. Returns the result of \a work.
+/// Starts a child process that calls MountForThisProcess() and then \a work. Returns the result of \a work.
 template <class Work>
 auto RunWithMount(std::string const& path, char const* options, Work const& work)
 {

@@ -23,7 +23,8 @@ struct Identity
 
 constexpr uid_t RootUser = 0;
 
-// IDs of two users and of their groups. The system needs no accounts for these IDs. Most tests run the library as Us.
+// IDs of two users and of their groups. The system does not need accounts with these IDs. Most tests run the library as
+// the user Us.
 constexpr uid_t Us = 1001;
 constexpr uid_t Them = 1002;
 constexpr gid_t OurGroup = 2001;

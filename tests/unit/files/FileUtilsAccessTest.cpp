@@ -265,8 +265,8 @@ void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt()
 void FileUtilsAccessTest::removesTheTemporaryFileInAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    // A QString cannot represent a name that is not valid UTF-8. Use the name that results from the conversion to
-    // QString.
+    // A QString cannot represent a name that is not valid UTF-8. Use the name that results from converting "name" to a
+    // QString and back.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name));
     MakeFolder(At(encoded.left(255).toStdString()));
     int const descriptors = CountOpenDescriptors();

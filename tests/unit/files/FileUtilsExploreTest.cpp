@@ -180,7 +180,8 @@ private:
     QDBusConnection connection_;
 };
 
-/// Replaces the program with which QDesktopServices opens folders. Records the encoded URL of each folder.
+/// Handles the "file" URLs that are passed to QDesktopServices, so that QDesktopServices does not start a program to
+/// open a folder. Records the encoded URL of each folder.
 class FolderOpener : public QObject
 {
     Q_OBJECT
@@ -195,13 +196,14 @@ public Q_SLOTS:
     void Open(QUrl const& url) { urls += url.toEncoded(QUrl::FullyEncoded); }
 };
 
-/// Returns a pattern for the warning that QDesktopServices logs in a program without windows.
+/// Returns a pattern that matches the warning of QDesktopServices::openUrl() in a program without a QGuiApplication.
 QRegularExpression OpenUrlWarning()
 {
     return QRegularExpression(QStringLiteral("QDesktopServices::openUrl"));
 }
 
-/// Processes all messages that the bus sent to \a connection before this call. Returns false on a time-out.
+/// Processes all messages that the bus sent to \a connection before this call. Returns false if the bus does not reply
+/// within TimeoutMs.
 bool ProcessMessages(QDBusConnection const& connection)
 {
     QDBusMessage const call =
@@ -212,7 +214,8 @@ bool ProcessMessages(QDBusConnection const& connection)
     return answered;
 }
 
-/// Processes all replies that \a manager sent before this call. Returns false on a time-out.
+/// Processes all replies that \a manager sent before this call. Returns false if the bus does not reply within
+/// TimeoutMs.
 bool ProcessMessages(FileManager const& manager)
 {
     return ProcessMessages(manager.Connection()) && ProcessMessages(QDBusConnection::sessionBus());
@@ -254,15 +257,15 @@ ioPath Io(QByteArray const& path)
     return ioPath(path.toStdString());
 }
 
-/// Identifies a library function that shows files: ExploreFile(path), ExploreSingleFile(text) or
-/// ExploreFile(folder, files).
+/// The library functions that show files in a file manager: File means ExploreFile(path), Text means
+/// ExploreSingleFile(text), and FolderAndFiles means ExploreFile(folder, files).
 enum class Function { File, Text, FolderAndFiles };
 
-/// A call of a library function that shows files.
+/// A call of a library function that shows files in a file manager.
 struct ExploreCall
 {
     Function function;
-    QByteArray folder; // the library opens it if no file manager can show the files
+    QByteArray folder; // the library opens this folder if no file manager can show the files
     QByteArrayList files;
 };
 
@@ -315,7 +318,7 @@ private Q_SLOTS:
 private:
     static void CallRows();
 
-    /// Verifies that \a call is a call of \a method of the file manager interface, with an empty start-up ID.
+    /// Verifies that \a call is a call of \a method in the D-Bus interface of file managers, with an empty start-up ID.
     static void VerifyCall(FileManager::Call const& call, QString const& method);
 
     /// Verifies that \a line is a warning of the library and that its text ends with \a folder.

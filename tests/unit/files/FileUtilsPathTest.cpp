@@ -33,7 +33,8 @@ static_assert(std::is_same_v<decltype(IsThisPathValid(QString(), nullptr)), bool
 namespace
 {
 
-/// Translates each text of the context "QObject" to upper case, and adds white space before and after it.
+/// Translates each text of the translation context "QObject" to upper case, and adds white space before and after the
+/// translation.
 class UpperCaseTranslator : public QTranslator
 {
     Q_OBJECT

@@ -82,7 +82,7 @@ private:
 void FileUtilsRemovalTest::removesEntriesOlderThanTheGivenDays_data()
 {
     QTest::addColumn<int>("days");
-    QTest::addColumn<QByteArray>("left"); // the names of the entries that RemoveDir() must keep
+    QTest::addColumn<QByteArray>("left"); // the names of the entries that RemoveDir() must keep, separated by spaces
     QTest::newRow("minimum") << INT_MIN << QByteArray();
     QTest::newRow("-2 days") << -2 << QByteArray();
     QTest::newRow("-1 days") << -1 << QByteArray("in-25h");
@@ -284,7 +284,7 @@ void FileUtilsRemovalTest::removesAnyKindOfEntryByItsOwnAge()
 
 void FileUtilsRemovalTest::removesTreesByAge_data()
 {
-    QTest::addColumn<Maker>("makeEntries"); // creates entries in the given folder
+    QTest::addColumn<Maker>("makeEntries"); // creates entries in the test's folder
     QTest::addColumn<QByteArrayList>("left");
     auto const row = [](char const* title, Maker makeEntries, QByteArrayList const& left) {
         QTest::newRow(title) << makeEntries << left;
@@ -541,7 +541,8 @@ void FileUtilsRemovalTest::doesNotTruncateAPathAtANulCharacter()
     MakeFile(At("folder/file"));
     SetAgeOfEntries(Root(), Old);
     QByteArrayList const before = ListTree(Root());
-    // Qt may log warnings about a path with a NUL character, but their number is not known. Discard all messages of Qt.
+    // Qt may log any number of warnings about a path with a NUL character. Therefore, this test discards all messages
+    // of Qt.
     QtMessageHandler const handler =
         qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) {});
     for (QString const& tail : {QString(QChar::Null), QChar::Null + QStringLiteral("tail")}) {
@@ -588,7 +589,7 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
     // A QString cannot represent a name that is not valid UTF-8. Therefore, the name of the start folder is the result
-    // of the conversion to QString. The entries below this folder have the original name.
+    // of converting "name" to a QString and back. The entries below this folder have the original name.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
     MakeFolder(folder);
@@ -721,7 +722,7 @@ void FileUtilsRemovalTest::removesATreeDeeperThanAnyPathWithFewDescriptors()
     if (!withNewFile) {
         return;
     }
-    // RemoveDir() must have kept only the new file and the folders on its path.
+    // RemoveDir() must have kept only the new file and the folders that contain it directly or indirectly.
     Descriptor folder(open(At("deep").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     for (int level = 0; level < Levels; ++level) {
         std::vector<std::string> const names = NamesIn(folder, ".");

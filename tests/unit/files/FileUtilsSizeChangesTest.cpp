@@ -1,5 +1,6 @@
 // Tests of GetPathSize() with trees that change while the function runs. Also tests that the function changes neither
-// the open descriptors nor the current folder of the process, and that several threads can call it.
+// the open descriptors nor the current folder of the process, and that several threads can call the function at the
+// same time.
 
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
@@ -61,10 +62,11 @@ private:
 };
 
 /// Creates a chain of \a levels nested folders. The first folder is \a path, and the others have the name "c". Each
-/// folder of the chain contains one file and six side folders, and each side folder contains one file.
+/// folder of the chain contains one file and six side folders, and each side folder contains one file. Records the
+/// created files in \a sizes.
 ///
-/// The last folder of the chain also contains the dangling link "trigger". When GetPathSize() logs the path of this
-/// link, the test can change the tree.
+/// The last folder of the chain also contains the dangling link "trigger". GetPathSize() logs the path of this link,
+/// because the link has no size. At that moment, the test changes the tree.
 void MakeChain(std::string const& path, int levels, FileSizes& sizes)
 {
     std::string folder = path;

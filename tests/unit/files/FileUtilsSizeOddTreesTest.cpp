@@ -1,5 +1,5 @@
-// Tests of GetPathSize() with unusual trees: trees without permissions, trees with read errors, deep trees and random
-// trees. Also tests GetPathSize() in a process that can open only a few file descriptors.
+// Tests of GetPathSize() with unusual trees: trees with inaccessible folders, trees with read errors, deep trees and
+// random trees. Also tests GetPathSize() in a process that can open only a few file descriptors.
 
 #include <support/overrides/FolderReading.h>
 #include <support/sandbox/FolderTestCase.h>
@@ -72,8 +72,8 @@ Measured MeasureWithDescriptors(std::size_t count, std::string const& path)
     });
 }
 
-/// A simple reference implementation of GetPathSize(), with recursion and Boost.Filesystem. Appends the paths that have
-/// no size to \a sizeless.
+/// A simple reference implementation of GetPathSize(), with recursion and Boost.Filesystem. Appends the paths of
+/// entries without a size to \a sizeless.
 Bytes ReferenceSize(boost::filesystem::path const& path, QByteArrayList& sizeless)
 {
     namespace fs = boost::filesystem;
@@ -337,7 +337,8 @@ void FileUtilsSizeOddTreesTest::measuresATreeDeeperThanAnyPath()
 {
     constexpr int Levels = 3000;
     MakeDeepTree(At("deep"), Levels, 1, 0);
-    // GetPathSize() visits "side" before or after the deep subfolder "d", depending on the order of the entries.
+    // GetPathSize() visits "side" before or after the deep subfolder "d", depending on the order in which the file
+    // system lists the entries.
     MakeFolder(At("deep/side"));
     MakeFile(At("deep/side/file"), 50000);
 
@@ -348,7 +349,8 @@ void FileUtilsSizeOddTreesTest::measuresATreeDeeperThanAnyPath()
              QByteArrayList{QByteArray::fromStdString(At("deep")) + QByteArray("/d").repeated(Levels) + "/dangling"});
 }
 
-// Tests all numbers of descriptors in one test function without data rows, because creating the tree takes a long time.
+// This test has a loop instead of data rows: creating the tree takes a long time, and each data row would create it
+// again.
 void FileUtilsSizeOddTreesTest::measuresADeepTreeWithFewDescriptors()
 {
     constexpr int Levels = 1000;

@@ -18,8 +18,8 @@ namespace Zelkor::Testing
 namespace
 {
 
-/// Records the paths that GetPathSize() logs, without decoding their bytes. Whenever GetPathSize() logs a path, calls a
-/// function with this path. This happens while GetPathSize() is running.
+/// Records the paths that GetPathSize() logs, as raw bytes. Also calls a function with each path at the moment when
+/// GetPathSize() logs the path.
 class SizelessLog : public google::LogSink
 {
 public:

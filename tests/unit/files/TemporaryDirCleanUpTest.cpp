@@ -248,7 +248,8 @@ void TemporaryDirCleanUpTest::emptiesTheFolderOfARunningProcessOnce()
     std::string const firstOfA = a.Receive<QString>().toStdString();
     QVERIFY(Exists(firstOfA));
 
-    // The first TemporaryDir of a process removes the directories that other processes have created.
+    // The first TemporaryDir of a process removes the directories that other processes of the same program have
+    // created.
     ChildProcess b(createTwo);
     std::string const firstOfB = b.Receive<QString>().toStdString();
     QVERIFY(Exists(firstOfB));

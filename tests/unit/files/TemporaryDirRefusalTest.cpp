@@ -39,14 +39,15 @@ private Q_SLOTS:
     void isInvalidIfTheNameIsTooLong();
 
 private:
-    /// Adds the column "level" with a row for each level. FolderAtLevel() documents the levels.
+    /// Adds the column "level" to the test data, and one row for each level. The comment of FolderAtLevel() explains
+    /// the levels.
     static void LevelRows();
 
-    /// Returns the application's folder or one of its parent folders:
+    /// Returns the application's folder or one of its parent folders, depending on \a level:
     ///   -1: the temporary folder
-    ///    0: the folder of the application's name
-    ///    1: the folder of the version
-    ///    2: the folder of the program, which is the application's folder
+    ///    0: the folder with the name of the application
+    ///    1: the folder with the major version as its name
+    ///    2: the folder with the name of the program; this is the application's folder
     std::string FolderAtLevel(int level) const;
 
     static void VerifyInvalid(DirectoryState const& state);
@@ -119,8 +120,9 @@ void TemporaryDirRefusalTest::rejectsALink()
     QFETCH(int, level);
     QFETCH(std::string, target);
     for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        // If TemporaryDir followed the link, it would use one of these folders as the application's folder and remove
-        // the file "leftover" in it. The level of the link determines which folder it would use.
+        // If TemporaryDir followed the link that is created below, it would use one of these folders as the
+        // application's folder and remove the file "leftover" in that folder. The level of the link determines which
+        // folder it would use.
         for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
             MakeFolders(At(tree + below));
             MakeFile(At(tree + below + "/leftover"));
@@ -141,8 +143,8 @@ void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser_data()
     QTest::addColumn<int>("level");
     QTest::addColumn<bool>("asOrdinaryUser");
     QTest::addColumn<uint>("owner");
-    // Only root can change the owner of a folder. For other users, this test has no rows: rejectsASystemFolder() tests
-    // a folder of root instead.
+    // Only root can change the owner of a folder. For other users, this test has no rows. Instead,
+    // rejectsASystemFolder() tests a folder that belongs to root.
     if (geteuid() != RootUser) {
         return;
     }
@@ -282,7 +284,8 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 void TemporaryDirRefusalTest::doesNotUseTheRootFolderWithoutATemporaryFolder()
 {
     // The application's name is the path of this folder without the first slash. If TemporaryDir used an empty path
-    // instead of the missing temporary folder, it would find this folder at "/" plus the name.
+    // instead of the missing temporary folder, the path of the application's folder would start with "/" and the
+    // application's name. It would therefore be below this folder.
     std::string const folder = At("folder");
     MakeFolders(folder + "/2/" + ProgramName());
     MakeFile(folder + "/2/" + ProgramName() + "/canary");

@@ -53,8 +53,8 @@ void DestroyApplication()
     delete QCoreApplication::instance();
 }
 
-/// Sets the application's name and version to arguments 3 and 4 of this process, and creates a TemporaryDir. Prints the
-/// path of the directory if the directory exists.
+/// Sets the application's name and version to the command line arguments 3 and 4, and creates a TemporaryDir. Prints
+/// the path of its directory if the directory exists.
 void PrintDirectory()
 {
     QStringList const arguments = QCoreApplication::arguments();
@@ -130,15 +130,15 @@ void TemporaryDirTest::isBelowNameMajorVersionAndProgram()
     QString const copy = QString::fromStdString(At("bin/" + program));
     QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), copy));
 
-    // The folder depends on the file name of the program. A forked child would have the file name of this program;
-    // therefore, start a copy of this program with another file name.
+    // The application's folder depends on the file name of the program. A forked child process would have the file name
+    // of this program. Therefore, start a copy of this program with another file name.
     QProcess process;
     StartChildMain(process, copy, "print directory", {QString::fromStdString(name), QString::fromStdString(version)});
     QVERIFY(process.waitForFinished(TimeoutMs));
 
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
-    QCOMPARE(process.readAllStandardError(), QByteArray()); // log messages would be written here
+    QCOMPARE(process.readAllStandardError(), QByteArray()); // a log message would be in this output
     QCOMPARE(ParentOf(process.readAllStandardOutput().toStdString()), tmp_ + '/' + folder);
 }
 
@@ -417,8 +417,8 @@ void TemporaryDirTest::throwsIfTheVersionIsSetAfterTheFirstDirectory()
 
 void TemporaryDirTest::acceptsALaterChangeOfTheVersionOnlyIfItIsReset_data()
 {
-    QTest::addColumn<QStringList>("versions"); // the application's version when each directory is created
-    QTest::addColumn<QStringList>("results");  // the folder of each directory, or "exception"
+    QTest::addColumn<QStringList>("versions"); // for each directory: the application's version when it is created
+    QTest::addColumn<QStringList>("results");  // for each directory: the folder that contains it, or "exception"
     QString const version = QStringLiteral("2.5.1");
     QString const none;
     QString const application = QStringLiteral("application's folder");
