@@ -171,7 +171,7 @@ void FileUtilsStandardPathTest::returnsALibraryInTheVideosFolder_data()
     QTest::newRow("names") << QByteArray("Library/2021") << QByteArray("/Library/2021");
     QTest::newRow("empty") << QByteArray() << QByteArray("/");
     QTest::newRow("placeholder") << QByteArray("%1 ") << QByteArray("/%1 ");
-    QTest::newRow("path that is not normalized") << QByteArray("/../a//b/") << QByteArray("//../a//b/");
+    QTest::newRow("path that is not normalised") << QByteArray("/../a//b/") << QByteArray("//../a//b/");
 }
 
 void FileUtilsStandardPathTest::returnsALibraryInTheVideosFolder()
