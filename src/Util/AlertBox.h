@@ -85,7 +85,7 @@ public:
     ~AlertBox() override;
 
     /// Creates a box, prepares it with PrepareToShow(), shows it modally and destroys it. Runs a nested event loop. The
-    /// parameters are the same as those of the constructor.
+    /// constructor documents the parameters.
     ///
     /// \returns the standard button that was clicked; 0 if the box is destroyed together with its \a parent while it is
     ///          shown

@@ -5,6 +5,8 @@
 #include <QtCore/QObject>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <string>
 
 namespace Zelkor::Util
@@ -25,15 +27,6 @@ std::string Padded(unsigned long long number, std::size_t width)
     return digits;
 }
 
-unsigned long long Power(unsigned long long base, int exponent)
-{
-    unsigned long long power = 1;
-    while (exponent-- > 0) {
-        power *= base;
-    }
-    return power;
-}
-
 } // namespace
 
 int PrecisionForFileSize(unsigned long long size)
@@ -52,15 +45,14 @@ QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit,
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);
-    unsigned long long const floor = minUnit >= KB && minUnit <= TB ? Power(base, minUnit) : 1;
+    unsigned long long const divisors[] = {base * base * base * base, base * base * base, base * base, base};
+    unsigned long long const floor = minUnit >= KB && minUnit <= TB ? divisors[TB - minUnit] : 1;
     unsigned long long const selection = std::max(size, floor);
-    unsigned long long divisor = Power(base, TB);
-    for (QString const& label : labels) {
-        if (selection >= divisor) {
-            double const value = static_cast<double>(size) / static_cast<double>(divisor);
-            return label.arg(value, 0, 'f', effectivePrecision, QLatin1Char(' '));
+    for (std::size_t unit = 0; unit < std::size(divisors); ++unit) {
+        if (selection >= divisors[unit]) {
+            double const value = static_cast<double>(size) / static_cast<double>(divisors[unit]);
+            return labels[unit].arg(value, 0, 'f', effectivePrecision, QLatin1Char(' '));
         }
-        divisor /= base;
     }
     return QObject::tr("%1 B").arg(size);
 }

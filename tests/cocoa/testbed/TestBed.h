@@ -56,7 +56,7 @@ QStringList LoginItemUrls();
 /// Returns the URLs that the workspace was requested to open, in the order of the requests.
 QStringList OpenedUrls();
 
-/// For each request to show files in the file viewer, returns the URLs of the files. The order is that of the requests.
+/// For each request to show files in the file viewer, returns the URLs of the files. The lists are in the order of the requests.
 QList<QStringList> FileViewerRequests();
 
 } // namespace Zelkor::TestBed

@@ -6,8 +6,8 @@
 namespace Zelkor::Testing
 {
 
-/// Returns the geometries of all screens. The first geometry is that of the primary screen. The offscreen platform has
-/// one screen; the X server of the tests has several screens.
+/// Returns the geometries of all screens. The primary screen is the first. The offscreen platform has one screen;
+/// the X server of the tests has several screens.
 QVector<QRect> ScreenGeometries();
 
 /// Adds the column "screen" of type QRect to the current test data, and one row for each screen with the geometry of
