@@ -447,7 +447,7 @@ class Runner:
         self.benchmark(results, "RemovalBenchmark", repetitions=21)
         self.benchmark(results, "ObserverBenchmark")
         self.benchmark(results, "ModelBenchmark")
-        self.benchmark(results, "ConnectorBenchmark", repetitions=3)
+        self.benchmark(results, "ConnectorBenchmark", repetitions=1)  # one repetition takes minutes
         self.benchmark(results, "WidgetBenchmark", min_time=0.02)
         for tree in TREES:
             self.subtract_start(results, tree, "Du", "ProcessStart")
