@@ -447,7 +447,7 @@ class Runner:
         self.benchmark(results, "RemovalBenchmark", repetitions=21)
         self.benchmark(results, "ObserverBenchmark")
         self.benchmark(results, "ModelBenchmark")
-        self.benchmark(results, "ConnectorBenchmark", repetitions=1)  # one repetition takes minutes
+        self.benchmark(results, "ConnectorBenchmark", repetitions=2)  # one repetition takes minutes
         self.benchmark(results, "WidgetBenchmark", min_time=0.02)
         for tree in TREES:
             self.subtract_start(results, tree, "Du", "ProcessStart")
@@ -581,7 +581,7 @@ def document(rows, facts, quick):
   is faster.
 - **Goal** is a limit for one of these ratios. The last column shows whether the library meets all goals of the row.
 
-Every measured time is the median of 3 to 201 repetitions, depending on the duration of the job. The repetitions of the
+Every measured time is the median of 2 to 201 repetitions, depending on the duration of the job. The repetitions of the
 library and of its peers alternate in random order. The last rows of the table count functions, copies or system calls
 instead of time. The row about copies shows the numbers of the peer instead of a ratio.
 {warning if quick else ""}
