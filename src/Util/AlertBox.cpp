@@ -46,7 +46,8 @@ constexpr LevelLook LevelLooks[] = {
     {nullptr, ":/MessageBox/question_icon.png", MessageLevel::Question},
 };
 
-/// Returns the properties of \a level, or null if \a level is outside the enumeration.
+/// Returns the default title, the icon and the message level of \a level. Returns null if \a level is outside the
+/// enumeration.
 LevelLook const* LookOf(AlertBox::Level level)
 {
     auto const index = static_cast<std::size_t>(level);
@@ -120,7 +121,8 @@ AlertBox::AlertBox(Level level, QString const& title, QString const& text, QMess
         } else if (level_ == Question) { // deliberate: only a question without a title gets a minimum width
             SetWidth(QuestionWidth);
         }
-        // Keep this call inside the if statement: since the first release, it is made only for an empty title.
+        // Required behaviour since the first release: call QMessageBox::setWindowTitle() only if the parameter `title`
+        // is empty.
         QMessageBox::setWindowTitle(shownTitle);
     }
     QWidget::setWindowTitle(shownTitle); // required, because QMessageBox::setWindowTitle() has no effect on macOS

@@ -34,8 +34,8 @@ AsyncService::Task* CheckedTask(AsyncService::Task* task)
 
 struct AsyncService::Impl
 {
-    /// Represents a running call of Task::onProgress. The callback may run an event loop, in which the task can
-    /// complete and the service can be destroyed.
+    /// Represents a running call of Task::onProgress. The callback may run an event loop. While this event loop runs,
+    /// the task can complete and the service can be destroyed.
     struct Delivery : StackLink<Delivery>
     {
         Delivery(Impl* impl, Task* deliveredTask)

@@ -38,9 +38,9 @@ namespace Util
 /// service.run(task);
 /// \endcode
 ///
-/// **When to use it:** for the jobs of one window or document that must neither overlap nor block the GUI. **When not
-/// to use it:** for jobs that should run in parallel (use `QThreadPool`), or if the owner thread must never wait for a
-/// job: the destructor of the service waits for the running job.
+/// **When to use it:** for the jobs of one window or document, if these jobs must not overlap and must not block the
+/// GUI. **When not to use it:** if jobs should run in parallel (use `QThreadPool`). Also, do not use it if the owner
+/// thread must never wait for a job, because the destructor of the service waits for the running job.
 ///
 /// **Threads.** Call all functions on the owner thread, except report() and the functions of Reporter. The event loop
 /// of the owner thread calls all callbacks. If the owner thread runs no event loop, no callback is called.
@@ -110,8 +110,8 @@ public:
     /// Registers \a task and sets Task::error to null. Returns \a task. Does not start the job.
     ///
     /// \a task must have been created with `new`, because the service deletes it with `delete`. A second post() of the
-    /// same task creates a new reporter, which is not cancelled. If the job is already queued, the job still uses the
-    /// previous reporter.
+    /// same task creates a new reporter, whose flag Reporter::cancelled is false. If the job is already queued, the job
+    /// still uses the previous reporter.
     ///
     /// Throws `std::invalid_argument` if \a task is null.
     Task* post(Task* task);

@@ -56,7 +56,8 @@ public:
     ///
     /// \param identifier      the identifier of the application; if it does not have four parts, the function cannot
     ///                        write a launch agent and logs this at WARNING
-    /// \param executablePath  the path of the executable; on macOS, the bundle that contains the executable is opened
+    /// \param executablePath  the path of the executable; on macOS, the launch agent opens the bundle that contains
+    ///                        the executable
     /// \param arguments       the arguments of the executable
     /// \return true if the login item exists or was added, or if launchctl was started
     virtual bool AddToStartup(QString const& identifier, QString const& executablePath,
@@ -67,9 +68,9 @@ public:
     /// Searches the cached list, and refreshes the list only after a successful removal. The cached list of a new
     /// launcher is empty. Therefore, call IsInStartup() or GetStartupApplications() first.
     ///
-    /// On macOS, the function first tries to remove the login item. If the list does not contain the login item, or
-    /// removing it fails, the function starts "launchctl unload" for the launch agent without waiting for its result.
-    /// The function does this even if the launch agent is not loaded. The file of the launch agent is not removed.
+    /// On macOS, the function first tries to remove the login item of \a identifier. If this fails, and the cached list
+    /// contains a launch agent for \a identifier, the function starts "launchctl unload" without waiting for its
+    /// result. The launch agent does not have to be loaded. Its file is not removed.
     ///
     /// \return true if the login item was removed or launchctl was started; false otherwise, for example if the cached
     ///         list does not contain \a identifier

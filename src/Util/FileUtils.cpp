@@ -91,8 +91,8 @@ PathValidity IsThisPathValid(QString const& path)
 
 bool IsThisPathValid(QString const& path, QString* errorText)
 {
-    // The error text is thrown in an exception of this local class and caught in the same function. This has been a
-    // requirement since the first release.
+    // Required behaviour since the first release: if the path is not valid, this function throws the error text in an
+    // exception of this local class, and catches the exception itself.
     class Error : public std::exception
     {
     public:

@@ -65,13 +65,13 @@ ZQTUTIL_EXPORT bool CanReadFileIn(QString const& folder);
 /// file again.
 ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 
-/// Removes the entries of \a folder that were last modified at least \a days days ago.
+/// Removes the entries of \a folder that were last modified at a certain time limit or earlier.
 ///
-/// Days are calendar days. The limit is the current local time of day on the date \a days days ago.
+/// The time limit is the current local date and time minus \a days calendar days. The time of day does not change.
 ///
-/// A subfolder that was last modified at the limit or earlier is processed in the same way, and removed if it is then
-/// empty. Newer subfolders are skipped with all their contents. Symbolic links are never followed: a link is removed
-/// like a file. Entries that cannot be removed are skipped without a message.
+/// A subfolder that was last modified at the time limit or earlier is processed in the same way, and removed if it is
+/// then empty. Newer subfolders are skipped with all their contents. Symbolic links are never followed: a link is
+/// removed like a file. Entries that cannot be removed are skipped without a message.
 ///
 /// The tree can have any depth. The function works even if the process can open only a few files.
 ///
@@ -111,13 +111,14 @@ ZQTUTIL_EXPORT unsigned long long GetPathSize(ioPath const& path);
 /// also a link, this second link is not resolved.
 ZQTUTIL_EXPORT QString GetStandardPath(QStandardPaths::StandardLocation location);
 
-/// Returns the path of \a subPath in the user's movies folder. The movies folder contains the shared media library.
+/// Returns the path of the user's movies folder, followed by a separator and \a subPath. The movies folder contains the
+/// shared media library.
 ZQTUTIL_EXPORT QString GetZelkorLibraryPath(QString subPath);
 
 /// Opens the system's file manager and selects \a file. Call this function on the GUI thread.
 ///
-/// \return the result of ExploreFile(ioPath const&, std::vector<ioPath> const&), called with the parent folder of
-///         \a file and with \a file
+/// \return on macOS, always true; on Linux, true if the D-Bus call was sent or the parent folder of \a file was opened.
+///         See ExploreFile(ioPath const&, std::vector<ioPath> const&).
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 
 /// Opens the system's file manager and selects \a files. Does not wait for the file manager. Call this function on the
@@ -132,8 +133,8 @@ ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 /// \return on macOS, always true; on Linux, true if the D-Bus call was sent or \a folder was opened
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files);
 
-/// Opens the system's file manager and selects \a file. Call this function on the GUI thread. The behaviour is the same
-/// as that of ExploreFile(ioPath const&).
+/// Opens the system's file manager and selects \a file. Call this function on the GUI thread. Returns the
+/// result of ExploreFile(ioPath const&).
 ZQTUTIL_EXPORT bool ExploreSingleFile(QString const& file);
 
 /// Returns the free space in bytes on the volume that contains \a path, or 0 if the free space cannot be determined.

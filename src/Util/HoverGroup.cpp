@@ -11,8 +11,8 @@
 // When a member receives a hover event (an enter or leave event), the group sends the same QEvent object to all other
 // members. The group's event filter then sees that QEvent again, once for each of the other members. The filter
 // compares the address of the QEvent with replayed_ to recognise these replayed events, and does not replay them again.
-// Without this comparison, the group would iterate over all members once for each member instead of once for each hover
-// event.
+// Without this comparison, the group would start a new iteration over all members whenever it replays the event to a
+// member.
 //
 // An event handler of a member can destroy any widget or the group itself, and can add or remove members.
 // replayToOthers() therefore iterates over a copy of the addresses. Before it sends the event to an address, it looks
@@ -68,8 +68,8 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     if (hovered == members_.end()) {
         return QObject::eventFilter(watched, event);
     }
-    // Record the type before replaying. An event handler of another member can cause a new event of the same type.
-    // Without the record, the group would send the new event back to this member.
+    // Set the member variable `last` before the group replays the event. An event handler of another member can cause a
+    // new event of the same type. If `last` were not set yet, the group would send the new event back to this member.
     hovered->second.last = event->type();
     if (event == replayed_) {
         return QObject::eventFilter(watched, event);

@@ -45,8 +45,8 @@ public:
     void addItem(QWidget* widget);
 
     /// Removes \a widget from the group. The group no longer sends the events of \a widget to the members, and no
-    /// longer sends their events to \a widget. The attribute `Qt::WA_Hover` of \a widget remains set. A widget that is
-    /// not a member is ignored.
+    /// longer sends the events of the members to \a widget. The attribute `Qt::WA_Hover` of \a widget remains set. A
+    /// widget that is not a member is ignored.
     void removeItem(QWidget* widget);
 
     /// If \a watched is a member and \a event is an enter or leave event, sends \a event to the other members.
