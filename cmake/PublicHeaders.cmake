@@ -1,5 +1,5 @@
-# The public headers. Applications use these paths in #include directives. This list determines which headers are
-# installed, tested to compile alone, and described in the reference documentation.
+# The public headers. Applications use these paths in #include directives. The headers of this list are installed and
+# described in the reference documentation. A test checks that each of them compiles on its own.
 set(ZQTUTIL_PUBLIC_HEADERS
     Base/AddStack.h
     Base/CallStack.h

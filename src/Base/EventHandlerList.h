@@ -60,9 +60,9 @@ struct SyncExecutePolicy
 /// In this documentation, "publication" means a call of PerformForEachEventHandler().
 ///
 /// **Threads.** All functions are thread-safe. Publications on different threads do not overlap: the second publication
-/// waits until the first has finished. If a handler starts another publication on the same thread, this publication
-/// does not wait. The list is not locked while handlers are called, so other threads can register and unregister
-/// handlers.
+/// waits until the first has finished. If a handler starts a nested publication on the same thread, the nested
+/// publication does not wait. The list is not locked while handlers are called, so other threads can register and
+/// unregister handlers.
 ///
 /// **Changes during a publication.** A publication first copies the list, then waits if necessary, then calls the
 /// handlers. If a handler is unregistered after the list was copied, the publication still calls this handler. The

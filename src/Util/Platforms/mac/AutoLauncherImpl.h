@@ -7,9 +7,9 @@
 namespace Zelkor::Util
 {
 
-/// Combines login items and launch agents. IsInStartup(), AddToStartup() and RemoveFromStartup() first use the login
-/// items. They use the launch agents only if the call for the login items has returned false. GetStartupApplications()
-/// returns the login items, followed by the launch agents.
+/// Combines login items and launch agents. IsInStartup(), AddToStartup() and RemoveFromStartup() first try the login
+/// items. If this attempt returns false, these functions try the launch agents. GetStartupApplications() returns the
+/// login items, followed by the launch agents.
 ///
 /// The login items and the launch agents are cached in two lists. IsInStartup() and GetStartupApplications() refresh
 /// the lists before they use them. AddToStartup() and RemoveFromStartup() use the lists without refreshing them first,

@@ -18,8 +18,8 @@ QString LaunchAgentFileName(QString const& identifier)
     if (parts.size() != IdentifierParts) {
         return {};
     }
-    // The name must have this form, because launch agents with such names are already installed: there is no dot
-    // between the product and the major version, and the major version is not converted to lower case.
+    // Do not put a dot between the product and the major version, and do not convert the major version to lower case.
+    // Otherwise, the name would differ from the names of the launch agents that are already installed.
     QString const majorVersion = parts[2].section(QLatin1Char('.'), 0, 0);
     return QLatin1String("com.") + parts[0].toLower() + QLatin1Char('.') + parts[1].toLower() + majorVersion +
            QLatin1Char('.') + parts[3].toLower() + QLatin1String(".startup.plist");

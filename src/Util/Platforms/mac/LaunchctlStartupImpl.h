@@ -41,9 +41,10 @@ public:
     /// waiting for its result. If the cached list already contains the agent and its property list exists, the property
     /// list is not written again.
     ///
-    /// \param identifier      the identifier of the application, which is also the label of the agent; if the property
-    ///                        list must be written and the identifier does not have four parts separated by
-    ///                        underscores, the function logs a message at WARNING and returns false
+    /// If the property list must be written and \a identifier does not consist of four parts separated by underscores,
+    /// this function logs a message at WARNING and returns false.
+    ///
+    /// \param identifier      the identifier of the application, which is also the label of the agent
     /// \param executablePath  the path of the executable; at login, the bundle that contains the executable is opened
     /// \param arguments       the arguments of the executable
     /// \return true if launchctl was started

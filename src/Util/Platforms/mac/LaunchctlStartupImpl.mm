@@ -30,8 +30,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// The source line numbers that two log records contain. They are constants, because the support team searches logs for
-// the line numbers of the first release.
+// The source line numbers in two log records. They must not change when this file changes, because the support team
+// searches logs for these numbers, which are the line numbers of the first release.
 constexpr int ListingFailedLine = 63;
 constexpr int InvalidIdentifierLine = 120;
 

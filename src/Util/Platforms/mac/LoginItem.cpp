@@ -10,10 +10,12 @@ namespace
 
 constexpr int LeastBundleIdentifierParts = 3;
 constexpr int VersionDots = 2;
-// MainBundlePathOf() removes five parts from the end of a login item's path: "Contents", "Library", "LoginItems", the
-// login item's bundle, and the empty string after the last slash.
+// MainBundlePathOf() splits a login item's path at the slashes and removes the last five parts: "Contents", "Library",
+// "LoginItems", the name of the login item's bundle, and the empty string after the last slash.
 constexpr int PartsInsideMainBundle = 5;
-constexpr int HelperPart = 3; // the index of the helper's product name in an application identifier
+// An application identifier consists of four parts, separated by underscores. The last part, with the index 3, is the
+// product name of the helper application.
+constexpr int HelperPart = 3;
 
 } // namespace
 

@@ -24,11 +24,11 @@ QString ProductWithoutMajorVersion(QString const& product, QString const& versio
 /// Returns an empty string if \a itemPath has too few folders to be the path of a login item.
 QString MainBundlePathOf(QString const& itemPath);
 
-/// Converts the text of a file URL to a path by removing "file://localhost" or "file://".
+/// Converts the text of a file URL to a path by removing "file://localhost" or "file://". Before OS X 10.9, file URLs
+/// begin with "file://localhost"; on later systems, they begin with "file://".
 ///
 /// \param url             the text of the URL
-/// \param namesLocalhost  true to remove "file://localhost", because file URLs begin with this text before OS X 10.9;
-///                        false to remove "file://"
+/// \param namesLocalhost  true to remove "file://localhost"; false to remove "file://"
 QString PathOfUrlText(QString const& url, bool namesLocalhost);
 
 /// Returns the product name of the helper application, which is the fourth underscore-separated part of the application

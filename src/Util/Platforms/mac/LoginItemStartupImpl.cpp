@@ -1,7 +1,11 @@
-// A login item does not store the identifier of its application. IdentifierOf() rebuilds the identifier from two
-// bundles: the bundle of the helper application (the login item), and the bundle of the main application. The vendor is
-// from the helper's bundle. The product name and the version are from the main bundle. The product name of the helper
-// is from the helper's bundle. The result has the same four parts as the identifiers of launch agents.
+// A login item does not store the identifier of its application. IdentifierOf() builds the identifier from the bundle
+// of the helper application (the login item) and the bundle of the main application. The identifier has four parts,
+// like the identifiers of launch agents:
+//
+// 1. the vendor, read from the helper's bundle
+// 2. the product name of the main application, read from the main bundle
+// 3. the version of the main application, read from the main bundle
+// 4. the product name of the helper, read from the helper's bundle
 //
 // CoreFoundationOwner owns the Core Foundation objects, so that they are released on every code path. The functions in
 // LoginItem.cpp compute names and paths. They are in a separate file, so that they can be tested without a Mac.

@@ -26,8 +26,8 @@ public:
     LoginItemStartupImpl(LoginItemStartupImpl const&) = delete;
     LoginItemStartupImpl& operator=(LoginItemStartupImpl const&) = delete;
 
-    /// Replaces the cached list with the login items of the user's session whose bundle identifier has \a maker as its
-    /// second part, the vendor.
+    /// Replaces the cached list with the login items of the vendor \a maker in the user's session. The vendor is the
+    /// second part of a login item's bundle identifier.
     void UpdateStartupItems(QString const& maker);
 
     /// Returns true if the cached list contains a login item for the application \a identifier.

@@ -1,7 +1,7 @@
 #pragma once
 
-// The QSettings format for property lists. The tests on other systems also compile the sources of this folder. On these
-// systems, the test code defines PropertyListFormat().
+// The QSettings format for property lists. On macOS, QSettings supports property lists. On other systems, the tests
+// also compile the macOS sources. There, the test code defines PropertyListFormat().
 
 #include <QtCore/QSettings>
 

@@ -46,8 +46,8 @@ public:
     using FolderWalk::Walk;
 
 private:
-    // Reads all names before it removes files. On some file systems, readdir() skips entries if other entries are
-    // removed between its calls.
+    // This function reads all names before it removes the first file. On some file systems, readdir() skips entries if
+    // files are removed while the folder is being read.
     bool Read(DIR* stream) override
     {
         int const descriptor = dirfd(stream);

@@ -8,10 +8,12 @@
 // At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. If this limit is
 // reached, the traversal closes the outermost open folder before it enters the next folder. When the traversal returns
 // to a closed folder, it opens this folder again only if the folder has more subfolders to enter, or if SubfolderLeft()
-// must be called. To open the closed folder again, the traversal opens ".." relative to a folder below it, which is
-// kept open for this purpose. If ".." is a different folder (its device or inode number differs), each folder on the
-// path is opened again, beginning with the start folder. If the result is a different folder again, the traversal calls
-// Lost().
+// must be called.
+//
+// The traversal uses two methods to open a closed folder again. First, it opens "..", "../.." and so on relative to a
+// folder further down, which was kept open for this purpose. If this fails or opens a different folder (the device or
+// inode number differs), the traversal opens each folder on the path, beginning with the start folder. If the second
+// method also fails, the traversal calls Lost().
 //
 // The names of all queued subfolders share one buffer, and all paths share one string. A subfolder therefore needs no
 // separate allocation.

@@ -53,9 +53,9 @@ protected:
     /// Returns the path of the entry \a name in the folder Path().
     std::string PathOf(char const* name) const;
 
-    /// Reads \a stream, which is the folder that the traversal is about to enter. Calls QueueSubfolder() for each
-    /// subfolder that the traversal must enter later. Returns false if reading fails; the queued subfolders of this
-    /// folder are then discarded.
+    /// Reads the entries of the folder that the traversal is about to enter. \a stream is the open directory stream of
+    /// this folder. Calls QueueSubfolder() for each subfolder that the traversal must enter later. Returns false if
+    /// reading fails; the traversal then discards the queued subfolders of this folder.
     virtual bool Read(DIR* stream) = 0;
     /// Called if the folder Path() cannot be opened, or if Read() has returned false for this folder. The traversal
     /// does not enter this folder.
@@ -112,9 +112,8 @@ private:
     std::size_t closedFolders_ = 0; // the number of closed folders, which are always the first elements of folders_
     std::vector<char> subfolders_;  // the names of all queued subfolders, each with a terminating NUL
 
-    // When the traversal leaves a folder that is open, it keeps this folder open in below_ instead of closing it. If
-    // the parent of this folder is closed, Reopen() can open ".." relative to this folder. below_ is null after the
-    // traversal has tried to enter another subfolder.
+    // The open folder that the traversal left most recently. It is kept open so that Reopen() can use ".." to open a
+    // closed folder above it. The traversal closes it and sets below_ to null before it enters another subfolder.
     FolderStream below_;
     std::size_t levelsBelow_ = 0; // the number of levels from the current folder down to the folder below_
 

@@ -1,12 +1,13 @@
 // Adds up file sizes while FolderWalk traverses a folder tree. Speed matters, because trees can contain millions of
 // files:
 //
-// - One fstatat() call per file follows links and returns existence, type and size together.
-// - The type in the directory entry identifies folders. Only file systems that do not set the type need a second call.
+// - For each file, one call of fstatat() follows links and returns the existence, type and size of the file.
+// - readdir() returns the types of the entries, so folders are recognised without another system call. On file
+//   systems that do not provide the type, each entry needs an additional call of fstatat().
 // - No memory is allocated for a single file.
 //
-// The sum of a folder is added to the sum of its parent only when the traversal leaves the folder. Until then, the sum
-// of a folder that becomes inaccessible can be set to 0, so that the folder does not count.
+// The sum of a folder is added to the sum of the parent folder only when the traversal leaves the folder. If a folder
+// becomes inaccessible before that, its sum is set to 0, so that nothing in this folder is counted.
 
 #include <Util/Platforms/TreeSize.h>
 
