@@ -87,9 +87,9 @@ struct ByHandRunner
 
 /// Runs \a work in a child process and returns its processor time in seconds.
 ///
-/// For every new connection, Qt searches the existing connections of the emitter. Memory latency takes nearly all of
-/// that time, so the addresses of the connections on the heap change the result by a factor of up to four. Each child
-/// process starts with the same heap, which makes the results comparable.
+/// For every new connection, Qt searches the existing connections of the emitter. The duration of this search depends
+/// mainly on memory latency. Therefore, the result can vary by a factor of up to four, depending on the heap addresses
+/// of the connections. Each child process starts with the same heap, which makes the results comparable.
 template <class Work>
 double SecondsInChild(Work const& work)
 {

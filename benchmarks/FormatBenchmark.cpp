@@ -1,8 +1,8 @@
 // Measures FormatFileSize() and FormatDuration(). Each call formats the next value of a table.
 //
-// The lower bound of the time is snprintf(), which writes into a buffer. A label needs a QString, so snprintf() with a
-// conversion to QString is measured too. The other functions for comparison are the formatters of Qt and of KDE's
-// frameworks.
+// For comparison, the benchmark also measures snprintf(), which writes into a buffer. Its time is the lower bound. A
+// QLabel needs a QString, so the benchmark also measures snprintf() with a conversion to QString. The other functions
+// for comparison are the formatters of Qt and of the KDE frameworks.
 
 #include "Support.h"
 

@@ -1,10 +1,11 @@
 // Measures FunctorExecutionForwarder, which calls functors on another thread: the time to post functors, the time to
 // call posted functors, and the time of round trips between two threads.
 //
-// For comparison, the benchmark measures four alternatives. The lower bound of the time is an event that contains the
-// functor and is posted with QCoreApplication::postEvent(). Two alternatives are functions of Qt. The last alternative
-// is LeanForwarder, the smallest class that passes a std::function through a queued signal. FunctorExecutionForwarder
-// is documented to use the same mechanism.
+// For comparison, the benchmark measures four alternatives:
+// - QCoreApplication::postEvent() with an event that contains the functor. Its time is the lower bound.
+// - QMetaObject::invokeMethod() and QTimer::singleShot().
+// - LeanForwarder, the smallest class that passes a std::function through a queued signal. According to its
+//   documentation, FunctorExecutionForwarder uses a queued signal too.
 
 #include "LeanForwarder.h"
 #include "Support.h"
@@ -206,7 +207,7 @@ void PingPong(benchmark::State& state)
 // Measures no time. Reports the number of copies of a functor as three counters:
 // - "kept": the copies that Forward() makes if the caller passes a variable.
 // - "handed_over": the copies that Forward() makes if the caller passes a temporary.
-// - "called": the copies made while the event loop calls both functors.
+// - "called": the total number of copies made while the event loop calls the two queued functors.
 template <class Forwarder>
 void Copies(benchmark::State& state)
 {

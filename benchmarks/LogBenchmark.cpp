@@ -1,7 +1,7 @@
 // Measures QtLogHandler: logs messages that contain a number, from one thread. Every implementation writes to a file.
 //
-// QtLogHandler receives messages that Qt has formatted, and logs them through glog. Therefore, the lower bound of the
-// time is a direct call of glog. For comparison, the benchmark also measures Qt's default handler and spdlog, a log
+// QtLogHandler receives messages that Qt has formatted, and logs them through glog. Therefore, the time of a direct
+// call of glog is the lower bound. For comparison, the benchmark also measures Qt's default handler and spdlog, a log
 // library that new projects often choose. Qt's default handler writes to the standard error, which the benchmark
 // redirects to a file.
 

@@ -29,8 +29,8 @@ QStringList Uids()
     return uids;
 }
 
-/// The lower bound of the time for reading uids: a list of strings with only the two functions that every list model
-/// needs.
+/// A list of strings with only the two functions that every list model needs. The time for reading its uids is the
+/// lower bound for comparison.
 class MinimalModel : public QAbstractListModel
 {
 public:
@@ -94,8 +94,8 @@ void Read(benchmark::State& state)
     }
 }
 
-/// Returns the icon path of \a uid. The lower bound of the time for creating icon paths: allocates a string of the
-/// final length and writes each character once.
+/// Returns the icon path of \a uid. Allocates a string of the final length and writes each character once. The time of
+/// this function is the lower bound for comparison.
 QString OnePass(QString const& uid)
 {
     static QLatin1String const before("qrc:/icons/");

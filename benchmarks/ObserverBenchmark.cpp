@@ -1,9 +1,9 @@
 // Measures EventHandlerList: publishes an event, which contains a string, to 1, 10 and 1 000 observers. Each observer
 // adds up the lengths of the strings that it receives.
 //
-// For comparison, the benchmark measures four alternatives. The lower bound of the time is a vector of observers
-// protected by one mutex. That simple implementation deadlocks if an observer publishes an event in its callback. The
-// other alternatives are signal libraries.
+// For comparison, the benchmark measures four alternatives. One alternative is a vector of observers protected by one
+// mutex. Its time is the lower bound, but it deadlocks if an observer publishes an event in its callback. The other
+// alternatives are signal libraries.
 
 #include "Support.h"
 

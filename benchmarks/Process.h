@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Measures external programs.
+/// A function that measures the processor time of external programs.
 
 #include <stdexcept>
 #include <string>

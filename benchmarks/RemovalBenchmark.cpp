@@ -1,4 +1,5 @@
-// Measures RemoveDir(), which removes files that have reached a minimum age: 20 000 old files in 200 folders.
+// Measures RemoveDir(), which removes files that have reached a minimum age. In the benchmark, RemoveDir() removes
+// 20 000 old files in 200 folders.
 //
 // For comparison, the benchmark also measures the command `rm -rf` and QDir::removeRecursively(). Both remove files
 // without checking their age. The time of `rm` includes the start of the process; "RemovalStart/Rm" measures only the

@@ -40,8 +40,8 @@ double ProcessorSeconds(Work const& work)
 /// Pins the calling thread to one core during the lifetime of the object. Threads that the calling thread starts during
 /// this time are pinned to the same core.
 ///
-/// Use PinToOneCore for threads that wait for each other in turn. On several cores, the time that an idle core needs to
-/// wake up would dominate the result.
+/// Use PinToOneCore if two threads take turns, so that one of them always waits for the other. On several cores, the
+/// time that an idle core needs to wake up would dominate the result.
 class PinToOneCore
 {
 public:
@@ -90,8 +90,8 @@ private:
     int count_;
 };
 
-/// Calls functors on another thread. Posts one event for each functor; the event contains the functor. The benchmarks
-/// use this class as the lower bound of the time for passing work to a thread with an event loop.
+/// Calls functors on another thread. Posts one event for each functor; the event contains the functor. For the
+/// benchmarks, the time of this class is the lower bound for passing work to a thread with an event loop.
 class PostedEvents : public QObject
 {
 public:

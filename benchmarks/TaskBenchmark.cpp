@@ -1,9 +1,9 @@
 // Measures AsyncService, which runs jobs on one worker thread and delivers progress and completion to the owner thread.
 //
 // For comparison, the benchmark measures several alternatives. Each alternative also has only one worker thread, so
-// that its jobs run one after another, like the jobs of AsyncService. The lower bound of the time is code that posts
-// one event for each job to the worker thread. The worker thread posts one event for each progress report and for the
-// completion of the job to the owner thread.
+// that its jobs run one after another, like the jobs of AsyncService. One alternative is code that posts one event
+// for each job to the worker thread. For each progress report and for the completion of the job, the worker thread
+// posts one event to the owner thread. The time of this code is the lower bound.
 
 #include "Support.h"
 

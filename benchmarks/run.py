@@ -340,9 +340,10 @@ TREES = {
     "OneFolder": Tree("100 000 files in one folder", 100000),
 }
 
-# The number of copies of a functor that FunctorExecutionForwarder may make. "kept": the caller passes a variable, which
-# is copied into the parameter and into the queue. "handed_over": the caller passes a temporary, which is copied only
-# into the queue. "called": calling the functor does not copy it.
+# The expected number of copies of a functor that FunctorExecutionForwarder makes:
+# - "kept": the caller passes a variable, which is copied into the parameter and into the queue.
+# - "handed_over": the caller passes a temporary, which is copied only into the queue.
+# - "called": calling the functor does not copy it.
 COPIES = {"kept": 2, "handed_over": 1, "called": 0}
 
 # Loading the library runs the compiler's start-up function, and one function for each of the four source files that
@@ -418,8 +419,8 @@ class Runner:
             raise CannotRun(str(error)) from error
 
     # A processor core is sometimes slow for about a second, independent of the program. Many short samples distribute
-    # these slow periods evenly among the library and its peers. With few long samples, the median would vary between
-    # runs.
+    # these slow periods evenly among the library and the alternatives with which it is compared. With few long samples,
+    # the median would vary between runs.
     def benchmark(self, results, name, *arguments, repetitions=201, min_time=0.005):
         print(f"{name} ...", file=sys.stderr, flush=True)
         self.command(

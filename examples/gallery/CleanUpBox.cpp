@@ -36,8 +36,8 @@ constexpr int MaxDays = 365;
 
 enum Column { Name, Age, After };
 
-// The singular is handled here: tr() with "%n" has a singular form only in a translation, and the gallery has no
-// translation.
+// The gallery has no translations. Without a translation, tr() with "%n" would return "1 days", so this function
+// handles the singular itself.
 QString DaysText(int days)
 {
     return days == 1 ? CleanUpBox::tr("1 day") : CleanUpBox::tr("%n days", nullptr, days);

@@ -83,8 +83,8 @@ std::optional<QString> CommandLine::Screenshots() const
 }
 
 // QCommandLineParser uses QStrings, which cannot represent bytes that are not valid UTF-8. Therefore, this function
-// searches the original arguments for the one that corresponds to the value of the option. It returns the path with the
-// original bytes.
+// searches the original command-line arguments for the argument that matches the option's value, and returns the path
+// with its original bytes.
 std::optional<ioPath> CommandLine::PathValue(QCommandLineOption const& option) const
 {
     if (!parser_.isSet(option)) {

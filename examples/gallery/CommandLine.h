@@ -32,10 +32,11 @@ public:
     /// application object.
     void ExitIfHandled();
 
-    /// Returns the folder for which the program prints the sizes of the entries on the terminal. Returns std::nullopt
-    /// if the option "--report" is not set.
+    /// Returns the value of the option "--report", a folder. The program prints the sizes of the folder's entries on
+    /// the terminal. Returns std::nullopt if the option is not set.
     std::optional<ioPath> Report() const;
-    /// Returns the folder that the pages show first. Returns std::nullopt if the option "--folder" is not set.
+    /// Returns the folder that the pages use when the program starts. Returns std::nullopt if the option "--folder" is
+    /// not set.
     std::optional<ioPath> Folder() const;
     /// Returns the folder into which the program writes pictures of the pages. Returns std::nullopt if the option
     /// "--screenshots" is not set.

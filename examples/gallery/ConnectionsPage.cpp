@@ -66,8 +66,9 @@ void ConnectionsPage::AddControl(QAbstractSlider* control, QString const& name, 
     control->setAccessibleName(name);
     auto* const value = new QLabel(locale().toString(control->value()));
     value->setAlignment(Qt::AlignHCenter);
-    // Connect this slot before any control is registered. Slots are called in the order in which they were connected,
-    // so the timeline shows the control that the user moves before the receivers that follow the control.
+    // Connect this slot before any control is registered with ObjectsConnector. Qt calls slots in the order in which
+    // they were connected. Therefore, when the user moves a control, the timeline lists the change of this control
+    // first, and then the changes of its receivers.
     connect(control, &QAbstractSlider::valueChanged, this, [this, name, value](int number) {
         value->setText(locale().toString(number));
         timeline_->Add(name, tr("value %1").arg(value->text()));
@@ -167,8 +168,8 @@ void ConnectionsPage::UnregisterSelected()
     } else {
         ObjectsConnector::unregisterReceiver(registration.id, control, Slot());
     }
-    // The control may be registered several times under this name in the selected role, emitter or receiver.
-    // ObjectsConnector has removed all of these registrations. Therefore, remove all of their rows.
+    // The same control can be registered several times under the same name as an emitter, or as a receiver. The call
+    // above has removed all of these registrations, so remove all of their rows from the table.
     for (int row = table_->rowCount() - 1; row >= 0; --row) {
         auto const at = registrations_.begin() + row;
         if (at->control == registration.control && at->isEmitter == registration.isEmitter &&

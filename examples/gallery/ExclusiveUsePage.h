@@ -46,7 +46,8 @@ private:
     QString NameOf(QObject const* client) const;
     void Update();
 
-    // Destroyed before its clients, which are child objects of the page. The clients support this order of destruction.
+    // The service is destroyed before its clients, because the clients are child objects of the page. The clients
+    // support this order of destruction.
     ExclusiveService device_;
     std::vector<Player> players_;
     StatusLabel* holderLabel_;

@@ -93,8 +93,8 @@ void FolderMeasurer::Measurement::MeasureAll(Entries const& entries)
     for (FolderEntry const& entry : entries) {
         Measure(row++, entry);
     }
-    // If Cancel() was called before this function, it could not cancel the tasks that were created above. Cancel them
-    // now.
+    // Cancel() may have been called before the loop above created the tasks. In that case, these tasks have not been
+    // cancelled, so cancel them now.
     if (totals_.cancelled) {
         Cancel();
     }

@@ -36,8 +36,8 @@ public:
     void SetEntries(std::vector<FolderEntry> const& entries);
 
     /// \name Changes of one entry
-    /// These functions do not notify the views. Each change affects the shares of all rows in the total, and there may
-    /// be thousands of changes in a second. Call NotifyViews() after several changes.
+    /// These functions do not emit dataChanged(): each change affects the Share column of all rows, and there may be
+    /// thousands of changes in a second. Call NotifyViews() after several changes.
     /// \{
     void SetMeasuring(int row);
     void SetEntry(int row, FolderEntry const& entry);

@@ -276,7 +276,7 @@ void FolderSizesPage::OnEntryFinished(int row, FolderEntry const& entry)
     ScheduleRefresh();
 }
 
-// Up to thousands of entries are measured in a second. Sorting and painting the table after each entry would be too
+// Thousands of entries may be measured in one second. Sorting and painting the table after each entry would be too
 // slow, so a timer delays the refresh.
 void FolderSizesPage::ScheduleRefresh()
 {

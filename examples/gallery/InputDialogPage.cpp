@@ -79,7 +79,7 @@ void InputDialogPage::AddFilm()
     QPointer<ValidationInputDialog> const dialog = NewDialog(QString()).release();
     bool const isAccepted = dialog->exec() == QDialog::Accepted;
     if (!alive) {
-        return; // the main window was destroyed while the dialog was open, and this page with it
+        return; // The main window was destroyed while the dialog was open. This page has been destroyed too.
     }
     QString const input = dialog ? dialog->inputText() : QString();
     delete dialog;

@@ -235,8 +235,8 @@ void LogPage::SendMessage()
 void LogPage::ShowDropped()
 {
     int const count = filter_->DroppedCount();
-    // Handle the singular here: tr() with "%n" has a singular form only in a translation, and the gallery has no
-    // translation.
+    // The gallery has no translations. Without a translation, tr() with "%n" would return "1 messages were dropped", so
+    // handle the singular here.
     droppedLabel_->Show(count == 1 ? tr("1 message was dropped") : tr("%n messages were dropped", nullptr, count));
 }
 

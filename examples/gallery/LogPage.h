@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The Log page: sends Qt messages. Shows the messages that glog receives, and the messages that the previous message
-/// handler receives.
+/// The Log page. The user can send Qt messages. The page shows the records that glog receives, and the messages that
+/// QtLogHandler forwards to the previously installed message handler.
 
 #include "Page.h"
 

@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A dialog of a page that is shown in the screenshots. The file names of the screenshots start with #id.
+/// A dialog of which the gallery takes screenshots. The file names of the screenshots start with #id.
 struct SampleDialog
 {
     char const* id;

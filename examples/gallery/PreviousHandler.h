@@ -15,9 +15,9 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Emits a signal with the messages that the installed handler receives. The handler receives messages on any thread;
-/// the signal is emitted on the thread of the PreviousHandler object. If there are several PreviousHandler objects,
-/// only the object that was created last receives messages.
+/// Emits MessagesReceived() with the messages that the handler installed by Install() receives. The handler is called
+/// on any thread; the signal is emitted on the thread of the PreviousHandler object. If there are several
+/// PreviousHandler objects, only the object that was created last receives messages.
 class PreviousHandler : public QObject
 {
     Q_OBJECT

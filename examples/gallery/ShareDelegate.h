@@ -10,7 +10,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Draws the FolderSizesModel::ShareRole of a cell as a bar, and draws the text of the cell to the right of the bar.
+/// Draws a bar whose length shows the cell's value for the role FolderSizesModel::ShareRole. Draws the text of the cell
+/// to the right of the bar.
 class ShareDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

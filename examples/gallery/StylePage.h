@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// The Style page: message levels, rounded pop-ups and palette colours.
+/// The Style page: demonstrates styles for message levels, rounded pop-ups and palette colours.
 
 #include "Page.h"
 

@@ -78,8 +78,8 @@ QString StateText(FolderEntry const& entry)
     return entry.unmeasured.empty() ? QString() : UnmeasuredText(entry.unmeasured.size());
 }
 
-// The singular is handled here: tr() with "%n" has a singular form only in a translation, and the gallery has no
-// translation.
+// The gallery has no translations. Without a translation, tr() with "%n" would return "1 entries", so this function
+// handles the singular itself.
 QString EntriesText(int count)
 {
     return count == 1 ? Text::tr("1 entry") : Text::tr("%n entries", nullptr, count);

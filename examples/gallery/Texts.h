@@ -40,8 +40,8 @@ QString EntriesText(int count);
 /// Returns a text such as "3 entries could not be measured" for the number \a count.
 QString UnmeasuredText(std::size_t count);
 
-/// Returns at most the first \a limit of \a paths, one on each line. If there are more paths, appends a line with the
-/// number of omitted paths.
+/// Returns a text with one line for each path in \a paths. If there are more than \a limit paths, only the first
+/// \a limit paths are included, and the last line contains the number of omitted paths.
 QString PathListText(std::vector<ioPath> const& paths, std::size_t limit);
 
 /// Returns \a bytes as a size with a unit.

@@ -12,8 +12,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Lists events and scrolls to the newest event, which is in the last row. Numbers those iterations of the event loop
-/// in which events happen, and shows for each event the number of its iteration.
+/// Lists events and scrolls to the newest event, which is in the last row. The first column shows in which iteration of
+/// the event loop the event was added. Iterations in which no event was added are not counted.
 class Timeline : public QTableWidget
 {
     Q_OBJECT

@@ -119,7 +119,7 @@ void UndoPage::EditColours()
     handlers_.push(dialog->Commands());
     bool const isAccepted = dialog->exec() == QDialog::Accepted;
     if (!alive) {
-        return; // the main window was destroyed while the dialog was open, and this page and the dialog with it
+        return; // The main window was destroyed while the dialog was open, including this page and the dialog.
     }
     handlers_.pop();
     Update();

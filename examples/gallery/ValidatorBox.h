@@ -25,8 +25,8 @@ class ValidatorBox : public QGroupBox
     Q_OBJECT
 
 public:
-    /// Creates a box with the title \a title. \a label is the text of the label of the line edit, and may contain a
-    /// mnemonic. \a samples are the strings in the table. Takes ownership of \a validator.
+    /// Creates a box with the title \a title. \a label is the text next to the line edit, and may contain a mnemonic.
+    /// \a samples are the strings in the table. Takes ownership of \a validator.
     ValidatorBox(QString const& title, QString const& label, QValidator* validator, QStringList const& samples);
 
     /// Sets the text of the line edit to the sample string in row \a row of the table.
