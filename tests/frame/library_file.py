@@ -11,8 +11,9 @@ import tempfile
 LIST = pathlib.Path(__file__).resolve().parent / "exported-symbols.txt"
 
 # The number of functions that run when the library is loaded. The compiler adds one such function to every library, and
-# one for each source that has global objects. These sources (and their global objects) are LinksUtils (link schemes),
-# ObjectsConnector (roles and registered objects), FontDatabase (added fonts) and SpontaneousDialog (main window).
+# one for each source that has global objects. Four sources have global objects: LinksUtils (the link schemes),
+# ObjectsConnector (the roles and the registered objects), FontDatabase (the added fonts) and SpontaneousDialog (the
+# main window).
 INITIALIZERS = 5
 POINTER_SIZE = 8
 

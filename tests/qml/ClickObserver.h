@@ -9,7 +9,7 @@
 namespace Zelkor::Testing
 {
 
-/// An observer of SimpleModel. QML code can create such observers and register them in a model.
+/// An observer of SimpleModel. QML code can create ClickObserver objects and register them in a model.
 class ClickObserver : public QObject, public Util::ISimpleModelObserver
 {
     Q_OBJECT

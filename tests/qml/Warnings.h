@@ -13,8 +13,8 @@ class Warnings : public QObject
     Q_OBJECT
 
 public:
-    /// Installs the message handler that collects Qt's warnings. main() and each test case call this function, because
-    /// QtTest installs its own message handler between these calls.
+    /// Installs the message handler that collects Qt's warnings. main() calls this function first. QtTest replaces the
+    /// message handler before it runs a test case, so each test case must call this function again.
     Q_INVOKABLE static void collect();
 
     /// Returns the collected warnings, one per line, and clears the list.

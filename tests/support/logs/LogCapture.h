@@ -46,8 +46,8 @@ class LogWatch : public google::LogSink
 public:
     static LogWatch& Instance();
 
-    /// Returns the warnings and errors that were logged since the previous call of this function, at times when no
-    /// LogCapture existed.
+    /// Returns the warnings and errors that were logged since the previous call of this function. Omits the messages
+    /// that were logged while a LogCapture existed.
     QVector<LogLine> TakeUnexpected();
 
     /// glog calls this function for every log line, on the thread that logs the line.

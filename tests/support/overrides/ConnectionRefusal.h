@@ -19,9 +19,9 @@ struct ConnectionRequest
     Qt::ConnectionType type;
 };
 
-/// Records the calls of QObject::connect() on the thread that created the object, and makes these calls fail. This ends
-/// with the destruction of the object. Only the overload that takes the signal and the slot as strings is affected. At
-/// most one object of this class may exist on each thread at a time.
+/// While a ConnectionRefusal exists, it records all calls of QObject::connect() on the thread that created it, and
+/// makes these calls fail. Only the overload that takes the signal and the slot as strings is affected. Each thread may
+/// have at most one ConnectionRefusal at a time.
 class ConnectionRefusal
 {
 public:

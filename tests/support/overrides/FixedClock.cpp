@@ -1,5 +1,5 @@
-// Replaces clock_gettime() and gettimeofday(), because a test that checks an age limit to the millisecond needs a
-// current time that does not change.
+// Replaces clock_gettime() and gettimeofday(). Some tests check an age limit with a precision of one millisecond. These
+// tests need a current time that does not change.
 
 #include <support/overrides/FixedClock.h>
 

@@ -1,5 +1,5 @@
-// Replaces readdir(), because with a real file system a test cannot make readdir() fail or return entries without their
-// types.
+// Replaces readdir(). With a real file system, a test could not make readdir() fail, or make it report the type
+// DT_UNKNOWN for an entry.
 
 #include <support/overrides/FolderReading.h>
 
@@ -23,7 +23,7 @@ struct Faults
 {
     std::atomic<bool> hidesTypes{false};
     std::atomic<ino_t> unreadableFolder{0}; // the inode of the folder; 0 means: no folder
-    std::atomic<int> count{0};              // entries returned without a type, or failed calls of readdir()
+    std::atomic<int> count{0};              // the result of EntriesWithoutTypes::Count() or UnreadableFolder::Count()
 };
 
 Faults& CurrentFaults()

@@ -5,7 +5,7 @@
 namespace Zelkor::Testing
 {
 
-/// Makes readdir() return all entries with the type DT_UNKNOWN, as it does on some file systems.
+/// Makes readdir() report the type DT_UNKNOWN for every entry. On some file systems, the real readdir() does this too.
 class EntriesWithoutTypes
 {
 public:
@@ -14,11 +14,11 @@ public:
     EntriesWithoutTypes(EntriesWithoutTypes const&) = delete;
     EntriesWithoutTypes& operator=(EntriesWithoutTypes const&) = delete;
 
-    /// Returns the number of entries that readdir() has returned with the type DT_UNKNOWN.
+    /// Returns the number of entries for which readdir() has reported the type DT_UNKNOWN.
     int Count() const;
 };
 
-/// Makes readdir() fail with EIO after it has returned all entries of a certain folder.
+/// Makes readdir() fail with EIO for one folder, after readdir() has returned all entries of this folder.
 class UnreadableFolder
 {
 public:

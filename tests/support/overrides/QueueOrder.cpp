@@ -55,8 +55,9 @@ bool BeforeDelivery(void** data)
 
 } // namespace
 
-// When a thread finishes, it emits finished(), and BeforeEmission() calls __tsan_release() with the QThread object. The
-// call of __tsan_acquire() with the same object informs the thread sanitizer that wait() returned after this emission.
+// When a thread finishes, the QThread object emits finished(), and BeforeEmission() calls __tsan_release() with this
+// object. Below, __tsan_acquire() is called with the same object. From these two calls, the thread sanitizer detects
+// that the emission happened before wait() returned.
 bool QThread::wait(QDeadlineTimer deadline)
 {
     static auto const next =

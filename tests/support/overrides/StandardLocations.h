@@ -5,8 +5,8 @@
 namespace Zelkor::Testing
 {
 
-/// Makes QStandardPaths::standardLocations() return fixed paths. After the destruction of this object, it returns the
-/// real paths again.
+/// Makes QStandardPaths::standardLocations() return fixed paths. After the destruction of this object,
+/// standardLocations() returns the real paths again.
 class StandardLocations
 {
 public:

@@ -35,8 +35,8 @@ int RunChildMain(int argc, char** argv, ChildMain const (&functions)[Count])
     return RunChildMain(argc, argv, functions, functions + Count);
 }
 
-/// Starts this program again as \a process. The new process runs the ChildMain with the name \a name. \a arguments are
-/// additional command line arguments.
+/// Uses \a process to start this program again. The new process runs the ChildMain with the name \a name. \a arguments
+/// are additional command line arguments.
 void StartChildMain(QProcess& process, char const* name, QStringList const& arguments = {});
 
 /// Overload that starts a copy of this program. \a program is the path of the copy.

@@ -65,8 +65,8 @@ public:
         return value;
     }
 
-    /// Lets one call of WaitForContinue() in the child return. If the child is not waiting now, its next call of
-    /// WaitForContinue() returns at once.
+    /// Makes WaitForContinue() return in the child. If the child has not called WaitForContinue() yet, the next call
+    /// returns at once. Each call of Continue() affects only one call of WaitForContinue().
     void Continue();
 
     /// Blocks until the child exits. Throws std::runtime_error if the exit status of the child is not 0.

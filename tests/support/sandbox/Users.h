@@ -33,7 +33,7 @@ constexpr gid_t TheirGroup = 2002;
 /// The ID of the user, and of the group, that RunAsOrdinaryUser() uses if this process runs as root.
 constexpr uid_t Nobody = 65534;
 
-/// Changes the user and the groups of this process to those in \a identity. Requires root.
+/// Sets the user and the groups of this process to the user and the groups in \a identity. Requires root.
 void BecomeUser(Identity const& identity);
 
 /// If this process runs as root, changes its user and its group to Nobody. Otherwise does nothing.

@@ -265,8 +265,8 @@ void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt()
 void FileUtilsAccessTest::removesTheTemporaryFileInAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    // A QString cannot represent a name that is not valid UTF-8. Use the name that results from converting "name" to a
-    // QString and back.
+    // A QString cannot represent a name that is not valid UTF-8. Therefore, convert the value of "name" to a QString
+    // and back, and use the result as the name of the folder.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name));
     MakeFolder(At(encoded.left(255).toStdString()));
     int const descriptors = CountOpenDescriptors();

@@ -172,7 +172,8 @@ void FileUtilsRemovalTest::comparesAgesToTheMillisecond()
                              "folder 1 s after", "folder 1 s after/file"}));
 }
 
-// The test uses a file system in memory (tmpfs), because tmpfs can store any number of seconds as modification time.
+// The test uses tmpfs, a file system in memory. Unlike many other file systems, tmpfs can store modification times that
+// do not fit into the type Milliseconds.
 void FileUtilsRemovalTest::acceptsTimesBeyondTheRangeOfMilliseconds()
 {
     MakeFolder(At("volume"));
@@ -588,8 +589,9 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
-    // A QString cannot represent a name that is not valid UTF-8. Therefore, the name of the start folder is the result
-    // of converting "name" to a QString and back. The entries below this folder have the original name.
+    // RemoveDir() takes the path of the start folder as a QString, which cannot represent a name that is not valid
+    // UTF-8. Therefore, convert the value of "name" to a QString and back, and use the result as the name of the start
+    // folder. The entries below the start folder have the original name.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
     MakeFolder(folder);

@@ -43,8 +43,8 @@ public:
         files_[QByteArray::fromStdString(path)] = static_cast<Bytes>(size);
     }
 
-    /// Returns the sum of the sizes of the created files. Omits the files whose path is in \a sizeless or below a path
-    /// in \a sizeless.
+    /// Returns the sum of the sizes of the created files. Omits each file whose path is listed in \a sizeless, and each
+    /// file in a folder whose path is listed in \a sizeless.
     Bytes SumWithout(QByteArrayList const& sizeless) const
     {
         Bytes sum = 0;
@@ -87,8 +87,8 @@ void MakeChain(std::string const& path, int levels, FileSizes& sizes)
 
 constexpr int ChainLevels = 60;
 
-/// Returns the path of the folder that is \a levels levels below the first folder of the chain. The path is relative to
-/// the test's folder.
+/// Returns the path of a folder of the chain, relative to the test's folder. \a levels is the depth of the folder: 0
+/// means the first folder of the chain, 1 means its subfolder "c", and so on.
 std::string Chain(int levels)
 {
     std::string path = "chain";

@@ -31,7 +31,8 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// Opens file descriptors until this process can open only \a count more. The destructor closes the opened descriptors.
+/// Opens so many file descriptors that this process can open only \a count additional descriptors. The destructor
+/// closes the opened descriptors.
 class FewDescriptors
 {
 public:
@@ -163,9 +164,13 @@ private:
     bool withRestrictedFolders_;
 };
 
-/// Creates the folder \a path and a chain of \a levels nested folders "d" in it. Each folder of the chain, except the
-/// last one, contains \a files files of one byte and \a sideFolders folders. Each of these side folders ("s0", "s1" and
-/// so on) contains one file of one byte. The last folder "d" contains only a dangling link.
+/// Creates the folder \a path and a chain of nested folders with the name "d" in it. The last folder "d" contains only
+/// a dangling link. All other folders of the chain, and \a path itself, contain files and side folders.
+///
+/// \param levels       The number of folders with the name "d".
+/// \param files        The number of files in each folder. The size of each file is one byte.
+/// \param sideFolders  The number of side folders ("s0", "s1" and so on) in each folder. Each side folder contains one
+///                     file of one byte.
 void MakeDeepTree(std::string const& path, int levels, int files, int sideFolders)
 {
     MakeFolder(path);

@@ -1,5 +1,5 @@
-// Tests the removal of an application's old temporary directories, also by several processes or threads at the same
-// time.
+// Tests that TemporaryDir removes the application's old temporary directories, even if several processes or threads
+// create TemporaryDir objects at the same time.
 
 #include <support/processes/ChildProcess.h>
 #include <support/sandbox/Folders.h>

@@ -1,5 +1,5 @@
-// Tests of the member functions of TemporaryDir. The tests of the folder in which a TemporaryDir is created are in
-// other test programs, because they must run in child processes: see TemporaryDirTestCase.
+// Tests of the member functions of TemporaryDir. Other test programs test where TemporaryDir creates its directory.
+// Their tests must create each TemporaryDir in a child process: see TemporaryDirTestCase.
 
 #include <support/TestCase.h>
 #include <support/sandbox/Folders.h>

@@ -120,9 +120,9 @@ void TemporaryDirRefusalTest::rejectsALink()
     QFETCH(int, level);
     QFETCH(std::string, target);
     for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        // If TemporaryDir followed the link that is created below, it would use one of these folders as the
-        // application's folder and remove the file "leftover" in that folder. The level of the link determines which
-        // folder it would use.
+        // The test creates a link and verifies that TemporaryDir does not follow it. If TemporaryDir followed the link,
+        // it would use one of the following folders as the application's folder, and remove the file "leftover" in it.
+        // Create all of these folders, because the level of the link determines which one would be used.
         for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
             MakeFolders(At(tree + below));
             MakeFile(At(tree + below + "/leftover"));
@@ -143,8 +143,8 @@ void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser_data()
     QTest::addColumn<int>("level");
     QTest::addColumn<bool>("asOrdinaryUser");
     QTest::addColumn<uint>("owner");
-    // Only root can change the owner of a folder. For other users, this test has no rows. Instead,
-    // rejectsASystemFolder() tests a folder that belongs to root.
+    // Only root can change the owner of a folder. Therefore, this test has no rows if the test program does not run as
+    // root. In this case, only rejectsASystemFolder() tests a folder of another user.
     if (geteuid() != RootUser) {
         return;
     }
@@ -283,9 +283,9 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 
 void TemporaryDirRefusalTest::doesNotUseTheRootFolderWithoutATemporaryFolder()
 {
-    // The application's name is the path of this folder without the first slash. If TemporaryDir used an empty path
-    // instead of the missing temporary folder, the path of the application's folder would start with "/" and the
-    // application's name. It would therefore be below this folder.
+    // The test sets the application's name to the path of this folder, without the first slash. The temporary folder
+    // does not exist. If TemporaryDir used an empty path as the temporary folder, it would look for the application's
+    // folder below "/" plus the application's name, which is the path of this folder.
     std::string const folder = At("folder");
     MakeFolders(folder + "/2/" + ProgramName());
     MakeFile(folder + "/2/" + ProgramName() + "/canary");

@@ -1,4 +1,4 @@
-// Tests of the folder in which a TemporaryDir is created.
+// Tests where TemporaryDir creates its directory: in the application's folder or in Qt's folder for temporary files.
 
 #include <support/ProgrammingError.h>
 #include <support/Timeouts.h>
@@ -417,7 +417,7 @@ void TemporaryDirTest::throwsIfTheVersionIsSetAfterTheFirstDirectory()
 
 void TemporaryDirTest::acceptsALaterChangeOfTheVersionOnlyIfItIsReset_data()
 {
-    QTest::addColumn<QStringList>("versions"); // for each directory: the application's version when it is created
+    QTest::addColumn<QStringList>("versions"); // the version that is set before each directory is created
     QTest::addColumn<QStringList>("results");  // for each directory: the folder that contains it, or "exception"
     QString const version = QStringLiteral("2.5.1");
     QString const none;
