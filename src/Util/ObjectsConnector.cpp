@@ -60,7 +60,7 @@ class Iteration : public StackLink<Iteration>
 {
 public:
     /// \param entries  the registered emitters or receivers; the constructor copies the list
-    /// \param self     the object that the caller connects to these objects or disconnects from them
+    /// \param self     the object that the caller connects to the registered objects, or disconnects from them
     template <class Entries>
     Iteration(Entries const& entries, QObject const* self)
         : StackLink(innermost_)
@@ -124,8 +124,8 @@ void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QStri
     if (!IsUsable(sender, "sender", ID)) {
         return;
     }
-    // ID can refer to a member of an object that is destroyed during the iteration. Therefore, the code below uses id,
-    // which is the copy of ID in m_metaCollector.
+    // The parameter ID is a reference. The string that it refers to can be destroyed during the iteration, for example
+    // with an object that contains the string. Therefore, the code below uses id, a copy of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSignal = Coded(SignalCode, signal);
     // This QPointer detects the destruction of sender during the iteration. The destroyed() handler that stops the
@@ -146,8 +146,8 @@ void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QS
     if (!IsUsable(receiver, "receiver", ID)) {
         return;
     }
-    // ID can refer to a member of an object that is destroyed during the iteration. Therefore, the code below uses id,
-    // which is the copy of ID in m_metaCollector.
+    // The parameter ID is a reference. The string that it refers to can be destroyed during the iteration, for example
+    // with an object that contains the string. Therefore, the code below uses id, a copy of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSlot = Coded(SlotCode, slot);
     // This QPointer detects the destruction of receiver during the iteration. The destroyed() handler that stops the

@@ -38,15 +38,16 @@ extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 /// logs a warning if an object does not have the signal or slot, or if the parameters of the signal and the slot do not
 /// match. The object is registered nevertheless.
 ///
-/// **Connections.** An object is never connected to itself, even if it is registered as an emitter and as a receiver of
-/// an ID. The *second* registration of the two objects decides whether their connection is queued. The argument
-/// `queued` of the first registration has no effect on this connection.
+/// **Connections.** An object is never connected to itself, even if it is registered both as an emitter and as a
+/// receiver of the same ID. An emitter and a receiver are connected when the second of them is registered. The argument
+/// `queued` of this second registration decides whether the connection is queued. The argument `queued` of the earlier
+/// registration has no effect on this connection.
 ///
-/// **Ownership.** The registry does not own the objects. A destroyed object is removed from the registry. An object
-/// whose destruction has begun can be unregistered, but not registered.
+/// **Ownership.** ObjectsConnector does not own the registered objects. When a registered object is destroyed, it is
+/// unregistered automatically. An object whose destruction has begun can be unregistered, but not registered.
 ///
-/// **Threads.** The registry is not locked. Call all functions on one thread, normally the GUI thread, and destroy the
-/// registered objects on the same thread.
+/// **Threads.** ObjectsConnector does not use locks. Call all functions on one thread, normally the GUI thread, and
+/// destroy the registered objects on the same thread.
 class ZQTUTIL_EXPORT ObjectsConnector : public QObject
 {
     Q_OBJECT
@@ -74,16 +75,16 @@ public:
     Q_INVOKABLE static void registerReceiver(QString const& ID, QObject* receiver, QString const& slot,
                                              bool queued = false);
 
-    /// Disconnects a slot of a receiver from all emitters of its ID. Removes all registrations of the receiver with
-    /// this slot.
+    /// Disconnects a slot of a receiver from all emitters of \a ID. Removes all registrations of this receiver and slot
+    /// under \a ID.
     ///
     /// \param ID        the shared name
     /// \param receiver  the registered object. If it is null, the call is logged at ERROR and ignored.
     /// \param slot      the signature of the slot
     Q_INVOKABLE static void unregisterReceiver(QString const& ID, QObject* receiver, QString const& slot);
 
-    /// Disconnects a signal of an emitter from all receivers of its ID. Removes all registrations of the emitter with
-    /// this signal.
+    /// Disconnects a signal of an emitter from all receivers of \a ID. Removes all registrations of this emitter and
+    /// signal under \a ID.
     ///
     /// \param ID      the shared name
     /// \param sender  the registered object. If it is null, the call is logged at ERROR and ignored.
@@ -91,8 +92,8 @@ public:
     Q_INVOKABLE static void unregisterEmitter(QString const& ID, QObject* sender, QString const& signal);
 
 private:
-    // This private function is Q_INVOKABLE because callers have been able to call it through the meta-object since the
-    // first release.
+    // This function is private, but it must remain Q_INVOKABLE. It has been callable through the meta-object since the
+    // first release, and applications may depend on this.
     Q_INVOKABLE static void registerMetaType(QString const& ID, std::string const& metaType,
                                              std::pair<QObject const*, std::string const> const& metaPair);
 

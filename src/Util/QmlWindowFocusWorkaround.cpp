@@ -26,7 +26,8 @@ void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widget)
     }
     if (QWidget* const container = findQmlContainer(widget)) {
         container->setFocusPolicy(Qt::StrongFocus);
-        new QmlWindowFocusWorkaround(window, widget); // widget, not container, deliberately gets the focus
+        // Pass widget and not container: the widget that the caller specified gets the focus.
+        new QmlWindowFocusWorkaround(window, widget);
     }
 }
 

@@ -17,7 +17,9 @@ namespace Util
 {
 
 /// A Qt message handler that logs the messages of qDebug(), qInfo(), qWarning(), qCritical() and qFatal() with glog.
-/// Filters can drop messages first. The handler then calls the message handler that was installed before it.
+/// For each message, QtLogHandler first calls the filters, which can drop the message. If no filter drops the message,
+/// QtLogHandler logs the message and then calls the previous handler. The previous handler is the message
+/// handler that was installed before QtLogHandler.
 ///
 /// | Qt message       | glog severity |
 /// |------------------|---------------|
@@ -50,10 +52,11 @@ namespace Util
 class ZQTUTIL_EXPORT QtLogHandler
 {
 public:
-    /// A filter function that receives the text of a message. Returns true to keep the message, or false to drop it.
+    /// A filter function that receives the text of a message. The filter returns true to keep the message, or false to
+    /// drop it.
     using TextFilter = std::function<bool(QString const&)>;
-    /// A filter function that receives the type, the source position and the text of a message. Returns true to keep
-    /// the message, or false to drop it.
+    /// A filter function that receives the type, the source position and the text of a message. The filter returns true
+    /// to keep the message, or false to drop it.
     using FullFilter = std::function<bool(QtMsgType, QMessageLogContext const&, QString const&)>;
 
     /// Returns the only handler of the process. The first call creates and installs the handler. Can be called from any

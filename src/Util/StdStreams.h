@@ -35,7 +35,8 @@ class ZQTUTIL_EXPORT QtStdStreamsInitializer
 public:
     /// Creates the streams and sets #qinPtr, #qoutPtr and #qerrPtr.
     QtStdStreamsInitializer();
-    /// Sets the three pointers to null, then flushes and destroys the streams. Does not close stdin, stdout or stderr.
+    /// Sets #qinPtr, #qoutPtr and #qerrPtr to null, then flushes and destroys the streams. Does not close stdin, stdout
+    /// or stderr.
     ~QtStdStreamsInitializer();
 
     QtStdStreamsInitializer(QtStdStreamsInitializer const&) = delete;

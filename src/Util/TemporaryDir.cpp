@@ -46,9 +46,11 @@ QString ApplicationFolder(QString const& name, QString const& version)
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
 }
 
-/// Checks the path of each folder below the system's temporary folder, down to and including \a folder. Returns the
-/// first path that ends with "/..", or that exists but is not a folder owned by the effective user. Symbolic links do
-/// not count as folders. Returns an empty string if no check fails.
+/// Checks each folder on the path from the system's temporary folder to \a folder. The system's temporary folder is not
+/// checked, but \a folder is. Returns the path of the first folder that fails the check, or an empty string if all
+/// folders pass. A folder fails the check in these cases:
+/// - its name is "..";
+/// - its path exists, but is a symbolic link, is not a folder, or is not owned by the effective user.
 QString FindForeignFolder(QString const& folder)
 {
     QString path = SystemFolder();
@@ -90,7 +92,8 @@ void PrepareTemporaryFolder(QString const& folder)
     if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
     } else if (FindForeignFolder(folder).isEmpty()) {
-        // Checked again because another user may have created the folder after the caller's check.
+        // FindForeignFolder() is called again because another user may have created the folder after the caller's
+        // check.
         EmptyFolder(folder);
     }
 }

@@ -49,8 +49,8 @@ public:
 
     /// Converts the input time \a time to the output time. Both times are in milliseconds.
     ///
-    /// The result is limited to the range that starts at `outputStart` and has the same length as the input range. The
-    /// result is never negative.
+    /// The result is limited to the output range. This range starts at the constructor argument `outputStart` and has
+    /// the same length as the input range. The result is never negative.
     int calculateOutputTime(int time) const;
 
     /// Sets the input time to \a time milliseconds. Writes the output time to the document, unless the document

@@ -19,7 +19,7 @@ constexpr unsigned long long MicrosecondsInSecond = 1000000;
 constexpr unsigned long long SecondsInMinute = 60;
 constexpr unsigned long long SecondsInHour = 3600;
 
-/// Returns \a number in decimal. If it has fewer than \a width digits, leading zeros are added.
+/// Returns \a number as a decimal string. Adds leading zeros if \a number has fewer than \a width digits.
 std::string Padded(unsigned long long number, std::size_t width)
 {
     std::string digits = std::to_string(number);
@@ -40,8 +40,8 @@ int PrecisionForFileSize(unsigned long long size)
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
-    // Every call deliberately translates all four labels in this order, although it uses only one of them. The
-    // installed translators therefore receive the same requests for every size.
+    // Each call deliberately translates all four labels in this order, although at most one label is used. Therefore,
+    // Qt requests the same four texts from the installed translators for every size.
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);

@@ -54,17 +54,19 @@ public:
     /// \param labelText    the label above the field
     /// \param text         the initial text of the field. The checks run in the constructor only if \a text is not
     ///                     empty.
-    /// \param firstCheck   if this check fails, the OK button is disabled. Calling an empty function throws
-    ///                     `std::bad_function_call`.
-    /// \param secondCheck  if this check fails, the dialog only shows a warning. Calling an empty function throws
-    ///                     `std::bad_function_call`.
+    /// \param firstCheck   the check that disables the OK button if it fails. It must not be empty: the dialog throws
+    ///                     `std::bad_function_call` when it calls an empty check.
+    /// \param secondCheck  the check that only shows a warning if it fails. It must not be empty: the dialog throws
+    ///                     `std::bad_function_call` when it calls an empty check.
     ValidationInputDialog(QString const& title, QString const& labelText, QString const& text, Check const& firstCheck,
                           Check const& secondCheck);
 
     ~ValidationInputDialog() override;
 
-    /// Returns the text of the field after `QString::simplified()`. Calls the first check again, and returns an empty
-    /// string if this check fails, even after the user has accepted the dialog.
+    /// Returns the text of the field after `QString::simplified()`.
+    ///
+    /// Each call of this function calls the first check again. If this check fails, the function returns an empty
+    /// string. This is also the case if the user has already accepted the dialog.
     QString inputText();
 
 private:

@@ -15,7 +15,7 @@ namespace Util
 
 /// Interface for objects that are notified of clicks on the items of a SimpleModel.
 ///
-/// Register an observer with SimpleModel::setData(). This function receives the observer as an `ISimpleModelObserver*`
+/// Register an observer with SimpleModel::setData(). The observer is passed to setData() as an `ISimpleModelObserver*`
 /// in a `QVariant`. Therefore, the pointer type is declared as a Qt meta-type.
 class ZQTUTIL_EXPORT ISimpleModelObserver
 {
