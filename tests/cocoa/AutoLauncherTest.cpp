@@ -169,7 +169,9 @@ private Q_SLOTS:
             QVERIFY(!launcher_->AddToStartup(QStringLiteral("three_parts_only"), Executable, {}));
             QCOMPARE(log.Texts().size(), 1);
         }
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // the cached list still contains the login item
+        // This call succeeds without adding anything, because the cached list of the launcher still contains the login
+        // item.
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(AgentsFolder().entryList(QDir::Files), QStringList());
     }
@@ -189,9 +191,11 @@ private Q_SLOTS:
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // adds a duplicate login item
+        // The first call adds a duplicate, because the launcher has not read the existing login items yet. After a
+        // successful addition, the launcher reads the login items. The second call therefore adds nothing.
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
-        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {})); // adds nothing: the call above has read the items
+        QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
     }
 

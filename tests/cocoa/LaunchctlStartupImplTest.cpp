@@ -89,7 +89,9 @@ private Q_SLOTS:
     {
         QVERIFY(startup_->AddToStartup(Identifier, Executable, {}));
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
-        QVERIFY(startup_->IsInStartup(Identifier)); // launchctl has read the label from the file
+        // The fake launchctl reads the agent's label from the property list. This check therefore succeeds only if the
+        // property list was complete when launchctl was called.
+        QVERIFY(startup_->IsInStartup(Identifier));
     }
 
     void doesNotWaitForLaunchctl()

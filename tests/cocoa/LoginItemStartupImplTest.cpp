@@ -148,7 +148,8 @@ private Q_SLOTS:
             QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
         }
         WorkingFolder const above(QFileInfo(helper).path().toStdString());
-        // The path is just long enough: the application that contains the helper is the root folder.
+        // The library finds the main application by removing the last four components of a helper's path. This path
+        // has exactly four components, so the main application is the root folder.
         TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd/H.app"));
         startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor__.0_Agent")});
@@ -229,11 +230,11 @@ private Q_SLOTS:
         TestBed::AddLoginItem(QStringLiteral("/first"));
         QVERIFY(startup_->AddToLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(), (QStringList{QStringLiteral("file:///first/"), UrlOf(helper_)}));
-        QVERIFY(!startup_->IsInStartup(Identifier)); // the login items have not been read again
+        QVERIFY(!startup_->IsInStartup(Identifier)); // the list is updated only by UpdateStartupItems()
         startup_->UpdateStartupItems(Vendor);
         QVERIFY(startup_->IsInStartup(Identifier));
 
-        QVERIFY(startup_->AddToLoginItems(Identifier)); // the helper is already a login item
+        QVERIFY(startup_->AddToLoginItems(Identifier)); // adds nothing: the helper is already a login item
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
 
         QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // the library accepts the suffix ".APP"
@@ -287,8 +288,8 @@ private Q_SLOTS:
             path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
         }
         path = QFileInfo(path).path();
-        // In the order in which the file system lists the folder, find two consecutive names that are in reverse
-        // alphabetical order.
+        // The library must use the order in which the file system lists the folder, not the alphabetical order. To see
+        // the difference, find two consecutive names in the listing of which the first is alphabetically greater.
         std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
         auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
         QVERIFY(first != names.end());
@@ -355,13 +356,13 @@ private Q_SLOTS:
         TestBed::AddLoginItem(QStringLiteral("/first"));
         TestBed::AddLoginItem(QStringLiteral("/second"), false);
         TestBed::AddLoginItem(helper_);
-        QVERIFY(!startup_->RemoveFromLoginItems(Identifier)); // the login items have not been read
+        QVERIFY(!startup_->RemoveFromLoginItems(Identifier)); // the list is empty before UpdateStartupItems()
         startup_->UpdateStartupItems(Vendor);
         QVERIFY(!startup_->RemoveFromLoginItems(QStringLiteral("zelkor_Other_1.0.0_Agent")));
         QVERIFY(startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LoginItemUrls(),
                  (QStringList{QStringLiteral("file:///first/"), QStringLiteral("file:///second/")}));
-        QVERIFY(startup_->IsInStartup(Identifier)); // the login items have not been read again
+        QVERIFY(startup_->IsInStartup(Identifier)); // the list is updated only by UpdateStartupItems()
         QVERIFY(!startup_->RemoveFromLoginItems(Identifier));
         QCOMPARE(TestBed::LiveObjects(), 0);
     }
@@ -421,8 +422,8 @@ private Q_SLOTS:
         TestBed::AddLoginItem(helper_);
         TestBed::SetSystemVersion(QStringLiteral("10.8.5"));
         startup_->UpdateStartupItems(Vendor);
-        // Before macOS 10.9, the URLs of login items contain the host name. The URLs in the test bed never contain it,
-        // so the library finds neither a path nor an application.
+        // Before macOS 10.9, the URLs of login items contain a host name, and the library expects this host name. The
+        // URLs in the test bed never contain a host name. Therefore, the library does not find the application.
         QVERIFY(!startup_->IsInStartup(Identifier));
         for (QString const& version : {QStringLiteral("10.9"), QStringLiteral("10.9.0"), QStringLiteral("11.2")}) {
             TestBed::SetSystemVersion(version);

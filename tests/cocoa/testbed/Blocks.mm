@@ -1,6 +1,6 @@
 // Makes blocks Objective-C objects, as on macOS: blocks accept the messages copy, retain and release, and can be stored
-// in collections. Without this file, the classes of blocks would be empty structures when GCC's Objective-C runtime is
-// used.
+// in collections. This file is necessary because the class structures of blocks are empty in programs that use GCC's
+// Objective-C runtime.
 
 #import <Foundation/Foundation.h>
 

@@ -1,9 +1,10 @@
-// Makes exceptions in Objective-C++ functions behave as on macOS. In such a function, GCC's Objective-C runtime never
-// catches a C++ exception. It also aborts at a handler for a C++ type, because it treats the type as an unknown
-// Objective-C class.
+// Makes exceptions in Objective-C++ functions behave as on macOS. In an Objective-C++ function, GCC's Objective-C
+// runtime never catches a C++ exception. If an exception reaches a handler for a C++ type, the runtime even aborts the
+// program, because it treats the C++ type as an unknown Objective-C class.
 //
-// This file replaces the personality function of the runtime, which selects the handler during unwinding. The
-// replacement calls the personality function of C++ where that gives the same result as on macOS:
+// A personality function selects the exception handler during stack unwinding. This file replaces the personality
+// function of the Objective-C runtime. If the personality function of C++ gives the same result as macOS, the
+// replacement calls that function. Otherwise, the replacement calls the replaced function. The result is:
 // - a C++ exception is caught by C++ handlers, catch (...), @catch (...) and @finally, but not by @catch (SomeClass*);
 // - an NSException is caught by catch (...), but not by typed C++ handlers.
 
@@ -162,7 +163,8 @@ struct Handlers
     bool objectiveC = false;
 };
 
-/// Returns which kinds of typed handlers the chain of action records that starts at \a actions contains.
+/// Returns the kinds of exception handlers in a list of action records: handlers for C++ types, for Objective-C
+/// classes, or both. Ignores catch (...). \a actions points to the first record of the list in the exception table.
 Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std::uint8_t typeEncoding,
                     _Unwind_Context* context)
 {
@@ -184,8 +186,9 @@ Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std:
     }
 }
 
-/// Returns which kinds of typed handlers enclose the current call of the stack frame \a context. An exception is
-/// propagating through this call.
+/// Returns the kinds of exception handlers in the try blocks around a call: handlers for C++ types, for Objective-C
+/// classes, or both. Ignores catch (...). An exception is propagating out of the call. \a context is the stack frame
+/// of the function that contains the call and the try blocks.
 Handlers HandlersAtCall(_Unwind_Context* context)
 {
     auto const table = reinterpret_cast<std::uint8_t const*>(_Unwind_GetLanguageSpecificData(context));

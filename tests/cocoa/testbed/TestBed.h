@@ -33,8 +33,9 @@ void FailMainBundle(MainBundleCall call);
 /// of @available.
 void SetSystemVersion(QString const& version);
 
-/// Sets the folder of the fake launchctl, open and tccutil programs. A call of the full path of one of these programs
-/// runs the fake program instead. If \a folder is empty, such a call finds no program.
+/// Sets the folder that contains the fake programs launchctl, open and tccutil. If the library starts one of the real
+/// programs by its absolute path, the fake program runs instead. If \a folder is empty, the start fails because no
+/// program is found.
 void SetProgramsFolder(QString const& folder);
 
 // --- Launch Services
@@ -44,8 +45,8 @@ enum class LoginItemsCall { None, Create, Snapshot, Insert, Remove };
 /// Makes all following calls of the kind \a call fail. With LoginItemsCall::None, all calls succeed again.
 void FailLoginItems(LoginItemsCall call);
 
-/// Adds a login item for the folder \a path. If \a resolves is false, an attempt to resolve the login item returns an
-/// error status in addition to the URL of the login item.
+/// Adds a login item for the folder \a path. If \a resolves is false, the simulated function that resolves the login
+/// item returns an error status, but also provides the URL of the login item.
 void AddLoginItem(QString const& path, bool resolves = true);
 
 /// Returns the URLs of the login items, in order.
@@ -56,7 +57,8 @@ QStringList LoginItemUrls();
 /// Returns the URLs that the workspace was requested to open, in the order of the requests.
 QStringList OpenedUrls();
 
-/// For each request to show files in the file viewer, returns the URLs of the files. The lists are in the order of the requests.
+/// Returns one list for each request to show files in the file viewer, in the order of the requests. Each list contains
+/// the URLs of the files.
 QList<QStringList> FileViewerRequests();
 
 } // namespace Zelkor::TestBed

@@ -237,7 +237,7 @@ private Q_SLOTS:
         deferred.PerformForEachEventHandler(
             [&called, resource = std::move(resource)](Handler* handler) { called.push_back(handler); });
         QCOMPARE(called, Handlers());
-        QCOMPARE(watched.use_count(), 2L); // each of the two stored calls has its own copy of the functor
+        QCOMPARE(watched.use_count(), 2L); // each of the two stored calls contains a copy of the functor
 
         auto const calls = std::exchange(DeferredExecutePolicy::Calls(), {});
         for (auto const& call : calls) {

@@ -485,9 +485,9 @@ private Q_SLOTS:
         QCOMPARE(timesFinished, 0);
     }
 
-    // While setService(nullptr) runs, a slot binds the client to the backup service and uses this service. setService()
-    // must also release the backup service. Otherwise the client would remain the current client of the backup service
-    // although it is no longer bound to this service.
+    // While setService(nullptr) runs, a slot binds the client to the backup service, and the client uses this service.
+    // setService() must also release the backup service. Otherwise the backup service would keep a current client that
+    // is no longer bound to the service.
     void leavesAServiceThatASlotHasBoundMeanwhile()
     {
         ExclusiveService backup(nullptr);

@@ -577,9 +577,9 @@ private Q_SLOTS:
         QCOMPARE(inUse, QByteArrayList());
     }
 
-    // A service emits clientAboutToBeChanged() to announce a change of its client. In these tests, Announce() directly
-    // calls the slot that the client connects to this signal. The slot must use only its arguments, not the current
-    // client of the service.
+    // A service emits the signal clientAboutToBeChanged() before it changes its client. In these tests, no service
+    // emits the signal. Instead, Announce() directly calls the client's slot for this signal. The slot
+    // must use only its arguments (the old and the new client), not the current client of the service.
 
     void isInterceptedByAnAnnouncementFromItselfToAnother()
     {

@@ -37,16 +37,16 @@ protected:
         QObject::connect(client, signal, this, [this] { RunOnce(action_); });
     }
 
-    /// Runs \a action once, when a service emits clientAboutToBeChanged(). The clients of the service receive this
-    /// signal later. The test fails if \a action does not run.
+    /// Runs \a action once, when a service emits clientAboutToBeChanged(), before the clients of the service receive
+    /// this signal. The test fails if \a action does not run.
     void OnceAnnounced(std::function<void()> action) { onAnnounced_ = std::move(action); }
 
-    /// Runs \a action once, when a service emits clientChanged(). The clients of the service receive this signal later.
-    /// The test fails if \a action does not run.
+    /// Runs \a action once, when a service emits clientChanged(), before the clients of the service receive this
+    /// signal. The test fails if \a action does not run.
     void OnceChanged(std::function<void()> action) { onChanged_ = std::move(action); }
 
-    /// Directly calls the slot that \a client connects to clientAboutToBeChanged() of its service. The arguments of the
-    /// slot announce a change of the service's client from \a from to \a to.
+    /// Directly calls the slot of \a client that handles the signal clientAboutToBeChanged() of its service. Passes two
+    /// arguments to the slot: the old client \a from and the new client \a to.
     static void Announce(ExclusiveClient* client, QObject* from, QObject* to);
 
     /// Returns the names of the clients A, B and C that are in use. Skips destroyed clients.

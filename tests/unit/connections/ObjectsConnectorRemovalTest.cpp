@@ -22,8 +22,8 @@ namespace
 
 QObject* lastObject = nullptr;
 
-/// Registers an object. DestroyLastObjectAtExit() makes sure that this object is destroyed at exit, after the static
-/// objects of all libraries.
+/// Creates lastObject and registers it. DestroyLastObjectAtExit() ensures that lastObject is destroyed at exit, after
+/// the static objects of all libraries.
 void RegisterObjectDestroyedLast()
 {
     lastObject = new QObject;
@@ -38,8 +38,8 @@ void RegisterObjectDestroyedLast()
     });
 }
 
-// This function runs at exit, before the static objects of the libraries are destroyed. The exit handler that it
-// registers runs after they have been destroyed.
+// This function runs at exit, before the static objects of the libraries are destroyed. It registers an exit handler,
+// which runs after these static objects have been destroyed.
 [[gnu::destructor]] void DestroyLastObjectAtExit()
 {
     if (lastObject) {

@@ -63,7 +63,8 @@ QRegularExpression ConnectWarning(char const* reason)
     return QRegularExpression(QRegularExpression::anchoredPattern(QRegularExpression::escape(text)));
 }
 
-/// A signal and a slot that Qt cannot connect, and the reason that Qt's warning contains. All strings are in UTF-8.
+/// A signal and a slot that Qt cannot connect. `reason` is the reason that Qt's warning reports. All strings are in
+/// UTF-8.
 struct RejectedPair
 {
     char const* name;

@@ -77,7 +77,7 @@ bool AreNull(Pointers const& pointers)
     return !pointers.in && !pointers.out && !pointers.error;
 }
 
-// The values of the global stream pointers before main() runs, when no QtStdStreamsInitializer exists.
+// The values of the global stream pointers before main() runs. At this time, no QtStdStreamsInitializer exists yet.
 Pointers const pointersWhenLoaded = CurrentPointers();
 
 long long SizeOfStandardOutput()
@@ -189,7 +189,7 @@ struct Flush
     Pointers pointers;
 };
 
-/// A FILE stream that appends a Flush to a list for each write.
+/// A FILE stream that records each write as a Flush object in a list.
 class RecordingFile
 {
 public:

@@ -367,7 +367,8 @@ private Q_SLOTS:
     {
         RecordingStyle boxStyle;
         RecordingStyle labelStyle;
-        AlertBox box; // a style sheet would make Qt wrap the style of the box in another style
+        // Do not set a style sheet on this box: Qt would wrap the style of the box in a QStyleSheetStyle.
+        AlertBox box;
         QLabel label(&box);
         label.setStyle(&labelStyle);
         box.setStyle(&boxStyle);

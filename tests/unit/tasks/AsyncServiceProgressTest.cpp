@@ -381,7 +381,8 @@ void AsyncServiceProgressTest::taskLivesUntilItsOutermostProgressCallbackReturns
         reporter->report(1);
         reporter->report(2);
     });
-    // Both calls of this callback run a nested event loop. The task completes in the inner event loop.
+    // The job reports progress twice, so this callback is called twice. Each call runs a nested event loop, and the
+    // second call runs inside the event loop of the first call. The task completes in the innermost event loop.
     task->onProgress = [&, logger = MakeDestructionLogger(destroyed, "task")](int value) {
         if (!WaitUntilEmpty(service)) {
             calls += QStringLiteral("never empty");

@@ -54,8 +54,8 @@ public:
     /// Called by the owner thread immediately before the call that blocks.
     void Begin() { begun_ = true; }
 
-    /// Called by the job. Returns when the owner thread has been asleep in 100 consecutive checks, or when Timeout
-    /// expires.
+    /// Called by the job. Repeatedly checks the state of the owner thread. Returns when 100 consecutive checks have
+    /// found the owner thread asleep, or when Timeout expires.
     void Await() const
     {
         auto const deadline = std::chrono::steady_clock::now() + Timeout;
@@ -160,8 +160,8 @@ void AsyncServiceThreadsTest::servicesRunTheirJobsInParallel()
     std::vector<Task*> tasks;
     for (int i = 0; i < Count; ++i) {
         auto const index = static_cast<std::size_t>(i);
-        // Each job waits until all other jobs have started. Therefore no job finishes unless all jobs run at the same
-        // time.
+        // Each job waits until all other jobs have started. Therefore, the jobs can finish only if all of them run at
+        // the same time.
         tasks.push_back(services[index]->post([&, index](Reporter*) {
             threads[index] = QThread::currentThread();
             started[index]->Open();
@@ -511,8 +511,8 @@ void AsyncServiceThreadsTest::losesNoQueuedJobWhenAJobQuitsTheWorkerThread()
 {
     constexpr int Count = 300;
     AsyncService service;
-    // The jobs run one after another, even if the worker thread restarts between two jobs. The mutex shows this to the
-    // thread sanitizer, which would otherwise report data races.
+    // The jobs run one after another, so they do not need this mutex. However, the worker thread can restart between
+    // two jobs. Without the mutex, the thread sanitizer would then report false data races.
     std::mutex guard;
     QVector<int> jobs;
     QVector<int> finished;

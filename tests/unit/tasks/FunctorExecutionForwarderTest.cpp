@@ -45,8 +45,8 @@ namespace
 struct FunctorError
 {};
 
-/// Functor that counts its copies and calls. Records the thread that calls a copy of the functor and the thread that
-/// destroys this copy.
+/// Functor that counts its copies and calls. When the functor or a copy of it is called, records the calling thread.
+/// Also records the thread that later destroys the called object.
 class CopyCounter
 {
 public:

@@ -112,7 +112,7 @@ void ExecuteOnce(OneTimeExecutor* executor)
     QVERIFY(QMetaObject::invokeMethod(executor, "executeOnce", Qt::DirectConnection));
 }
 
-/// Checks that \a call throws the exception that execute() throws if the LambdaQt4 object has no function.
+/// Checks that \a call throws the exception that LambdaQt4::execute() throws if its function is empty.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {
@@ -499,8 +499,8 @@ private Q_SLOTS:
         QPointer<OneTimeExecutor> second;
         bool hasSameAddress = false;
         bool isSecondDestroyed = false;
-        // This function deletes the first executor while it runs, and continues afterwards. It is therefore not the
-        // function of the first executor itself, which is destroyed together with the executor.
+        // replaceFirst deletes the first executor and then continues to run. The deletion also destroys the lambda that
+        // the executor owns. Therefore, this code is not in that lambda: the lambda only calls replaceFirst.
         std::function<void()> const replaceFirst = [&] {
             void const* const address = first.data();
             delete first.data();

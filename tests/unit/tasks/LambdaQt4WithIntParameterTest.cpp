@@ -62,8 +62,8 @@ bool Connect(Sender const& sender, LambdaQt4WithIntParameter const& lambda)
     return QObject::connect(&sender, SIGNAL(Changed(int)), &lambda, SLOT(execute(int)));
 }
 
-/// Checks that \a call throws the exception that execute() throws if the LambdaQt4WithIntParameter object has no
-/// function.
+/// Checks that \a call throws the exception that LambdaQt4WithIntParameter::execute() throws if its function is
+/// empty.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {

@@ -62,8 +62,8 @@ private Q_SLOTS:
         QCOMPARE(AvTimeToQTime(microseconds), time);
     }
 
-    // QTime counts milliseconds in an int, which overflows after 24 days. The conversion must also wrap longer times
-    // correctly to a time of day.
+    // QTime stores milliseconds in an int, which overflows after 24 days. The conversion must return the correct time
+    // of day for longer times too.
     void wrapsAtEveryMidnight_data()
     {
         QTest::addColumn<long long>("microseconds");

@@ -138,8 +138,8 @@ QString FileSizeDifference(unsigned long long size, int precision, int minUnit, 
         .arg(actual, expected);
 }
 
-/// Returns file sizes in bytes for which errors are likely: sizes near each unit, and sizes near values at which the
-/// rounded decimals change.
+/// Returns file sizes in bytes for which errors are likely: sizes near multiples of each unit, and sizes at which
+/// rounding changes the last displayed digit.
 std::vector<unsigned long long> EdgeSizes(unsigned long long kilo)
 {
     std::vector<unsigned long long> sizes{0, 1, LargestSize, LargestSize - 1, 1ULL << 63, (1ULL << 53) + 1};

@@ -30,8 +30,8 @@ constexpr QValidator::State Invalid = QValidator::Invalid;
 constexpr QValidator::State Intermediate = QValidator::Intermediate;
 constexpr QValidator::State Acceptable = QValidator::Acceptable;
 
-// The first character of each domain label except the last label must match "[A_Za-z0-9]": a lower-case letter, a
-// digit, "A", "Z" or "_". Other upper-case letters are rejected at this position.
+// "[A_Za-z0-9]" is intended, not a misspelling of "[A-Za-z0-9]". Each domain label before the last one must begin with
+// a lower-case letter, a digit, "A", "Z" or "_". Other upper-case letters are rejected there.
 QString const emailPattern = QStringLiteral(
     R"([A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\.)+[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?)");
 
@@ -43,7 +43,7 @@ QValidator::State StateOf(QValidator const& validator, QString text)
     return validator.validate(text, position);
 }
 
-/// Returns the prefixes of \a text that are shorter than \a text and that \a validator rejects.
+/// Returns all prefixes of \a text that \a validator rejects. Does not check the complete text.
 QStringList InvalidPrefixes(QValidator const& validator, QString const& text)
 {
     QStringList prefixes;
@@ -82,8 +82,8 @@ QStringList AllTexts(QString const& prefix, QString const& letters, int length)
     return all;
 }
 
-/// Returns those strings in \a texts for which the state that \a validator returns differs from the state that
-/// \a pattern requires.
+/// Validates each string in \a texts with \a validator. Returns the strings for which the result differs from the state
+/// that is expected for the regular expression \a pattern.
 QStringList TextsWithWrongState(QValidator const& validator, QString const& pattern, QStringList const& texts)
 {
     QRegularExpression const expected(QStringLiteral("\\A(?:") + pattern + QStringLiteral(")\\z"));

@@ -138,7 +138,7 @@ private Q_SLOTS:
 
     void comparesFamilyNamesCaseSensitively()
     {
-        // Add the font through Qt instead of FontDatabase. FontDatabase then treats the font family as a system font.
+        // Add the font with QFontDatabase, not with FontDatabase, so that FontDatabase treats it as a system font.
         int const id = QFontDatabase::addApplicationFont(CreateBitmapFont(folder_, "Dots"));
         QStringList const before = FontDatabase::systemFontFamilies();
         QVERIFY(before.contains(QStringLiteral("Dots")));

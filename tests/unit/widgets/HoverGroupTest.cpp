@@ -174,8 +174,8 @@ private Q_SLOTS:
         Send(tiles_[0].get(), QEvent::Enter);
         Send(tiles_[1].get(), QEvent::Enter);
         QCOMPARE(tiles_[0]->received, Types{QEvent::Enter});
-        // tiles_[1] receives the second event although it has already received an event of the same type: Qt delivers
-        // the second event to tiles_[1] directly, and the group can skip only replayed events.
+        // The test sends the second event directly to tiles_[1]. Therefore, tiles_[1] receives this event, although its
+        // previous event had the same type. The group skips members only when it replays an event to them.
         QCOMPARE(tiles_[1]->received, (Types{QEvent::Enter, QEvent::Enter}));
         QCOMPARE(tiles_[2]->received, Types{QEvent::Enter});
     }
@@ -325,7 +325,8 @@ private Q_SLOTS:
             tile->received.clear();
         }
         for (auto const type : {QEvent::Leave, QEvent::Enter}) {
-            event.emplace(type); // has the address of the previous event, as often happens for events on the stack
+            // The new event has the same address as the previous event. This often happens for events on the stack.
+            event.emplace(type);
             QCoreApplication::sendEvent(tiles_[1].get(), &*event);
         }
         for (auto const& tile : tiles_) {

@@ -225,9 +225,9 @@ private Q_SLOTS:
 
     void theTargetCanBeDestroyedWhenItIsActivated()
     {
-        // During activateWindow(), the test can run code only in the message handler: Qt logs a warning, because the
-        // window has the flag WindowDoesNotAcceptFocus. All other effects are delivered later as events. The message
-        // handler therefore destroys the target.
+        // The target must be destroyed while activateWindow() runs. For this purpose, the test gives the window the
+        // flag WindowDoesNotAcceptFocus, so that activateWindow() logs a Qt warning. The message handler of the test
+        // receives the warning and destroys the target.
         static QPointer<QWidget> target;
         static QtMessageHandler previous = nullptr;
         target = container_;

@@ -40,8 +40,8 @@ QRect Around(QPoint centre)
 
 constexpr QSize DialogSize(121, 81);
 
-/// Returns the expected geometry of a dialog that has the size DialogSize and is centred on \a middle. Half of an odd
-/// size is rounded up.
+/// Returns the expected geometry of a dialog that has the size DialogSize and is centred on \a middle. If the width or
+/// the height is odd, half of it is rounded up.
 QRect DialogGeometry(QPoint middle)
 {
     return {middle - QPoint(61, 41), DialogSize};
@@ -321,7 +321,7 @@ private Q_SLOTS:
     }
 
 private:
-    /// Returns the position at which \a window with its frame is centred in \a screen.
+    /// Returns the position at which \a window, including its window frame, is centred in \a screen.
     static QPoint CentredPosition(QRect const& screen, QWidget const& window)
     {
         QSize const frame = window.frameGeometry().size();
