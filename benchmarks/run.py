@@ -67,22 +67,22 @@ class Peer:
 
 PEERS = {
     "PostedEvent": Peer(
-        "bare posted event",
+        "posted functor event",
         "**Lower bound.** Handwritten code that posts one `QEvent` per functor. The event contains the functor.",
     ),
     "PostedEvents": Peer(
-        "bare posted events",
-        "**Lower bound.** Handwritten code that posts each job to the worker thread as one `QEvent`, and each report "
-        "and the completion back as one `QEvent`. It does not support cancellation, errors or ordering.",
+        "posted job events",
+        "**Lower bound.** Handwritten code that posts one `QEvent` to the worker thread for each job. The worker thread "
+        "posts back one `QEvent` for each report and one for the completion. Cancellation and errors are not supported.",
     ),
     "InvokeMethod": Peer("`invokeMethod`", "Qt's own function for calling a functor on another thread, since Qt 5.10."),
     "SingleShot": Peer(
         "`singleShot(0)`", "`QTimer::singleShot()` with a delay of zero, an older idiom in many code bases."
     ),
     "Lean": Peer(
-        "lean form",
-        "**Lower bound of the mechanism.** The smallest class that passes a `std::function` through a queued signal. "
-        "`FunctorExecutionForwarder` uses the same mechanism.",
+        "minimal forwarder",
+        "**Lower bound.** The smallest class that passes a `std::function` through a queued signal, which is also how "
+        "`FunctorExecutionForwarder` works.",
     ),
     "ThreadPool": Peer(
         "`QThreadPool`",
@@ -121,7 +121,7 @@ PEERS = {
     "Du": Peer("`du`", "The command `du -s --apparent-size -B1`, which runs as a separate process."),
     "DuOwn": Peer(
         "`du` without start-up",
-        "The time of `du` minus the time of `du` on an empty folder. The goals refer to this peer.",
+        "The time of `du` minus the time of `du` on an empty folder. The goals are compared with this value.",
     ),
     "Fts": Peer("`fts`", "The functions of the C library that traverse a folder tree."),
     "StdFilesystem": Peer("`std::filesystem`", "The recursive iterator of the standard library."),
@@ -504,7 +504,7 @@ def copies_row(results):
     ours = copies("FunctorExecutionForwarder")
     goal = list(COPIES.values())
     title = "Number of copies of a functor: if passed as a variable, if passed as a temporary, during its call"
-    return Row(title, text(ours), f"lean form {text(copies('Lean'))}", f"= {text(goal)}", ours == goal)
+    return Row(title, text(ours), f"{PEERS['Lean'].label} {text(copies('Lean'))}", f"= {text(goal)}", ours == goal)
 
 
 def functions_row(results):
@@ -593,20 +593,22 @@ instead of time. The row about copies shows the numbers of the peer instead of a
 - **Work on one thread** is measured in processor time of that thread, so that other programs do not affect the result.
   `du` and `rm` are measured in processor time of their processes. Repeated runs differ by at most 5 %.
 - **Work on two threads** is measured in wall-clock time. Repeated runs differ by at most 30 %.
-- **Two threads that wait for each other in turn** share one core. Otherwise the results would mainly show how long an
-  idle core takes to wake.
-- **Functors** are posted by a second thread while the thread that will run them waits. That thread runs the functors
-  after all of them have been posted. In the round trips, both threads post functors.
-- **Jobs** run on a single worker thread that is reused for all jobs. This applies to the library and to each peer.
+- **If two threads alternate**, each waiting for the other, both run on the same core. Otherwise the results would mainly
+  show how long an idle core takes to wake.
+- **Functors**: A second thread posts all functors. The receiving thread waits until all of them are posted, and then
+  calls them. In the round trips, both threads post functors.
+- **Jobs**: The library and each peer have one worker thread each, and reuse it for all jobs.
 - **Folders and files** are in the caches of the kernel before the measurement.
-- **Libraries** are loaded with `RTLD_NOW`, each time in a new process. The process loads the dependencies of a library
-  before the measurement; the benchmark fails if one of them is still missing.
+- **Libraries** are loaded with `RTLD_NOW`, each time in a new process. The dependencies are loaded before the
+  measurement. The benchmark fails if a dependency is still missing then.
 
 ## The machine
 
 {table(("", ""), facts.items())}
 
 ## The peers
+
+A lower bound does only the minimum of the work, so the library is not expected to be faster.
 
 {table(("Peer", "Description"), descriptions)}
 """
