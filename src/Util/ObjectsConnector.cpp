@@ -48,8 +48,9 @@ std::string Coded(char code, QString const& signature)
     return signature.startsWith(QLatin1Char(code)) ? text : code + text;
 }
 
-/// An iteration over a copy of the emitters or of the receivers of an ID. ObjectsConnector uses it to connect all
-/// emitters to one receiver, or all receivers to one emitter, and to disconnect them again.
+/// Iterates over a copy of the list of emitters, or of the list of receivers, that are registered under one ID.
+/// ObjectsConnector uses this class to connect all emitters to one receiver, or all receivers to one emitter, and to
+/// disconnect them again.
 ///
 /// QObject::connect() calls connectNotify() of the sender, which an application can override. The override can
 /// register, unregister and destroy objects while an iteration is running. Therefore, when a registered object is
@@ -128,8 +129,9 @@ void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QStri
     // with an object that contains the string. Therefore, the code below uses id, a copy of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSignal = Coded(SignalCode, signal);
-    // This QPointer detects the destruction of sender during the iteration. The destroyed() handler that stops the
-    // iteration cannot be used for this purpose, because registerMetaType() connects the handler only later.
+    // If sender is destroyed during the iteration, this QPointer becomes null. The class Iteration does not detect the
+    // destruction of an object that is not registered yet: registerMetaType() connects the handler of the destroyed()
+    // signal only after the iteration.
     QPointer<QObject> const alive(sender);
     Iteration(roles[TYPE_SLOT], sender).VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
         if (alive) {
@@ -150,8 +152,9 @@ void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QS
     // with an object that contains the string. Therefore, the code below uses id, a copy of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSlot = Coded(SlotCode, slot);
-    // This QPointer detects the destruction of receiver during the iteration. The destroyed() handler that stops the
-    // iteration cannot be used for this purpose, because registerMetaType() connects the handler only later.
+    // If receiver is destroyed during the iteration, this QPointer becomes null. The class Iteration does not detect
+    // the destruction of an object that is not registered yet: registerMetaType() connects the handler of the
+    // destroyed() signal only after the iteration.
     QPointer<QObject> const alive(receiver);
     Iteration(roles[TYPE_SIGNAL], receiver).VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
         if (alive) {

@@ -18,14 +18,14 @@ namespace Zelkor
 namespace Util
 {
 
-/// The key under which ObjectsConnector stores the emitters of an ID.
+/// The key under which ObjectsConnector stores the emitters that are registered with an ID.
 extern ZQTUTIL_EXPORT std::string const TYPE_SIGNAL;
-/// The key under which ObjectsConnector stores the receivers of an ID.
+/// The key under which ObjectsConnector stores the receivers that are registered with an ID.
 extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 
 /// Connects signals to slots by a shared name, the ID. An object can be registered under an ID as an emitter, with one
-/// of its signals, or as a receiver, with one of its slots. Every emitter of an ID is connected to every receiver of
-/// the same ID. Emitters and receivers can be registered in any order.
+/// of its signals, or as a receiver, with one of its slots. ObjectsConnector connects every emitter to every receiver
+/// that is registered under the same ID. Emitters and receivers can be registered in any order.
 ///
 /// \code
 /// ObjectsConnector::registerReceiver(QStringLiteral("volume"), dial, QStringLiteral("setValue(int)"));
@@ -39,8 +39,8 @@ extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 /// match. The object is registered nevertheless.
 ///
 /// **Connections.** An object is never connected to itself, even if it is registered both as an emitter and as a
-/// receiver of the same ID. An emitter and a receiver are connected when the second of them is registered. The argument
-/// `queued` of this second registration decides whether the connection is queued. The argument `queued` of the earlier
+/// receiver under the same ID. An emitter and a receiver are connected as soon as both are registered. The argument
+/// `queued` of the later registration decides whether the connection is queued. The argument `queued` of the earlier
 /// registration has no effect on this connection.
 ///
 /// **Ownership.** ObjectsConnector does not own the registered objects. When a registered object is destroyed, it is
@@ -57,7 +57,7 @@ public:
     /// be null.
     explicit ObjectsConnector(QObject* parent = nullptr);
 
-    /// Registers an emitter and connects it to all current and future receivers of the same ID.
+    /// Registers an emitter under \a ID. Connects it to all receivers that are or will be registered under \a ID.
     ///
     /// \param ID      the shared name
     /// \param sender  the object that emits the signal. If it is null, the call is logged at ERROR and ignored.
@@ -66,7 +66,7 @@ public:
     Q_INVOKABLE static void registerEmitter(QString const& ID, QObject* sender, QString const& signal,
                                             bool queued = false);
 
-    /// Registers a receiver and connects it to all current and future emitters of the same ID.
+    /// Registers a receiver under \a ID. Connects it to all emitters that are or will be registered under \a ID.
     ///
     /// \param ID        the shared name
     /// \param receiver  the object that has the slot. If it is null, the call is logged at ERROR and ignored.
@@ -75,16 +75,16 @@ public:
     Q_INVOKABLE static void registerReceiver(QString const& ID, QObject* receiver, QString const& slot,
                                              bool queued = false);
 
-    /// Disconnects a slot of a receiver from all emitters of \a ID. Removes all registrations of this receiver and slot
-    /// under \a ID.
+    /// Disconnects a slot of a receiver from all emitters that are registered under \a ID. Removes all registrations of
+    /// this receiver and slot under \a ID.
     ///
     /// \param ID        the shared name
     /// \param receiver  the registered object. If it is null, the call is logged at ERROR and ignored.
     /// \param slot      the signature of the slot
     Q_INVOKABLE static void unregisterReceiver(QString const& ID, QObject* receiver, QString const& slot);
 
-    /// Disconnects a signal of an emitter from all receivers of \a ID. Removes all registrations of this emitter and
-    /// signal under \a ID.
+    /// Disconnects a signal of an emitter from all receivers that are registered under \a ID. Removes all registrations
+    /// of this emitter and signal under \a ID.
     ///
     /// \param ID      the shared name
     /// \param sender  the registered object. If it is null, the call is logged at ERROR and ignored.

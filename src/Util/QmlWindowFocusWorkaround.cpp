@@ -26,7 +26,7 @@ void ApplyQmlWindowFocusWorkaround(QWidget* window, QWidget* widget)
     }
     if (QWidget* const container = findQmlContainer(widget)) {
         container->setFocusPolicy(Qt::StrongFocus);
-        // Pass widget and not container: the widget that the caller specified gets the focus.
+        // The focus must be given to the widget that the caller specified. Therefore, pass widget and not container.
         new QmlWindowFocusWorkaround(window, widget);
     }
 }

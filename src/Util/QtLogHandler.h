@@ -94,7 +94,7 @@ public:
     /// \param enabled  true to log the position
     void SetEnabledLogFileNameAndLineNumber(bool enabled);
 
-    /// Enables or disables calls of the previous handler; initially enabled.
+    /// Enables or disables the calls to the previous handler. They are initially enabled.
     ///
     /// \param enabled  true to pass messages to the previous handler after they are logged
     void SetEnabledForwardIntoPreviousHandler(bool enabled);

@@ -21,10 +21,10 @@ public:
 
     /// Returns a parent widget for a dialog. The result can be null. GUI thread.
     ///
-    /// The first choice is the active modal widget. If no modal widget is active, the choice is the active window. In
-    /// two cases, the function returns the result of GetMainWindow() instead:
+    /// Normally returns the active modal widget. If no modal widget is active, returns the active window. In two cases,
+    /// the function returns the result of GetMainWindow() instead:
     /// - There is neither an active modal widget nor an active window.
-    /// - The chosen widget has the attribute `Qt::WA_DeleteOnClose`. A parent with this attribute would delete the
+    /// - The widget to return has the attribute `Qt::WA_DeleteOnClose`. A parent with this attribute would delete the
     ///   dialog when the parent is closed.
     ///
     /// If no main window is set, GetMainWindow() returns the active window, even if the active window has the attribute

@@ -22,7 +22,7 @@ ConsoleOutputStream& ConsoleOutputStream::operator<<(QString const& text)
 }
 
 QtStdStreamsInitializer::QtStdStreamsInitializer()
-    : input_(stdin) // no open mode is passed, so QTextStream deliberately uses its default mode, ReadWrite
+    : input_(stdin) // the open mode is deliberately omitted: QTextStream uses its default mode, ReadWrite
     , output_(stdout)
     , error_(stderr)
 {

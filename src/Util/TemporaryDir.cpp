@@ -40,7 +40,8 @@ QString const& SystemFolder()
 
 QString ApplicationFolder(QString const& name, QString const& version)
 {
-    // One arg() call for all four values: the name may contain "%1", which a second arg() call would replace.
+    // All four values are passed in one call of arg(). The name may contain "%1", and a second call of arg() would
+    // replace this "%1".
     return QStringLiteral("%1/%2/%3/%4")
         .arg(SystemFolder(), name, QString::number(VersionFromString(version, QStringLiteral(".")).GetMajor()),
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
@@ -92,8 +93,8 @@ void PrepareTemporaryFolder(QString const& folder)
     if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
     } else if (FindForeignFolder(folder).isEmpty()) {
-        // FindForeignFolder() is called again because another user may have created the folder after the caller's
-        // check.
+        // The caller has already called FindForeignFolder(). Call it again here, because another user may have created
+        // the folder in the meantime.
         EmptyFolder(folder);
     }
 }

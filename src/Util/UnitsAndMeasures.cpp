@@ -40,8 +40,8 @@ int PrecisionForFileSize(unsigned long long size)
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
-    // Each call deliberately translates all four labels in this order, although at most one label is used. Therefore,
-    // Qt requests the same four texts from the installed translators for every size.
+    // At most one of the four labels is used. All four are deliberately translated in each call, in this order, so that
+    // the installed translators receive the same four requests for every size.
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);
@@ -113,7 +113,7 @@ QString FormatDuration(long long microseconds, bool alwaysShowHours)
 {
     auto magnitude = static_cast<unsigned long long>(microseconds);
     if (microseconds < 0) {
-        magnitude = 0 - magnitude; // unsigned, because negating the smallest long long would overflow
+        magnitude = 0 - magnitude; // unsigned arithmetic, because -microseconds overflows for the smallest long long
     }
     unsigned long long const seconds = magnitude / MicrosecondsInSecond;
     unsigned long long const milliseconds = magnitude % MicrosecondsInSecond / MicrosecondsInMillisecond;

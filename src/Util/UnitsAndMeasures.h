@@ -35,8 +35,8 @@ ZQTUTIL_EXPORT int PrecisionForFileSize(unsigned long long size);
 /// \param size       the size in bytes
 /// \param precision  the number of decimal places; a negative value selects PrecisionForFileSize(). Sizes in bytes (B)
 ///                   have no decimal places.
-/// \param minUnit    the smallest unit to use. A size below this unit is still formatted in this unit: with MB and
-///                   precision 0, 10 bytes give "0 MB".
+/// \param minUnit    the smallest unit to use, even for a size that is less than one such unit. For example, if
+///                   \a minUnit is MB and \a precision is 0, the result for 10 bytes is "0 MB".
 /// \param kilo       the factor between a unit and the next larger unit
 ZQTUTIL_EXPORT QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo);
 

@@ -55,8 +55,8 @@ public:
 
         label->setWordWrap(true);
         buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-        // The constructor of ValidationInputDialog replaces this text. The call is kept because the translation
-        // catalogues contain the text.
+        // The user never sees this text, because the constructor of ValidationInputDialog replaces it. The text is kept
+        // because the translation catalogues contain it.
         label->setText(QCoreApplication::translate("ValidationInputDialog", "Input string:"));
     }
 

@@ -65,8 +65,8 @@ public:
 
     /// Returns the text of the field after `QString::simplified()`.
     ///
-    /// Each call of this function calls the first check again. If this check fails, the function returns an empty
-    /// string. This is also the case if the user has already accepted the dialog.
+    /// Each call of this function calls the first check again. If the first check fails, the function returns an empty
+    /// string, even if the user has already accepted the dialog.
     QString inputText();
 
 private:

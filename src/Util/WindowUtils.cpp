@@ -34,8 +34,8 @@ QPoint MiddleFor(QDialog const* dialog, QWidget const* parent)
     if (!parent) {
         parent = dialog->parentWidget();
     }
-    // geometry() excludes the window frame, so the dialog is centred in the parent window without its frame. In
-    // contrast, GetCurrentScreenRect() includes the frame when it determines the centre of a window.
+    // geometry() excludes the window frame, so the frame of the parent window has no influence on the position of the
+    // dialog. In contrast, GetCurrentScreenRect() includes the frame when it determines the centre of a window.
     return MiddleOf(parent ? parent->window()->geometry() : GetCurrentScreenRect(dialog));
 }
 

@@ -25,8 +25,9 @@ namespace Util
 /// `QRect` if there is no screen. GUI thread.
 ZQTUTIL_EXPORT QRect GetCurrentScreenRect(QWidget const* widget);
 
-/// Returns the position for the top left corner of \a widget that centres \a widget on the screen of its parent widget.
-/// If \a widget has no parent, the primary screen is used. See GetCurrentScreenRect(). GUI thread.
+/// Returns the position at which \a widget is centred on the screen of its parent widget. The result is the position of
+/// the top left corner of \a widget. If \a widget has no parent, the primary screen is used. See
+/// GetCurrentScreenRect(). GUI thread.
 ZQTUTIL_EXPORT QPoint GetWidgetPosOnCurrentScreenCenter(QWidget const& widget);
 
 /// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`, which runs a nested event loop. GUI

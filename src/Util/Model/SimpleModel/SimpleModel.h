@@ -86,13 +86,13 @@ public:
     /// the order of registration.
     ///
     /// The roles RegisterObserver and UnregisterObserver require an invalid \a index. They register or unregister the
-    /// observer in \a value. Nothing happens if the observer is null, if an observer to register is already registered,
-    /// or if an observer to unregister is not registered.
+    /// observer in \a value. A null observer is ignored. Registering the same observer a second time has no effect, and
+    /// neither has unregistering an observer that is not registered.
     ///
     /// \param index  for Click: the clicked item; for RegisterObserver and UnregisterObserver: an invalid index
     /// \param value  the observer as an `ISimpleModelObserver*`; ignored for Click
     /// \param role   Click, RegisterObserver or UnregisterObserver
-    /// \returns false if \a role cannot be used with \a index; otherwise true, even if nothing happens
+    /// \returns false if \a role cannot be used with \a index; otherwise true, even if the call has no effect
     bool setData(QModelIndex const& index, QVariant const& value, int role = Qt::EditRole) override;
 
     /// Returns the role names for QML: "Uid", "Title", "IconPath" and "Click". The other roles cannot be used in QML by
