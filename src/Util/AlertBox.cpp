@@ -46,8 +46,7 @@ constexpr LevelLook LevelLooks[] = {
     {nullptr, ":/MessageBox/question_icon.png", MessageLevel::Question},
 };
 
-/// Returns the default title, the icon and the message level of \a level. Returns null if \a level is outside the
-/// enumeration.
+/// Returns the element of LevelLooks for \a level. Returns null if \a level is outside the enumeration.
 LevelLook const* LookOf(AlertBox::Level level)
 {
     auto const index = static_cast<std::size_t>(level);
@@ -121,8 +120,8 @@ AlertBox::AlertBox(Level level, QString const& title, QString const& text, QMess
         } else if (level_ == Question) { // deliberate: only a question without a title gets a minimum width
             SetWidth(QuestionWidth);
         }
-        // Required behaviour since the first release: call QMessageBox::setWindowTitle() only if the parameter `title`
-        // is empty.
+        // Kept for compatibility with the first release: QMessageBox::setWindowTitle() is called only if the parameter
+        // `title` is empty.
         QMessageBox::setWindowTitle(shownTitle);
     }
     QWidget::setWindowTitle(shownTitle); // required, because QMessageBox::setWindowTitle() has no effect on macOS
@@ -193,8 +192,8 @@ void AlertBox::SetWidth(int width)
     widthSpacer_->setFixedSize(width, 0);
     grid->addWidget(widthSpacer_, grid->rowCount() - 1, 0, 1, grid->columnCount());
     // The connection is queued, because QMessageBox has not installed its new layout yet when it deletes the old one.
-    // disconnect() does not cancel a call that is already queued. The lambda therefore checks that the minimum width
-    // has not been removed in the meantime.
+    // If SetWidth() removes the minimum width after the call was queued, disconnect() does not cancel the call. The
+    // lambda must not restore the minimum width then, so it checks isWidthSpacerDeletionPending_.
     widthConnection_ = connect(
         grid, &QObject::destroyed, this,
         [this] {

@@ -112,7 +112,7 @@ public:
     /// of 0 or more is ignored if the layout of the box is not a QGridLayout.
     void SetWidth(int width);
     /// Returns the minimum width in pixels, or -1 if no minimum width is set. After SetWidth() has removed the minimum
-    /// width, returns 0 until control returns to the event loop.
+    /// width, this function returns 0 until the event loop has deleted the internal spacer widget.
     int GetWidth() const;
 
     /// Sets the spacing between the buttons to \a spacing pixels. Does nothing if the box has no buttons, or if the

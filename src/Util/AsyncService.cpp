@@ -76,8 +76,9 @@ AsyncService::Impl::Impl()
 {
     thread->setObjectName(QStringLiteral("AsyncService"));
     workerForwarder.moveToThread(thread.data());
-    // A job may quit the event loop of the worker thread. If run() queues another job before the thread has finished,
-    // no event loop would call that job. Therefore, if jobs are queued when the thread finishes, restart the thread.
+    // A job may quit the event loop of the worker thread. If run() is called before the thread has finished, it queues
+    // another job but does not start the thread again. Therefore, if jobs are still queued when the thread finishes,
+    // restart the thread. Otherwise, these jobs would not run until the next call of run().
     QObject::connect(thread.data(), &QThread::finished, &ownerForwarder, [this] {
         if (queuedJobs > 0) {
             startThread();

@@ -126,8 +126,8 @@ public:
 
     /// Requests the cancellation of \a task. Does nothing if the task is not registered.
     ///
-    /// The job is called even if the task was cancelled before the job starts. The task completes as cancelled only if
-    /// the job throws Cancelled.
+    /// If this function is called before the job starts, the job is nevertheless called. The task completes as
+    /// cancelled only if the job throws Cancelled.
     void cancel(Task* task);
 
     /// Returns true if \a task is registered, that is, if it has been posted and has not completed yet.

@@ -91,8 +91,8 @@ PathValidity IsThisPathValid(QString const& path)
 
 bool IsThisPathValid(QString const& path, QString* errorText)
 {
-    // Required behaviour since the first release: if the path is not valid, this function throws the error text in an
-    // exception of this local class, and catches the exception itself.
+    // Kept for compatibility with the first release: if the path is not valid, this function throws an exception of the
+    // class Error, which contains the error text, and catches the exception itself.
     class Error : public std::exception
     {
     public:

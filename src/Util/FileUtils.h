@@ -17,7 +17,7 @@ namespace Zelkor
 namespace Util
 {
 
-/// The result of the check of a destination folder.
+/// The result of IsThisPathValid(QString const&), which checks a destination folder.
 enum class PathValidity : int {
     Valid,         ///< files can be created in the folder, or the folder can be created
     Empty,         ///< the path is empty
@@ -65,13 +65,14 @@ ZQTUTIL_EXPORT bool CanReadFileIn(QString const& folder);
 /// file again.
 ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 
-/// Removes the entries of \a folder that were last modified at a certain time limit or earlier.
+/// Removes old files and subfolders from \a folder. An entry is old if its last modification was at the time limit or
+/// earlier.
 ///
 /// The time limit is the current local date and time minus \a days calendar days. The time of day does not change.
 ///
-/// A subfolder that was last modified at the time limit or earlier is processed in the same way, and removed if it is
-/// then empty. Newer subfolders are skipped with all their contents. Symbolic links are never followed: a link is
-/// removed like a file. Entries that cannot be removed are skipped without a message.
+/// An old subfolder is processed in the same way, and removed if it is then empty. Other subfolders are skipped with
+/// all their contents. Symbolic links are never followed: an old link is removed like a file. Entries that cannot be
+/// removed are skipped without a message.
 ///
 /// The tree can have any depth. The function works even if the process can open only a few files.
 ///
@@ -125,8 +126,8 @@ ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 /// GUI thread.
 ///
 /// On macOS, the Finder shows the files. On Linux, the function calls the D-Bus service org.freedesktop.FileManager1
-/// on the session bus. If there is no session bus, or the call fails, the desktop's default application opens
-/// \a folder. If \a folder cannot be opened either, one message is logged at WARNING.
+/// on the session bus. If there is no session bus, or the call returns an error, the function opens \a folder
+/// in the desktop's default application. If \a folder cannot be opened either, one message is logged at WARNING.
 ///
 /// \param folder  the folder to show if \a files is empty
 /// \param files   the files to select

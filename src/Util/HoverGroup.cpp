@@ -68,8 +68,9 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     if (hovered == members_.end()) {
         return QObject::eventFilter(watched, event);
     }
-    // Set the member variable `last` before the group replays the event. An event handler of another member can cause a
-    // new event of the same type. If `last` were not set yet, the group would send the new event back to this member.
+    // Record the type of the event before the group replays the event. While the group replays it, another widget of
+    // the group can receive a new event of the same type. Because the type is already recorded, the group does not send
+    // the new event to the watched widget.
     hovered->second.last = event->type();
     if (event == replayed_) {
         return QObject::eventFilter(watched, event);
