@@ -85,7 +85,7 @@ struct ByHandRunner
     }
 };
 
-/// Runs \a work in a child process and returns its processor time in seconds.
+/// Runs \a work in a child process. Returns the processor time of \a work in seconds.
 ///
 /// For every new connection, Qt searches the existing connections of the emitter. The duration of this search depends
 /// mainly on memory latency. Therefore, the result can vary by a factor of up to four, depending on the heap addresses

@@ -30,8 +30,8 @@ constexpr std::array<unsigned long long, 8> Sizes{512,      1500,       999999, 
 // Durations in milliseconds. All of them are shorter than a day, because QTime cannot represent a day or more.
 constexpr std::array<int, 8> Durations{1234, 59999, 60000, 754321, 3599999, 3600000, 20123456, 86399999};
 
-/// Measures calls of \a format. Each call formats the next element of \a values. After the last element, the first
-/// element follows again.
+/// Measures calls of \a format. Each call formats the next element of \a values. The call after the last element
+/// formats the first element again.
 template <class Values, class Format>
 void FormatInTurn(benchmark::State& state, Values const& values, Format const& format)
 {

@@ -4,8 +4,8 @@
 // For comparison, the benchmark measures four alternatives:
 // - QCoreApplication::postEvent() with an event that contains the functor. Its time is the lower bound.
 // - QMetaObject::invokeMethod() and QTimer::singleShot().
-// - LeanForwarder, the smallest class that passes a std::function through a queued signal. According to its
-//   documentation, FunctorExecutionForwarder uses a queued signal too.
+// - LeanForwarder, the smallest class that passes a std::function through a queued signal. FunctorExecutionForwarder
+//   uses a queued signal too.
 
 #include "LeanForwarder.h"
 #include "Support.h"

@@ -29,8 +29,8 @@ QStringList Uids()
     return uids;
 }
 
-/// A list of strings with only the two functions that every list model needs. The time for reading its uids is the
-/// lower bound for comparison.
+/// A list of strings with only the two functions that every list model needs. The time to read the uids of this
+/// model is the lower bound.
 class MinimalModel : public QAbstractListModel
 {
 public:
@@ -95,7 +95,7 @@ void Read(benchmark::State& state)
 }
 
 /// Returns the icon path of \a uid. Allocates a string of the final length and writes each character once. The time of
-/// this function is the lower bound for comparison.
+/// this function is the lower bound.
 QString OnePass(QString const& uid)
 {
     static QLatin1String const before("qrc:/icons/");

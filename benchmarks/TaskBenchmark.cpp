@@ -178,8 +178,8 @@ private:
     OneThreadPool pool_;
 };
 
-/// Passes each progress report as a result of a QFuture. The progress values of a QFuture are not suitable, because Qt
-/// drops some of them; all results are delivered.
+/// Delivers each progress report as one result in a QFuture. QFuture also has progress values, but Qt drops some
+/// progress values. In contrast, Qt delivers all results.
 class FutureResults
 {
 public:

@@ -1,7 +1,7 @@
 // Measures three classes and functions for widgets, and alternatives for comparison:
 // - AlertBox: creates, shows and closes a message box, with and without a style sheet. The alternatives are QMessageBox
-//   (the base class of AlertBox), KMessageDialog, and a dialog with only a label and two buttons. The time of the
-//   last of these dialogs is the lower bound.
+//   (the base class of AlertBox), KMessageDialog, and a plain dialog with only a label and two buttons. The time of
+//   the plain dialog is the lower bound.
 // - ApplyWidgetStyle(): sets a style property of a widget with 200 ancestors. The alternative is handwritten code.
 // - HoverGroup: hovers over groups of 10 and 100 widgets. The alternative is a loop that sends the same events. The
 //   time of the loop is the lower bound.

@@ -160,7 +160,7 @@ void AlertsPage::ShowBox()
     QPointer<AlertBox> const box = NewBox().release();
     box->Exec();
     if (!alive) {
-        return; // The main window was destroyed while the box was open, including this page and the box.
+        return; // The main window was destroyed while the box was open. This page has been destroyed too.
     }
     answerLabel_->Show(box && box->clickedButton() ? box->clickedButton()->objectName() : tr("none"));
     delete box;

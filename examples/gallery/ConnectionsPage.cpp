@@ -168,8 +168,8 @@ void ConnectionsPage::UnregisterSelected()
     } else {
         ObjectsConnector::unregisterReceiver(registration.id, control, Slot());
     }
-    // The same control can be registered several times under the same name as an emitter, or as a receiver. The call
-    // above has removed all of these registrations, so remove all of their rows from the table.
+    // A control can be registered several times under the same name, as an emitter or as a receiver. ObjectsConnector
+    // has now removed all of these registrations, so remove all of their rows from the table.
     for (int row = table_->rowCount() - 1; row >= 0; --row) {
         auto const at = registrations_.begin() + row;
         if (at->control == registration.control && at->isEmitter == registration.isEmitter &&

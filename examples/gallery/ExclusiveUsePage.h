@@ -46,8 +46,8 @@ private:
     QString NameOf(QObject const* client) const;
     void Update();
 
-    // The service is destroyed before its clients, because the clients are child objects of the page. The clients
-    // support this order of destruction.
+    // The clients are child objects of the page. A page destroys its data members before its child objects, so the
+    // service is destroyed before its clients. The clients support this order of destruction.
     ExclusiveService device_;
     std::vector<Player> players_;
     StatusLabel* holderLabel_;

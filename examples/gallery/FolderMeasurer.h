@@ -56,7 +56,7 @@ public:
     /// entry is reported first. After that, all waiting entries are reported as cancelled.
     void Cancel();
 
-    /// Returns true while the current measurement or an earlier measurement is running.
+    /// Returns true while a measurement is running. A cancelled measurement runs until its current task has finished.
     bool IsBusy() const;
 
 Q_SIGNALS:

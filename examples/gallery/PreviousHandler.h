@@ -15,8 +15,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Emits MessagesReceived() with the messages that the handler installed by Install() receives. The handler is called
-/// on any thread; the signal is emitted on the thread of the PreviousHandler object. If there are several
+/// Install() installs a Qt message handler, which Qt can call on any thread. The PreviousHandler object receives the
+/// messages from this handler and emits MessagesReceived() on the thread of the object. If there are several
 /// PreviousHandler objects, only the object that was created last receives messages.
 class PreviousHandler : public QObject
 {

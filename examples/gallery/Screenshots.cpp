@@ -20,7 +20,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// A usual font size on desktops, in points. The default font size of the offscreen platform is larger.
+// A common font size on desktops, in points. The default font size of the offscreen platform is larger.
 constexpr int FontSize = 10;
 
 constexpr std::chrono::milliseconds RedrawTime(50);

@@ -49,8 +49,8 @@ void Style::drawPrimitive(PrimitiveElement element, QStyleOption const* option, 
     }
 }
 
-// This style uses a wider header margin, which moves the sort arrow up, away from the vertical centre of the text. Move
-// the arrow down again.
+// The header margin of this style is wider than the margin of Fusion. The wider margin moves the sort arrow up, away
+// from the vertical centre of the text. Therefore, this function moves the arrow down again.
 void Style::DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidget const* widget) const
 {
     header.rect.translate(0, ArrowShift);

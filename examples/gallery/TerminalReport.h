@@ -14,8 +14,9 @@ namespace Gallery
 /// last row. If some paths could not be measured, a list of these paths follows the table.
 QString ReportText(std::vector<FolderEntry> entries, FolderTotals const& totals);
 
-/// Measures \a folder and prints the ReportText() to the standard output. Shows progress on the standard error. Runs
-/// the application's event loop. Returns the exit code of the program, which is 1 if the folder cannot be read.
+/// Measures \a folder and prints the result of ReportText() to the standard output. Shows progress on the standard
+/// error. Runs the application's event loop. Returns the exit code of the program, which is 1 if the folder cannot be
+/// read.
 int PrintReport(ioPath const& folder);
 
 } // namespace Gallery

@@ -23,15 +23,14 @@ namespace Gallery
 /// sequences such as `\n` and `\x07`.
 QString OneLineText(QString const& text);
 
-/// Converts \a path to a string and returns the OneLineText() of that string. Replaces bytes that are not valid UTF-8
-/// by U+FFFD.
+/// Converts \a path to a string on one line, as OneLineText() does. Replaces bytes that are not valid UTF-8 by U+FFFD.
 QString PathText(ioPath const& path);
 
 /// Returns the file name of \a entry, converted by PathText().
 QString NameText(FolderEntry const& entry);
 
-/// Returns a text that describes the state of \a entry. If \a entry has been measured, returns the UnmeasuredText() for
-/// its unmeasured paths, or an empty string if all paths could be measured.
+/// Returns a text that describes the state of \a entry. If \a entry has been measured, returns the result of
+/// UnmeasuredText() for the number of unmeasured paths, or an empty string if all paths could be measured.
 QString StateText(FolderEntry const& entry);
 
 /// Returns a text such as "348 entries" for the number \a count.

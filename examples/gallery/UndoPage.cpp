@@ -119,7 +119,7 @@ void UndoPage::EditColours()
     handlers_.push(dialog->Commands());
     bool const isAccepted = dialog->exec() == QDialog::Accepted;
     if (!alive) {
-        return; // The main window was destroyed while the dialog was open, including this page and the dialog.
+        return; // The main window was destroyed while the dialog was open. This page has been destroyed too.
     }
     handlers_.pop();
     Update();
