@@ -1,4 +1,4 @@
-#!/ usr / bin / env python3
+#!/usr/bin/env python3
 """Runs the benchmarks of a build and compares the library with alternatives, which are called peers.
 
 The result is a table of ratios: the time of the library divided by the time of each peer. Times are comparable only
@@ -332,22 +332,23 @@ class Tree:
     title: str
     entries: int
 
-#The folder trees that PathSizeBenchmark creates with-- scale = 100. `entries` is the number of files and
-#folders in the tree.
+
+# The folder trees that PathSizeBenchmark creates with --scale=100. `entries` is the number of files and
+# folders in the tree.
 TREES = {
     "ManyFolders": Tree("200 000 files in 2 000 folders", 202000),
     "DeepChain": Tree("a chain of 1 000 nested folders", 2000),
     "OneFolder": Tree("100 000 files in one folder", 100000),
 }
 
-#The expected number of copies of a functor that FunctorExecutionForwarder makes:
-#- "kept" : the caller passes a variable, which is copied into the parameter and into the queue.
-#- "handed_over" : the caller passes a temporary, which is copied only into the queue.
-#- "called" : calling the functor does not copy it.
+# The expected number of copies of a functor that FunctorExecutionForwarder makes:
+# - "kept": the caller passes a variable, which is copied into the parameter and into the queue.
+# - "handed_over": the caller passes a temporary, which is copied only into the queue.
+# - "called": calling the functor does not copy it.
 COPIES = {"kept": 2, "handed_over": 1, "called": 0}
 
-#Loading the library runs the compiler's start-up function, and one function for each of the four source files that
-#have global objects.tests / frame / library_file.py checks the same number.
+# Loading the library runs the compiler's start-up function, and one function for each of the four source files that
+# have global objects. tests/frame/library_file.py checks the same number.
 FUNCTIONS_ON_LOAD = 5
 
 
@@ -383,8 +384,8 @@ class Results:
                 raise CannotRun(f"{entry['run_name']}: {entry['error_message']}")
             if entry.get("aggregate_name") != "median":
                 continue
-#Google Benchmark appends the name of the clock to the name of the benchmark.A benchmark without this
-#suffix measures processor time.
+            # Google Benchmark appends the name of the clock to the name of the benchmark. A benchmark without this
+            # suffix measures processor time.
             pattern = r"(\w+/\w+)(?:/iterations:\d+)?(/(real_time|manual_time))?"
             name, _, clock = re.fullmatch(pattern, entry["run_name"]).groups()
             time = entry["real_time"] if clock else entry["cpu_time"]
@@ -410,19 +411,17 @@ class Runner:
     @staticmethod
     def command(arguments):
         words = [str(argument) for argument in arguments]
-        environment =
-{
-    **os.environ, "LC_ALL" : "C.UTF-8"
-}
-try : subprocess.run(words, check=True, capture_output=True, encoding="utf-8", env=environment)
+        environment = {**os.environ, "LC_ALL": "C.UTF-8"}
+        try:
+            subprocess.run(words, check=True, capture_output=True, encoding="utf-8", env=environment)
         except subprocess.CalledProcessError as error:
             raise CannotRun(f"{error}\n{error.stderr}") from error
         except OSError as error:
             raise CannotRun(str(error)) from error
 
-#A processor core is sometimes slow for about a second, independent of the program.Many short samples distribute
-#these slow periods evenly among the library and the alternatives with which it is compared.With few long samples,
-#the median would vary between runs.
+    # A processor core is sometimes slow for about a second, independent of the program. Many short samples distribute
+    # these slow periods evenly among the library and the alternatives with which it is compared. With few long samples,
+    # the median would vary between runs.
     def benchmark(self, results, name, *arguments, repetitions=201, min_time=0.005):
         print(f"{name} ...", file=sys.stderr, flush=True)
         self.command(
@@ -492,7 +491,7 @@ def job_row(job, results):
     peers = {peer: results.time(job.key, peer) for peer in job.peers}
     holds = all(goal.holds(ours, peers[goal.peer]) for goal in job.goals) if job.goals else None
     goal = ", ".join(goal.text() for goal in job.goals)
-#Print three decimals if a goal is missed : with two decimals, the rounded ratio could look equal to the goal.
+    # Print three decimals if a goal is missed: with two decimals, the rounded ratio could look equal to the goal.
     return Row(job.title, time_text(ours), ratios_text(ours, peers, 3 if holds is False else 2), goal, holds)
 
 
@@ -587,12 +586,8 @@ def document(rows, facts, quick):
 Every measured time is the median of 2 to 201 repetitions, depending on the duration of the job. The repetitions of the
 library and of its peers alternate in random order. The last rows of the table count functions, copies or system calls
 instead of time. The row about copies shows the numbers of the peer instead of a ratio.
-    {
-        warning if quick else ""
-    }
-{
-    result_table
-}
+{warning if quick else ""}
+{result_table}
 
 ## How it is measured
 
@@ -610,18 +605,13 @@ instead of time. The row about copies shows the numbers of the peer instead of a
 
 ## The machine
 
-{
-    table(("", ""), facts.items())
-}
+{table(("", ""), facts.items())}
 
-##The peers
+## The peers
 
-    A lower bound does only the minimum of the work,
-    so the library is not expected to be faster.
+A lower bound does only the minimum of the work, so the library is not expected to be faster.
 
-{
-    table(("Peer", "Description"), descriptions)
-}
+{table(("Peer", "Description"), descriptions)}
 """
 
 
@@ -640,8 +630,10 @@ def report(rows, text, output):
 @contextlib.contextmanager
 def scratch_folder():
     path = tempfile.mkdtemp(prefix="zqtutil-benchmarks-")
-try : yield path finally:
-#shutil.rmtree() fails on the chain of 1 000 nested folders, because the chain is too deep.
+    try:
+        yield path
+    finally:
+        # shutil.rmtree() fails on the chain of 1 000 nested folders, because the chain is too deep.
         subprocess.run(["rm", "-rf", path], check=False)
 
 
@@ -659,7 +651,8 @@ def parse_arguments():
 def main():
     arguments = parse_arguments()
     build_dir = arguments.build_dir.resolve()
-    try : with scratch_folder() as scratch:
+    try:
+        with scratch_folder() as scratch:
             rows, context = all_rows(Runner(build_dir, scratch, arguments.quick))
     except CannotRun as error:
         print(f"A benchmark failed: {error}", file=sys.stderr)
