@@ -64,8 +64,8 @@ def check_report(gallery):
         expect(any(re.search(rf"\s{total}\s.*Total of {len(sizes)} entries", line) for line in lines),
                f"No line reports a total of {total} bytes:\n" + "\n".join(lines))
         expect(any("dangling" in line for line in lines), "The report does not list the dangling link")
-        # For each entry without a size, the library logs a line that starts with the misspelt word "Erorr". The gallery
-        # must not print these lines.
+        # For each file, folder or link that has no size, the library logs a line that starts with the misspelt word
+        # "Erorr". The gallery must not print these lines.
         expect(b"Erorr" not in result.stderr, f"Log lines appear on the terminal: {result.stderr}")
 
 

@@ -176,8 +176,8 @@ ModuleTestCase {
         emitter.clicked()
         compare(receiver.toggled, 0)
 
-        // Only one of the two objects was unregistered. New objects must be connected to the other one, which is still
-        // registered.
+        // Either the emitter or the receiver was unregistered. The other object is still registered and must be
+        // connected to the new objects.
         const newEmitter = create(emitterComponent)
         const newReceiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", newEmitter, "clicked()")

@@ -68,9 +68,9 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString 
     }
 }
 
-/// If the environment variable ZQTUTIL_TEST_SCREENS is set, checks that there are as many screens as it specifies, and
-/// that the screens do not overlap. Without this check, the tests for several screens would also pass on a single
-/// screen, where they test nothing.
+/// If the environment variable ZQTUTIL_TEST_SCREENS is set, checks that its value is the number of screens, and that
+/// the screens do not overlap. Without this check, the tests for several screens would also pass on a single screen,
+/// where they test nothing.
 void VerifyScreens()
 {
     int const expected = qEnvironmentVariableIntValue("ZQTUTIL_TEST_SCREENS");

@@ -19,19 +19,19 @@ struct ConnectionRequest
     Qt::ConnectionType type;
 };
 
-/// While a ConnectionRefusal exists, it records all calls of QObject::connect() on the thread that created it, and
-/// makes these calls fail. Only the overload that takes the signal and the slot as strings is affected. Each thread may
-/// have at most one ConnectionRefusal at a time.
+/// Records the calls of QObject::connect() and makes them fail. A ConnectionRefusal object affects only calls on the
+/// thread that created the object, and only the overload that takes the signal and the slot as strings. Each thread may
+/// have at most one ConnectionRefusal at a time. The destructor restores the normal behaviour of QObject::connect().
 class ConnectionRefusal
 {
 public:
-    /// \param allowed  The number of calls that do not fail: they are forwarded to Qt. All later calls fail.
+    /// \param allowed  The number of calls that are forwarded to Qt. All later calls fail.
     explicit ConnectionRefusal(std::size_t allowed = 0);
     ~ConnectionRefusal();
     Q_DISABLE_COPY_MOVE(ConnectionRefusal)
 
-    /// If the calling thread has a ConnectionRefusal, adds \a request to its recorded calls. Returns true if the call
-    /// must be forwarded to Qt, and false if it must fail.
+    /// If the calling thread has a ConnectionRefusal, adds \a request to the \c requests of this ConnectionRefusal.
+    /// Returns true if QObject::connect() must forward the call to Qt. Returns false if QObject::connect() must fail.
     static bool Allows(ConnectionRequest const& request);
 
     std::vector<ConnectionRequest> requests; ///< All recorded calls, including the calls that failed.

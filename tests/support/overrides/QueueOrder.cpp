@@ -55,9 +55,9 @@ bool BeforeDelivery(void** data)
 
 } // namespace
 
-// When a thread finishes, the QThread object emits finished(), and BeforeEmission() calls __tsan_release() with this
-// object. Below, __tsan_acquire() is called with the same object. From these two calls, the thread sanitizer detects
-// that the emission happened before wait() returned.
+// When a thread finishes, its QThread object emits finished(). Before the emission, BeforeEmission() calls
+// __tsan_release() with the address of the QThread object. The following function calls __tsan_acquire() with the same
+// address. From these two calls, the thread sanitizer detects that the thread finished before wait() returned.
 bool QThread::wait(QDeadlineTimer deadline)
 {
     static auto const next =

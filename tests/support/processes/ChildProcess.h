@@ -65,8 +65,8 @@ public:
         return value;
     }
 
-    /// Makes WaitForContinue() return in the child. If the child has not called WaitForContinue() yet, the next call
-    /// returns at once. Each call of Continue() affects only one call of WaitForContinue().
+    /// Makes WaitForContinue() return in the child. If the child has not called WaitForContinue() yet, its next call of
+    /// WaitForContinue() returns at once. Each call of Continue() affects only one call of WaitForContinue().
     void Continue();
 
     /// Blocks until the child exits. Throws std::runtime_error if the exit status of the child is not 0.

@@ -265,8 +265,8 @@ void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt()
 void FileUtilsAccessTest::removesTheTemporaryFileInAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    // A QString cannot represent a name that is not valid UTF-8. Therefore, convert the value of "name" to a QString
-    // and back, and use the result as the name of the folder.
+    // One row has a name that is not valid UTF-8, which a QString cannot represent. Converting the name to a QString
+    // and back replaces the invalid bytes. Use the result as the name of the folder.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name));
     MakeFolder(At(encoded.left(255).toStdString()));
     int const descriptors = CountOpenDescriptors();

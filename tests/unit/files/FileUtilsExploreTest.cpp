@@ -673,7 +673,7 @@ void FileUtilsExploreTest::theProgramMayExitBeforeTheReply()
     QVERIFY(manager.isRegistered);
 
     QVERIFY(ExploreFile(ioPath("/no/folder/file")));
-    // Return without processing events, so that the process exits before it receives the reply.
+    // Return without processing events, so that the process exits before it receives the file manager's reply.
 }
 
 ZQTUTIL_TEST_MAIN(FileUtilsExploreTest)

@@ -1,6 +1,6 @@
-// Tests of GetPathSize() with trees that change while the function runs. Also tests that the function changes neither
-// the open descriptors nor the current folder of the process, and that several threads can call the function at the
-// same time.
+// Tests of GetPathSize() with trees that change while the function runs. The tests also verify that the function closes
+// all descriptors that it opens, does not change the current folder of the process, and can run on several threads at
+// the same time.
 
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>

@@ -65,8 +65,8 @@ private:
 Measured MeasureWithDescriptors(std::size_t count, std::string const& path)
 {
     return RunAsOrdinaryUser([&] {
-        // The first call of Measure() may load shared libraries, which requires additional descriptors. Make this call
-        // before the number of descriptors is limited.
+        // The first call of Measure() may load shared libraries, and loading a library requires a descriptor.
+        // Therefore, call Measure() once before the number of descriptors is limited.
         Measure(path + "/nothing");
         FewDescriptors const few(count);
         return Measure(path);

@@ -1,5 +1,5 @@
-// Tests of the member functions of TemporaryDir. Other test programs test where TemporaryDir creates its directory.
-// Their tests must create each TemporaryDir in a child process: see TemporaryDirTestCase.
+// Tests of the member functions of TemporaryDir. The location of the directory is tested in other test programs. Those
+// programs must create each TemporaryDir in a child process, for the reason given in TemporaryDirTestCase.h.
 
 #include <support/TestCase.h>
 #include <support/sandbox/Folders.h>

@@ -120,9 +120,10 @@ void TemporaryDirRefusalTest::rejectsALink()
     QFETCH(int, level);
     QFETCH(std::string, target);
     for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        // The test creates a link and verifies that TemporaryDir does not follow it. If TemporaryDir followed the link,
-        // it would use one of the following folders as the application's folder, and remove the file "leftover" in it.
-        // Create all of these folders, because the level of the link determines which one would be used.
+        // The test creates a link and verifies that TemporaryDir does not follow the link. If TemporaryDir followed the
+        // link, it would use one of the following folders as the application's folder, and remove the file "leftover"
+        // in that folder. Which folder it would use depends on how deep in the tree the link is. Therefore, create all
+        // of these folders.
         for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
             MakeFolders(At(tree + below));
             MakeFile(At(tree + below + "/leftover"));
@@ -143,8 +144,8 @@ void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser_data()
     QTest::addColumn<int>("level");
     QTest::addColumn<bool>("asOrdinaryUser");
     QTest::addColumn<uint>("owner");
-    // Only root can change the owner of a folder. Therefore, this test has no rows if the test program does not run as
-    // root. In this case, only rejectsASystemFolder() tests a folder of another user.
+    // Only root can change the owner of a folder. Without root privileges, this test has no rows, and only
+    // rejectsASystemFolder() tests a folder of another user.
     if (geteuid() != RootUser) {
         return;
     }
@@ -283,9 +284,9 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 
 void TemporaryDirRefusalTest::doesNotUseTheRootFolderWithoutATemporaryFolder()
 {
-    // The test sets the application's name to the path of this folder, without the first slash. The temporary folder
-    // does not exist. If TemporaryDir used an empty path as the temporary folder, it would look for the application's
-    // folder below "/" plus the application's name, which is the path of this folder.
+    // The temporary folder does not exist in this test. If TemporaryDir used an empty path instead, the application's
+    // folder would be below the path "/" + application name. The application name is the path of the folder "folder"
+    // without the first slash. Therefore, TemporaryDir would then change the content of "folder".
     std::string const folder = At("folder");
     MakeFolders(folder + "/2/" + ProgramName());
     MakeFile(folder + "/2/" + ProgramName() + "/canary");

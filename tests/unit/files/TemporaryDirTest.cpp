@@ -1,4 +1,5 @@
-// Tests where TemporaryDir creates its directory: in the application's folder or in Qt's folder for temporary files.
+// Tests of the location of the directory that TemporaryDir creates. The directory is created either in the
+// application's folder or in Qt's folder for temporary files.
 
 #include <support/ProgrammingError.h>
 #include <support/Timeouts.h>
@@ -53,8 +54,8 @@ void DestroyApplication()
     delete QCoreApplication::instance();
 }
 
-/// Sets the application's name and version to the command line arguments 3 and 4, and creates a TemporaryDir. Prints
-/// the path of its directory if the directory exists.
+/// Sets the application's name and version to the command line arguments 3 and 4, and creates a TemporaryDir. If the
+/// TemporaryDir is valid and its directory exists, prints the path of the directory.
 void PrintDirectory()
 {
     QStringList const arguments = QCoreApplication::arguments();
@@ -138,7 +139,7 @@ void TemporaryDirTest::isBelowNameMajorVersionAndProgram()
 
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
-    QCOMPARE(process.readAllStandardError(), QByteArray()); // a log message would be in this output
+    QCOMPARE(process.readAllStandardError(), QByteArray()); // the child process must not log anything
     QCOMPARE(ParentOf(process.readAllStandardOutput().toStdString()), tmp_ + '/' + folder);
 }
 
@@ -417,7 +418,7 @@ void TemporaryDirTest::throwsIfTheVersionIsSetAfterTheFirstDirectory()
 
 void TemporaryDirTest::acceptsALaterChangeOfTheVersionOnlyIfItIsReset_data()
 {
-    QTest::addColumn<QStringList>("versions"); // the version that is set before each directory is created
+    QTest::addColumn<QStringList>("versions"); // for each directory: the application's version at creation time
     QTest::addColumn<QStringList>("results");  // for each directory: the folder that contains it, or "exception"
     QString const version = QStringLiteral("2.5.1");
     QString const none;
