@@ -12,7 +12,7 @@ namespace Zelkor::Widget
 {
 
 /// Invalidates the layout of a container widget when a child of the container is added or removed, and when the font,
-/// style or layout direction of the container changes. Qt does not invalidate the layout in all of these cases.
+/// style or layout direction of the container changes. Qt itself invalidates the layout in only some of these cases.
 class LayoutController : public QObject
 {
     Q_OBJECT

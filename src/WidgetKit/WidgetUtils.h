@@ -43,10 +43,11 @@ ZQTUTIL_EXPORT QWidget* createSpacer(QWidget* parent, QString const& name);
 
 /// Installs an event filter that keeps the layout of \a container up to date.
 ///
-/// Without the filter, Qt does not update the layout in all of the following cases. The filter updates the layout when
-/// a child, for example a button, is added or removed, and when the font, style or layout direction of \a container
-/// changes. As a result, margins and spacings that are not set explicitly always follow the platform's style. The
-/// filter itself does not set margins or spacings.
+/// The filter updates the layout when a child, for example a button, is added or removed, and when the font, style or
+/// layout direction of \a container changes. Without the filter, Qt updates the layout in only some of these cases.
+///
+/// The filter itself does not set margins or spacings. Margins and spacings that are not set explicitly come from the
+/// platform's style; the filter keeps them up to date.
 ///
 /// \a container owns the filter. A second call for the same container has no effect. A null \a container is ignored.
 ZQTUTIL_EXPORT void installLayoutController(QWidget* container);

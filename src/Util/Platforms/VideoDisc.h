@@ -13,7 +13,7 @@ namespace Zelkor::Util
 {
 
 /// Returns the absolute paths of the mounted video DVDs. \a volumes is the folder that contains the mounted volumes.
-/// The result has the order in which the system lists this folder.
+/// The paths are in the order in which the system lists the entries of this folder.
 std::vector<ioPath> VideoDiscsIn(QString const& volumes);
 
 /// Returns the label of the DVD folder \a name. The documentation of DVDLabel() describes the rule.

@@ -1,6 +1,7 @@
-// Queries must return the current state, so "launchctl list" runs synchronously and its output is read to the end. If
-// launchctl cannot be run, NSTask raises an NSException, and the list of jobs is treated as empty. Automatic reference
-// counting is off, so an autorelease pool releases the Objective-C objects.
+// IsInStartup() and GetAppsInStartup() must return the current state. Therefore, these functions wait until "launchctl
+// list" has closed its output. If launchctl cannot be run, NSTask raises an NSException, and the list of jobs is
+// treated as empty. This file is compiled without automatic reference counting, so an autorelease pool releases the
+// Objective-C objects.
 //
 // "launchctl load" and "launchctl unload" run detached, because they can take a long time and their results are not
 // used.

@@ -1,7 +1,7 @@
 #pragma once
 
-// The QSettings format for property lists. On macOS, QSettings supports property lists. On other systems, the tests
-// also compile the macOS sources. There, the test code defines PropertyListFormat().
+// The QSettings format for property lists. On macOS, QSettings supports property lists. The tests also compile the
+// macOS sources on other systems; the test code then defines PropertyListFormat().
 
 #include <QtCore/QSettings>
 

@@ -1,7 +1,7 @@
 // Removes old files while FolderWalk traverses a folder tree. FolderWalk accesses entries relative to the file
 // descriptors of open folders, not by their full paths. Removing files is therefore safe in folders where other users
 // can write: if another user replaces a folder with a link during the traversal, the link is not followed. The file
-// names of all folders are stored in the same buffer, so that no memory is allocated for a single file.
+// names of all folders are stored in the same buffer, so that file names need no separate memory allocations.
 
 #include <Util/Platforms/AgedFiles.h>
 

@@ -29,8 +29,8 @@ bool IsInGroup(gid_t group)
 
 } // namespace
 
-// Required behaviour, although the kernel uses a different rule: it is sufficient that the permission bits of one class
-// (owner, group or others) permit writing, and root has no special privileges.
+// Required behaviour: returns true if the permission bits of at least one class that applies to this process (owner,
+// group or others) permit writing. Root has no special privileges. The kernel uses a different rule.
 bool MayCreateFileIn(QString const& folder)
 {
     QFileInfo const info(folder);

@@ -182,8 +182,8 @@ void FolderWalk::FinishSubfolder()
     left_.clear();
 }
 
-/// Closes the outermost open folder and returns true. The current folder must stay open: if no other folder is open,
-/// does nothing and returns false.
+/// Closes the outermost open folder and returns true. Never closes the current folder: if no other folder is open, this
+/// function does nothing and returns false.
 bool FolderWalk::CloseOutermost()
 {
     if (closedFolders_ + 1 >= folders_.size()) {

@@ -112,8 +112,8 @@ private:
     std::size_t closedFolders_ = 0; // the number of closed folders, which are always the first elements of folders_
     std::vector<char> subfolders_;  // the names of all queued subfolders, each with a terminating NUL
 
-    // The open folder that the traversal left most recently. It is kept open so that Reopen() can use ".." to open a
-    // closed folder above it. The traversal closes it and sets below_ to null before it enters another subfolder.
+    // The open folder that the traversal left most recently. This folder is kept open so that Reopen() can use ".." to
+    // open a closed folder further up. Null if no folder is kept open for this purpose.
     FolderStream below_;
     std::size_t levelsBelow_ = 0; // the number of levels from the current folder down to the folder below_
 

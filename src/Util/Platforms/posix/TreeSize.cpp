@@ -4,10 +4,11 @@
 // - For each file, one call of fstatat() follows links and returns the existence, type and size of the file.
 // - readdir() returns the types of the entries, so folders are recognised without another system call. On file
 //   systems that do not provide the type, each entry needs an additional call of fstatat().
-// - No memory is allocated for a single file.
+// - Files need no memory allocation of their own.
 //
 // The sum of a folder is added to the sum of the parent folder only when the traversal leaves the folder. If a folder
-// becomes inaccessible before that, its sum is set to 0, so that nothing in this folder is counted.
+// becomes inaccessible before the traversal leaves it, the sum of this folder is set to 0, so that its contents are not
+// counted.
 
 #include <Util/Platforms/TreeSize.h>
 
@@ -102,7 +103,9 @@ private:
     }
 
     SizelessHandler const& onSizeless_;
-    std::vector<unsigned long long> sizes_; // the sum so far of each folder, from the start folder to the current one
+    // The current sum in bytes of each folder that the traversal has entered but not left. The first element belongs to
+    // the start folder.
+    std::vector<unsigned long long> sizes_;
     unsigned long long total_ = 0;
 };
 
