@@ -115,7 +115,7 @@ private Q_SLOTS:
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 1);
         helper_ = bundles_->MakeStudio();
         QVERIFY(other->AddToStartup(Identifier, Executable, {}));
-        // GetStartupApplications() returns the login items before the agents.
+        // The result of GetStartupApplications() lists all login items first, then all agents.
         QCOMPARE(launcher_->GetStartupApplications(), (QStringList{Identifier, agent}));
 
         auto const third = GetAutoLauncherImpl(AutoLauncherImplType::Default);
@@ -134,7 +134,7 @@ private Q_SLOTS:
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QCOMPARE(TestBed::LoginItemUrls().size(), 0);
         QVERIFY(launcher_->IsInStartup(Identifier));
-        QCOMPARE(programs_->LaunchctlCalls().size(), 1); // the agent has not been unloaded
+        QCOMPARE(programs_->LaunchctlCalls().size(), 1); // only the call that loaded the agent
         QVERIFY(launcher_->RemoveFromStartup(Identifier));
         QTRY_COMPARE(programs_->LaunchctlCalls().size(), 2);
         QCOMPARE(programs_->LaunchctlCalls().last().first(), QStringLiteral("unload"));

@@ -39,8 +39,8 @@ public:
         return path;
     }
 
-    /// Creates the bundle of an application that contains a helper application, and makes this bundle the main bundle.
-    /// Returns the path of the helper's bundle.
+    /// Creates an application bundle that contains the bundle of a helper application. Makes the outer bundle the main
+    /// bundle. Returns the path of the helper's bundle.
     QString MakeStudio()
     {
         TestBed::SetMainBundle(

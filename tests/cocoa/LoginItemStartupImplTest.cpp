@@ -288,8 +288,8 @@ private Q_SLOTS:
             path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
         }
         path = QFileInfo(path).path();
-        // The library must use the order in which the file system lists the folder, not the alphabetical order. To see
-        // the difference, find two consecutive names in the listing of which the first is alphabetically greater.
+        // The library must use the order in which the file system lists the folder, not the alphabetical order. The
+        // test therefore uses two consecutive names of the listing that are not in alphabetical order.
         std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
         auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
         QVERIFY(first != names.end());

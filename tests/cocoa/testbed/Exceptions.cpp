@@ -2,9 +2,9 @@
 // runtime never catches a C++ exception. If an exception reaches a handler for a C++ type, the runtime even aborts the
 // program, because it treats the C++ type as an unknown Objective-C class.
 //
-// A personality function selects the exception handler during stack unwinding. This file replaces the personality
-// function of the Objective-C runtime. If the personality function of C++ gives the same result as macOS, the
-// replacement calls that function. Otherwise, the replacement calls the replaced function. The result is:
+// A personality function selects the exception handler during stack unwinding. This file overrides the personality
+// function of the Objective-C runtime. The override calls the personality function of C++ if that function selects the
+// same handler as macOS. Otherwise, the override calls the original function of the Objective-C runtime. As a result:
 // - a C++ exception is caught by C++ handlers, catch (...), @catch (...) and @finally, but not by @catch (SomeClass*);
 // - an NSException is caught by catch (...), but not by typed C++ handlers.
 

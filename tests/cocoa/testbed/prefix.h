@@ -4,8 +4,8 @@
 
 #ifdef __OBJC__
 #include <objc/objc.h>
-// Define these names as on macOS. With GCC's definitions, some expressions do not compile: "error:nil", because nil is
-// (id)0, and "@YES", because YES is (BOOL)1.
+// Define these names as on macOS. GCC defines nil as (id)0 and YES as (BOOL)1. With these definitions, the expressions
+// "error:nil" and "@YES" do not compile.
 #undef nil
 #undef Nil
 #define nil nullptr

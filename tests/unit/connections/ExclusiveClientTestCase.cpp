@@ -79,9 +79,9 @@ ExclusiveClient* ExclusiveClientTestCase::MakeClient(QByteArray const& name)
     auto const logSignal = [this, client, &name](void (ExclusiveClient::*signal)(), char const* signalName) {
         QObject::connect(client, signal, this, [this, entry = name + ' ' + signalName] { log_ += entry; });
     };
-    // The constructor of the client connects finished() and intercepted() to released(). Qt calls connected slots in
-    // the order of the connections. Therefore, when the client emits finished() or intercepted(), the log contains
-    // released() first, although the logging of released() is connected last here.
+    // The constructor of the client has already connected finished() and intercepted() to released(). Qt activates the
+    // connections of a signal in the order of their creation. Therefore, when the client emits finished() or
+    // intercepted(), released() is emitted and logged first. The order of the calls below does not change this.
     logSignal(&ExclusiveClient::finished, "finished");
     logSignal(&ExclusiveClient::intercepted, "intercepted");
     logSignal(&ExclusiveClient::acquired, "acquired");

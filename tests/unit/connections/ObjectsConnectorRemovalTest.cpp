@@ -193,8 +193,8 @@ private Q_SLOTS:
         QCOMPARE(object.DestroyedConnectionCount(), before + 3);
     }
 
-    // The new object has the same address as the destroyed receiver. If the destroyed receiver were still registered,
-    // ObjectsConnector would connect the new object.
+    // The test destroys a registered receiver and creates a new object at the same address. If the destroyed receiver
+    // were still registered, ObjectsConnector would connect the new object.
     void removesADestroyedReceiver()
     {
         TestObject survivor(log_, "survivor");

@@ -63,8 +63,7 @@ QRegularExpression ConnectWarning(char const* reason)
     return QRegularExpression(QRegularExpression::anchoredPattern(QRegularExpression::escape(text)));
 }
 
-/// A signal and a slot that Qt cannot connect. `reason` is the reason that Qt's warning reports. All strings are in
-/// UTF-8.
+/// A signal and a slot that Qt cannot connect. Qt's warning ends with the text `reason`. All strings are in UTF-8.
 struct RejectedPair
 {
     char const* name;
@@ -426,8 +425,8 @@ private Q_SLOTS:
         QTest::newRow("no code") << ValueChangedSignal << ReceiveValueSlot;
     }
 
-    // A signature can begin with the code that SIGNAL() or SLOT() adds, which is one digit. Signatures with and without
-    // this code are equivalent: an object that was registered with one form can be unregistered with the other form.
+    // The macros SIGNAL() and SLOT() add a code of one digit at the beginning of a signature. Signatures with and
+    // without this code are equivalent: an object that was registered with one form can be unregistered with the other.
     void acceptsSignaturesWithAndWithoutCode()
     {
         QFETCH(QString, signal);

@@ -1,5 +1,5 @@
-// The life cycle of QtLogHandler: first use, exit and fatal messages. Each test runs in a separate process, because the
-// handler is a singleton that exists until exit.
+// Tests QtLogHandler at its first use, at the exit of the process, and with fatal messages. Each test runs in a
+// separate process, because the handler is a singleton that exists until exit.
 
 #include <support/TestCase.h>
 #include <support/Timeouts.h>
@@ -262,7 +262,7 @@ struct Result
     QByteArray output;
     QByteArray errorOutput;
     QProcess::ExitStatus exitStatus;
-    int exitCode; // if the process crashed: the number of the signal
+    int exitCode; // the exit code, or the signal number if the process crashed
 };
 
 Result RunChildProcess(char const* childMain)
@@ -375,7 +375,8 @@ private Q_SLOTS:
                                            "previous handler: text\n"
                                            "log WARNING: undefined:0 text\n"
                                            "previous handler: text\n"));
-        // Qt prints a message to standard error if the message is sent inside a message handler.
+        // While a message handler runs, Qt does not call it again on the same thread. Qt prints the new message to
+        // standard error instead.
         QCOMPARE(result.errorOutput.count(message), 2);
         VerifySuccess(result);
     }

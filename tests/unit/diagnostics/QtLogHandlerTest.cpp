@@ -57,8 +57,8 @@ struct Message
 };
 
 // QtLogHandler is a singleton and filters cannot be removed, so all tests share the previous handler and the filters.
-// The previous handler and the filters record their calls in this structure and call the functions that a test has
-// stored in it.
+// This structure contains the recorded calls of the handler and of the filters, and the functions of the current test
+// that the handler and the filters call.
 struct SharedState
 {
     std::mutex guard;

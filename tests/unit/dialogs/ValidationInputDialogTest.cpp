@@ -339,7 +339,7 @@ private Q_SLOTS:
         QVERIFY(!Ok()->isEnabled());
         QCOMPARE(dialog_->inputText(), QString());
         QVERIFY_EXCEPTION_THROWN(Edit()->setText(QStringLiteral("xy")), std::bad_function_call);
-        // inputText() does not throw std::bad_function_call, because it does not call the second check.
+        // The second check is an empty std::function. inputText() does not call the second check, so it does not throw.
         QCOMPARE(dialog_->inputText(), QStringLiteral("xy"));
         QVERIFY_EXCEPTION_THROWN(
             ValidationInputDialog(QString(), QString(), QStringLiteral("xy"), isLong, ValidationInputDialog::Check()),

@@ -33,7 +33,7 @@ struct Failure : std::runtime_error
 class CustomCancelled : public Cancelled
 {};
 
-/// Function that gives \a task a job, and makes the task call \a callback after the job has finished.
+/// Function that sets the job of \a task, and sets \a callback as the function that the task calls after the job.
 using SetUpTask = void (*)(Task* task, std::function<void()> callback);
 
 } // namespace

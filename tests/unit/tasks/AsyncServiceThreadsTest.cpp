@@ -468,8 +468,8 @@ void AsyncServiceThreadsTest::runRestartsAFinishedWorkerThread()
     }
 }
 
-// Each job makes the worker thread finish. The next job is queued after a delay that varies, so that jobs are queued at
-// different moments while the worker thread finishes.
+// Each job calls quit() for the worker thread, so the thread finishes after the job. The next job is queued after a
+// varying delay. As a result, jobs are queued at different moments while the worker thread finishes.
 void AsyncServiceThreadsTest::losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes()
 {
     constexpr int Rounds = 3000;

@@ -45,8 +45,8 @@ namespace
 struct FunctorError
 {};
 
-/// Functor that counts its copies and calls. When the functor or a copy of it is called, records the calling thread.
-/// Also records the thread that later destroys the called object.
+/// Functor that counts its copies and its calls. The functor and its copies share one Record. A call stores the calling
+/// thread in the Record. The destructor of a functor that was called stores the destroying thread in the Record.
 class CopyCounter
 {
 public:

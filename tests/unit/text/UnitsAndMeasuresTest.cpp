@@ -45,7 +45,8 @@ constexpr KiloSize BothBases[] = {Kilo1000, Kilo1024};
 
 using Texts = QHash<QString, QString>;
 
-/// Translator that is installed during its lifetime and records the source strings that Qt translates.
+/// Records the source strings for which Qt requests a translation. The constructor installs the translator, and the
+/// destructor removes it.
 class Translation : public QTranslator
 {
 public:
@@ -77,7 +78,7 @@ private:
     mutable bool usesDefaultArguments_ = true;
 };
 
-/// Replaces the default locale during its lifetime.
+/// Sets the default locale in the constructor, and restores the previous default locale in the destructor.
 class DefaultLocale
 {
 public:

@@ -40,8 +40,8 @@ QRect Around(QPoint centre)
 
 constexpr QSize DialogSize(121, 81);
 
-/// Returns the expected geometry of a dialog that has the size DialogSize and is centred on \a middle. If the width or
-/// the height is odd, half of it is rounded up.
+/// Returns the expected geometry of a dialog that has the size DialogSize and is centred on \a middle. Half the
+/// width and half the height are rounded up, because both sizes are odd.
 QRect DialogGeometry(QPoint middle)
 {
     return {middle - QPoint(61, 41), DialogSize};
