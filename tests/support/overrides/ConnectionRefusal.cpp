@@ -37,14 +37,14 @@ bool ConnectionRefusal::Allows(ConnectionRequest const& request)
 } // namespace Zelkor::Testing
 
 QMetaObject::Connection QObject::connect(QObject const* sender, char const* signal, QObject const* receiver,
-                                         char const* slot, Qt::ConnectionType type)
+                                         char const* member, Qt::ConnectionType type)
 {
-    if (!Zelkor::Testing::ConnectionRefusal::Allows({sender, signal, receiver, slot, type})) {
+    if (!Zelkor::Testing::ConnectionRefusal::Allows({sender, signal, receiver, member, type})) {
         return QMetaObject::Connection();
     }
     using Connect =
         QMetaObject::Connection (*)(QObject const*, char const*, QObject const*, char const*, Qt::ConnectionType);
     static auto const next =
         Zelkor::Testing::NextFunction<Connect>("_ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE");
-    return next(sender, signal, receiver, slot, type);
+    return next(sender, signal, receiver, member, type);
 }
