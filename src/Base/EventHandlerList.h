@@ -33,8 +33,8 @@ public:
 
 /// A policy for EventHandlerList that calls each handler immediately, on the thread that publishes the event.
 ///
-/// Any type with an `Execute` function that can be called in the same way can be a policy. For example, a policy can
-/// store the calls and execute them later.
+/// You can write other policies. A policy is a type with a static function `Execute` that accepts a function object.
+/// For example, `Execute` can store the function object and invoke it later.
 struct SyncExecutePolicy
 {
     /// Invokes the function object \a call without arguments.

@@ -33,8 +33,8 @@ public:
     /// cached list. Blocks until launchctl has closed its output.
     bool IsInStartup(QString const& identifier) const;
 
-    /// Returns the labels in the cached list that the output of "launchctl list" also contains, in alphabetical order.
-    /// Blocks until launchctl has closed its output.
+    /// Returns the labels that are both in the cached list and in the output of "launchctl list". The labels are in
+    /// alphabetical order. Blocks until launchctl has closed its output.
     QStringList GetAppsInStartup() const;
 
     /// Writes the property list of the agent with the label \a identifier, then starts "launchctl load -w" without

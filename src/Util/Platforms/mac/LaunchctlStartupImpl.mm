@@ -6,8 +6,8 @@
 // "launchctl load" and "launchctl unload" run detached, because they can take a long time and their results are not
 // used.
 //
-// The functions in LaunchAgent.cpp compute file names, job patterns and bundle paths. They are plain C++, so that they
-// can be tested without a Mac.
+// The functions in LaunchAgent.cpp compute file names, bundle paths, and the regular expressions that find job labels.
+// They are plain C++, so that they can be tested without a Mac.
 
 #include <Util/Platforms/mac/LaunchctlStartupImpl.h>
 
@@ -31,8 +31,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// The source line numbers in two log records. They must not change when this file changes, because the support team
-// searches logs for these numbers, which are the line numbers of the first release.
+// Two log records contain these fixed numbers instead of the current source line numbers. The numbers are the source
+// line numbers of the first release. They must not change, because the support team searches logs for them.
 constexpr int ListingFailedLine = 63;
 constexpr int InvalidIdentifierLine = 120;
 

@@ -24,8 +24,8 @@ QString ProductWithoutMajorVersion(QString const& product, QString const& versio
 /// Returns an empty string if \a itemPath has too few folders to be the path of a login item.
 QString MainBundlePathOf(QString const& itemPath);
 
-/// Converts the text of a file URL to a path by removing "file://localhost" or "file://". Before OS X 10.9, file URLs
-/// begin with "file://localhost"; on later systems, they begin with "file://".
+/// Converts the text of a file URL to a path by removing "file://localhost" or "file://". File URLs begin with
+/// "file://localhost" before OS X 10.9, and with "file://" since OS X 10.9.
 ///
 /// \param url             the text of the URL
 /// \param namesLocalhost  true to remove "file://localhost"; false to remove "file://"

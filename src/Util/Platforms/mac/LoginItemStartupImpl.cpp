@@ -36,8 +36,8 @@ using Bundle = CoreFoundationOwner<CFBundleRef>;
 using LoginItems = CoreFoundationOwner<LSSharedFileListRef>;
 using Url = CoreFoundationOwner<CFURLRef>;
 
-/// A property of a bundle. The enumerators Maker and Product are also the indexes of the vendor and of the product name
-/// in the dot-separated bundle identifier.
+/// A property of a bundle. Maker (the vendor) and Product (the product name) are parts of the bundle identifier, which
+/// is split at the dots. The value of each of these two enumerators is the index of its part, counted from 0.
 enum InfoParameter { Maker = 1, Product = 2, BundleVersion = 3 };
 
 QString GetQStringFromCFURL(CFURLRef url)

@@ -10,10 +10,11 @@
 // to a closed folder, it opens this folder again only if the folder has more subfolders to enter, or if SubfolderLeft()
 // must be called.
 //
-// The traversal uses two methods to open a closed folder again. First, it opens "..", "../.." and so on relative to a
-// folder further down, which was kept open for this purpose. If this fails or opens a different folder (the device or
-// inode number differs), the traversal opens each folder on the path, beginning with the start folder. If the second
-// method also fails, the traversal calls Lost().
+// The traversal has two methods to open a closed folder again. The first method needs a folder further down, which the
+// traversal keeps open for this purpose. Relative to that folder, it opens "..", "../.." and so on, depending on the
+// number of levels. If this fails or opens a different folder (the device or inode number differs), the second method
+// opens each folder on the path, beginning with the start folder. If the second method also fails, the traversal calls
+// Lost().
 //
 // The names of all queued subfolders share one buffer, and all paths share one string. A subfolder therefore needs no
 // separate allocation.
@@ -195,9 +196,10 @@ bool FolderWalk::CloseOutermost()
     return true;
 }
 
-/// Opens the current folder again. First opens ".." relative to the folder below_. If the opened folder is not the
-/// current folder, for example because below_ was moved, opens each folder on the path again, beginning with the start
-/// folder. Returns false if the current folder is not found.
+/// Opens the current folder again. This function first goes up from the folder below_, with one ".." for each level.
+/// The result can be a different folder, for example because below_ was moved. In this case, or if the folder cannot be
+/// opened, this function opens each folder on the path, beginning with the start folder. Returns false if this also
+/// fails.
 bool FolderWalk::Reopen()
 {
     Folder& folder = folders_.back();

@@ -34,7 +34,8 @@ public:
     virtual ~FolderWalk() = default;
 
 protected:
-    /// Determines whether Walk() calls SubfolderLeft() after each subfolder.
+    /// Determines whether Walk() calls SubfolderLeft(). Nothing: never. Call: after the traversal has left a
+    /// subfolder or has failed to enter a subfolder.
     enum class AfterSubfolder { Nothing, Call };
 
     /// Creates an object that traverses the tree below the start folder \a path. \a path must not be empty. \a after
@@ -87,8 +88,8 @@ private:
         FolderStream stream;         // null while the folder is closed
         FolderId id;                 // set when the stream is closed; identifies the folder when it is opened again
         std::size_t pathSize;        // the length of the folder's path; path_ begins with this path
-        std::size_t subfoldersBegin; // the offset in subfolders_ of the name of the folder's first subfolder
-        std::size_t nextSubfolder;   // the offset in subfolders_ of the name of the subfolder to enter next
+        std::size_t subfoldersBegin; // an offset in subfolders_: the names of this folder's subfolders begin there
+        std::size_t nextSubfolder;   // an offset in subfolders_: the name of the next subfolder to enter begins there
     };
 
     static FolderStream Open(int parent, char const* name);
