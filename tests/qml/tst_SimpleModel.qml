@@ -31,7 +31,7 @@ Item {
             Image {
                 id: image
                 source: IconPath
-                cache: false // a cached image would outlive the window, and its texture would leak
+                cache: false // a cached image would outlive the window, and the texture of the image would leak
             }
         }
     }

@@ -172,8 +172,8 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("command", nargs="+", help="after --")
     arguments = parser.parse_args()
-    # Raise an exception on SIGTERM, so that Python leaves the with blocks, which terminate the started programs and
-    # remove the temporary folder. The default action of SIGTERM would skip this clean-up.
+    # Raise an exception on SIGTERM. The exception makes Python leave the "with" blocks of run(), terminate the started
+    # programs and remove the temporary folder. The default action of SIGTERM would skip this clean-up.
     signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
     sys.exit(run(arguments.command))
 

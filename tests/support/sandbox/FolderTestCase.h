@@ -49,8 +49,10 @@ protected:
     QString PathAt(QByteArray const& name) const;
 
     /// Creates the following entries in the test's folder. Tests use them as targets of links:
-    ///   - "target", a file of 321 bytes, and "link-to-target"
-    ///   - "full", a folder that contains the file "file" of 1000 bytes, and "link-to-full"
+    ///   - "target", a file of 321 bytes
+    ///   - "link-to-target", a link to "target"
+    ///   - "full", a folder that contains only the file "file" of 1000 bytes
+    ///   - "link-to-full", a link to "full"
     ///   - "dangling", a link to a missing entry
     ///   - "ring1", a link to "ring2", and "ring2", a link to "ring1"
     ///   - "pipe", a named pipe

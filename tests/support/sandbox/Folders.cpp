@@ -141,8 +141,8 @@ void MakePipe(std::string const& path)
 
 void MakeSocket(std::string const& path)
 {
-    // bind() rejects paths of more than about 100 bytes. Replace the path of the folder with the short path of its
-    // descriptor in /proc.
+    // bind() rejects paths of more than about 100 bytes. Open the folder, and use the short path
+    // "/proc/self/fd/<descriptor>" instead of the folder's own path.
     Descriptor const folder(open(path.substr(0, path.rfind('/')).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     std::string const name = "/proc/self/fd/" + std::to_string(folder) + path.substr(path.rfind('/'));
     sockaddr_un address{};

@@ -30,7 +30,7 @@ constexpr uid_t Them = 1002;
 constexpr gid_t OurGroup = 2001;
 constexpr gid_t TheirGroup = 2002;
 
-/// The ID of the user, and of the group, that RunAsOrdinaryUser() uses if this process runs as root.
+/// If this process runs as root, RunAsOrdinaryUser() uses this number as the user ID and as the group ID.
 constexpr uid_t Nobody = 65534;
 
 /// Sets the user and the groups of this process to the user and the groups in \a identity. Requires root.

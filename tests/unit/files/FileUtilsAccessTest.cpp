@@ -265,8 +265,8 @@ void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt()
 void FileUtilsAccessTest::removesTheTemporaryFileInAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    // One row has a name that is not valid UTF-8, which a QString cannot represent. Converting the name to a QString
-    // and back replaces the invalid bytes. Use the result as the name of the folder.
+    // In one row, the name contains bytes that are not valid UTF-8. A QString cannot represent these bytes: converting
+    // the name to a QString and back replaces them. Use the converted name as the name of the folder.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name));
     MakeFolder(At(encoded.left(255).toStdString()));
     int const descriptors = CountOpenDescriptors();

@@ -589,9 +589,9 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
-    // RemoveDir() takes the path of the start folder as a QString. One row has a name that is not valid UTF-8, which
-    // a QString cannot represent. Converting the name to a QString and back replaces the invalid bytes. Use the result
-    // as the name of the start folder, and the original name for the entries below the start folder.
+    // RemoveDir() takes the path of the start folder as a QString. In one row, the name contains bytes that are not
+    // valid UTF-8. A QString cannot represent these bytes: converting the name to a QString and back replaces them. Use
+    // the converted name for the start folder, and the original name for the entries below the start folder.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
     MakeFolder(folder);

@@ -124,8 +124,8 @@ void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved_data()
 }
 
 // GetPathSize() visits the entries in an order that the file system determines. Therefore, some entries are removed
-// before GetPathSize() visits them, and other entries are removed later. In both cases, GetPathSize() must either count
-// the size of the entry or log its path, exactly once.
+// before GetPathSize() visits them, and other entries are removed later. For each removed entry, GetPathSize() must
+// either count the size of the entry or log the path of the entry, exactly once.
 void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved()
 {
     QFETCH(bool, folders);

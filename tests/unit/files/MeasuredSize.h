@@ -17,7 +17,7 @@ using Bytes = unsigned long long;
 struct Measured
 {
     Bytes bytes = 0;         // the result
-    QByteArrayList sizeless; // the paths that GetPathSize() logged because they have no size, sorted
+    QByteArrayList sizeless; // the sorted paths that GetPathSize() logged: the paths of all entries without a size
 };
 
 QDataStream& operator<<(QDataStream& stream, Measured const& measured);

@@ -284,9 +284,10 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 
 void TemporaryDirRefusalTest::doesNotUseTheRootFolderWithoutATemporaryFolder()
 {
-    // The temporary folder does not exist in this test. If TemporaryDir used an empty path instead, the application's
-    // folder would be below the path "/" + application name. The application name is the path of the folder "folder"
-    // without the first slash. Therefore, TemporaryDir would then change the content of "folder".
+    // In this test, the temporary folder does not exist, and the application name is the path of the folder "folder"
+    // without the first slash. A faulty TemporaryDir could use an empty path as the path of the temporary folder. The
+    // path "/" + application name would then be the path of "folder", and TemporaryDir would change the content of
+    // "folder".
     std::string const folder = At("folder");
     MakeFolders(folder + "/2/" + ProgramName());
     MakeFile(folder + "/2/" + ProgramName() + "/canary");

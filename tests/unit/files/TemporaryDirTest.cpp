@@ -54,8 +54,8 @@ void DestroyApplication()
     delete QCoreApplication::instance();
 }
 
-/// Sets the application's name and version to the command line arguments 3 and 4, and creates a TemporaryDir. If the
-/// TemporaryDir is valid and its directory exists, prints the path of the directory.
+/// Reads the application's name and version from the command line, sets them in QCoreApplication, and creates a
+/// TemporaryDir. If the TemporaryDir is valid and its directory exists, prints the path of the directory.
 void PrintDirectory()
 {
     QStringList const arguments = QCoreApplication::arguments();
