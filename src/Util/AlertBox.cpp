@@ -191,9 +191,9 @@ void AlertBox::SetWidth(int width)
     }
     widthSpacer_->setFixedSize(width, 0);
     grid->addWidget(widthSpacer_, grid->rowCount() - 1, 0, 1, grid->columnCount());
-    // The connection is queued, because QMessageBox has not installed its new layout yet when it deletes the old one.
-    // If SetWidth() removes the minimum width after the call was queued, disconnect() does not cancel the call. The
-    // lambda must not restore the minimum width then, so it checks isWidthSpacerDeletionPending_.
+    // The connection is queued, because QMessageBox deletes its old layout before it installs the new layout.
+    // disconnect() does not cancel a call of the lambda that is already queued. If SetWidth() has meanwhile removed the
+    // minimum width, isWidthSpacerDeletionPending_ is true, and the lambda must not restore the minimum width.
     widthConnection_ = connect(
         grid, &QObject::destroyed, this,
         [this] {

@@ -46,7 +46,7 @@ namespace Util
 /// **Additional buttons.** If you add buttons after construction, call SetDefaultButtonNames() to set their object
 /// names. Exec() and Show() set the properties of all buttons through PrepareToShow().
 ///
-/// The default button and the button for the Esc key follow the rules of QMessageBox.
+/// QMessageBox determines the default button and the button that the Esc key activates.
 ///
 /// **Thread.** GUI thread.
 class ZQTUTIL_EXPORT AlertBox : public QMessageBox
@@ -143,7 +143,7 @@ public:
     void SetDefaultButtonNames();
 
     /// Sets dynamic properties on every button and applies the style sheet to the button. If a button matches two rows
-    /// of the table, the values of the lower row overwrite those of the upper row. An empty cell overwrites nothing.
+    /// of the table, the values of the lower row replace the values of the upper row. An empty cell replaces nothing.
     ///
     /// | Button                                        | "SubStyle" | "styleHint"    |
     /// |-----------------------------------------------|------------|----------------|

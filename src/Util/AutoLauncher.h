@@ -70,7 +70,7 @@ public:
     ///
     /// On macOS, the function first tries to remove the login item of \a identifier. If this fails, and the cached list
     /// contains a launch agent for \a identifier, the function starts "launchctl unload" without waiting for its
-    /// result. The launch agent does not have to be loaded. Its file is not removed.
+    /// result. It does not check if the launch agent is loaded. It does not remove the file of the launch agent.
     ///
     /// \return true if the login item was removed or launchctl was started; false otherwise, for example if the cached
     ///         list does not contain \a identifier

@@ -68,7 +68,7 @@ ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 /// Removes old files and subfolders from \a folder. An entry is old if its last modification was at the time limit or
 /// earlier.
 ///
-/// The time limit is the current local date and time minus \a days calendar days. The time of day does not change.
+/// The time limit is \a days calendar days before the current local date, at the current local time of day.
 ///
 /// An old subfolder is processed in the same way, and removed if it is then empty. Other subfolders are skipped with
 /// all their contents. Symbolic links are never followed: an old link is removed like a file. Entries that cannot be
@@ -90,11 +90,11 @@ ZQTUTIL_EXPORT bool RemoveFile(ioPath path);
 /// Returns the size in bytes of the file at \a path, or the sum of the sizes of all files in the folder \a path and its
 /// subfolders.
 ///
-/// The size of a sparse file includes its holes. A folder itself adds nothing. A file with several hard links counts
-/// once for each hard link. A symbolic link to a file counts with the size of that file.
+/// The size of a sparse file includes its holes. The size of a folder itself is not added. A file with several hard
+/// links is added once for each hard link. For a symbolic link to a file, the size of that file is added.
 ///
-/// The following entries add nothing. Each of them is logged once at ERROR as "Erorr get size for: " (with this
-/// spelling), followed by the path:
+/// The following entries add nothing to the result. Each of them is logged once at ERROR as "Erorr get size for: "
+/// (with this spelling), followed by the path:
 /// - a file that does not exist, or that is removed during the call;
 /// - a dangling link, and a link to a folder; the function does not follow links to folders;
 /// - a folder that cannot be read completely; its contents add nothing either;

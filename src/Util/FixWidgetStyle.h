@@ -28,8 +28,8 @@ public:
     /// window when its flags change. GUI thread.
     ///
     /// - Sets the property "roundedEdges" to true on all menus and on the pop-up windows of all combo boxes below
-    ///   \a root. If \a root is a menu, also sets it on \a root. If \a root is a combo box, also sets it on its pop-up
-    ///   window.
+    ///   \a root. If \a root is a menu, also sets the property on \a root. If \a root is a combo box, also sets the
+    ///   property on the pop-up window of \a root.
     /// - Makes every widget whose property "roundedEdges" is true translucent and frameless, without a drop shadow. To
     ///   include other widgets, set this property on them before the call.
     /// - Removes the context help button from the title bar of \a root.

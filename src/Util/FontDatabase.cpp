@@ -18,7 +18,8 @@ std::set<int> FontDatabase::s_addedFonts;
 int FontDatabase::addApplicationFont(QString const& fileName)
 {
     int const id = QFontDatabase::addApplicationFont(fileName);
-    s_addedFonts.insert(id); // also records -1 after a failure; this is harmless, because -1 has no families
+    // If the font cannot be loaded, id is -1. Inserting -1 is harmless: QFontDatabase returns no families for -1.
+    s_addedFonts.insert(id);
     return id;
 }
 

@@ -49,7 +49,9 @@ public:
     /// widget that is not a member is ignored.
     void removeItem(QWidget* widget);
 
-    /// If \a watched is a member and \a event is an enter or leave event, sends \a event to the other members.
+    /// If \a watched is a member and \a event is an enter or leave event, sends \a event to the other members. Skips
+    /// the members whose last hover event had the same type. Does not send \a event again if the group itself has sent
+    /// it to \a watched.
     ///
     /// \returns true if \a watched was destroyed while the event was sent; otherwise the result of the base class, so
     ///          that \a watched receives the event too
