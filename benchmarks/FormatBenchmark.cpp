@@ -23,15 +23,15 @@ namespace
 
 constexpr int Precision = 1;
 
-// Sizes in bytes: at least one value for each unit, and 999999, a value just below the next unit.
+// Sizes in bytes: at least one size for each unit from bytes to terabytes. 999999 is just below one megabyte.
 constexpr std::array<unsigned long long, 8> Sizes{512,      1500,       999999,      2500000,
                                                   73400320, 1999999999, 64424509440, 5497558138880};
 
 // Durations in milliseconds. All of them are shorter than a day, because QTime cannot represent a day or more.
 constexpr std::array<int, 8> Durations{1234, 59999, 60000, 754321, 3599999, 3600000, 20123456, 86399999};
 
-/// Measures calls of \a format. Each call formats the next element of \a values. The call after the last element
-/// formats the first element again.
+/// Measures calls of \a format. Each call formats one element of \a values. The elements are formatted in their order;
+/// after the last element, the loop starts again with the first element.
 template <class Values, class Format>
 void FormatInTurn(benchmark::State& state, Values const& values, Format const& format)
 {

@@ -207,7 +207,7 @@ void PingPong(benchmark::State& state)
 // Measures no time. Reports the number of copies of a functor as three counters:
 // - "kept": the copies that Forward() makes if the caller passes a variable.
 // - "handed_over": the copies that Forward() makes if the caller passes a temporary.
-// - "called": the total number of copies made while the event loop calls the two queued functors.
+// - "called": the copies of both functors that are made while the event loop calls these functors.
 template <class Forwarder>
 void Copies(benchmark::State& state)
 {

@@ -1,4 +1,5 @@
-// Measures QtLogHandler: logs messages that contain a number, from one thread. Every implementation writes to a file.
+// Measures QtLogHandler: one thread logs messages. Each message contains a number. Every implementation writes the
+// messages to a file.
 //
 // QtLogHandler receives messages that Qt has formatted, and logs them through glog. Therefore, the time of a direct
 // call of glog is the lower bound. For comparison, the benchmark also measures Qt's default handler and spdlog, a log

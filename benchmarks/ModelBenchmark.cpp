@@ -29,8 +29,8 @@ QStringList Uids()
     return uids;
 }
 
-/// A list of strings with only the two functions that every list model needs. The time to read the uids of this
-/// model is the lower bound.
+/// A list model of strings that implements only the two functions that every list model must implement. The time to
+/// read the uids of this model is the lower bound for reading the uids of a SimpleModel.
 class MinimalModel : public QAbstractListModel
 {
 public:
@@ -75,8 +75,8 @@ public:
     }
 };
 
-/// Measures reading the data of all items in the role \a Role. Calls the virtual functions of QAbstractItemModel, as a
-/// view does.
+/// Measures the time to read the data of every item for the item data role \a Role. Calls the virtual functions of
+/// QAbstractItemModel, as a view does.
 template <class Model, int Role>
 void Read(benchmark::State& state)
 {
@@ -95,7 +95,7 @@ void Read(benchmark::State& state)
 }
 
 /// Returns the icon path of \a uid. Allocates a string of the final length and writes each character once. The time of
-/// this function is the lower bound.
+/// this function is the lower bound for creating an icon path.
 QString OnePass(QString const& uid)
 {
     static QLatin1String const before("qrc:/icons/");

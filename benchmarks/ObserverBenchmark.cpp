@@ -2,8 +2,8 @@
 // adds up the lengths of the strings that it receives.
 //
 // For comparison, the benchmark measures four alternatives. One alternative is a vector of observers protected by one
-// mutex. The time of this alternative is the lower bound. However, an observer that publishes an event in its callback
-// causes a deadlock. The other alternatives are signal libraries.
+// mutex. The time of this alternative is the lower bound. However, this alternative causes a deadlock if the callback
+// of an observer publishes another event. The other alternatives are signal libraries.
 
 #include "Support.h"
 

@@ -40,8 +40,8 @@ double ProcessorSeconds(Work const& work)
 /// Pins the calling thread to one core during the lifetime of the object. Threads that the calling thread starts during
 /// this time are pinned to the same core.
 ///
-/// Use PinToOneCore if two threads take turns, so that one of them always waits for the other. On several cores, the
-/// time that an idle core needs to wake up would dominate the result.
+/// Use PinToOneCore if two threads take turns: one of them works while the other one waits. If the threads ran on
+/// different cores, the result would mainly depend on the time that an idle core needs to wake up.
 class PinToOneCore
 {
 public:

@@ -158,7 +158,8 @@ private:
     ThreadWeaver::Queue queue_;
 };
 
-/// Runs only jobs without progress reports, because a function that QtConcurrent::run() calls cannot report progress.
+/// Runs jobs with QtConcurrent::run(). A function called by QtConcurrent::run() cannot report progress. Therefore, this
+/// class runs only jobs without progress reports.
 class ConcurrentWithWatcher
 {
 public:

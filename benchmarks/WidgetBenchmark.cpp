@@ -1,4 +1,5 @@
-// Measures three classes and functions for widgets, and alternatives for comparison:
+// Measures the classes AlertBox and HoverGroup and the function ApplyWidgetStyle(). For comparison, the benchmark also
+// measures alternatives to each of them:
 // - AlertBox: creates, shows and closes a message box, with and without a style sheet. The alternatives are QMessageBox
 //   (the base class of AlertBox), KMessageDialog, and a plain dialog with only a label and two buttons. The time of
 //   the plain dialog is the lower bound.

@@ -90,7 +90,8 @@ AlertsPage::AlertsPage(QWidget* parent)
     , ownIconBox_(new QCheckBox(tr("Custom &icon")))
     , showButton_(new QPushButton(tr("S&how")))
 {
-    // The items have the order of AlertBox::Level, so that the index of an item is the value of its level.
+    // Add the items in the order of the enumerators of AlertBox::Level: the index of each item in the combo box must be
+    // equal to the numeric value of its level.
     levelBox_->addItems({tr("Information"), tr("Error"), tr("Question")});
     for (Buttons const& choice : ButtonChoices()) {
         buttonsBox_->addItem(QCoreApplication::translate("GalleryAlerts", choice.title));

@@ -32,8 +32,8 @@ public:
     /// application object.
     void ExitIfHandled();
 
-    /// Returns the value of the option "--report", a folder. The program prints the sizes of the folder's entries on
-    /// the terminal. Returns std::nullopt if the option is not set.
+    /// Returns the folder whose entries the program lists with their sizes on the terminal. Returns std::nullopt if the
+    /// option "--report" is not set.
     std::optional<ioPath> Report() const;
     /// Returns the folder that the pages use when the program starts. Returns std::nullopt if the option "--folder" is
     /// not set.

@@ -16,8 +16,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Delivers items on the thread of a QObject, the owner of the queue. The queue is a data member of the owner. It
-/// delivers several items with one event, so that many items need only a few events.
+/// Delivers items on the thread of a QObject, the owner of the queue. The queue is a data member of the owner. One
+/// event delivers all items that are in the queue. Therefore, the delivery of many items needs only a few events.
 template <class Item>
 class CrossThreadQueue
 {

@@ -15,9 +15,9 @@ namespace Zelkor::Gallery
 
 using Util::AsyncService;
 
-// One measurement of a folder. Each measurement has a separate AsyncService: with a shared service, a new measurement
-// would have to wait for the entry that the cancelled measurement is still measuring. A measurement is destroyed when
-// its service has no more tasks.
+// One measurement of a folder. Each measurement has its own AsyncService. A cancelled measurement still measures its
+// current entry; with a shared service, a new measurement would have to wait for this entry. A measurement is destroyed
+// when its service has no more tasks.
 class FolderMeasurer::Measurement
 {
 public:

@@ -75,8 +75,7 @@ Q_SIGNALS:
     /// connected to this signal may call Start().
     void Finished(FolderTotals const& totals);
 
-    /// Emitted instead of Finished() if the folder could not be read. \a message is a text for the user that contains
-    /// the reason.
+    /// Emitted instead of Finished() if the folder could not be read. \a message explains the reason to the user.
     void Failed(QString const& message);
 
     /// Emitted when IsBusy() has changed to false.

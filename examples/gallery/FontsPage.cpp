@@ -26,7 +26,8 @@ using Util::FontDatabase;
 
 constexpr int SampleSize = 18;
 
-/// The indexes of the items in the combo box that selects the list of font families.
+/// The lists of font families that the page can show. The user selects a list in a combo box; each enumerator is the
+/// index of the list's item in the combo box.
 enum List { Added, System, Scalable };
 
 QStringList FamiliesOf(int list)

@@ -21,8 +21,8 @@ GlogSink::~GlogSink()
     google::RemoveLogSink(this);
 }
 
-// glog calls this function while it holds its locks. The function must not cause Qt messages: QtLogHandler would log
-// them through glog, which would wait for the same locks. This would be a deadlock.
+// glog holds its locks during the call of this function. Therefore, this function must not cause Qt messages:
+// QtLogHandler would log these messages through glog, and glog would wait for its own locks for ever (a deadlock).
 void GlogSink::send(google::LogSeverity severity, char const* /*fullFileName*/, char const* baseFileName, int line,
                     google::LogMessageTime const& /*time*/, char const* message, std::size_t size)
 {

@@ -156,8 +156,8 @@ void PathsPage::showEvent(QShowEvent* event)
     ScheduleCheck();
 }
 
-// A check writes to the disk. Therefore, do not check while the page is hidden, and start the timer again for each
-// change, so that the check runs only after the user has stopped typing.
+// Check() writes to the disk, so it must not run too often. If the page is hidden, this function does not start the
+// timer. If the user changes the path, this function restarts the timer: Check() runs when the user has stopped typing.
 void PathsPage::ScheduleCheck()
 {
     fileManagerLabel_->Show(tr("Not opened yet"));

@@ -29,8 +29,8 @@ QString PathText(ioPath const& path);
 /// Returns the file name of \a entry, converted by PathText().
 QString NameText(FolderEntry const& entry);
 
-/// Returns a text that describes the state of \a entry. If \a entry has been measured, returns the result of
-/// UnmeasuredText() for the number of unmeasured paths, or an empty string if all paths could be measured.
+/// Returns a text that describes the state of \a entry. If \a entry and all paths below it have been measured, returns
+/// an empty string. If some of these paths could not be measured, returns UnmeasuredText() for their number.
 QString StateText(FolderEntry const& entry);
 
 /// Returns a text such as "348 entries" for the number \a count.

@@ -21,8 +21,8 @@ class Timeline : public QTableWidget
 public:
     explicit Timeline(QWidget* parent = nullptr);
 
-    /// Appends a row for the event \a event of the object with the name \a object. The colour of the event's text is
-    /// the colour of \a tone.
+    /// Appends a row for an event. \a object is the name of the object to which the event belongs. \a event is a text
+    /// that describes the event. \a tone determines the colour of this text.
     void Add(QString const& object, QString const& event, Tone tone = Tone::Neutral);
 
     /// Removes all events and restarts the numbering of the iterations.

@@ -10,8 +10,8 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// Draws the text of an item in the colour of the item's Tone. For the role #ToneRole, the model returns the Tone as an
-/// int.
+/// Draws the text of an item in the colour of the item's Tone. The model returns the Tone as an int for the role
+/// #ToneRole. An item without this value has Tone::Neutral.
 class ToneDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
