@@ -48,9 +48,9 @@ std::string Coded(char code, QString const& signature)
     return signature.startsWith(QLatin1Char(code)) ? text : code + text;
 }
 
-/// Iterates over a copy of the list of emitters, or of the list of receivers, that are registered under one ID.
-/// ObjectsConnector uses this class to connect all emitters to one receiver, or all receivers to one emitter, and to
-/// disconnect them again.
+/// Iterates over the emitters, or over the receivers, of one ID. ObjectsConnector uses this class to connect or
+/// disconnect one receiver and all emitters, or one emitter and all receivers. The iteration uses a copy of the list,
+/// because the list can change while the iteration is running.
 ///
 /// QObject::connect() calls connectNotify() of the sender, which an application can override. The override can
 /// register, unregister and destroy objects while an iteration is running. Therefore, when a registered object is

@@ -18,9 +18,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// The key under which ObjectsConnector stores the emitters that are registered with an ID.
+/// The key of the lists of emitters. ObjectsConnector stores one list of emitters for each ID.
 extern ZQTUTIL_EXPORT std::string const TYPE_SIGNAL;
-/// The key under which ObjectsConnector stores the receivers that are registered with an ID.
+/// The key of the lists of receivers. ObjectsConnector stores one list of receivers for each ID.
 extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 
 /// Connects signals to slots by a shared name, the ID. An object can be registered under an ID as an emitter, with one
@@ -98,8 +98,8 @@ private:
                                              std::pair<QObject const*, std::string const> const& metaPair);
 
     // The registered objects and their signatures, in the order of registration. Each signature starts with the digit
-    // that the macro SIGNAL() or SLOT() adds. m_metaCollector contains one list for each ID and for each of the keys
-    // TYPE_SIGNAL and TYPE_SLOT.
+    // that the macro SIGNAL() or SLOT() adds. For each ID, m_metaCollector contains up to two lists: the emitters with
+    // the key TYPE_SIGNAL, and the receivers with the key TYPE_SLOT.
     using Entries = std::list<std::pair<QObject const*, std::string const>>;
     static std::map<QString, std::map<std::string, Entries>> m_metaCollector;
 };

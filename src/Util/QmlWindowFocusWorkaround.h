@@ -22,8 +22,8 @@ ZQTUTIL_EXPORT QWidget* findQmlContainer(QWidget* widget);
 /// Gives the keyboard focus to \a widget whenever \a window is activated. Without this workaround, Qt gives the
 /// focus to the top-level window only, and a native window that is embedded in \a widget loses the focus.
 ///
-/// Also sets the focus policy of the native widget that findQmlContainer() returns to `Qt::StrongFocus`. Each call
-/// installs another event filter, so call this function only once for each window. GUI thread.
+/// Also sets the focus policy `Qt::StrongFocus` for the native widget, which is the result of findQmlContainer() for
+/// \a widget. Each call installs another event filter, so call this function only once for each window. GUI thread.
 ///
 /// \param window  the top-level window to watch. If \a window is null or is not a window, the function does nothing.
 /// \param widget  the widget that contains the native window. If findQmlContainer() returns null for \a widget, the

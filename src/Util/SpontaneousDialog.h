@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Selection of a parent widget for dialogs whose caller does not specify a parent.
+/// Selection of a parent widget for a dialog that is created without an explicit parent.
 
 #include <Util/Export.h>
 
@@ -13,7 +13,8 @@ namespace Zelkor
 namespace Util
 {
 
-/// Finds a parent widget for dialogs whose caller does not specify a parent. Stores the main window of the application.
+/// Finds a parent widget for a dialog that is created without an explicit parent. Stores the main window of the
+/// application.
 class ZQTUTIL_EXPORT SpontaneousDialog
 {
 public:
@@ -24,8 +25,8 @@ public:
     /// Normally returns the active modal widget. If no modal widget is active, returns the active window. In two cases,
     /// the function returns the result of GetMainWindow() instead:
     /// - There is neither an active modal widget nor an active window.
-    /// - The widget to return has the attribute `Qt::WA_DeleteOnClose`. A parent with this attribute would delete the
-    ///   dialog when the parent is closed.
+    /// - The active modal widget, or the active window if there is no active modal widget, has the attribute
+    ///   `Qt::WA_DeleteOnClose`. A parent with this attribute would delete the dialog when the parent is closed.
     ///
     /// If no main window is set, GetMainWindow() returns the active window, even if the active window has the attribute
     /// `Qt::WA_DeleteOnClose`.

@@ -42,8 +42,8 @@ ZQTUTIL_EXPORT void ApplyWidgetStyle(QWidget* widget, QString const& value, char
 ZQTUTIL_EXPORT QString GetWidgetStyle(QWidget const* widget, char const* property);
 
 /// Sets the property "Level" of \a widget to the name of \a level and applies the style sheet to the widget again. If
-/// \a level is not an enumerator, the property is set to an empty string. If \a widget is null, nothing happens. GUI
-/// thread.
+/// \a level is not an enumerator of MessageLevel, the property is set to an empty string. If \a widget is null, the
+/// function does nothing. GUI thread.
 ZQTUTIL_EXPORT void ApplyMessageLevel(QWidget* widget, MessageLevel level);
 
 /// Returns the level that the property "Level" of \a widget contains. Returns NoMessage if \a widget is null, or if the

@@ -93,8 +93,8 @@ void PrepareTemporaryFolder(QString const& folder)
     if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
     } else if (FindForeignFolder(folder).isEmpty()) {
-        // The caller has already called FindForeignFolder(). Call it again here, because another user may have created
-        // the folder in the meantime.
+        // The condition above repeats a check that the caller has already made. Another user may have created the
+        // folder since that check.
         EmptyFolder(folder);
     }
 }

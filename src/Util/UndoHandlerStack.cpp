@@ -36,7 +36,8 @@ QUndoStack* UndoHandlerStack::pop()
         return nullptr;
     }
     QUndoStack* const popped = stacks_.pop();
-    // Activate the next stack first. Removing the active stack would emit signals for a state without an active stack.
+    // Activate the next stack before the popped stack is removed. If the popped stack were still active, removeStack()
+    // would deactivate it and emit signals as if no stack remained.
     group_->setActiveStack(stacks_.isEmpty() ? nullptr : stacks_.top());
     group_->removeStack(popped);
     return popped;

@@ -40,8 +40,8 @@ int PrecisionForFileSize(unsigned long long size)
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
-    // At most one of the four labels is used. All four are deliberately translated in each call, in this order, so that
-    // the installed translators receive the same four requests for every size.
+    // Each call uses at most one of the four labels, but deliberately translates all four in this order. The installed
+    // translators therefore receive the same four requests in each call, whatever the size is.
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);

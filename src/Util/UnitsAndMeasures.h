@@ -29,8 +29,8 @@ ZQTUTIL_EXPORT int PrecisionForFileSize(unsigned long long size);
 
 /// Formats the file size \a size, for example as "2.5 MB".
 ///
-/// The function uses the largest unit that is not larger than \a size, but no unit below \a minUnit. The decimal
-/// separator is always a point, unlike in QLocale::formattedDataSize().
+/// The function uses the largest unit in which the number is at least 1, but no unit smaller than \a minUnit. The
+/// decimal separator is always a point, whereas QLocale::formattedDataSize() uses the separator of the locale.
 ///
 /// \param size       the size in bytes
 /// \param precision  the number of decimal places; a negative value selects PrecisionForFileSize(). Sizes in bytes (B)
@@ -64,20 +64,21 @@ ZQTUTIL_EXPORT QString FormatSampleRate(long long hertz);
 /// unchanged.
 ZQTUTIL_EXPORT void DurationInSecondsToTimeComponents(long seconds, int& hours, int& minutes, int& secs);
 
-/// Returns the time of day \a seconds after midnight. The result is invalid if \a seconds is 86400 (24 hours) or more.
+/// Returns the time of day that is \a seconds seconds after midnight. The result is invalid if \a seconds is 86400
+/// (24 hours) or more.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QTime DurationInSecondsToQTime(long seconds);
 
-/// Formats the time of day \a seconds after midnight with \a format. See QTime::toString() for the formats. Returns an
-/// empty string if \a seconds is 86400 (24 hours) or more.
+/// Formats the time of day that is \a seconds seconds after midnight. \a format is a format of QTime::toString().
+/// Returns an empty string if \a seconds is 86400 (24 hours) or more.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QString DurationInSecondsToString(long seconds, QString const& format);
 
-/// Formats the duration \a microseconds: "S.mmm" below one minute, "M:SS.mmm" below one hour, and "H:MM:SS.mmm" from
-/// one hour. If \a alwaysShowHours is true, the format is always "H:MM:SS.mmm". Negative durations start with "-".
-/// Fractions of a millisecond are dropped.
+/// Formats the duration \a microseconds. The format is "S.mmm" for less than one minute, "M:SS.mmm" for less than one
+/// hour, and "H:MM:SS.mmm" for one hour or more. If \a alwaysShowHours is true, the format is always "H:MM:SS.mmm".
+/// Negative durations start with "-". Fractions of a millisecond are dropped.
 ZQTUTIL_EXPORT QString FormatDuration(long long microseconds, bool alwaysShowHours);
 
 } // namespace Util

@@ -54,10 +54,11 @@ public:
     /// \param labelText    the label above the field
     /// \param text         the initial text of the field. The checks run in the constructor only if \a text is not
     ///                     empty.
-    /// \param firstCheck   the check that disables the OK button if it fails. It must not be empty: the dialog throws
-    ///                     `std::bad_function_call` when it calls an empty check.
-    /// \param secondCheck  the check that only shows a warning if it fails. It must not be empty: the dialog throws
-    ///                     `std::bad_function_call` when it calls an empty check.
+    /// \param firstCheck   the first check. The OK button is disabled while this check fails.
+    /// \param secondCheck  the second check. If only this check fails, the dialog shows a warning.
+    ///
+    /// Neither check may be an empty `std::function`. The dialog throws `std::bad_function_call` when it calls an empty
+    /// one.
     ValidationInputDialog(QString const& title, QString const& labelText, QString const& text, Check const& firstCheck,
                           Check const& secondCheck);
 

@@ -20,7 +20,8 @@ QString GenerateApplicationVisibleVersion(Core::Version const& version)
 {
     using Detail = Core::Util::VersionToStringDetail;
     bool const hasThird = version.GetThird() != 0 && version.GetThird() != Core::Version::NotGiven;
-    // The name is qualified because argument-dependent lookup would also find Core::Util::VersionToString().
+    // The call is qualified with Util::, because argument-dependent lookup for an unqualified call would also find
+    // Core::Util::VersionToString().
     return Util::VersionToString(version, hasThird ? Detail::MajorMinorThird : Detail::MajorMinor, QStringLiteral("."));
 }
 

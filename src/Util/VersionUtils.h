@@ -23,10 +23,10 @@ ZQTUTIL_EXPORT Core::Version VersionFromString(QString const& text, QString cons
 ZQTUTIL_EXPORT QString VersionToString(Core::Version const& version, Core::Util::VersionToStringDetail detail,
                                        QString const& separator);
 
-/// Formats \a version for users: the major and the minor number, for example "3.1".
+/// Formats \a version for users. The result consists of the major and the minor number, for example "3.1".
 ///
-/// Appends the third component, for example "3.1.2", unless this component is 0 or Core::Version::NotGiven. The result
-/// never contains the build number.
+/// If the third component is neither 0 nor Core::Version::NotGiven, the result also contains this component, for
+/// example "3.1.2". The result never contains the build number.
 ZQTUTIL_EXPORT QString GenerateApplicationVisibleVersion(Core::Version const& version);
 
 } // namespace Util

@@ -20,8 +20,8 @@ namespace Util
 class ZQTUTIL_EXPORT ISimpleModelObserver
 {
 public:
-    /// Does not unregister the observer. Before you destroy an observer, unregister it with the role
-    /// SimpleModel::UnregisterObserver.
+    /// Before you destroy an observer, unregister it with the role SimpleModel::UnregisterObserver. The destructor does
+    /// not unregister it.
     virtual ~ISimpleModelObserver();
 
     /// Called when the user clicks the item with the identifier \a uid. The model calls this function on the thread on

@@ -82,12 +82,12 @@ public:
 
     /// Reports a click, or registers or unregisters an observer. Emits no change signal.
     ///
-    /// The role Click requires a valid \a index. It calls ISimpleModelObserver::OnItemClicked() of every observer, in
-    /// the order of registration.
+    /// The role Click requires a valid \a index. For this role, the model calls ISimpleModelObserver::OnItemClicked()
+    /// of every observer, in the order of registration.
     ///
     /// The roles RegisterObserver and UnregisterObserver require an invalid \a index. They register or unregister the
-    /// observer in \a value. A null observer is ignored. Registering the same observer a second time has no effect, and
-    /// neither has unregistering an observer that is not registered.
+    /// observer in \a value. The call has no effect if the observer is null, if an observer to register is already
+    /// registered, or if an observer to unregister is not registered.
     ///
     /// \param index  for Click: the clicked item; for RegisterObserver and UnregisterObserver: an invalid index
     /// \param value  the observer as an `ISimpleModelObserver*`; ignored for Click
