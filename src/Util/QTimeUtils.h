@@ -13,7 +13,7 @@ namespace Zelkor
 namespace Util
 {
 
-/// Returns the time of day that is \a microseconds microseconds after midnight.
+/// Converts \a microseconds, the number of microseconds since midnight, to a time of day.
 ///
 /// The value is rounded toward zero to whole milliseconds. The time wraps around midnight in both directions: -1000
 /// gives 23:59:59.999, and 86400000000 (24 hours) gives 00:00:00.000.

@@ -64,14 +64,14 @@ ZQTUTIL_EXPORT QString FormatSampleRate(long long hertz);
 /// unchanged.
 ZQTUTIL_EXPORT void DurationInSecondsToTimeComponents(long seconds, int& hours, int& minutes, int& secs);
 
-/// Returns the time of day that is \a seconds seconds after midnight. The result is invalid if \a seconds is 86400
-/// (24 hours) or more.
+/// Converts \a seconds, the number of seconds since midnight, to a time of day. The result is invalid if \a seconds is
+/// 86400 (24 hours) or more.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QTime DurationInSecondsToQTime(long seconds);
 
-/// Formats the time of day that is \a seconds seconds after midnight. \a format is a format of QTime::toString().
-/// Returns an empty string if \a seconds is 86400 (24 hours) or more.
+/// Formats \a seconds, the number of seconds since midnight, as a time of day. \a format is a format of
+/// QTime::toString(). Returns an empty string if \a seconds is 86400 (24 hours) or more.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QString DurationInSecondsToString(long seconds, QString const& format);
