@@ -169,8 +169,8 @@ private Q_SLOTS:
             QVERIFY(!launcher_->AddToStartup(QStringLiteral("three_parts_only"), Executable, {}));
             QCOMPARE(log.Texts().size(), 1);
         }
-        // This call succeeds without adding anything, because the cached list of the launcher still contains the login
-        // item.
+        // This call succeeds but adds nothing: the launcher's cached list still contains the login item that the other
+        // launcher has removed.
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(AgentsFolder().entryList(QDir::Files), QStringList());

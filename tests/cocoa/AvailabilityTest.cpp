@@ -1,5 +1,5 @@
-// Tests that all availability checks use the system version that a test sets: @available, __builtin_available,
-// NSProcessInfo and GetSystemVersion().
+// Tests that @available, __builtin_available, NSProcessInfo and GetSystemVersion() all use the version that
+// TestBed::SetSystemVersion() has set.
 
 #include "NativeAvailability.h"
 

@@ -31,7 +31,7 @@ namespace
 QString const Vendor = QStringLiteral("zelkor");
 QString const Identifier = QStringLiteral("zelkor_Studio_3.1.0_Agent");
 
-/// Returns the URL of the folder \a path in the form that login items use.
+/// Returns the URL of the folder \a path as login items contain it: percent-encoded, with a slash at the end.
 QString UrlOf(QString const& path)
 {
     return QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) + QLatin1Char('/');
@@ -422,8 +422,8 @@ private Q_SLOTS:
         TestBed::AddLoginItem(helper_);
         TestBed::SetSystemVersion(QStringLiteral("10.8.5"));
         startup_->UpdateStartupItems(Vendor);
-        // Before macOS 10.9, the URLs of login items contain a host name, and the library expects this host name. The
-        // URLs in the test bed never contain a host name. Therefore, the library does not find the application.
+        // On systems older than macOS 10.9, the library expects a host name in the URL of each login item. The test bed
+        // provides URLs without a host name. Therefore, the library does not recognise the login item.
         QVERIFY(!startup_->IsInStartup(Identifier));
         for (QString const& version : {QStringLiteral("10.9"), QStringLiteral("10.9.0"), QStringLiteral("11.2")}) {
             TestBed::SetSystemVersion(version);

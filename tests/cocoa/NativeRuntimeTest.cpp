@@ -1,5 +1,5 @@
-// Tests of blocks and exceptions in Objective-C++. In the test bed, GCC's Objective-C runtime is adapted to behave as
-// on macOS.
+// Tests of blocks and exceptions in Objective-C++. The test bed adapts GCC's Objective-C runtime so that it behaves
+// like Apple's runtime.
 
 #include "NativeRuntime.h"
 

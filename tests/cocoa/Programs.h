@@ -58,7 +58,7 @@ public:
     /// Allows every user to run the fake programs.
     void GrantAccessToEveryone() const { chmod(QFile::encodeName(folder_.path()).constData(), 0777); }
 
-    /// Locks the fake programs. A called program finishes only after the returned object has been destroyed.
+    /// Prevents the fake programs from finishing while the returned object exists.
     std::unique_ptr<QFile> Lock() const
     {
         auto lock = std::make_unique<QFile>(folder_.filePath(QStringLiteral("lock")));

@@ -1,6 +1,6 @@
-// Makes blocks Objective-C objects, as on macOS: blocks accept the messages copy, retain and release, and can be stored
-// in collections. This file is necessary because the class structures of blocks are empty in programs that use GCC's
-// Objective-C runtime.
+// Turns blocks into Objective-C objects, as on macOS: blocks accept the messages copy, retain and release, and can be
+// stored in collections. In programs that use GCC's Objective-C runtime, the class structures of blocks are empty.
+// Therefore, this file fills these structures.
 
 #import <Foundation/Foundation.h>
 

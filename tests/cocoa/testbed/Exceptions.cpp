@@ -3,8 +3,9 @@
 // program, because it treats the C++ type as an unknown Objective-C class.
 //
 // A personality function selects the exception handler during stack unwinding. This file overrides the personality
-// function of the Objective-C runtime. The override calls the personality function of C++ if that function selects the
-// same handler as macOS. Otherwise, the override calls the original function of the Objective-C runtime. As a result:
+// function of the Objective-C runtime. The override calls the C++ personality function in all cases in which the C++
+// function selects the handler that would run on macOS. In all other cases, the override calls the original function of
+// the Objective-C runtime. As a result:
 // - a C++ exception is caught by C++ handlers, catch (...), @catch (...) and @finally, but not by @catch (SomeClass*);
 // - an NSException is caught by catch (...), but not by typed C++ handlers.
 
@@ -226,8 +227,8 @@ Handlers HandlersAtCall(_Unwind_Context* context)
     return {};
 }
 
-/// Returns true if \a type identifies a C++ exception: the characters "GNUCC++" followed by a version byte. The
-/// Objective-C runtime uses the characters "GNUCOBJC" instead.
+/// Returns true if \a type is the class of a C++ exception. The class of a C++ exception consists of the characters
+/// "GNUCC++" and a version byte. The class of an Objective-C exception consists of the characters "GNUCOBJC".
 bool IsCppException(_Unwind_Exception_Class type)
 {
     return type >> 8 == 0x474e5543432b2b;

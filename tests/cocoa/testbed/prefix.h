@@ -4,8 +4,8 @@
 
 #ifdef __OBJC__
 #include <objc/objc.h>
-// Define these names as on macOS. GCC defines nil as (id)0 and YES as (BOOL)1. With these definitions, the expressions
-// "error:nil" and "@YES" do not compile.
+// Define these names as on macOS. GCC's header defines nil as (id)0 and YES as (BOOL)1. With GCC's definitions, the
+// expressions "error:nil" and "@YES" do not compile.
 #undef nil
 #undef Nil
 #define nil nullptr

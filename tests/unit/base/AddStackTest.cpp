@@ -71,7 +71,8 @@ std::pair<std::string, std::string> TextAndStackOfNamedFunction()
 namespace
 {
 
-/// Returns the frames of the callers of TextAndStackOfNamedFunction() in the call stack \a text, without frame numbers.
+/// Returns all frames that follow the frame of TextAndStackOfNamedFunction() in the call stack \a text. The returned
+/// frames have no frame numbers.
 QStringList OuterFrames(std::string const& text)
 {
     QStringList lines = QString::fromStdString(text).split(QLatin1Char('\n'), Qt::SkipEmptyParts);

@@ -279,7 +279,7 @@ private Q_SLOTS:
         constexpr int Publications = 500;
         std::atomic<int> inside{0};
         std::atomic<bool> overlapped{false};
-        int calls = 0; // not atomic: the list under test must serialise all accesses
+        int calls = 0; // not atomic: the list must never call a handler on two threads at the same time
         handlers_[0].onEvent = [&] {
             overlapped = overlapped || inside.fetch_add(1) != 0;
             ++calls;

@@ -486,8 +486,8 @@ private Q_SLOTS:
     }
 
     // While setService(nullptr) runs, a slot binds the client to the backup service, and the client uses this service.
-    // setService() must also release the backup service. Otherwise the backup service would keep a current client that
-    // is no longer bound to the service.
+    // setService() must also release the backup service. Otherwise, the client would stay the current client of the
+    // backup service, although the client is no longer bound to any service.
     void leavesAServiceThatASlotHasBoundMeanwhile()
     {
         ExclusiveService backup(nullptr);

@@ -453,8 +453,8 @@ private Q_SLOTS:
         RegisterReceiver(*receiver_, QStringLiteral("ReceiveValue( int )"));
         RegisterEmitter(*emitter_, QStringLiteral("ValueChanged(  int )"));
         QCOMPARE(emitter_->ConnectedSignals(), QStringList{ValueChangedSignal});
-        // Qt normalises both spellings of the slot and disconnects the slot. ObjectsConnector compares the spellings
-        // without normalising them. Because the spellings differ, the receiver stays registered.
+        // The receiver was registered with a different spelling of the same slot. Qt normalises both spellings and
+        // disconnects the slot. ObjectsConnector does not normalise the spellings, so the receiver stays registered.
         UnregisterReceiver(*receiver_, ReceiveValueSlot);
         QCOMPARE(emitter_->DisconnectedSignals(), QStringList{ValueChangedSignal});
         RegisterEmitter(late, ValueChangedSignal);

@@ -57,8 +57,8 @@ struct Message
 };
 
 // QtLogHandler is a singleton and filters cannot be removed, so all tests share the previous handler and the filters.
-// This structure contains the recorded calls of the handler and of the filters, and the functions of the current test
-// that the handler and the filters call.
+// This structure records the calls of the previous handler and of the filters. It also contains callbacks for them,
+// which each test can set.
 struct SharedState
 {
     std::mutex guard;

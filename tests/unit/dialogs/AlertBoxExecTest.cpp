@@ -91,8 +91,8 @@ class ThrowsWhenFocused : public QObject
 public:
     ThrowsWhenFocused() { qApp->installEventFilter(this); }
 
-    /// The alert box that contains the widget that last received the focus. Null if there is no such box, or if the box
-    /// has been destroyed.
+    /// The alert box in which a widget received the focus most recently. Null if the focus moved to a widget outside
+    /// any alert box, or if the alert box has been destroyed.
     QPointer<AlertBox> box;
 
     bool HasThrown() const { return hasThrown_; }

@@ -68,7 +68,7 @@ public:
         // QResource finds files by binary search over the hashes of their names.
         std::sort(files.begin(), files.end(),
                   [](auto const& a, auto const& b) { return Hash(a.first) < Hash(b.first); });
-        AddFolder(1, 1); // unnamed root folder: one child, at index 1
+        AddFolder(1, 1); // the unnamed root folder is node 0 of the tree; its only child is node 1
         AddFolder(static_cast<quint32>(files.size()), 2);
         AddName(folder);
         for (auto const& file : files) {
@@ -172,7 +172,8 @@ private:
     RecordingStyle* style_; // owned by QApplication
 };
 
-/// Closes the modal alert box from its event loop. Before that, stores the colour of the box's icon in \a color.
+/// Queues a call that runs in the event loop of the modal alert box. The call stores the colour of the box's icon in
+/// \a color, and then closes the box.
 void CloseBoxLater(QColor& color)
 {
     QTimer::singleShot(0, qApp, [&color] {
@@ -401,7 +402,7 @@ private Q_SLOTS:
         box->setStyle(&style);
         style.calls.clear();
 
-        // QMessageBox replaces its layout when the icon is set. The slot connected to destroyed() of the old layout
+        // QMessageBox replaces its layout when the icon is set, and the old layout emits destroyed(). The lambda below
         // therefore runs while the icon is being set.
         int callsBeforeIcon = -1;
         bool hadPropertiesBeforeIcon = false;

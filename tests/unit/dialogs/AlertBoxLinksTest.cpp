@@ -165,7 +165,7 @@ private Q_SLOTS:
         inner->setOpenExternalLinks(true);
         box->SetLinksOpener(std::make_shared<Opener>());
         auto const labels = box->findChildren<QLabel*>();
-        QVERIFY(labels.size() >= 4); // icon, text and informative text of the box, and the label that the test adds
+        QVERIFY(labels.size() >= 4); // the box has labels for icon, text and informative text; `inner` is the fourth
         for (QLabel const* const label : labels) {
             QVERIFY2(!label->openExternalLinks(), qPrintable(label->objectName()));
         }

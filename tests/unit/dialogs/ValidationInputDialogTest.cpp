@@ -208,7 +208,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("hint");
         QTest::addColumn<bool>("showsError");
 
-        // The first check appends "1" to the message, and the second check appends "2".
+        // Each check appends its number to the displayed message. The message "12" therefore means that both checks
+        // were called, and "1" means that only the first check was called.
         QTest::newRow("both checks pass") << true << true << QStringList{QStringLiteral("x")} << QStringLiteral("12")
                                           << QStringLiteral("normal") << false;
         QTest::newRow("second check fails") << true << false << QStringList{QStringLiteral("x")} << QStringLiteral("12")
@@ -339,7 +340,8 @@ private Q_SLOTS:
         QVERIFY(!Ok()->isEnabled());
         QCOMPARE(dialog_->inputText(), QString());
         QVERIFY_EXCEPTION_THROWN(Edit()->setText(QStringLiteral("xy")), std::bad_function_call);
-        // The second check is an empty std::function. inputText() does not call the second check, so it does not throw.
+        // The second check is an empty std::function, and a call of an empty std::function throws. inputText() does not
+        // call the second check, so inputText() does not throw.
         QCOMPARE(dialog_->inputText(), QStringLiteral("xy"));
         QVERIFY_EXCEPTION_THROWN(
             ValidationInputDialog(QString(), QString(), QStringLiteral("xy"), isLong, ValidationInputDialog::Check()),

@@ -33,7 +33,7 @@ struct Failure : std::runtime_error
 class CustomCancelled : public Cancelled
 {};
 
-/// Function that sets the job of \a task, and sets \a callback as the function that the task calls after the job.
+/// Function that sets the job of \a task and one of the task's callbacks. It sets this callback to \a callback.
 using SetUpTask = void (*)(Task* task, std::function<void()> callback);
 
 } // namespace
@@ -108,7 +108,7 @@ void AsyncServiceCompletionTest::outcomeCallsOneCallback_data()
         bool hasOnFinished;
         bool hasOnCancelled;
         bool hasOnError;
-        QByteArrayList called[3]; // the expected calls for each outcome: Returns, Cancels, Throws
+        QByteArrayList called[3]; // the callbacks that must be called if the job returns, cancels or throws
     } const table[] = {
         {"no callback", false, false, false, {none, none, none}},
         {"onFinished", true, false, false, {finished, finished, finished}},

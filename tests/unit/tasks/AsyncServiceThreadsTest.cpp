@@ -47,7 +47,7 @@ private:
     QEventLoop loop_;
 };
 
-/// Lets a job wait until the owner thread, which is the thread that created this object, is blocked.
+/// Lets a job wait until the owner thread is blocked. The owner thread is the thread that created this object.
 class OwnerBlocking
 {
 public:

@@ -45,8 +45,8 @@ namespace
 struct FunctorError
 {};
 
-/// Functor that counts its copies and its calls. The functor and its copies share one Record. A call stores the calling
-/// thread in the Record. The destructor of a functor that was called stores the destroying thread in the Record.
+/// Functor that counts its copies and its calls. The functor and its copies share one Record. Each call stores the
+/// current thread in the Record. The destructor does the same, but only if the destroyed object has been called.
 class CopyCounter
 {
 public:

@@ -112,7 +112,7 @@ void ExecuteOnce(OneTimeExecutor* executor)
     QVERIFY(QMetaObject::invokeMethod(executor, "executeOnce", Qt::DirectConnection));
 }
 
-/// Checks that \a call throws the exception that LambdaQt4::execute() throws if its function is empty.
+/// Checks that \a call throws the exception for an empty function, which LambdaQt4::execute() throws.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {
@@ -207,8 +207,8 @@ private Q_SLOTS:
         QObjectList senders;
         LambdaQt4 lambda([&senders](QObject* sender) { senders += sender; });
         lambda.execute();
-        // A call of execute() inside a slot of another object is also a direct call. The function does not receive the
-        // sender of that slot.
+        // A slot of `outer` calls lambda.execute(). This is a direct call too, although a signal activated the slot of
+        // `outer`. Therefore, the function of `lambda` receives null instead of the sender of that signal.
         LambdaQt4 const outer([&lambda](QObject*) { lambda.execute(); });
         QVERIFY(ConnectToExecute(other, outer));
         Q_EMIT other.Emitted();
@@ -499,8 +499,8 @@ private Q_SLOTS:
         QPointer<OneTimeExecutor> second;
         bool hasSameAddress = false;
         bool isSecondDestroyed = false;
-        // replaceFirst deletes the first executor and then continues to run. The deletion also destroys the lambda that
-        // the executor owns. Therefore, this code is not in that lambda: the lambda only calls replaceFirst.
+        // replaceFirst deletes the first executor and then continues to run. Therefore, the first executor must not own
+        // replaceFirst. The executor owns only a small lambda, which calls replaceFirst.
         std::function<void()> const replaceFirst = [&] {
             void const* const address = first.data();
             delete first.data();

@@ -62,8 +62,7 @@ bool Connect(Sender const& sender, LambdaQt4WithIntParameter const& lambda)
     return QObject::connect(&sender, SIGNAL(Changed(int)), &lambda, SLOT(execute(int)));
 }
 
-/// Checks that \a call throws the exception that LambdaQt4WithIntParameter::execute() throws if its function is
-/// empty.
+/// Checks that \a call throws the exception for an empty function, which LambdaQt4WithIntParameter::execute() throws.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {

@@ -20,7 +20,7 @@ static_assert(std::is_same_v<decltype(&ReplaceUrlProtocol), QString (*)(QString)
 namespace
 {
 
-// These variables are initialised before main() runs, when no code can have changed the setting.
+// These variables are initialised before main() runs. At that time, no test has changed the default SSL usage yet.
 bool const usageWhenLoaded = GetDefaultSslUsage();
 QString const linkWhenLoaded = ReplaceUrlProtocol(QStringLiteral("http://example.org"));
 

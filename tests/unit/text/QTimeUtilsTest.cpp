@@ -106,7 +106,7 @@ private Q_SLOTS:
 
     void roundTripsThroughAvTime()
     {
-        int const step = 7919; // a prime number, to cover many combinations of components
+        int const step = 7919; // in ms; a prime number, to vary the hours, minutes, seconds and milliseconds
         for (int milliseconds = 0; milliseconds < 86400000; milliseconds += step) {
             QTime const time = QTime::fromMSecsSinceStartOfDay(milliseconds);
             QCOMPARE(AvTimeToQTime(QTimeToAvTime(time)), time);

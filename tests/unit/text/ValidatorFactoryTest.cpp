@@ -82,8 +82,8 @@ QStringList AllTexts(QString const& prefix, QString const& letters, int length)
     return all;
 }
 
-/// Validates each string in \a texts with \a validator. Returns the strings for which the result differs from the state
-/// that is expected for the regular expression \a pattern.
+/// Compares the state that \a validator returns for each string in \a texts with the state that ExpectedState() returns
+/// for the regular expression \a pattern. Returns the strings for which the two states differ.
 QStringList TextsWithWrongState(QValidator const& validator, QString const& pattern, QStringList const& texts)
 {
     QRegularExpression const expected(QStringLiteral("\\A(?:") + pattern + QStringLiteral(")\\z"));

@@ -174,8 +174,8 @@ private Q_SLOTS:
         Send(tiles_[0].get(), QEvent::Enter);
         Send(tiles_[1].get(), QEvent::Enter);
         QCOMPARE(tiles_[0]->received, Types{QEvent::Enter});
-        // The test sends the second event directly to tiles_[1]. Therefore, tiles_[1] receives this event, although its
-        // previous event had the same type. The group skips members only when it replays an event to them.
+        // tiles_[1] received the first Enter event from the group, and the second one directly from the test. The group
+        // does not block an event that is sent directly, even if the previous event of the tile had the same type.
         QCOMPARE(tiles_[1]->received, (Types{QEvent::Enter, QEvent::Enter}));
         QCOMPARE(tiles_[2]->received, Types{QEvent::Enter});
     }
