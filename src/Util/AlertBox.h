@@ -39,9 +39,9 @@ namespace Util
 /// **Icons.** The application should provide the default icons as resources: ":/MessageBox/info_icon.png",
 /// ":/MessageBox/error_icon.png" and ":/MessageBox/question_icon.png".
 ///
-/// **A box without buttons.** QMessageBox adds an OK button to a box without buttons, but only when the box is shown.
-/// AlertBox sets the object names and properties before the box is shown. Therefore, the added button has neither an
-/// object name nor properties. Pass `QMessageBox::Ok` to get an OK button that style sheets can select.
+/// **A box without buttons.** If the box has no buttons, QMessageBox adds an OK button when the box is shown. This
+/// button has neither an object name nor properties. Pass `QMessageBox::Ok` to get an OK button that style sheets can
+/// select.
 ///
 /// **Additional buttons.** If you add buttons after construction, call SetDefaultButtonNames() to set their object
 /// names. Exec() and Show() set the properties of all buttons through PrepareToShow().
@@ -71,9 +71,9 @@ public:
     /// Creates a message box and calls SetDefaultButtonNames().
     ///
     /// \param level    the level of the box; the level cannot be changed later
-    /// \param title    the window title. If it is empty, a box of level Information or Error has the translated title
-    ///                 "Information" or "Error". If it is empty and the level is Question, the box has no title, and
-    ///                 its minimum width is set to 300 pixels.
+    /// \param title    the window title. If \a title is empty, a box of level Information has the translated title
+    ///                 "Information", and a box of level Error has the translated title "Error". A box of level
+    ///                 Question then has no title, and its minimum width is set to 300 pixels.
     /// \param text     the text of the message
     /// \param buttons  the standard buttons. If \a buttons is NoButton, QMessageBox adds an OK button when the box is
     ///                 shown. The added button has neither an object name nor properties for style sheets.

@@ -76,9 +76,8 @@ AsyncService::Impl::Impl()
 {
     thread->setObjectName(QStringLiteral("AsyncService"));
     workerForwarder.moveToThread(thread.data());
-    // A job may quit the event loop of the worker thread. If run() is called before the thread has finished, it queues
-    // another job but does not start the thread again. Therefore, if jobs are still queued when the thread finishes,
-    // restart the thread. Otherwise, these jobs would not run until the next call of run().
+    // A job may quit the event loop of the worker thread. The jobs that are still queued then need a new event loop.
+    // Restart the thread for them.
     QObject::connect(thread.data(), &QThread::finished, &ownerForwarder, [this] {
         if (queuedJobs > 0) {
             startThread();
@@ -124,8 +123,7 @@ void AsyncService::Impl::startThread()
 void AsyncService::Impl::run(Task* task)
 {
     startThread();
-    // operator[] registers an unregistered task with a null reporter. contains(), empty() and report() therefore work
-    // for this task as well.
+    // If the task is not registered, operator[] registers it with a null reporter.
     Reporter* const reporter = tasks[task];
     ++queuedJobs;
     workerForwarder.Forward([this, task, reporter] { work(task, reporter); });
@@ -169,8 +167,8 @@ void AsyncService::Impl::deliver(Task* task, int value)
     }
 }
 
-/// If calls of Task::onProgress for \a task are running, transfers the ownership of \a task to the Delivery object of
-/// the outermost call. The outermost call returns last, so the task is not destroyed before all calls have returned.
+/// Keeps \a task alive while its Task::onProgress callback is running. If several calls are nested, the Delivery object
+/// of the outermost call takes ownership of \a task, because this call returns last.
 void AsyncService::Impl::keepDuringDelivery(std::unique_ptr<Task>& task) const
 {
     Delivery* outermost = nullptr;

@@ -64,9 +64,9 @@ void ExclusiveClient::setService(ExclusiveService* newService)
         return;
     }
     if (service_) {
-        // A slot that ran during letGo() may have set another service and acquired the resource of that service.
-        // Release that resource too. Disconnect first: otherwise, a slot that acquires the resource after every release
-        // would cause an endless loop.
+        // During letGo(), a slot may have set another service and acquired its resource. Release this resource too.
+        // Disconnect first, so that this release emits no signals of the client. A slot connected to these signals
+        // could acquire the resource again.
         disconnect(service_, nullptr, this, nullptr);
         if (isInUse()) {
             service_->setClient(nullptr);

@@ -41,9 +41,8 @@ public Q_SLOTS:
     /// Slots that are connected to the signals of the service can destroy the service; the transfer then stops. The
     /// slots can also destroy \a client; the service then has no current client.
     ///
-    /// Do not call setClient() from a slot that is connected to clientAboutToBeChanged(). The slot runs during another
-    /// call of setClient(). After the slot returns, that other call would replace the client that the slot has set. The
-    /// replaced client would lose the resource without a signal.
+    /// Do not call setClient() from a slot that is connected to clientAboutToBeChanged(). The outer call of setClient()
+    /// would then replace the client of the inner call. The replaced client would lose the resource without a signal.
     void setClient(QObject* client);
 
 Q_SIGNALS:

@@ -46,9 +46,9 @@ PathValidity CheckMissingFolder(QString const& path)
     return PathValidity::Valid;
 }
 
-// Removes all "/" and "/." from the end of the path. If a path ends with "/", the system follows a symbolic link at the
-// end of the path, and the caller cannot detect that the path is a link. The rest of the path is not normalised,
-// because only the system can resolve ".." after a link.
+// Removes all "/" and "/." from the end of the path. With a "/" at the end, the system would follow a symbolic link,
+// and the caller could not detect the link. The rest of the path is not normalised, because only the system can resolve
+// ".." after a link.
 QString WithoutTrailingSeparators(QString path)
 {
     while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/.")))) {
@@ -91,8 +91,8 @@ PathValidity IsThisPathValid(QString const& path)
 
 bool IsThisPathValid(QString const& path, QString* errorText)
 {
-    // Kept for compatibility with the first release: if the path is not valid, this function throws an exception of the
-    // class Error, which contains the error text, and catches the exception itself.
+    // Kept for compatibility with the first release: if the path is not valid, this function throws an Error and
+    // catches it itself.
     class Error : public std::exception
     {
     public:

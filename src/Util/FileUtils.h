@@ -74,7 +74,7 @@ ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 /// all their contents. Symbolic links are never followed: an old link is removed like a file. Entries that cannot be
 /// removed are skipped without a message.
 ///
-/// The tree can have any depth. The function works even if the process can open only a few files.
+/// The tree can have any depth. The function works even if the process's limit of open files is low.
 ///
 /// \param folder              the path of the folder; the function does nothing if the path is empty, if the folder
 ///                            does not exist, or if the path is a symbolic link
@@ -100,16 +100,16 @@ ZQTUTIL_EXPORT bool RemoveFile(ioPath path);
 /// - a folder that cannot be read completely; its contents add nothing either;
 /// - a pipe, a socket or a device.
 ///
-/// The tree can have any depth, and the paths can have any length. The function works even if the process can open only
-/// a few files. Does not throw. A call may take minutes on a network volume; use AsyncService to run it in the
+/// The tree can have any depth, and the paths can have any length. The function works even if the process's limit of
+/// open files is low. Does not throw. A call may take minutes on a network volume; use AsyncService to run it in the
 /// background.
 ZQTUTIL_EXPORT unsigned long long GetPathSize(ioPath const& path);
 
 /// Returns the user's folder for \a location, with native separators.
 ///
 /// If the system has no folder for \a location, returns the documents folder. If the system has no documents folder
-/// either, returns the home folder. If the folder is a symbolic link, returns the target of this link. If the target is
-/// also a link, this second link is not resolved.
+/// either, returns the home folder. If the folder is a symbolic link, returns the target of the link. If the target is
+/// also a link, the function does not resolve it.
 ZQTUTIL_EXPORT QString GetStandardPath(QStandardPaths::StandardLocation location);
 
 /// Returns the path of the user's movies folder, followed by a separator and \a subPath. The movies folder contains the
