@@ -87,9 +87,8 @@ struct ByHandRunner
 
 /// Runs \a work in a child process. Returns the processor time of \a work in seconds.
 ///
-/// For every new connection, Qt searches the existing connections of the emitter. The duration of this search depends
-/// mainly on memory latency. Therefore, the result can vary by a factor of up to four, depending on the heap addresses
-/// of the connections. Each child process starts with the same heap, which makes the results comparable.
+/// The result depends on the heap addresses of the connections: it can vary by a factor of up to four. Every child
+/// process starts with the same heap, so the results are comparable.
 template <class Work>
 double SecondsInChild(Work const& work)
 {

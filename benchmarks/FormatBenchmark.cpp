@@ -30,8 +30,8 @@ constexpr std::array<unsigned long long, 8> Sizes{512,      1500,       999999, 
 // Durations in milliseconds. All of them are shorter than a day, because QTime cannot represent a day or more.
 constexpr std::array<int, 8> Durations{1234, 59999, 60000, 754321, 3599999, 3600000, 20123456, 86399999};
 
-/// Measures calls of \a format. Each call formats one element of \a values. The elements are formatted in their order;
-/// after the last element, the loop starts again with the first element.
+/// Measures calls of \a format. Each call formats the next element of \a values. After the last element, the first
+/// element is next.
 template <class Values, class Format>
 void FormatInTurn(benchmark::State& state, Values const& values, Format const& format)
 {

@@ -204,10 +204,10 @@ void PingPong(benchmark::State& state)
     }
 }
 
-// Measures no time. Reports the number of copies of a functor as three counters:
-// - "kept": the copies that Forward() makes if the caller passes a variable.
-// - "handed_over": the copies that Forward() makes if the caller passes a temporary.
-// - "called": the copies of both functors that are made while the event loop calls these functors.
+// Measures no time. Counts the copies of functors and reports three counters:
+// - "kept": the number of copies when Forward() is called with a variable.
+// - "handed_over": the number of copies when Forward() is called with a temporary.
+// - "called": the number of copies when the event loop calls the two functors.
 template <class Forwarder>
 void Copies(benchmark::State& state)
 {

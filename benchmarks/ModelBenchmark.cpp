@@ -29,8 +29,8 @@ QStringList Uids()
     return uids;
 }
 
-/// A list model of strings that implements only the two functions that every list model must implement. The time to
-/// read the uids of this model is the lower bound for reading the uids of a SimpleModel.
+/// A list model that implements only rowCount() and data(). The time to read its uids is the lower bound for
+/// SimpleModel.
 class MinimalModel : public QAbstractListModel
 {
 public:

@@ -7,10 +7,11 @@
 //         Computes the size of FOLDER once, with the implementation NAME. run.py uses this mode to count the system
 //         calls with `strace`.
 //
-// For comparison, the benchmark measures several alternatives. One alternative is code that reads each folder and
-// calls fstatat() once for each entry. The time of this code is the lower bound. Another alternative is the command
-// `du`. The time of `du` includes the start of the process; "ProcessStart/Du" measures only the start, with an empty
-// folder. The other alternatives are functions of libraries that traverse folder trees.
+// For comparison, the benchmark measures several alternatives:
+// - Code that reads each folder and calls fstatat() once for each entry. Its time is the lower bound.
+// - The command `du`. Its time includes the start of the process. "ProcessStart/Du" measures only the start, with an
+//   empty folder.
+// - Functions of libraries that traverse folder trees.
 
 #include "Process.h"
 #include "Support.h"

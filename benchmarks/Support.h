@@ -90,8 +90,8 @@ private:
     int count_;
 };
 
-/// Calls functors on another thread. Posts one event for each functor; the event contains the functor. For the
-/// benchmarks, the time of this class is the lower bound for passing work to a thread with an event loop.
+/// Calls functors on another thread. Posts one event for each functor; the event contains the functor. The time of
+/// this class is the lower bound for passing work to an event loop.
 class PostedEvents : public QObject
 {
 public:

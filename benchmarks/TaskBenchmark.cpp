@@ -1,9 +1,8 @@
 // Measures AsyncService, which runs jobs on one worker thread and delivers progress and completion to the owner thread.
 //
-// For comparison, the benchmark measures several alternatives. Each alternative also has only one worker thread, so
-// that its jobs run one after another, like the jobs of AsyncService. One alternative is code that posts one event
-// for each job to the worker thread. For each progress report and for the completion of the job, the worker thread
-// posts one event to the owner thread. The time of this code is the lower bound.
+// For comparison, the benchmark measures several alternatives. Like AsyncService, each alternative has only one worker
+// thread. The time of EventsInBothDirections is the lower bound. It posts one event for each job, one event for each
+// progress report, and one event for each completion.
 
 #include "Support.h"
 

@@ -419,9 +419,8 @@ class Runner:
         except OSError as error:
             raise CannotRun(str(error)) from error
 
-    # A processor core is sometimes slow for about a second, independent of the program. Many short samples distribute
-    # these slow periods evenly among the library and the alternatives with which it is compared. With few long samples,
-    # the median would vary between runs.
+    # A processor core is sometimes slow for about a second. Take many short samples, so that these slow periods affect
+    # the library and the alternatives equally.
     def benchmark(self, results, name, *arguments, repetitions=201, min_time=0.005):
         print(f"{name} ...", file=sys.stderr, flush=True)
         self.command(

@@ -62,8 +62,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/ZQtUtilConfigVersion.cmake"
     DESTINATION ${ZQTUTIL_CMAKE_DIR})
 
-# The prefix in the pkg-config file is relative to this file, so that the file stays valid if the installed tree is
-# moved.
+# The pkg-config file contains the prefix as a relative path, so that it stays valid if the installed tree is moved.
 file(RELATIVE_PATH ZQTUTIL_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/zqtutil.pc.in "${PROJECT_BINARY_DIR}/zqtutil.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zqtutil.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

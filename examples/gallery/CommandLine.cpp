@@ -82,9 +82,8 @@ std::optional<QString> CommandLine::Screenshots() const
     return parser_.isSet(screenshots_) ? std::make_optional(parser_.value(screenshots_)) : std::nullopt;
 }
 
-// QCommandLineParser uses QStrings, which cannot represent bytes that are not valid UTF-8. Therefore, this function
-// searches the original command-line arguments for the argument that matches the option's value, and returns the path
-// with its original bytes.
+// Returns the path with its original bytes. The value from QCommandLineParser is a QString, which cannot represent
+// bytes that are not valid UTF-8. Therefore, this function searches the original arguments for this value.
 std::optional<ioPath> CommandLine::PathValue(QCommandLineOption const& option) const
 {
     if (!parser_.isSet(option)) {

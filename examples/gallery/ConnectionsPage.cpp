@@ -66,9 +66,8 @@ void ConnectionsPage::AddControl(QAbstractSlider* control, QString const& name, 
     control->setAccessibleName(name);
     auto* const value = new QLabel(locale().toString(control->value()));
     value->setAlignment(Qt::AlignHCenter);
-    // Connect this slot before any control is registered with ObjectsConnector. Qt calls slots in the order in which
-    // they were connected. Therefore, when the user moves a control, the timeline lists the change of this control
-    // first, and then the changes of its receivers.
+    // Connect this slot before any control is registered with ObjectsConnector. Then the timeline lists the change of a
+    // control before the changes of its receivers, because Qt calls slots in the order of their connection.
     connect(control, &QAbstractSlider::valueChanged, this, [this, name, value](int number) {
         value->setText(locale().toString(number));
         timeline_->Add(name, tr("value %1").arg(value->text()));
@@ -168,8 +167,8 @@ void ConnectionsPage::UnregisterSelected()
     } else {
         ObjectsConnector::unregisterReceiver(registration.id, control, Slot());
     }
-    // A control can be registered several times under the same name, as an emitter or as a receiver. ObjectsConnector
-    // has now removed all of these registrations, so remove all of their rows from the table.
+    // A control can be registered several times under the same name and in the same role (emitter or receiver).
+    // ObjectsConnector has now removed all registrations with this control, name and role. Remove all of their rows.
     for (int row = table_->rowCount() - 1; row >= 0; --row) {
         auto const at = registrations_.begin() + row;
         if (at->control == registration.control && at->isEmitter == registration.isEmitter &&

@@ -17,7 +17,7 @@ namespace Gallery
 {
 
 /// Delivers items on the thread of a QObject, the owner of the queue. The queue is a data member of the owner. One
-/// event delivers all items that are in the queue. Therefore, the delivery of many items needs only a few events.
+/// event delivers all items that are in the queue.
 template <class Item>
 class CrossThreadQueue
 {

@@ -15,9 +15,10 @@ namespace Zelkor::Gallery
 
 using Util::AsyncService;
 
-// One measurement of a folder. Each measurement has its own AsyncService. A cancelled measurement still measures its
-// current entry; with a shared service, a new measurement would have to wait for this entry. A measurement is destroyed
-// when its service has no more tasks.
+// One measurement of a folder. It is destroyed when its AsyncService has no more tasks.
+//
+// Each measurement has its own AsyncService. With a shared service, a new measurement would have to wait until the
+// cancelled measurement has measured its current entry.
 class FolderMeasurer::Measurement
 {
 public:

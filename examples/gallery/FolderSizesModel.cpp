@@ -38,8 +38,8 @@ QString ToolTip(FolderEntry const& entry, int column)
     } else if (column == FolderSizesModel::State) {
         text = PathListText(entry.unmeasured, ToolTipPaths);
     }
-    // Qt may wrap the lines of a plain-text tool tip. This word wrap can be disabled only in rich text, so use rich
-    // text. Escape the text, because a file name may contain "<".
+    // Use rich text, because Qt may wrap the lines of a plain-text tool tip. Escape the text, because a file name may
+    // contain "<".
     return text.isEmpty() ? text : QStringLiteral("<p style='white-space:pre'>%1</p>").arg(text.toHtmlEscaped());
 }
 

@@ -207,8 +207,8 @@ bool FolderSizesPage::IsBusy() const
     return measurer_->IsBusy();
 }
 
-// A QString cannot represent a path that is not valid UTF-8. Therefore, if the user has not edited the text that
-// SetFolder() wrote into the line edit, return the path that was passed to SetFolder().
+// Returns the path that was passed to SetFolder() if the user has not edited its text. The text cannot represent a path
+// that is not valid UTF-8.
 ioPath FolderSizesPage::Folder() const
 {
     QString const text = folderEdit_->text();

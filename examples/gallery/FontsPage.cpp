@@ -26,8 +26,7 @@ using Util::FontDatabase;
 
 constexpr int SampleSize = 18;
 
-/// The lists of font families that the page can show. The user selects a list in a combo box; each enumerator is the
-/// index of the list's item in the combo box.
+/// The lists of font families that the page can show. The enumerators are the indexes of the items in the combo box.
 enum List { Added, System, Scalable };
 
 QStringList FamiliesOf(int list)

@@ -21,8 +21,8 @@ GlogSink::~GlogSink()
     google::RemoveLogSink(this);
 }
 
-// glog holds its locks during the call of this function. Therefore, this function must not cause Qt messages:
-// QtLogHandler would log these messages through glog, and glog would wait for its own locks for ever (a deadlock).
+// This function must not cause Qt messages. glog holds its locks during the call, and QtLogHandler would log the
+// messages through glog. The result would be a deadlock.
 void GlogSink::send(google::LogSeverity severity, char const* /*fullFileName*/, char const* baseFileName, int line,
                     google::LogMessageTime const& /*time*/, char const* message, std::size_t size)
 {

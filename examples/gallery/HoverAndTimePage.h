@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The Hover and time page. It shows tiles that share their hover state, and a play bar. A property of a widget and
-/// the texts of two labels depend on the time of the play bar.
+/// The Hover and time page. It shows tiles that share their hover state. It also shows a play bar, and widgets that
+/// depend on the time of the play bar.
 
 #include "Page.h"
 

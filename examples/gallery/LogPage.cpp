@@ -182,8 +182,8 @@ void LogPage::Connect()
     connect(previousHandler_, &PreviousHandler::MessagesReceived, this, &LogPage::ShowForwarded);
 }
 
-// The handler outlives the page, and a filter cannot be removed from the handler. Therefore, the filter function
-// captures a weak pointer to filter_ instead of the pointer to the page.
+// The filter function captures a weak pointer, because it is called even after the page has been destroyed: a filter
+// cannot be removed from QtLogHandler.
 void LogPage::ConnectFilter()
 {
     Util::QtLogHandler::GetInstance().AddFilter(
