@@ -31,8 +31,8 @@ AlertBox* FindBox(QWindow const* window)
     return found != widgets.end() ? qobject_cast<AlertBox*>(*found) : nullptr;
 }
 
-/// Waits until an alert box is visible on the screen, then runs an action in the event loop of the box. If the action
-/// does not close the box, this class closes the box, because an open box would block the test.
+/// Waits until an alert box is visible on the screen, then runs an action in the event loop of the box. Closes the box
+/// if the action does not close it, because an open box would block the test.
 class WhenShown : public QObject
 {
 public:
@@ -84,8 +84,7 @@ void Click(QAbstractButton* button)
 }
 
 /// Throws a TestException when a widget of a visible alert box receives the focus. This happens before the event loop
-/// of the box starts. An exception that is thrown later would propagate through the event loop, which Qt does not
-/// support.
+/// of the box starts. Qt does not support exceptions that propagate through an event loop.
 class ThrowsWhenFocused : public QObject
 {
 public:

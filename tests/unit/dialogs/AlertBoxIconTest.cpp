@@ -57,9 +57,9 @@ QColor ColorOf(QPixmap const& pixmap)
     return pixmap.isNull() ? QColor() : pixmap.toImage().pixelColor(0, 0);
 }
 
-/// Registers files in one folder as Qt resources. The destructor unregisters them. A .qrc file cannot be used: its
-/// resources would always be present, but one test requires that they are missing. The class therefore builds the
-/// resource data in memory, in version 1 of the binary format of QResource.
+/// Registers files in one folder as Qt resources. The destructor unregisters them. The resources of a .qrc file would
+/// be present in every test, but one test needs an application without these resources. Therefore, this class builds
+/// the resource data in memory, in version 1 of the binary format of QResource.
 class Resources
 {
 public:
@@ -140,7 +140,7 @@ std::unique_ptr<AlertBox> CreateBox(AlertBox::Level level)
                                       QMessageBox::Ok | QMessageBox::Cancel);
 }
 
-/// Replaces the application style by a RecordingStyle that records object names. The destructor restores the old style.
+/// Sets a RecordingStyle as the application style. The destructor restores the previous style.
 ///
 /// The static function AlertBox::Exec() creates its box itself, so a test cannot set the style of that box directly.
 class RecordingApplicationStyle
@@ -157,7 +157,7 @@ public:
 
     Q_DISABLE_COPY_MOVE(RecordingApplicationStyle)
 
-    /// Returns true if the style has unpolished the text label of a message box. Only Repolish() unpolishes this label.
+    /// Returns true if the style has unpolished the text label of a message box. Only Repolish() does this.
     bool HasRepolishedABox() const
     {
         auto const& calls = style_->calls;
@@ -402,8 +402,8 @@ private Q_SLOTS:
         box->setStyle(&style);
         style.calls.clear();
 
-        // QMessageBox replaces its layout when the icon is set, and the old layout emits destroyed(). The lambda below
-        // therefore runs while the icon is being set.
+        // QMessageBox deletes its old layout when the icon is set. The lambda below therefore runs while the icon is
+        // set.
         int callsBeforeIcon = -1;
         bool hadPropertiesBeforeIcon = false;
         connect(box->layout(), &QObject::destroyed, this, [&] {
@@ -434,7 +434,7 @@ private Q_SLOTS:
         QCOMPARE(style.CallsFor(box.get()), Repolishing(box.get()));
         auto const* const label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
         QCOMPARE(style.CallsFor(label), Repolishing(label));
-        // The button is repolished four times: after each of its three properties is set, and together with the box.
+        // PrepareToShow() repolishes the button once for each of its three properties, and once together with the box.
         QAbstractButton const* const ok = box->button(QMessageBox::Ok);
         QCOMPARE(style.CallsFor(ok), Repolishing(ok) + Repolishing(ok) + Repolishing(ok) + Repolishing(ok));
     }

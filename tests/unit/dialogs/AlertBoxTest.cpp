@@ -49,9 +49,9 @@ public:
     }
 };
 
-/// Returns the first word of a pointer to a virtual member function. In the Itanium C++ ABI, this word identifies the
-/// entry of the function in the virtual table. Functions that are declared later have larger values, and the values of
-/// two consecutive functions differ by the size of a pointer.
+/// Returns the first word of a pointer to a virtual member function. In the Itanium C++ ABI, this word grows with the
+/// position of the function in the virtual table. The words of two consecutive functions differ by the size of a
+/// pointer.
 template <class Function>
 std::ptrdiff_t VirtualSlot(Function function)
 {

@@ -340,8 +340,7 @@ private Q_SLOTS:
         QVERIFY(!Ok()->isEnabled());
         QCOMPARE(dialog_->inputText(), QString());
         QVERIFY_EXCEPTION_THROWN(Edit()->setText(QStringLiteral("xy")), std::bad_function_call);
-        // The second check is an empty std::function, and a call of an empty std::function throws. inputText() does not
-        // call the second check, so inputText() does not throw.
+        // The second check is an empty std::function, so calling it would throw. inputText() does not call it.
         QCOMPARE(dialog_->inputText(), QStringLiteral("xy"));
         QVERIFY_EXCEPTION_THROWN(
             ValidationInputDialog(QString(), QString(), QStringLiteral("xy"), isLong, ValidationInputDialog::Check()),

@@ -38,11 +38,9 @@ static_assert(std::is_same_v<decltype(&ExploreSingleFile), bool (*)(QString cons
 namespace
 {
 
-/// In the original test process, runs the current data row in a new process and returns true. In the new process,
-/// returns false, and the test function continues.
+/// Runs the current data row in a new process and returns true. In the new process, returns false.
 ///
-/// QtDBus connects to the session bus only once per process. To use a separate session bus for each data row, the test
-/// runs each data row in a separate process.
+/// QtDBus connects to the session bus only once per process, but each data row needs its own session bus.
 bool RanInSeparateProcess()
 {
     char const* const mark = "ZQTUTIL_TEST_SEPARATE_PROCESS";
@@ -117,8 +115,7 @@ private:
     QByteArray address_;
 };
 
-/// Simulates a file manager, with its own connection to the bus. The simulation runs on the test's thread. It can
-/// therefore reply only while the test processes events.
+/// Simulates a file manager, with its own connection to the bus. It can reply only while the test processes events.
 class FileManager : public QObject
 {
     Q_OBJECT

@@ -542,8 +542,7 @@ void FileUtilsRemovalTest::doesNotTruncateAPathAtANulCharacter()
     MakeFile(At("folder/file"));
     SetAgeOfEntries(Root(), Old);
     QByteArrayList const before = ListTree(Root());
-    // Qt may log any number of warnings about a path with a NUL character. Therefore, this test discards all messages
-    // of Qt.
+    // Discard all messages of Qt: Qt may log any number of warnings about a path with a NUL character.
     QtMessageHandler const handler =
         qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) {});
     for (QString const& tail : {QString(QChar::Null), QChar::Null + QStringLiteral("tail")}) {
@@ -589,9 +588,9 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
-    // RemoveDir() takes the path of the start folder as a QString. In one row, the name contains bytes that are not
-    // valid UTF-8. A QString cannot represent these bytes: converting the name to a QString and back replaces them. Use
-    // the converted name for the start folder, and the original name for the entries below the start folder.
+    // In one row, the name is not valid UTF-8, and a QString cannot represent it. RemoveDir() takes the path of the
+    // start folder as a QString. Therefore, the name of the start folder is converted to a QString and back. The
+    // entries in the start folder have the original name.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
     MakeFolder(folder);
@@ -670,12 +669,11 @@ void FileUtilsRemovalTest::removesThousandsOfEntries()
     QCOMPARE(ListTree(Root()), QByteArrayList());
 }
 
-/// Creates the folder \a path and a chain of \a levels nested folders in it. All entries are old. Each folder of the
-/// chain, except the last one, contains the file "a", the next folder of the chain, and the folder "z" with a file. The
-/// name of the next folder is between "a" and "z" in alphabetical order.
+/// Creates the folder \a path and a chain of \a levels nested folders in it. Each folder of the chain, except the last
+/// one, contains the file "a", the next folder of the chain, and the folder "z" with a file. The last folder contains
+/// only the file "last". All entries are old, but the file "last" is new if \a withNewFile is true.
 ///
-/// The last folder contains only the file "last". This file is new if \a withNewFile is true. If the chain has 100
-/// levels or more, the path of the last folder is longer than the system accepts.
+/// If the chain has 100 levels or more, the path of the last folder is longer than the system accepts.
 void FileUtilsRemovalTest::MakeDeepTree(std::string const& path, int levels, bool withNewFile) const
 {
     Milliseconds const old = Now() - Old;

@@ -62,11 +62,11 @@ private:
 };
 
 /// Creates a chain of \a levels nested folders. The first folder is \a path, and the others have the name "c". Each
-/// folder of the chain contains one file and six side folders, and each side folder contains one file. Records the
-/// created files in \a sizes.
+/// folder of the chain contains one file and six side folders. Each side folder contains one file. Records the created
+/// files in \a sizes.
 ///
-/// The last folder of the chain also contains the dangling link "trigger". GetPathSize() logs the path of this link,
-/// because the link has no size. At that moment, the test changes the tree.
+/// The last folder of the chain also contains the dangling link "trigger". When GetPathSize() logs the path of this
+/// link, the test changes the tree.
 void MakeChain(std::string const& path, int levels, FileSizes& sizes)
 {
     std::string folder = path;
@@ -123,9 +123,8 @@ void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved_data()
     QTest::newRow("folders") << true;
 }
 
-// GetPathSize() visits the entries in an order that the file system determines. Therefore, some entries are removed
-// before GetPathSize() visits them, and other entries are removed later. For each removed entry, GetPathSize() must
-// either count the size of the entry or log the path of the entry, exactly once.
+// The test removes entries while GetPathSize() runs. GetPathSize() may visit an entry before or after the entry is
+// removed. It must either count the size of each removed entry or log the path of the entry, exactly once.
 void FileUtilsSizeChangesTest::countsOrLogsEntriesThatAreRemoved()
 {
     QFETCH(bool, folders);

@@ -342,8 +342,7 @@ void FileUtilsSizeOddTreesTest::measuresATreeDeeperThanAnyPath()
 {
     constexpr int Levels = 3000;
     MakeDeepTree(At("deep"), Levels, 1, 0);
-    // GetPathSize() visits "side" before or after the deep subfolder "d", depending on the order in which the file
-    // system lists the entries.
+    // GetPathSize() visits "side" before or after the deep subfolder "d". The file system determines the order.
     MakeFolder(At("deep/side"));
     MakeFile(At("deep/side/file"), 50000);
 
@@ -354,8 +353,7 @@ void FileUtilsSizeOddTreesTest::measuresATreeDeeperThanAnyPath()
              QByteArrayList{QByteArray::fromStdString(At("deep")) + QByteArray("/d").repeated(Levels) + "/dangling"});
 }
 
-// This test has a loop instead of data rows: creating the tree takes a long time, and each data row would create it
-// again.
+// This test has a loop instead of data rows, because creating the tree takes a long time.
 void FileUtilsSizeOddTreesTest::measuresADeepTreeWithFewDescriptors()
 {
     constexpr int Levels = 1000;

@@ -18,8 +18,7 @@ namespace Zelkor::Testing
 namespace
 {
 
-/// Records the paths that GetPathSize() logs, as raw bytes. Also calls a function with each path at the moment when
-/// GetPathSize() logs the path.
+/// Records the paths that GetPathSize() logs, as raw bytes. Calls a function with each path when the path is logged.
 class SizelessLog : public google::LogSink
 {
 public:

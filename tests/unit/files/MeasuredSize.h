@@ -23,8 +23,7 @@ struct Measured
 QDataStream& operator<<(QDataStream& stream, Measured const& measured);
 QDataStream& operator>>(QDataStream& stream, Measured& measured);
 
-/// Calls GetPathSize() with \a path. Calls \a onSizeless with each path that GetPathSize() logs, at the moment when
-/// GetPathSize() logs the path.
+/// Calls GetPathSize() with \a path. Calls \a onSizeless with each path when GetPathSize() logs the path.
 Measured Measure(std::string const& path, std::function<void(QByteArray const&)> onSizeless = {});
 
 /// Calls Measure() in a child process without root privileges.

@@ -120,10 +120,7 @@ void TemporaryDirRefusalTest::rejectsALink()
     QFETCH(int, level);
     QFETCH(std::string, target);
     for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        // The test creates a link and verifies that TemporaryDir does not follow the link. If TemporaryDir followed the
-        // link, it would use one of the following folders as the application's folder, and remove the file "leftover"
-        // in that folder. Which folder it would use depends on how deep in the tree the link is. Therefore, create all
-        // of these folders.
+        // A faulty TemporaryDir could follow the link and remove the file "leftover" in one of the folders below.
         for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
             MakeFolders(At(tree + below));
             MakeFile(At(tree + below + "/leftover"));
@@ -144,8 +141,7 @@ void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser_data()
     QTest::addColumn<int>("level");
     QTest::addColumn<bool>("asOrdinaryUser");
     QTest::addColumn<uint>("owner");
-    // Only root can change the owner of a folder. Without root privileges, this test has no rows, and only
-    // rejectsASystemFolder() tests a folder of another user.
+    // Only root can change the owner of a folder. Without root privileges, this test has no rows.
     if (geteuid() != RootUser) {
         return;
     }
@@ -284,10 +280,8 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 
 void TemporaryDirRefusalTest::doesNotUseTheRootFolderWithoutATemporaryFolder()
 {
-    // In this test, the temporary folder does not exist, and the application name is the path of the folder "folder"
-    // without the first slash. A faulty TemporaryDir could use an empty path as the path of the temporary folder. The
-    // path "/" + application name would then be the path of "folder", and TemporaryDir would change the content of
-    // "folder".
+    // The temporary folder does not exist. The application name is the path of the folder "folder" without the first
+    // slash. If TemporaryDir used an empty path as the temporary folder, it would change the content of "folder".
     std::string const folder = At("folder");
     MakeFolders(folder + "/2/" + ProgramName());
     MakeFile(folder + "/2/" + ProgramName() + "/canary");

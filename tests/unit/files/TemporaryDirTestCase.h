@@ -41,9 +41,8 @@ void SetApplication(std::string const& name, std::string const& version);
 
 /// Base class for tests that create TemporaryDir objects in child processes.
 ///
-/// TemporaryDir chooses the application's folder only once per process, and a forked child process inherits the choice
-/// of its parent process. Therefore, the test program itself must never create a TemporaryDir. Each child process then
-/// makes its own choice.
+/// TemporaryDir chooses the application's folder only once per process. A forked child process inherits the choice of
+/// its parent process. Therefore, the test program itself must never create a TemporaryDir.
 ///
 /// The test's folder contains:
 ///   - "tmp", the temporary folder. The environment variable TMPDIR contains the path of "tmp".

@@ -33,7 +33,7 @@ struct Failure : std::runtime_error
 class CustomCancelled : public Cancelled
 {};
 
-/// Function that sets the job of \a task and one of the task's callbacks. It sets this callback to \a callback.
+/// Function that sets the job of \a task, and sets one of the callbacks of \a task to \a callback.
 using SetUpTask = void (*)(Task* task, std::function<void()> callback);
 
 } // namespace
@@ -108,7 +108,7 @@ void AsyncServiceCompletionTest::outcomeCallsOneCallback_data()
         bool hasOnFinished;
         bool hasOnCancelled;
         bool hasOnError;
-        QByteArrayList called[3]; // the callbacks that must be called if the job returns, cancels or throws
+        QByteArrayList called[3]; // for each Outcome: the callbacks that must be called
     } const table[] = {
         {"no callback", false, false, false, {none, none, none}},
         {"onFinished", true, false, false, {finished, finished, finished}},
@@ -305,8 +305,7 @@ void AsyncServiceCompletionTest::callbacksAreDestroyedInReverseOrderAfterTheCall
     AsyncService service;
     QStringList destroyed;
     QStringList destroyedAtTheCall;
-    // The job moves this logger into the exception that it throws. Afterwards only the exception owns the logger, and
-    // the owner thread destroys the exception.
+    // The job moves this logger into the exception that it throws. The owner thread destroys the exception.
     auto* const exceptionLogger = new std::shared_ptr<void>(MakeDestructionLogger(destroyed, "error"));
     auto const capture = [&](char const* name) {
         return [logger = MakeDestructionLogger(destroyed, name)] { static_cast<void>(logger); };

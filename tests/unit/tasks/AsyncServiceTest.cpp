@@ -339,8 +339,7 @@ void AsyncServiceTest::replacedReporterLivesAsLongAsTheService_data()
     QTest::newRow("cancelled after it was replaced") << false;
 }
 
-// The test posts other tasks, which allocate new reporters. If the replaced reporter had been freed, one of the new
-// reporters would reuse and overwrite the memory of the replaced reporter.
+// The test posts other tasks to allocate new reporters. These would overwrite the memory of a reporter that was freed.
 void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
 {
     QFETCH(bool, cancelled);

@@ -468,8 +468,8 @@ void AsyncServiceThreadsTest::runRestartsAFinishedWorkerThread()
     }
 }
 
-// Each job calls quit() for the worker thread, so the thread finishes after the job. The next job is queued after a
-// varying delay. As a result, jobs are queued at different moments while the worker thread finishes.
+// Each job quits the worker thread. The next job is queued after a varying delay, so that some jobs are queued while
+// the thread finishes.
 void AsyncServiceThreadsTest::losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes()
 {
     constexpr int Rounds = 3000;
@@ -489,8 +489,7 @@ void AsyncServiceThreadsTest::losesNoJobThatIsQueuedWhileTheWorkerThreadFinishes
                 next();
             }
         };
-        // The delay varies between 0 and 99.5 microseconds. The largest delay is about the time that the thread takes
-        // to finish.
+        // The delay is between 0 and 99.5 microseconds. The worker thread takes about 100 microseconds to finish.
         int const delayNs = completed % 200 * 500;
         QElapsedTimer elapsed;
         elapsed.start();
@@ -511,8 +510,8 @@ void AsyncServiceThreadsTest::losesNoQueuedJobWhenAJobQuitsTheWorkerThread()
 {
     constexpr int Count = 300;
     AsyncService service;
-    // The jobs run one after another, so they do not need this mutex. However, the worker thread can restart between
-    // two jobs. Without the mutex, the thread sanitizer would then report false data races.
+    // The jobs run one after another, so they do not need this mutex. Without it, the thread sanitizer would report
+    // false data races when the worker thread restarts between two jobs.
     std::mutex guard;
     QVector<int> jobs;
     QVector<int> finished;

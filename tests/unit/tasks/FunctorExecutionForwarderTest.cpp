@@ -45,8 +45,8 @@ namespace
 struct FunctorError
 {};
 
-/// Functor that counts its copies and its calls. The functor and its copies share one Record. Each call stores the
-/// current thread in the Record. The destructor does the same, but only if the destroyed object has been called.
+/// Functor that records its copies, its calls, the thread of the last call, and the thread that destroyed it. An object
+/// that was never called does not record its destruction. All copies share one Record.
 class CopyCounter
 {
 public:

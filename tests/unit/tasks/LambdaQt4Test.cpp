@@ -112,7 +112,7 @@ void ExecuteOnce(OneTimeExecutor* executor)
     QVERIFY(QMetaObject::invokeMethod(executor, "executeOnce", Qt::DirectConnection));
 }
 
-/// Checks that \a call throws the exception for an empty function, which LambdaQt4::execute() throws.
+/// Checks that \a call throws the exception that LambdaQt4::execute() throws for an empty function.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {
@@ -207,8 +207,8 @@ private Q_SLOTS:
         QObjectList senders;
         LambdaQt4 lambda([&senders](QObject* sender) { senders += sender; });
         lambda.execute();
-        // A slot of `outer` calls lambda.execute(). This is a direct call too, although a signal activated the slot of
-        // `outer`. Therefore, the function of `lambda` receives null instead of the sender of that signal.
+        // A slot of `outer` calls lambda.execute() directly. The function of `lambda` therefore receives null, although
+        // a signal activated `outer`.
         LambdaQt4 const outer([&lambda](QObject*) { lambda.execute(); });
         QVERIFY(ConnectToExecute(other, outer));
         Q_EMIT other.Emitted();
@@ -500,7 +500,7 @@ private Q_SLOTS:
         bool hasSameAddress = false;
         bool isSecondDestroyed = false;
         // replaceFirst deletes the first executor and then continues to run. Therefore, the first executor must not own
-        // replaceFirst. The executor owns only a small lambda, which calls replaceFirst.
+        // replaceFirst. It owns only a small lambda that calls replaceFirst.
         std::function<void()> const replaceFirst = [&] {
             void const* const address = first.data();
             delete first.data();

@@ -62,7 +62,7 @@ bool Connect(Sender const& sender, LambdaQt4WithIntParameter const& lambda)
     return QObject::connect(&sender, SIGNAL(Changed(int)), &lambda, SLOT(execute(int)));
 }
 
-/// Checks that \a call throws the exception for an empty function, which LambdaQt4WithIntParameter::execute() throws.
+/// Checks that \a call throws the exception that LambdaQt4WithIntParameter::execute() throws for an empty function.
 template <class Call>
 void VerifyThrowsMissingFunction(Call const& call)
 {

@@ -195,8 +195,8 @@ private Q_SLOTS:
     void theControllerInvalidatesTheLayoutForChangeEvents()
     {
         QFETCH(int, event);
-        // This widget does not call QWidget::event(), which would also invalidate the layout. Therefore, only the event
-        // filter of the controller invalidates the layout.
+        // QWidget::event() would also invalidate the layout. This widget does not call QWidget::event(), so that only
+        // the controller invalidates the layout.
         class Container : public QWidget
         {
         public:

@@ -174,8 +174,8 @@ private Q_SLOTS:
         Send(tiles_[0].get(), QEvent::Enter);
         Send(tiles_[1].get(), QEvent::Enter);
         QCOMPARE(tiles_[0]->received, Types{QEvent::Enter});
-        // tiles_[1] received the first Enter event from the group, and the second one directly from the test. The group
-        // does not block an event that is sent directly, even if the previous event of the tile had the same type.
+        // tiles_[1] received the first event from the group and the second event directly from the test. The group does
+        // not block events that are sent directly.
         QCOMPARE(tiles_[1]->received, (Types{QEvent::Enter, QEvent::Enter}));
         QCOMPARE(tiles_[2]->received, Types{QEvent::Enter});
     }

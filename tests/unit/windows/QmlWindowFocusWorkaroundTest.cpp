@@ -225,9 +225,8 @@ private Q_SLOTS:
 
     void theTargetCanBeDestroyedWhenItIsActivated()
     {
-        // The target must be destroyed while activateWindow() runs. For this purpose, the test gives the window the
-        // flag WindowDoesNotAcceptFocus, so that activateWindow() logs a Qt warning. The message handler of the test
-        // receives the warning and destroys the target.
+        // The target must be destroyed while activateWindow() runs. With the flag WindowDoesNotAcceptFocus,
+        // activateWindow() logs a Qt warning. The message handler below receives this warning and destroys the target.
         static QPointer<QWidget> target;
         static QtMessageHandler previous = nullptr;
         target = container_;

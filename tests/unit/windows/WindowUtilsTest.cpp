@@ -40,8 +40,8 @@ QRect Around(QPoint centre)
 
 constexpr QSize DialogSize(121, 81);
 
-/// Returns the expected geometry of a dialog that has the size DialogSize and is centred on \a middle. The width and
-/// the height are odd numbers, so half of each is rounded up: to 61 and 41 pixels.
+/// Returns the expected geometry of a dialog that has the size DialogSize and is centred on \a middle. Half of the
+/// width and half of the height are rounded up: to 61 and 41 pixels.
 QRect DialogGeometry(QPoint middle)
 {
     return {middle - QPoint(61, 41), DialogSize};
