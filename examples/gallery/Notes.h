@@ -36,8 +36,8 @@ public:
 
     std::vector<Note> const& All() const { return notes_; }
 
-    // Only the undo commands call these functions; to change the notes, push an undo command. The only exception is
-    // ColoursDialog, which calls Replace() to fill its own copy of the notes.
+    // Do not call these functions directly: push an undo command, which calls them. ColoursDialog may call Replace(),
+    // because it fills only its own copy of the notes.
     void Insert(int row, Note const& note);
     Note Take(int row);
     void Replace(std::vector<Note> notes);

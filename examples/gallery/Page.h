@@ -15,7 +15,7 @@ namespace Zelkor
 namespace Gallery
 {
 
-/// A dialog of which the gallery takes screenshots. The file names of the screenshots start with #id.
+/// A dialog for the gallery's screenshots. The file names of the screenshots start with #id.
 struct SampleDialog
 {
     char const* id;
@@ -42,7 +42,7 @@ public:
     /// Cancels the background work of the page. The main window calls this function when the user closes the window.
     virtual void Cancel();
 
-    /// Returns true while the page has background work for which the destructor of the page would wait.
+    /// Returns true while the destructor of the page would have to wait for background work.
     virtual bool IsBusy() const;
 
 Q_SIGNALS:

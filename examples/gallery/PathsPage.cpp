@@ -156,8 +156,8 @@ void PathsPage::showEvent(QShowEvent* event)
     ScheduleCheck();
 }
 
-// Check() writes to the disk, so it must not run too often. If the page is hidden, this function does not start the
-// timer. If the user changes the path, this function restarts the timer: Check() runs when the user has stopped typing.
+// If the page is visible, starts or restarts the timer that calls Check(). Check() writes to the disk, so it runs only
+// when the user has stopped typing.
 void PathsPage::ScheduleCheck()
 {
     fileManagerLabel_->Show(tr("Not opened yet"));

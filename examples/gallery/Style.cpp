@@ -49,16 +49,16 @@ void Style::drawPrimitive(PrimitiveElement element, QStyleOption const* option, 
     }
 }
 
-// The header margin of this style is wider than the margin of Fusion. The wider margin moves the sort arrow up, away
-// from the vertical centre of the text. Therefore, this function moves the arrow down again.
+// Moves the sort arrow down to the vertical centre of the text. Without this function, the wide header margin of this
+// style would place the arrow too high.
 void Style::DrawHeaderArrow(QStyleOptionHeader header, QPainter* painter, QWidget const* widget) const
 {
     header.rect.translate(0, ArrowShift);
     QProxyStyle::drawPrimitive(PE_IndicatorHeaderArrow, &header, painter, widget);
 }
 
-// Fusion draws the outline of a check box in a darker shade of the window colour. This outline is invisible on a dark
-// background, so pass a lighter window colour to Fusion.
+// Fusion draws the outline of a check box darker than the window colour. On a dark background, this outline would be
+// invisible. Therefore, pass a lighter window colour to Fusion.
 void Style::DrawCheckBox(QStyleOptionButton box, QPainter* painter, QWidget const* widget) const
 {
     if (IsDark(box.palette)) {

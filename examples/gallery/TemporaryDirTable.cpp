@@ -107,8 +107,8 @@ void TemporaryDirTable::Remove(Util::TemporaryDir const* dir)
         item(row, Error)->setText(tr("Could not be removed"));
         return;
     }
-    // Erase the directory before its row. removeRow() changes the selection, and a slot connected to the selection
-    // change may call SelectedDir(), which requires that dirs_ and the rows match.
+    // Erase the directory first. removeRow() changes the selection, and a slot for this change may call SelectedDir().
+    // At that time, dirs_ and the rows must match.
     dirs_.erase(found);
     removeRow(row);
 }

@@ -30,8 +30,8 @@ public:
     std::vector<ioPath> Take();
 
     using google::LogSink::send;
-    /// If the record is an error of GetPathSize() on the thread that created this object, stores the path that
-    /// \a message contains. glog calls this function on the thread that logs the record.
+    /// Stores the path from \a message if GetPathSize() logged the record on the thread that created this object. glog
+    /// calls this function on the thread that logs the record.
     void send(google::LogSeverity severity, char const* fullFileName, char const* baseFileName, int line,
               google::LogMessageTime const& time, char const* message, std::size_t size) override;
 

@@ -64,9 +64,9 @@ struct SyncExecutePolicy
 /// publication does not wait. The list is not locked while handlers are called, so other threads can register and
 /// unregister handlers.
 ///
-/// **Changes during a publication.** A publication first copies the list, then waits if necessary, then calls the
-/// handlers. If a handler is unregistered after the list was copied, the publication still calls this handler. The
-/// handler and the list must therefore exist until all publications that are running or waiting have finished.
+/// **Changes during a publication.** A publication copies the list, waits for publications on other threads, and then
+/// calls the handlers. If a handler is unregistered after the list was copied, the publication still calls this
+/// handler. The handler and the list must therefore exist until all running and waiting publications have finished.
 ///
 /// \tparam T       the type of the handlers
 /// \tparam Policy  determines how a handler is called; SyncExecutePolicy calls the handler immediately

@@ -11,10 +11,9 @@ namespace Zelkor
 /// Base class for a type \a T: `struct T : StackLink<T>`. Links the objects of type \a T on the stack of one thread
 /// into a chain. The chain begins with the innermost object, which was created last.
 ///
-/// Use this class in a function that calls foreign code, for example a callback. The foreign code can call the function
-/// again, and can destroy objects that the function still uses. Each call of the function creates an object of type
-/// \a T on the stack. A nested call, or the destructor of an object that is still used, can then find the objects of
-/// all running calls through the chain and modify them.
+/// This class is for a function that calls foreign code, for example a callback. The foreign code can call the function
+/// again, or destroy an object that the function still uses. Therefore, each call of the function creates an object of
+/// type \a T on the stack. The nested call or the destructor can then find and modify all objects in the chain.
 template <class T>
 class StackLink
 {
@@ -26,13 +25,14 @@ public:
     /// outermost object.
     T* Outer() const { return outer_; }
 
-    /// Prevents the destructor from writing to the pointer that was passed to the constructor. Must be called if that
-    /// pointer is destroyed before this object.
+    /// Prevents the destructor from writing to the variable that was passed to the constructor. Must be called if that
+    /// variable is destroyed before this object.
     void Detach() { innermost_ = nullptr; }
 
 protected:
-    /// Adds this object to a chain. \a innermost is the pointer to the innermost object of the chain; the constructor
-    /// sets it to this object. The pointer must exist until this object is destroyed or Detach() is called.
+    /// Adds this object to a chain. \a innermost is a variable that points to the innermost object of the chain. The
+    /// constructor sets this variable to the address of this object. The variable must exist until this object is
+    /// destroyed or Detach() is called.
     explicit StackLink(T*& innermost)
         : innermost_(&innermost)
         , outer_(std::exchange(innermost, static_cast<T*>(this)))

@@ -19,10 +19,10 @@
 // Style sheets select widgets by their object names and dynamic properties. Qt does not evaluate the selectors again
 // when a property changes, so AlertBox calls unpolish() and polish() after every change of a property.
 //
-// An empty spacer widget in the last row of the grid layout enforces the minimum width. QMessageBox deletes its grid
-// layout and creates a new one whenever the contents of the box change, so AlertBox must insert the spacer again after
-// each deletion. AlertBox does this in a queued call, because the new layout does not exist yet when the old layout
-// emits destroyed().
+// An empty spacer widget in the last row of the grid layout enforces the minimum width. Whenever the contents of the
+// box change, QMessageBox deletes the layout and creates a new one. AlertBox then inserts the spacer into the new
+// layout. This happens in a queued call, because the new layout does not exist yet when the old layout emits
+// destroyed().
 
 namespace Zelkor::Util
 {
@@ -191,9 +191,9 @@ void AlertBox::SetWidth(int width)
     }
     widthSpacer_->setFixedSize(width, 0);
     grid->addWidget(widthSpacer_, grid->rowCount() - 1, 0, 1, grid->columnCount());
-    // The connection is queued, because QMessageBox deletes its old layout before it installs the new layout.
-    // disconnect() does not cancel a call of the lambda that is already queued. If SetWidth() has meanwhile removed the
-    // minimum width, isWidthSpacerDeletionPending_ is true, and the lambda must not restore the minimum width.
+    // The connection is queued, because QMessageBox deletes the old layout before it installs the new layout.
+    // disconnect() does not cancel a queued call. Therefore, the lambda checks that SetWidth() has not removed the
+    // minimum width in the meantime.
     widthConnection_ = connect(
         grid, &QObject::destroyed, this,
         [this] {
@@ -272,8 +272,8 @@ void AlertBox::SetButtonsSubStyle()
         StandardButton const standard = standardButton(button);
         ButtonRole const role = buttonRole(button);
 
-        // The conditions for Ok and Cancel are independent: a Cancel button with AcceptRole meets both conditions. The
-        // values for Cancel then overwrite the values for Ok.
+        // A Cancel button with AcceptRole meets both the condition for Ok and the condition for Cancel. The values for
+        // Cancel then overwrite the values for Ok.
         if (standard == Ok || role == AcceptRole) {
             apply("Ok", "SubStyle");
             apply("activeButton", "styleHint");
