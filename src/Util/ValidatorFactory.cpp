@@ -17,8 +17,9 @@ QValidator* NewValidator(QString const& pattern, QObject* parent)
 
 QValidator* GetEmailValidator(QObject* parent)
 {
-    // "A_Z" in the second line of the pattern looks like a typing error for "A-Z", but it is required. A domain label
-    // before the last label may begin with "A", "Z" or an underscore, but not with any other capital letter.
+    // "A_Z" in the second line of the pattern looks like a typing error for "A-Z", but it is required. The second line
+    // matches the domain labels before the last label. The only capital letters at the beginning of such a label are
+    // "A" and "Z". An underscore is also allowed there.
     return NewValidator(QStringLiteral("[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+(?:\\.[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+)*"
                                        "@(?:[A_Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?\\.)+"
                                        "[A-Za-z0-9](?:[A-Za-z0-9-]*[A-Za-z0-9])?"),

@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// Functions that convert between `QString` and `Core::Version`, and that format a version for users. All functions in
-/// this file may be called on any thread. They do not throw exceptions and do not log.
+/// Functions that parse and format versions. All functions in this file may be called on any thread. They do not throw
+/// exceptions and do not log.
 
 #include <Base/Version.h>
 #include <Util/Export.h>

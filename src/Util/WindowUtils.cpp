@@ -22,8 +22,8 @@ int RoundedMiddle(int first, int last)
     return static_cast<int>(std::lround((static_cast<double>(first) + last) * 0.5));
 }
 
-/// Returns the centre of \a rect, rounded toward zero. RoundedMiddle() is deliberately not used: the placement of
-/// windows has always rounded toward zero.
+/// Returns the centre of \a rect, rounded toward zero. RoundedMiddle() is deliberately not used: window positions have
+/// always been rounded toward zero.
 QPoint MiddleOf(QRect const& rect)
 {
     return {(rect.left() + rect.right()) / 2, (rect.top() + rect.bottom()) / 2};
@@ -34,8 +34,7 @@ QPoint MiddleFor(QDialog const* dialog, QWidget const* parent)
     if (!parent) {
         parent = dialog->parentWidget();
     }
-    // geometry() excludes the window frame, so the frame of the parent window has no influence on the position of the
-    // dialog. In contrast, GetCurrentScreenRect() includes the frame when it determines the centre of a window.
+    // The frame of the parent window is deliberately ignored: geometry() excludes it.
     return MiddleOf(parent ? parent->window()->geometry() : GetCurrentScreenRect(dialog));
 }
 

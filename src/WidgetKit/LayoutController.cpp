@@ -44,9 +44,8 @@ bool LayoutController::eventFilter(QObject* watched, QEvent* event)
 
 void LayoutController::Invalidate()
 {
-    // Margins and spacings that are not set explicitly come from the style. After invalidate(), Qt reads them from the
-    // style again. Qt combines the layout requests of one event loop iteration, so several calls of invalidate() cause
-    // only one layout pass.
+    // After invalidate(), Qt reads the default margins and spacings from the style again. Several calls in the same
+    // event loop iteration cause only one layout pass.
     if (QLayout* const layout = container_->layout()) {
         layout->invalidate();
     }

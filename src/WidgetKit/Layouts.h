@@ -21,7 +21,7 @@ namespace LayoutHelpers
 /// The size policy of a spacer.
 enum class SpacerPolicy : int {
     Fixed = 0,  ///< the spacer keeps its size
-    Stretch = 1 ///< the spacer expands into free space; its size is the minimum size
+    Stretch = 1 ///< the spacer expands into free space; the size that the caller passes is its minimum size
 };
 
 /// An item of a box layout: a widget or a spacer.
@@ -49,8 +49,7 @@ private:
 
 } // namespace LayoutHelpers
 
-/// A frame for a part of a dialog. It is a separate class, so that style sheets can select these frames by the class
-/// name.
+/// A frame for a part of a dialog. Because it is a separate class, style sheets can select these frames by their class.
 class ZQTUTIL_EXPORT MFrame : public QFrame
 {
     Q_OBJECT

@@ -169,8 +169,7 @@ private Q_SLOTS:
             QVERIFY(!launcher_->AddToStartup(QStringLiteral("three_parts_only"), Executable, {}));
             QCOMPARE(log.Texts().size(), 1);
         }
-        // This call succeeds but adds nothing: the launcher's cached list still contains the login item that the other
-        // launcher has removed.
+        // This call adds nothing, because the launcher's cached list still contains the removed login item.
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls(), QStringList());
         QCOMPARE(AgentsFolder().entryList(QDir::Files), QStringList());
@@ -191,8 +190,8 @@ private Q_SLOTS:
     {
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
-        // The first call adds a duplicate, because the launcher has not read the existing login items yet. After a
-        // successful addition, the launcher reads the login items. The second call therefore adds nothing.
+        // The first call adds a duplicate, because the launcher has not read the existing login items yet. The
+        // first call then reads them, so the second call adds nothing.
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
@@ -258,8 +257,7 @@ protected:
     }
 
 private:
-    /// Removes the login item through another launcher, as a different program would do. The launcher under test does
-    /// not notice the removal and keeps its cached list.
+    /// Removes the login item through another launcher. The launcher under test keeps its cached list.
     static void RemoveWithAnotherLauncher()
     {
         auto const other = GetAutoLauncherImpl(AutoLauncherImplType::Default);

@@ -148,8 +148,8 @@ private Q_SLOTS:
             QCOMPARE(startup_->GetItemsAtStartup(), QStringList());
         }
         WorkingFolder const above(QFileInfo(helper).path().toStdString());
-        // The library finds the main application by removing the last four components of a helper's path. This path
-        // has exactly four components, so the main application is the root folder.
+        // The library removes the last four components from a helper's path to get the path of the main application.
+        // This path has only four components, so the result is the root folder.
         TestBed::AddLoginItem(QStringLiteral("/proc/self/cwd/H.app"));
         startup_->UpdateStartupItems(Vendor);
         QCOMPARE(startup_->GetItemsAtStartup(), QStringList{QStringLiteral("zelkor__.0_Agent")});
@@ -253,8 +253,8 @@ private Q_SLOTS:
     {
         QFETCH(int, call);
         helper_ = bundles_->MakeStudio();
-        // Make the bundle the current folder, so that the helper also exists at its path relative to the current
-        // folder. The library must not use this relative path.
+        // Without a main bundle, the library must not search for the helper in the current folder. The test therefore
+        // runs in a folder in which such a search would find the helper.
         WorkingFolder const bundle(QDir::cleanPath(helper_ + QStringLiteral("/../../../..")).toStdString());
         QVERIFY(QFileInfo(QStringLiteral("Contents/Library/LoginItems/Agent.app")).isDir());
         TestBed::FailMainBundle(TestBed::MainBundleCall(call));
@@ -288,8 +288,8 @@ private Q_SLOTS:
             path = bundles_->Make(folder + QLatin1Char(letter) + QStringLiteral(".app"), QString(), QString());
         }
         path = QFileInfo(path).path();
-        // The library must use the order in which the file system lists the folder, not the alphabetical order. The
-        // test therefore uses two consecutive names of the listing that are not in alphabetical order.
+        // The library must use the order in which the file system lists the folder. The test uses two bundles that the
+        // file system does not list in alphabetical order.
         std::vector<std::string> const names = NamesIn(AT_FDCWD, path.toUtf8().constData());
         auto const first = std::adjacent_find(names.begin(), names.end(), std::greater<>());
         QVERIFY(first != names.end());
@@ -422,8 +422,8 @@ private Q_SLOTS:
         TestBed::AddLoginItem(helper_);
         TestBed::SetSystemVersion(QStringLiteral("10.8.5"));
         startup_->UpdateStartupItems(Vendor);
-        // On systems older than macOS 10.9, the library expects a host name in the URL of each login item. The test bed
-        // provides URLs without a host name. Therefore, the library does not recognise the login item.
+        // Before macOS 10.9, the library expects a host name in the URL of each login item. The URLs of the test bed
+        // contain no host name, so the library does not recognise the login item.
         QVERIFY(!startup_->IsInStartup(Identifier));
         for (QString const& version : {QStringLiteral("10.9"), QStringLiteral("10.9.0"), QStringLiteral("11.2")}) {
             TestBed::SetSystemVersion(version);

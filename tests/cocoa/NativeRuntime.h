@@ -7,8 +7,8 @@
 namespace Zelkor::Testing
 {
 
-/// Calls a block three times: directly, through a collection, and through a retained pointer. On its n-th call, the
-/// block returns \a number + n. Returns the sum of the three results.
+/// Calls a block three times: directly, through a collection, and through a retained pointer. The block returns
+/// \a number + 1, then \a number + 2, then \a number + 3. Returns the sum of the three results.
 int SumOfBlocks(int number);
 
 void RaiseNSException();

@@ -1,5 +1,5 @@
-// An application that uses the installed library. Like other applications, it is built with Qt's keywords (signals,
-// slots, emit) enabled and without the compiler options of this project.
+// An application that uses the installed library. It is built with Qt's keywords (signals, slots, emit) and without the
+// compiler options of this project.
 
 #include <Util/AsyncService.h>
 #include <Util/FileUtils.h>

@@ -1,8 +1,8 @@
 import QtTest 1.15
 import Zelkor.Testing 1.0
 
-// Base type of all QML test cases. A test function fails if Qt, QML or the library logs a warning during the function,
-// unless the function itself removes the warning with Warnings.take().
+// Base type of all QML test cases. A test function fails if Qt, QML or the library logs a warning during the function.
+// A test that expects a warning removes it with Warnings.take().
 TestCase {
     when: windowShown
 

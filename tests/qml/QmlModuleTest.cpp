@@ -55,8 +55,7 @@ int main(int argc, char** argv)
     int const failures = quick_test_main(argc, argv, "QmlModuleTest", nullptr);
     google::RemoveLogSink(&LogWatch::Instance());
 
-    // Check for warnings that were logged outside the test functions, for example when a QML file was loaded or an
-    // object was destroyed.
+    // Check for warnings that were logged outside the test functions, for example when a QML file was loaded.
     QString const warnings = Warnings::take();
     if (warnings.isEmpty()) {
         return failures;

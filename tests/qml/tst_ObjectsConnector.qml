@@ -176,8 +176,7 @@ ModuleTestCase {
         emitter.clicked()
         compare(receiver.toggled, 0)
 
-        // Either the emitter or the receiver was unregistered. The other object is still registered and must be
-        // connected to the new objects.
+        // One of the two objects is still registered. It must be connected to the new objects.
         const newEmitter = create(emitterComponent)
         const newReceiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", newEmitter, "clicked()")

@@ -19,11 +19,10 @@ struct ProgrammingError
     int line = 0;
 };
 
-/// Calls \a call. If \a call throws an exception, returns the parts of the exception. Otherwise, returns a
-/// ProgrammingError with empty strings.
+/// Calls \a call. Returns the parts of the exception that \a call throws, or a ProgrammingError with empty strings if
+/// \a call throws nothing.
 ///
-/// Only exceptions of class \a Error that contain a source location are caught. Other exceptions propagate to the
-/// caller.
+/// Exceptions of other classes than \a Error, and exceptions without a source location, propagate to the caller.
 template <class Error, class Call>
 ProgrammingError CatchProgrammingError(Call const& call)
 {

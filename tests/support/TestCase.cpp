@@ -68,9 +68,9 @@ void HandleQtMessage(QtMsgType type, QMessageLogContext const& context, QString 
     }
 }
 
-/// If the environment variable ZQTUTIL_TEST_SCREENS is set, checks that its value is the number of screens, and that
-/// the screens do not overlap. Without this check, the tests for several screens would also pass on a single screen,
-/// where they test nothing.
+/// Checks that the number of screens is the value of the environment variable ZQTUTIL_TEST_SCREENS, and that the
+/// screens do not overlap. Does nothing if the variable is not set. Without this check, the tests for several screens
+/// would also pass on a single screen.
 void VerifyScreens()
 {
     int const expected = qEnvironmentVariableIntValue("ZQTUTIL_TEST_SCREENS");

@@ -1,6 +1,6 @@
-// Turns blocks into Objective-C objects, as on macOS: blocks accept the messages copy, retain and release, and can be
-// stored in collections. In programs that use GCC's Objective-C runtime, the class structures of blocks are empty.
-// Therefore, this file fills these structures.
+// Makes blocks Objective-C objects, as on macOS. Blocks then accept the messages copy, retain and release, and can be
+// stored in collections. With GCC's Objective-C runtime, the class structures of blocks are empty. This file copies the
+// class NSBlock into these structures.
 
 #import <Foundation/Foundation.h>
 

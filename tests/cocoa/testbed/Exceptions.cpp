@@ -3,9 +3,10 @@
 // program, because it treats the C++ type as an unknown Objective-C class.
 //
 // A personality function selects the exception handler during stack unwinding. This file overrides the personality
-// function of the Objective-C runtime. The override calls the C++ personality function in all cases in which the C++
-// function selects the handler that would run on macOS. In all other cases, the override calls the original function of
-// the Objective-C runtime. As a result:
+// function of the Objective-C runtime. The override calls the C++ personality function in two cases:
+// - The exception is a C++ exception, and no handler is for an Objective-C class.
+// - The exception is an Objective-C exception. There are handlers for C++ types, but none for an Objective-C class.
+// In all other cases, the override calls the original function of the Objective-C runtime. As a result:
 // - a C++ exception is caught by C++ handlers, catch (...), @catch (...) and @finally, but not by @catch (SomeClass*);
 // - an NSException is caught by catch (...), but not by typed C++ handlers.
 
@@ -139,9 +140,8 @@ struct DerivedTwice : Base, Other
 {};
 enum Enumeration { Enumerator };
 
-/// Returns true if the handler type \a type is a C++ type. In this case, \a type points to a std::type_info object,
-/// which starts with a pointer to the vtable of a type_info class. For an Objective-C class, \a type points to the
-/// class name.
+/// Returns true if the handler type \a type is a C++ type. For a C++ type, \a type points to a std::type_info object.
+/// This object starts with a vtable pointer. For an Objective-C class, \a type points to the class name.
 bool IsCppType(std::uintptr_t type)
 {
     auto const tableOf = [](std::type_info const& info) { return *reinterpret_cast<void const* const*>(&info); };
@@ -158,14 +158,15 @@ bool IsCppType(std::uintptr_t type)
     return false;
 }
 
+/// The kinds of typed exception handlers: for C++ types, for Objective-C classes, or both.
 struct Handlers
 {
     bool cpp = false;
     bool objectiveC = false;
 };
 
-/// Returns the kinds of exception handlers in a list of action records: handlers for C++ types, for Objective-C
-/// classes, or both. Ignores catch (...). \a actions points to the first record of the list in the exception table.
+/// Returns the kinds of exception handlers in a list of action records. Ignores catch (...). \a actions points to the
+/// first record of the list in the exception table.
 Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std::uint8_t typeEncoding,
                     _Unwind_Context* context)
 {
@@ -187,9 +188,8 @@ Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std:
     }
 }
 
-/// Returns the kinds of exception handlers in the try blocks around a call: handlers for C++ types, for Objective-C
-/// classes, or both. Ignores catch (...). An exception is propagating out of the call. \a context is the stack frame
-/// of the function that contains the call and the try blocks.
+/// Returns the kinds of exception handlers in the try blocks around the call that the exception leaves. Ignores
+/// catch (...). \a context is the stack frame of the function that contains these try blocks.
 Handlers HandlersAtCall(_Unwind_Context* context)
 {
     auto const table = reinterpret_cast<std::uint8_t const*>(_Unwind_GetLanguageSpecificData(context));

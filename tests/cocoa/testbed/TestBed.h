@@ -33,9 +33,8 @@ void FailMainBundle(MainBundleCall call);
 /// of @available.
 void SetSystemVersion(QString const& version);
 
-/// Sets the folder that contains the fake programs launchctl, open and tccutil. If the library starts one of the real
-/// programs by its absolute path, the fake program runs instead. If \a folder is empty, the start fails because no
-/// program is found.
+/// Sets the folder that contains the fake programs launchctl, open and tccutil. When the library starts one of the real
+/// programs by its absolute path, the fake program runs instead. If \a folder is empty, the start fails.
 void SetProgramsFolder(QString const& folder);
 
 // --- Launch Services
@@ -45,8 +44,8 @@ enum class LoginItemsCall { None, Create, Snapshot, Insert, Remove };
 /// Makes all following calls of the kind \a call fail. With LoginItemsCall::None, all calls succeed again.
 void FailLoginItems(LoginItemsCall call);
 
-/// Adds a login item for the folder \a path. If \a resolves is false, the simulated function that resolves the login
-/// item returns an error status, but also provides the URL of the login item.
+/// Adds a login item for the folder \a path. If \a resolves is false, resolving the login item returns an error, but
+/// also provides the URL.
 void AddLoginItem(QString const& path, bool resolves = true);
 
 /// Returns the URLs of the login items, in order.

@@ -22,12 +22,11 @@ extern "C" bool ZBSystemIsAtLeast(char const* version);
 // NOLINTNEXTLINE(bugprone-reserved-identifier): this macro replaces the compiler's builtin
 #define __builtin_available(version, ...) ZBSystemIsAtLeast(#version)
 #ifdef __OBJC__
-// These Qt headers declare functions with the name available(). They must be included before the macro of this name is
-// defined.
+// These Qt headers declare functions named available(). Include them before the macro "available" is defined.
 #include <QtCore/qcontiguouscache.h>
 #include <QtCore/qsemaphore.h>
-// "@available(...)" expands to "@encode(char)[...]". Because @encode(char) is the string "c", the index 0 yields the
-// character 'c', which means true, and the index 1 yields the terminating zero, which means false.
+// "@available(...)" expands to "@encode(char)[...]". The value of @encode(char) is the string "c". Its character at
+// index 0 is 'c' (true), and its character at index 1 is the terminating zero (false).
 #define available(version, ...) encode(char)[ZBSystemIsAtLeast(#version) ? 0 : 1]
 #endif
 
