@@ -45,11 +45,11 @@ public:
     /// the forwarder's thread is the calling thread. Can be called from any thread.
     ///
     /// \a functor is copied once. The copy is called and destroyed on the forwarder's thread. \a functor itself is
-    /// destroyed when this call returns, possibly after the copy was destroyed. If \a functor captures a
-    /// `std::shared_ptr`, the shared object can therefore be destroyed on the calling thread.
+    /// destroyed when this call returns. This can happen after the copy was destroyed. Therefore, an object that
+    /// \a functor captures in a `std::shared_ptr` can be destroyed on either thread.
     ///
-    /// Exceptions that \a functor throws propagate through the event loop of the forwarder's thread. If \a functor is
-    /// empty, `std::bad_function_call` propagates through this event loop.
+    /// Exceptions that \a functor throws propagate through the event loop of the forwarder's thread. An empty
+    /// \a functor throws `std::bad_function_call` when it is called.
     void Forward(std::function<void()> functor) const;
 
 Q_SIGNALS:

@@ -11,8 +11,6 @@
 // When a member receives a hover event (an enter or leave event), the group sends the same QEvent object to all other
 // members. The group's event filter then sees that QEvent again, once for each of the other members. The filter
 // compares the address of the QEvent with replayed_ to recognise these replayed events, and does not replay them again.
-// Without this comparison, the group would start a new iteration over all members whenever it replays the event to a
-// member.
 //
 // An event handler of a member can destroy any widget or the group itself, and can add or remove members.
 // replayToOthers() therefore iterates over a copy of the addresses. Before it sends the event to an address, it looks
@@ -68,9 +66,8 @@ bool HoverGroup::eventFilter(QObject* watched, QEvent* event)
     if (hovered == members_.end()) {
         return QObject::eventFilter(watched, event);
     }
-    // Record the type of the event before the group replays the event. While the group replays it, another widget of
-    // the group can receive a new event of the same type. Because the type is already recorded, the group does not send
-    // the new event to the watched widget.
+    // Record the type before the replay. During the replay, another member can receive a new event of the same type.
+    // The group must not send this new event to the watched widget.
     hovered->second.last = event->type();
     if (event == replayed_) {
         return QObject::eventFilter(watched, event);

@@ -44,9 +44,8 @@ public:
     /// \a widget is ignored.
     void addItem(QWidget* widget);
 
-    /// Removes \a widget from the group. The group no longer sends the events of \a widget to the members, and no
-    /// longer sends the events of the members to \a widget. The attribute `Qt::WA_Hover` of \a widget remains set. A
-    /// widget that is not a member is ignored.
+    /// Removes \a widget from the group. The group no longer sends events from or to \a widget. The attribute
+    /// `Qt::WA_Hover` of \a widget remains set. A widget that is not a member is ignored.
     void removeItem(QWidget* widget);
 
     /// If \a watched is a member and \a event is an enter or leave event, sends \a event to the other members. Skips
@@ -66,8 +65,7 @@ private:
 
     void replayToOthers(QWidget* hovered, QEvent* event);
 
-    // The keys are plain addresses. A QPointer key would become null when its widget is destroyed, which would break
-    // the order of the map.
+    // The keys are plain addresses, because a key must not change when its widget is destroyed.
     std::map<QWidget*, Member> members_;
     QEvent const* replayed_ = nullptr; // the event that the group is sending to the other members; otherwise null
 };

@@ -21,8 +21,8 @@ std::map<QString, std::map<std::string, ObjectsConnector::Entries>> ObjectsConne
 namespace
 {
 
-/// Becomes false before m_metaCollector is destroyed at exit. Registered objects with static storage duration can be
-/// destroyed later than m_metaCollector. Their destruction must not use m_metaCollector.
+/// Becomes false before m_metaCollector is destroyed at exit. A registered object can be destroyed later than
+/// m_metaCollector, and its destruction must not use m_metaCollector.
 bool registryExists = true;
 
 struct RegistryEnd
@@ -48,15 +48,15 @@ std::string Coded(char code, QString const& signature)
     return signature.startsWith(QLatin1Char(code)) ? text : code + text;
 }
 
-/// Iterates over the emitters, or over the receivers, of one ID. ObjectsConnector uses this class to connect or
-/// disconnect one receiver and all emitters, or one emitter and all receivers. The iteration uses a copy of the list,
-/// because the list can change while the iteration is running.
+/// Iterates over a list of registered emitters or receivers. The iteration uses a copy of the list, because the list
+/// can change while the iteration is running.
 ///
-/// QObject::connect() calls connectNotify() of the sender, which an application can override. The override can
-/// register, unregister and destroy objects while an iteration is running. Therefore, when a registered object is
-/// destroyed, a handler of its destroyed() signal removes the object from all running iterations. QPointer cannot be
-/// used instead: Qt 5 reads freed memory when a QPointer is created for an object whose destroyed() signal is being
-/// delivered.
+/// QObject::connect() calls the virtual function connectNotify() of the sender. An override can register, unregister
+/// and destroy objects while an iteration is running. Therefore, when a registered object is destroyed, a handler of
+/// its destroyed() signal removes the object from all running iterations.
+///
+/// QPointer cannot be used instead. In Qt 5, a QPointer must not be created for an object whose destroyed() signal is
+/// being delivered, because Qt would read freed memory.
 class Iteration : public StackLink<Iteration>
 {
 public:
@@ -125,13 +125,12 @@ void ObjectsConnector::registerEmitter(QString const& ID, QObject* sender, QStri
     if (!IsUsable(sender, "sender", ID)) {
         return;
     }
-    // The parameter ID is a reference. The string that it refers to can be destroyed during the iteration, for example
-    // with an object that contains the string. Therefore, the code below uses id, a copy of ID in m_metaCollector.
+    // The caller's string ID can be destroyed during the iteration. Therefore, the code below uses id, which is a copy
+    // of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSignal = Coded(SignalCode, signal);
-    // If sender is destroyed during the iteration, this QPointer becomes null. The class Iteration does not detect the
-    // destruction of an object that is not registered yet: registerMetaType() connects the handler of the destroyed()
-    // signal only after the iteration.
+    // This QPointer becomes null if sender is destroyed during the iteration. The class Iteration does not detect this,
+    // because sender is not registered yet.
     QPointer<QObject> const alive(sender);
     Iteration(roles[TYPE_SLOT], sender).VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
         if (alive) {
@@ -148,13 +147,12 @@ void ObjectsConnector::registerReceiver(QString const& ID, QObject* receiver, QS
     if (!IsUsable(receiver, "receiver", ID)) {
         return;
     }
-    // The parameter ID is a reference. The string that it refers to can be destroyed during the iteration, for example
-    // with an object that contains the string. Therefore, the code below uses id, a copy of ID in m_metaCollector.
+    // The caller's string ID can be destroyed during the iteration. Therefore, the code below uses id, which is a copy
+    // of ID in m_metaCollector.
     auto& [id, roles] = *m_metaCollector.try_emplace(ID).first;
     std::string const codedSlot = Coded(SlotCode, slot);
-    // If receiver is destroyed during the iteration, this QPointer becomes null. The class Iteration does not detect
-    // the destruction of an object that is not registered yet: registerMetaType() connects the handler of the
-    // destroyed() signal only after the iteration.
+    // This QPointer becomes null if receiver is destroyed during the iteration. The class Iteration does not detect
+    // this, because receiver is not registered yet.
     QPointer<QObject> const alive(receiver);
     Iteration(roles[TYPE_SIGNAL], receiver).VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
         if (alive) {

@@ -18,14 +18,14 @@ namespace Zelkor
 namespace Util
 {
 
-/// The key of the lists of emitters. ObjectsConnector stores one list of emitters for each ID.
+/// For each ID, ObjectsConnector stores a list of emitters under this key.
 extern ZQTUTIL_EXPORT std::string const TYPE_SIGNAL;
-/// The key of the lists of receivers. ObjectsConnector stores one list of receivers for each ID.
+/// For each ID, ObjectsConnector stores a list of receivers under this key.
 extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 
-/// Connects signals to slots by a shared name, the ID. An object can be registered under an ID as an emitter, with one
-/// of its signals, or as a receiver, with one of its slots. ObjectsConnector connects every emitter to every receiver
-/// that is registered under the same ID. Emitters and receivers can be registered in any order.
+/// Connects signals to slots by a shared name, the ID. An emitter is an object that is registered with one of its
+/// signals. A receiver is an object that is registered with one of its slots. ObjectsConnector connects every emitter
+/// to every receiver that is registered under the same ID. Emitters and receivers can be registered in any order.
 ///
 /// \code
 /// ObjectsConnector::registerReceiver(QStringLiteral("volume"), dial, QStringLiteral("setValue(int)"));
@@ -39,9 +39,8 @@ extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 /// match. The object is registered nevertheless.
 ///
 /// **Connections.** An object is never connected to itself, even if it is registered both as an emitter and as a
-/// receiver under the same ID. An emitter and a receiver are connected as soon as both are registered. The argument
-/// `queued` of the later registration decides whether the connection is queued. The argument `queued` of the earlier
-/// registration has no effect on this connection.
+/// receiver under the same ID. An emitter and a receiver are connected as soon as both are registered. Only the
+/// argument `queued` of the later registration decides whether the connection is queued.
 ///
 /// **Ownership.** ObjectsConnector does not own the registered objects. When a registered object is destroyed, it is
 /// unregistered automatically. An object whose destruction has begun can be unregistered, but not registered.
@@ -92,14 +91,13 @@ public:
     Q_INVOKABLE static void unregisterEmitter(QString const& ID, QObject* sender, QString const& signal);
 
 private:
-    // This function is private, but it must remain Q_INVOKABLE. It has been callable through the meta-object since the
-    // first release, and applications may depend on this.
+    // Kept Q_INVOKABLE for compatibility: applications may call this private function through the meta-object.
     Q_INVOKABLE static void registerMetaType(QString const& ID, std::string const& metaType,
                                              std::pair<QObject const*, std::string const> const& metaPair);
 
-    // The registered objects and their signatures, in the order of registration. Each signature starts with the digit
-    // that the macro SIGNAL() or SLOT() adds. For each ID, m_metaCollector contains up to two lists: the emitters with
-    // the key TYPE_SIGNAL, and the receivers with the key TYPE_SLOT.
+    // Registered objects and their signatures, in the order of registration. Each signature starts with the digit that
+    // the macro SIGNAL() or SLOT() adds. For each ID, m_metaCollector contains up to two of these lists. The list of
+    // emitters has the key TYPE_SIGNAL, and the list of receivers has the key TYPE_SLOT.
     using Entries = std::list<std::pair<QObject const*, std::string const>>;
     static std::map<QString, std::map<std::string, Entries>> m_metaCollector;
 };

@@ -11,9 +11,9 @@ namespace Util
 
 /// Removes old entries from the folder \a path. An entry is old if it was last modified at \a threshold or earlier.
 ///
-/// The function first removes the old entries of each old subfolder in the same way. Then it removes the subfolder if
-/// the subfolder is empty. Newer subfolders are skipped with all their contents. Links are never followed; an old link
-/// is removed like a file. Entries that cannot be removed are skipped.
+/// An old subfolder is processed in the same way, and is then removed if it is empty. A newer subfolder is skipped with
+/// all its contents. Links are never followed. An old link is removed like a file. Entries that cannot be removed are
+/// skipped.
 ///
 /// \param path       the path of the folder; the function does nothing if the path is a link
 /// \param threshold  a time in milliseconds since 1970-01-01 00:00 UTC; entries that were modified after this time are

@@ -10,7 +10,7 @@
 // Design notes
 //
 // setData() is used to report clicks and to register observers. Therefore, QML code and observers need only the
-// interface of QAbstractItemModel, and the model has no additional invokable functions.
+// interface of QAbstractItemModel.
 //
 // The items never change, so the model emits no change signals. setData() copies the list of observers before it
 // reports a click. Therefore, an observer can register and unregister observers while it handles a click.

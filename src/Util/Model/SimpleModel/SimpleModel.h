@@ -86,8 +86,8 @@ public:
     /// of every observer, in the order of registration.
     ///
     /// The roles RegisterObserver and UnregisterObserver require an invalid \a index. They register or unregister the
-    /// observer in \a value. The call has no effect if the observer is null, if an observer to register is already
-    /// registered, or if an observer to unregister is not registered.
+    /// observer in \a value. A null observer is ignored. Registering an observer again has no effect. Unregistering an
+    /// observer that is not registered has no effect.
     ///
     /// \param index  for Click: the clicked item; for RegisterObserver and UnregisterObserver: an invalid index
     /// \param value  the observer as an `ISimpleModelObserver*`; ignored for Click

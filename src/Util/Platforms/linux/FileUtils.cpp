@@ -21,9 +21,9 @@ namespace Zelkor::Util
 namespace
 {
 
-// Returns the file URI of \a path. The bytes of the path are percent-encoded (RFC 3986, section 2.1) without a
-// conversion to Unicode, because a path may contain bytes that are not valid UTF-8. A relative path is resolved against
-// the current folder; if the current folder no longer exists, the path stays relative.
+// Returns the file URI of \a path. The bytes of the path are percent-encoded (RFC 3986, section 2.1). They are not
+// converted to Unicode, because a path may contain invalid UTF-8. A relative path is resolved against the current
+// folder. If the current folder no longer exists, the path stays relative.
 QString FileUri(ioPath const& path)
 {
     boost::system::error_code error;

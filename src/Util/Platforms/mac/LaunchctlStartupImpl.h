@@ -41,8 +41,8 @@ public:
     /// waiting for its result. If the cached list already contains the agent and its property list exists, the property
     /// list is not written again.
     ///
-    /// If the property list must be written and \a identifier does not consist of four parts separated by underscores,
-    /// this function logs a message at WARNING and returns false.
+    /// To write the property list, \a identifier must consist of four parts separated by underscores. Otherwise, this
+    /// function logs a message at WARNING and returns false.
     ///
     /// \param identifier      the identifier of the application, which is also the label of the agent
     /// \param executablePath  the path of the executable; at login, the bundle that contains the executable is opened

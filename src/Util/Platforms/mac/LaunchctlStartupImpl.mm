@@ -1,7 +1,8 @@
 // IsInStartup() and GetAppsInStartup() must return the current state. Therefore, these functions wait until "launchctl
-// list" has closed its output. If launchctl cannot be run, NSTask raises an NSException, and the list of jobs is
-// treated as empty. This file is compiled without automatic reference counting, so an autorelease pool releases the
-// Objective-C objects.
+// list" has closed its output. If launchctl cannot be run, NSTask raises an NSException. The list of jobs is then
+// treated as empty.
+//
+// This file is compiled without automatic reference counting. An autorelease pool releases the Objective-C objects.
 //
 // "launchctl load" and "launchctl unload" run detached, because they can take a long time and their results are not
 // used.
@@ -31,8 +32,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// Two log records contain these fixed numbers instead of the current source line numbers. The numbers are the source
-// line numbers of the first release. They must not change, because the support team searches logs for them.
+// Two log records contain these line numbers instead of the current line numbers of this source. The numbers must not
+// change, because the support team searches logs for them.
 constexpr int ListingFailedLine = 63;
 constexpr int InvalidIdentifierLine = 120;
 

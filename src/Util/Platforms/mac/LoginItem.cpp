@@ -13,8 +13,7 @@ constexpr int VersionDots = 2;
 // MainBundlePathOf() splits a login item's path at the slashes and removes the last five parts: "Contents", "Library",
 // "LoginItems", the name of the login item's bundle, and the empty string after the last slash.
 constexpr int PartsInsideMainBundle = 5;
-// An application identifier consists of four parts, separated by underscores. The last part, with the index 3, is the
-// product name of the helper application.
+// The index of the flavour in an application identifier that is split at the underscores.
 constexpr int HelperPart = 3;
 
 } // namespace

@@ -8,8 +8,8 @@
 namespace Zelkor::Util
 {
 
-/// Splits \a bundleIdentifier at the dots and returns the part with the index \a index, counted from 0. Returns an
-/// empty string if \a bundleIdentifier has fewer than three parts, or if no part has this index.
+/// Splits \a bundleIdentifier at the dots and returns the part at \a index, counted from 0. Returns an empty string if
+/// there are fewer than three parts, or if \a index is out of range.
 QString BundleIdentifierPart(QString const& bundleIdentifier, int index);
 
 /// If \a version contains fewer than two dots, returns \a version with ".0" appended. Otherwise returns \a version
@@ -31,8 +31,9 @@ QString MainBundlePathOf(QString const& itemPath);
 /// \param namesLocalhost  true to remove "file://localhost"; false to remove "file://"
 QString PathOfUrlText(QString const& url, bool namesLocalhost);
 
-/// Returns the product name of the helper application, which is the fourth underscore-separated part of the application
-/// identifier \a identifier. Returns an empty string if \a identifier has fewer than four parts.
+/// Returns the flavour, which is the fourth underscore-separated part of the application identifier \a identifier. It
+/// is also the third part of the helper application's bundle identifier. Returns an empty string if \a identifier has
+/// fewer than four parts.
 QString HelperProductOf(QString const& identifier);
 
 } // namespace Zelkor::Util

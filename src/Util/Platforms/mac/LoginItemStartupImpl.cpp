@@ -1,14 +1,14 @@
-// A login item does not store the identifier of its application. IdentifierOf() builds the identifier from the bundle
-// of the helper application (the login item) and the bundle of the main application. The identifier has four parts,
-// like the identifiers of launch agents:
+// A login item does not store the identifier of its application. IdentifierOf() builds the identifier from two bundles:
+// the bundle of the helper application, which is the login item, and the bundle of the main application. The identifier
+// has four parts:
 //
-// 1. the vendor, read from the helper's bundle
-// 2. the product name of the main application, read from the main bundle
-// 3. the version of the main application, read from the main bundle
-// 4. the product name of the helper, read from the helper's bundle
+// 1. the vendor: the second part of the helper's bundle identifier
+// 2. the product: the third part of the main bundle's identifier, without the major version number
+// 3. the version: the version of the main bundle
+// 4. the flavour: the third part of the helper's bundle identifier
 //
-// CoreFoundationOwner owns the Core Foundation objects, so that they are released on every code path. The functions in
-// LoginItem.cpp compute names and paths. They are in a separate file, so that they can be tested without a Mac.
+// CoreFoundationOwner releases the Core Foundation objects. The functions in LoginItem.cpp compute names and paths.
+// They are in a separate file, so that they can be tested without a Mac.
 
 #include <Util/Platforms/mac/LoginItemStartupImpl.h>
 
@@ -36,8 +36,8 @@ using Bundle = CoreFoundationOwner<CFBundleRef>;
 using LoginItems = CoreFoundationOwner<LSSharedFileListRef>;
 using Url = CoreFoundationOwner<CFURLRef>;
 
-/// A property of a bundle. Maker (the vendor) and Product (the product name) are parts of the bundle identifier, which
-/// is split at the dots. The value of each of these two enumerators is the index of its part, counted from 0.
+/// A property of a bundle. The values of Maker and Product are part indexes: the bundle identifier is split at the
+/// dots, and its parts are counted from 0. Maker is the vendor.
 enum InfoParameter { Maker = 1, Product = 2, BundleVersion = 3 };
 
 QString GetQStringFromCFURL(CFURLRef url)
@@ -116,9 +116,8 @@ void VisitItems(LoginItems const& items, Visit const& visit)
     }
 }
 
-/// Returns the identifier of the application that the login item at \a url belongs to. Returns a null string if the
-/// vendor in the login item's bundle identifier is not \a maker, or if the bundle of the login item or of the
-/// application cannot be read.
+/// Returns the application identifier for the login item at \a url. Returns a null string if the vendor of the login
+/// item is not \a maker, or if the bundle of the login item or of the main application cannot be read.
 QString IdentifierOf(Url const& url, QString const& maker)
 {
     Bundle const item = CreateBundle(url);

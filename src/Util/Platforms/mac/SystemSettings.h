@@ -1,7 +1,7 @@
 #pragma once
 
-// The QSettings format for property lists. On macOS, QSettings supports property lists. The tests also compile the
-// macOS sources on other systems; the test code then defines PropertyListFormat().
+// The QSettings format for property lists. QSettings supports property lists only on macOS. The tests compile the macOS
+// sources on other systems too, and define PropertyListFormat() there.
 
 #include <QtCore/QSettings>
 

@@ -1,7 +1,9 @@
 // Removes old files while FolderWalk traverses a folder tree. FolderWalk accesses entries relative to the file
-// descriptors of open folders, not by their full paths. Removing files is therefore safe in folders where other users
-// can write: if another user replaces a folder with a link during the traversal, the link is not followed. The file
-// names of all folders are stored in the same buffer, so that file names need no separate memory allocations.
+// descriptors of open folders, not by their full paths. If another user replaces a folder with a link during the
+// traversal, the link is not followed. Therefore, removing files is safe in folders where other users can write.
+//
+// All file names of a folder are stored in one buffer, which is reused for each folder. This avoids a memory allocation
+// for each file name.
 
 #include <Util/Platforms/AgedFiles.h>
 
@@ -21,8 +23,8 @@ namespace Zelkor::Util
 namespace
 {
 
-/// Returns the modification time in milliseconds since 1970. Some file systems return times so large that the
-/// conversion from seconds to milliseconds would overflow. These times are clamped to the valid range.
+/// Returns the modification time in milliseconds since 1970. Very large times are clamped, because the conversion from
+/// seconds to milliseconds would overflow.
 long long ModificationTime(struct stat const& status)
 {
 #ifdef __APPLE__

@@ -29,8 +29,7 @@ bool IsInGroup(gid_t group)
 
 } // namespace
 
-// Required behaviour: returns true if the permission bits of at least one class that applies to this process (owner,
-// group or others) permit writing. Root has no special privileges. The kernel uses a different rule.
+// Required behaviour: the rule that is documented at CanCreateFileIn() differs from the kernel's rule.
 bool MayCreateFileIn(QString const& folder)
 {
     QFileInfo const info(folder);
