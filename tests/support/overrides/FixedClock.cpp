@@ -55,8 +55,7 @@ int FixedClock::ReadCount() const
 
 extern "C" {
 
-// The C library declares this function with reserved identifiers as parameter names. This definition must not use
-// reserved identifiers.
+// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
 {
@@ -70,8 +69,7 @@ Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
     return 0;
 }
 
-// The C library declares this function with reserved identifiers as parameter names. This definition must not use
-// reserved identifiers.
+// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
 {

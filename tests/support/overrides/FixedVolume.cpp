@@ -33,8 +33,7 @@ FixedVolume::~FixedVolume()
 
 } // namespace Zelkor::Testing
 
-// The C library declares this function with reserved identifiers as parameter names. This definition must not use
-// reserved identifiers.
+// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT int statvfs(char const* path, struct statvfs* volume) noexcept
 {

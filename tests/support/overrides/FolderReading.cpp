@@ -77,8 +77,7 @@ int UnreadableFolder::Count() const
 
 } // namespace Zelkor::Testing
 
-// The C library declares this function with reserved identifiers as parameter names. This definition must not use
-// reserved identifiers.
+// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
 {

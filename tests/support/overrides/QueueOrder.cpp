@@ -55,9 +55,8 @@ bool BeforeDelivery(void** data)
 
 } // namespace
 
-// When a thread finishes, its QThread object emits finished(). Before the emission, BeforeEmission() calls
-// __tsan_release() with the address of the QThread object. The following function calls __tsan_acquire() with the same
-// address. From these two calls, the thread sanitizer detects that the thread finished before wait() returned.
+// A finishing thread emits QThread::finished(), and BeforeEmission() calls __tsan_release() for the QThread object. The
+// matching call of __tsan_acquire() is in this function.
 bool QThread::wait(QDeadlineTimer deadline)
 {
     static auto const next =

@@ -9,9 +9,7 @@ namespace Zelkor::Testing
 {
 
 /// An alternative main function of a test program. A test that needs a new process starts the test program again. The
-/// new process calls \c run and does not run the tests. For example, a test needs a new process to run the program
-/// under another file name, to redirect standard streams, or to test the destruction of static objects. RunInChild() is
-/// simpler, but it only forks the current process.
+/// new process calls \c run and does not run the tests. RunInChild() is simpler, but it only forks the current process.
 struct ChildMain
 {
     char const* name;

@@ -35,8 +35,7 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// Adds the column "name" of type QByteArray to the test data, and rows with unusual file names that faulty code
-    /// may misinterpret.
+    /// Adds the column "name" of type QByteArray to the test data, and rows with unusual file names.
     static void NameRows();
 
     /// Returns the path of the test's folder.

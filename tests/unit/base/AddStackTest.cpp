@@ -71,8 +71,7 @@ std::pair<std::string, std::string> TextAndStackOfNamedFunction()
 namespace
 {
 
-/// Returns all frames that follow the frame of TextAndStackOfNamedFunction() in the call stack \a text. The returned
-/// frames have no frame numbers.
+/// Returns the lines of the call stack \a text after the line for TextAndStackOfNamedFunction(), without frame numbers.
 QStringList OuterFrames(std::string const& text)
 {
     QStringList lines = QString::fromStdString(text).split(QLatin1Char('\n'), Qt::SkipEmptyParts);

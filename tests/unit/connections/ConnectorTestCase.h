@@ -15,8 +15,8 @@
 namespace Zelkor::Testing
 {
 
-/// Object that emits and receives signals. Each call of one of its slots appends an entry to the log that was
-/// passed to the constructor. The object also records which of its signals are connected and disconnected.
+/// Object that emits and receives signals. It logs the calls of its slots, and it records which of its signals are
+/// connected and disconnected.
 class TestObject : public QObject
 {
     Q_OBJECT

@@ -485,9 +485,8 @@ private Q_SLOTS:
         QCOMPARE(timesFinished, 0);
     }
 
-    // While setService(nullptr) runs, a slot binds the client to the backup service, and the client uses this service.
-    // setService() must also release the backup service. Otherwise, the client would stay the current client of the
-    // backup service, although the client is no longer bound to any service.
+    // While setService(nullptr) runs, a slot makes the client use the backup service. setService() must release the
+    // backup service too.
     void leavesAServiceThatASlotHasBoundMeanwhile()
     {
         ExclusiveService backup(nullptr);

@@ -513,8 +513,8 @@ private Q_SLOTS:
         QCOMPARE(callsForClient, 1);
         QCOMPARE(callsForOthers, 1);
 
-        // setService() disconnects the client from the old service before it releases that service. When the service
-        // then emits clientChanged(), slots whose context object is the client are no longer called.
+        // setService() disconnects all slots whose context object is the client. Then it releases the service, and
+        // clientChanged() calls only the other slot.
         a_->setService(nullptr);
 
         QCOMPARE(callsForClient, 1);
@@ -577,8 +577,7 @@ private Q_SLOTS:
         QCOMPARE(inUse, QByteArrayList());
     }
 
-    // A service emits the signal clientAboutToBeChanged() before it changes its client. In these tests, no service
-    // emits the signal. Instead, Announce() directly calls the client's slot for this signal. The slot
+    // In these tests, Announce() directly calls the client's slot for the signal clientAboutToBeChanged(). The slot
     // must use only its arguments (the old and the new client), not the current client of the service.
 
     void isInterceptedByAnAnnouncementFromItselfToAnother()

@@ -80,8 +80,8 @@ ExclusiveClient* ExclusiveClientTestCase::MakeClient(QByteArray const& name)
         QObject::connect(client, signal, this, [this, entry = name + ' ' + signalName] { log_ += entry; });
     };
     // The constructor of the client has already connected finished() and intercepted() to released(). Qt activates the
-    // connections of a signal in the order of their creation. Therefore, when the client emits finished() or
-    // intercepted(), released() is emitted and logged first. The order of the calls below does not change this.
+    // connections of a signal in the order of their creation. Therefore, the log contains "released" before "finished"
+    // or "intercepted".
     logSignal(&ExclusiveClient::finished, "finished");
     logSignal(&ExclusiveClient::intercepted, "intercepted");
     logSignal(&ExclusiveClient::acquired, "acquired");

@@ -22,8 +22,7 @@ namespace
 
 QObject* lastObject = nullptr;
 
-/// Creates lastObject and registers it. DestroyLastObjectAtExit() ensures that lastObject is destroyed at exit, after
-/// the static objects of all libraries.
+/// Creates lastObject and registers it. At exit, lastObject is destroyed after the static objects of all libraries.
 void RegisterObjectDestroyedLast()
 {
     lastObject = new QObject;
@@ -38,8 +37,8 @@ void RegisterObjectDestroyedLast()
     });
 }
 
-// This function runs at exit, before the static objects of the libraries are destroyed. It registers an exit handler,
-// which runs after these static objects have been destroyed.
+// At exit, this function runs before the destructors of the libraries' static objects. The exit handler that it
+// registers runs after these destructors.
 [[gnu::destructor]] void DestroyLastObjectAtExit()
 {
     if (lastObject) {
@@ -239,14 +238,13 @@ private Q_SLOTS:
     {
         RegisterReceiver(*receiver_);
         QObject::connect(&*receiver_, &QObject::destroyed, this, [this] { RegisterEmitter(*emitter_); });
-        // If the destroyed receiver were still registered, the attempt to connect it would cause a Qt warning: its
-        // slots no longer exist when destroyed() is emitted.
+        // Qt would log a warning if ObjectsConnector tried to connect the destroyed receiver.
         receiver_.reset();
         QCOMPARE(emitter_->ConnectedSignals(), QStringList());
     }
 
-    // The receiver belongs to this thread, but another thread destroys it. If ObjectsConnector connected a slot to
-    // destroyed() with an automatic connection, the call of this slot would be queued and never delivered.
+    // The receiver belongs to this thread, but another thread destroys it. ObjectsConnector must remove the receiver
+    // immediately, not in a queued call.
     void removesAnObjectThatAnotherThreadDestroys()
     {
         RegisterReceiver(*receiver_);
@@ -260,8 +258,7 @@ private Q_SLOTS:
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        // This variable makes glibc overwrite freed memory, so that an access to a destroyed object does not go
-        // unnoticed.
+        // This variable makes glibc overwrite freed memory. An access to a destroyed object then probably crashes.
         environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
         process.setProcessEnvironment(environment);
         StartChildMain(process, "object destroyed last");

@@ -425,8 +425,8 @@ private Q_SLOTS:
         QTest::newRow("no code") << ValueChangedSignal << ReceiveValueSlot;
     }
 
-    // The macros SIGNAL() and SLOT() add a code of one digit at the beginning of a signature. Signatures with and
-    // without this code are equivalent: an object that was registered with one form can be unregistered with the other.
+    // The macros SIGNAL() and SLOT() add a code of one digit at the beginning of a signature. ObjectsConnector must
+    // ignore this code when it compares signatures.
     void acceptsSignaturesWithAndWithoutCode()
     {
         QFETCH(QString, signal);
@@ -453,8 +453,8 @@ private Q_SLOTS:
         RegisterReceiver(*receiver_, QStringLiteral("ReceiveValue( int )"));
         RegisterEmitter(*emitter_, QStringLiteral("ValueChanged(  int )"));
         QCOMPARE(emitter_->ConnectedSignals(), QStringList{ValueChangedSignal});
-        // The receiver was registered with a different spelling of the same slot. Qt normalises both spellings and
-        // disconnects the slot. ObjectsConnector does not normalise the spellings, so the receiver stays registered.
+        // The receiver was registered with different spaces in the slot's signature. Qt ignores the difference and
+        // disconnects the slot. ObjectsConnector does not ignore it, so the receiver stays registered.
         UnregisterReceiver(*receiver_, ReceiveValueSlot);
         QCOMPARE(emitter_->DisconnectedSignals(), QStringList{ValueChangedSignal});
         RegisterEmitter(late, ValueChangedSignal);
@@ -469,8 +469,8 @@ private Q_SLOTS:
         }
     }
 
-    // Qt logs one warning for each failed attempt to connect a signal. The number of warnings therefore shows which
-    // emitters and receivers are registered.
+    // Qt logs one warning for each failed attempt to connect a signal. The warnings show that the emitters and
+    // receivers are registered.
     void recordsPairsThatQtDoesNotConnect()
     {
         QFETCH(RejectedPair, pair);

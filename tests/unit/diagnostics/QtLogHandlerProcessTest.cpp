@@ -31,8 +31,8 @@ using Zelkor::Util::QtLogHandler;
 namespace
 {
 
-// --- Functions that run in child processes. A child process prints each log record, and each Qt message that one of
-// the message handlers below receives.
+// --- Functions that run in child processes. PrintingSink prints each log record. The message handlers print each Qt
+// message that they receive.
 
 /// Prints \a text as a line. The output is not buffered, so the line is printed even if the process crashes afterwards.
 void PrintLine(std::string const& text)

@@ -57,8 +57,7 @@ struct Message
 };
 
 // QtLogHandler is a singleton and filters cannot be removed, so all tests share the previous handler and the filters.
-// This structure records the calls of the previous handler and of the filters. It also contains callbacks for them,
-// which each test can set.
+// This structure records their calls. It also contains callbacks that they run. Each test can set these callbacks.
 struct SharedState
 {
     std::mutex guard;
