@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// A class that sets a property of an object to a value. The value depends on the current time.
+/// A class that sets a property of an object depending on the current time.
 
 #include <Util/Export.h>
 

@@ -101,8 +101,8 @@ void QtLogHandler::Impl::Handler(QtMsgType type, QMessageLogContext const& conte
         text = WithSourcePosition(context, text);
     }
     WriteToLog(type, text);
-    // previousHandler can be StaticHandler itself: other code may have reinstalled StaticHandler before this class
-    // installed it again. Skip it to avoid infinite recursion.
+    // previousHandler can be StaticHandler, because other code can also install StaticHandler. Calling it here would
+    // cause infinite recursion.
     if (forwardIntoPreviousHandler && previousHandler && previousHandler != StaticHandler) {
         previousHandler(type, context, message);
     }

@@ -30,8 +30,8 @@ namespace Util
 /// When glog logs a record at FATAL, it aborts the process. Therefore, a fatal Qt message is logged at ERROR, so that
 /// the previous handler is called as well. Qt aborts the process afterwards.
 ///
-/// The source position (file and line) of each glog record is a position in this handler. The source position of the Qt
-/// message is written at the start of the text of the record.
+/// The source position (file and line) of each glog record is a position in the handler's own code. The text of the
+/// record begins with the source position of the Qt message.
 ///
 /// \code
 /// int main(int argc, char** argv)

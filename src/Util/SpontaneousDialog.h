@@ -22,11 +22,11 @@ public:
 
     /// Returns a parent widget for a dialog. The result can be null. GUI thread.
     ///
-    /// Normally returns the active modal widget. If no modal widget is active, returns the active window. In two cases,
-    /// the function returns the result of GetMainWindow() instead:
-    /// - There is neither an active modal widget nor an active window.
-    /// - The active modal widget, or the active window if there is no active modal widget, has the attribute
-    ///   `Qt::WA_DeleteOnClose`. A parent with this attribute would delete the dialog when the parent is closed.
+    /// The candidate is the active modal widget, or the active window if no modal widget is active. The function
+    /// returns the candidate, except in two cases. In these cases, it returns the result of GetMainWindow():
+    /// - There is no candidate.
+    /// - The candidate has the attribute `Qt::WA_DeleteOnClose`. A parent with this attribute would delete the
+    ///   dialog when the parent is closed.
     ///
     /// If no main window is set, GetMainWindow() returns the active window, even if the active window has the attribute
     /// `Qt::WA_DeleteOnClose`.

@@ -42,7 +42,7 @@ public Q_SLOTS:
     void SetLinksColor(QColor color);
     /// Returns the colour of role `QPalette::Light` in the application palette.
     ///
-    /// The function name has been misspelt since the first release. It is kept because callers depend on it.
+    /// The function name is misspelt, but is kept because callers depend on it.
     QColor GetPalleteLight();
     /// Converts \a color to RGB and sets it for role `QPalette::Light` in all colour groups of the application palette.
     void SetPaletteLight(QColor color);

@@ -1,9 +1,8 @@
 // The application's folder is inside the system's temporary folder, where other users can write too. Another user could
-// therefore create the application's folder or one of its parents, or create a symbolic link with the name of one of
-// these folders. For this reason, FindForeignFolder() checks each folder on the path from the system's temporary folder
-// to the application's folder. The check runs before the application's folder is created or emptied, and again before a
-// directory is created in the application's folder. If the check fails, the TemporaryDir holds an invalid
-// QTemporaryDir, and the log contains the reason.
+// therefore create the application's folder or one of its parents, either as a folder or as a symbolic link. For this
+// reason, FindForeignFolder() checks all these folders. The check runs before the application's folder is created or
+// emptied, and again before a directory is created in it. If the check fails, the TemporaryDir is invalid, and the
+// rejected folder is logged.
 //
 // When the application's folder is emptied, symbolic links in it are not followed.
 
@@ -47,9 +46,8 @@ QString ApplicationFolder(QString const& name, QString const& version)
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
 }
 
-/// Checks each folder on the path from the system's temporary folder to \a folder. The system's temporary folder is not
-/// checked, but \a folder is. Returns the path of the first folder that fails the check, or an empty string if all
-/// folders pass. A folder fails the check in these cases:
+/// Checks \a folder and each of its parents below the system's temporary folder. Returns the path of the first folder
+/// that fails the check, or an empty string if all folders pass. A folder fails the check in these cases:
 /// - its name is "..";
 /// - its path exists, but is a symbolic link, is not a folder, or is not owned by the effective user.
 QString FindForeignFolder(QString const& folder)
@@ -93,8 +91,7 @@ void PrepareTemporaryFolder(QString const& folder)
     if (!QDir(folder).exists()) {
         QDir(folder).mkpath(QStringLiteral("."));
     } else if (FindForeignFolder(folder).isEmpty()) {
-        // The condition above repeats a check that the caller has already made. Another user may have created the
-        // folder since that check.
+        // Another user may have created the folder after the caller's check. The condition above repeats this check.
         EmptyFolder(folder);
     }
 }

@@ -40,7 +40,7 @@ public:
     /// Creates the directory. Use isValid() to check the result.
     ///
     /// Throws `std::logic_error` ("Using TemporaryDir before and after applicationName and applicationVersion are set")
-    /// if both properties are set now, but this process has already created an object while one of them was empty.
+    /// if both properties are set now, but at least one was empty when an earlier object was created.
     TemporaryDir();
 
     /// Removes the directory with its contents if autoRemove() is true.
@@ -54,8 +54,8 @@ public:
 
     /// Returns Qt's error message if the directory was not created, otherwise an empty string.
     ///
-    /// If the application's folder was rejected because of its owner or because of a symbolic link, only the log
-    /// contains this reason. The error message does not contain it.
+    /// The error message does not say that the application's folder was rejected because of its owner or a symbolic
+    /// link. Only the log contains this reason.
     QString errorString() const;
 
     /// Returns true if the destructor removes the directory. The default is true.

@@ -28,7 +28,7 @@ int TimeUpdater::calculateOutputTime(int time) const
     qint64 const start = outputStart_;
     qint64 const end = start + inputEnd_ - inputStart_;
     qint64 const raw = reverse_ ? start + inputEnd_ - time : start + time - inputStart_;
-    // std::max() is applied last, so that the result is start if inputEnd_ is less than inputStart_.
+    // If inputEnd_ is less than inputStart_, the result must be start. Therefore, std::max() is applied last.
     qint64 const output = std::max(start, std::min(end, raw));
     return static_cast<int>(qBound<qint64>(0, output, std::numeric_limits<int>::max()));
 }

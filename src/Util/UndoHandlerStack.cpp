@@ -36,8 +36,8 @@ QUndoStack* UndoHandlerStack::pop()
         return nullptr;
     }
     QUndoStack* const popped = stacks_.pop();
-    // Activate the next stack before the popped stack is removed. If the popped stack were still active, removeStack()
-    // would deactivate it and emit signals as if no stack remained.
+    // Activate the next stack first. If the popped stack were still active, removeStack() would first make no stack
+    // active and emit the signals for this state.
     group_->setActiveStack(stacks_.isEmpty() ? nullptr : stacks_.top());
     group_->removeStack(popped);
     return popped;

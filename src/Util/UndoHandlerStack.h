@@ -61,9 +61,9 @@ public:
     void undo();
     /// Redoes the next command of the active stack. Does nothing if there is no command to redo.
     void redo();
-    /// Returns true if there is an active stack that has a command to undo.
+    /// Returns true if the active stack has a command to undo. Returns false if no stack is active.
     bool canUndo() const;
-    /// Returns true if there is an active stack that has a command to redo.
+    /// Returns true if the active stack has a command to redo. Returns false if no stack is active.
     bool canRedo() const;
 
     /// Returns true if this object contains no undo stacks.

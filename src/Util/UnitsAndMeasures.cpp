@@ -40,8 +40,7 @@ int PrecisionForFileSize(unsigned long long size)
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
-    // Each call uses at most one of the four labels, but deliberately translates all four in this order. The installed
-    // translators therefore receive the same four requests in each call, whatever the size is.
+    // Required behaviour: each call translates all four labels in this order, although it uses at most one of them.
     QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);

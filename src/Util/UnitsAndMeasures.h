@@ -35,8 +35,8 @@ ZQTUTIL_EXPORT int PrecisionForFileSize(unsigned long long size);
 /// \param size       the size in bytes
 /// \param precision  the number of decimal places; a negative value selects PrecisionForFileSize(). Sizes in bytes (B)
 ///                   have no decimal places.
-/// \param minUnit    the smallest unit to use, even for a size that is less than one such unit. For example, if
-///                   \a minUnit is MB and \a precision is 0, the result for 10 bytes is "0 MB".
+/// \param minUnit    the smallest unit to use. For example, if \a minUnit is MB and \a precision is 0, the result for
+///                   10 bytes is "0 MB".
 /// \param kilo       the factor between a unit and the next larger unit
 ZQTUTIL_EXPORT QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo);
 
@@ -44,8 +44,8 @@ ZQTUTIL_EXPORT QString FormatFileSize(unsigned long long size, int precision, Si
 /// "GB" and 1000000000000 for "TB". For any other string, the result is 1. \a suffix is compared with the translated
 /// names of the units, and the comparison is case-insensitive.
 ///
-/// The multipliers are powers of 1000, even in applications that format sizes with Kilo1024. The function name has been
-/// misspelt since the first release; it is kept because applications link against it.
+/// The multipliers are always powers of 1000, never of 1024. The function name is misspelt, but is kept because
+/// applications link against it.
 ZQTUTIL_EXPORT unsigned long long SizeSuffixToMultipler(QString const& suffix);
 
 /// Formats the bit rate \a bitsPerSecond in kilobits per second, for example as "192 Kbps". The value is truncated

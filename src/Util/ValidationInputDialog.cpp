@@ -55,8 +55,8 @@ public:
 
         label->setWordWrap(true);
         buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-        // The user never sees this text, because the constructor of ValidationInputDialog replaces it. The text is kept
-        // because the translation catalogues contain it.
+        // The constructor of ValidationInputDialog replaces this text. It is kept because the translation catalogues
+        // contain it.
         label->setText(QCoreApplication::translate("ValidationInputDialog", "Input string:"));
     }
 
@@ -88,8 +88,8 @@ ValidationInputDialog::ValidationInputDialog(QString const& title, QString const
 
 ValidationInputDialog::~ValidationInputDialog()
 {
-    // ~QDialog() hides the dialog, and an input method can then still commit text to the line edit. The check functions
-    // have been destroyed at that point, so textChanged() must not call checkInput().
+    // The line edit can still emit textChanged() during ~QDialog(). It must not call checkInput() then, because the
+    // check functions have already been destroyed.
     disconnect(ui_->lineEdit, nullptr, this, nullptr);
 }
 

@@ -10,11 +10,13 @@
 // to a closed folder, it opens this folder again only if the folder has more subfolders to enter, or if SubfolderLeft()
 // must be called.
 //
-// The traversal has two methods to open a closed folder again. The first method needs a folder further down, which the
-// traversal keeps open for this purpose. Relative to that folder, it opens "..", "../.." and so on, depending on the
-// number of levels. If this fails or opens a different folder (the device or inode number differs), the second method
-// opens each folder on the path, beginning with the start folder. If the second method also fails, the traversal calls
-// Lost().
+// The traversal has two methods to open a closed folder again:
+// - The first method starts from an open folder below the closed folder. It opens a relative path that has one ".." for
+//   each level between the two folders, for example "../.." for two levels.
+// - The second method opens each folder on the path, beginning with the start folder.
+//
+// The traversal compares the device and inode numbers to check that the correct folder was opened. It uses the second
+// method only if the first method fails. If both methods fail, the traversal calls Lost().
 //
 // The names of all queued subfolders share one buffer, and all paths share one string. A subfolder therefore needs no
 // separate allocation.
@@ -196,10 +198,9 @@ bool FolderWalk::CloseOutermost()
     return true;
 }
 
-/// Opens the current folder again. This function first goes up from the folder below_, with one ".." for each level.
-/// The result can be a different folder, for example because below_ was moved. In this case, or if the folder cannot be
-/// opened, this function opens each folder on the path, beginning with the start folder. Returns false if this also
-/// fails.
+/// Opens the current folder again. First tries a path of ".." relative to the folder below_. This fails, for example,
+/// if below_ was moved. The function then opens each folder on the path, beginning with the start folder. Returns false
+/// if this also fails.
 bool FolderWalk::Reopen()
 {
     Folder& folder = folders_.back();

@@ -34,8 +34,8 @@ public:
     virtual ~FolderWalk() = default;
 
 protected:
-    /// Determines whether Walk() calls SubfolderLeft(). Nothing: never. Call: after the traversal has left a
-    /// subfolder or has failed to enter a subfolder.
+    /// With Call, Walk() calls SubfolderLeft() each time it has left a subfolder or has failed to enter a subfolder.
+    /// With Nothing, Walk() never calls SubfolderLeft().
     enum class AfterSubfolder { Nothing, Call };
 
     /// Creates an object that traverses the tree below the start folder \a path. \a path must not be empty. \a after
@@ -113,13 +113,12 @@ private:
     std::size_t closedFolders_ = 0; // the number of closed folders, which are always the first elements of folders_
     std::vector<char> subfolders_;  // the names of all queued subfolders, each with a terminating NUL
 
-    // The open folder that the traversal left most recently. This folder is kept open so that Reopen() can use ".." to
-    // open a closed folder further up. Null if no folder is kept open for this purpose.
+    // The open folder that the traversal left most recently, or null. Reopen() uses this folder and ".." to open a
+    // closed folder above it.
     FolderStream below_;
     std::size_t levelsBelow_ = 0; // the number of levels from the current folder down to the folder below_
 
-    // The name of the subfolder for which SubfolderLeft() must still be called. Empty if SubfolderLeft() need not be
-    // called.
+    // The name of the subfolder for which SubfolderLeft() must still be called, or empty if there is no such subfolder.
     std::string left_;
 };
 

@@ -48,8 +48,7 @@ public:
 
     unsigned long long Total()
     {
-        // Reject a path that contains a NUL byte: system calls read a path only up to its first NUL byte, so they would
-        // access a different file.
+        // A path that contains a NUL byte is rejected. System calls would truncate it and access a different file.
         bool const isUsable = Path().find('\0') == std::string::npos;
         if (isUsable && IsFolder(AT_FDCWD, Path().c_str())) {
             Walk();
@@ -103,8 +102,7 @@ private:
     }
 
     SizelessHandler const& onSizeless_;
-    // The current sum in bytes of each folder that the traversal has entered but not left. The first element belongs to
-    // the start folder.
+    // One sum in bytes for each folder from the start folder to the current folder.
     std::vector<unsigned long long> sizes_;
     unsigned long long total_ = 0;
 };
