@@ -52,11 +52,12 @@ public:
     /// more signals.
     void Start(ioPath const& folder);
 
-    /// Cancels the current measurement. The measurement of the current entry cannot be interrupted, so the current
-    /// entry is reported first. After that, all waiting entries are reported as cancelled.
+    /// Cancels the current measurement. The entry that is being measured cannot be interrupted: it is finished and
+    /// reported as usual. Then all waiting entries are reported as cancelled.
     void Cancel();
 
-    /// Returns true while a measurement is running. A cancelled measurement runs until its current task has finished.
+    /// Returns true while a measurement is running. A cancelled measurement counts as running until its
+    /// current entry has been measured.
     bool IsBusy() const;
 
 Q_SIGNALS:

@@ -84,8 +84,8 @@ public:
 
     ~AlertBox() override;
 
-    /// Creates a box, prepares it with PrepareToShow(), shows it modally and destroys it. Runs a nested event loop. The
-    /// constructor documents the parameters.
+    /// Creates a box, prepares it with PrepareToShow(), shows it modally and destroys it. Runs a nested event loop. For
+    /// the parameters, see the constructor.
     ///
     /// \returns the standard button that was clicked; 0 if the box is destroyed together with its \a parent while it is
     ///          shown

@@ -87,7 +87,7 @@ public:
         /// Called with each reported value. The callback may run its own event loop, for example for a message
         /// box. The task is not deleted before the callback returns.
         std::function<void(int)> onProgress;
-        /// Called with #error when the job has thrown anything other than Cancelled.
+        /// Called with the exception if the job has thrown anything other than Cancelled.
         std::function<void(std::exception_ptr)> onError;
     };
 

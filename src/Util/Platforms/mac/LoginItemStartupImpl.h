@@ -37,7 +37,7 @@ public:
     QStringList GetItemsAtStartup() const;
 
     /// Adds the helper application that belongs to \a identifier to the login items. The helper must be inside the
-    /// bundle of the running application, the main bundle.
+    /// main bundle, which is the bundle of the running application.
     ///
     /// \return true if the helper was added, or if the cached list already contains \a identifier; false if the main
     ///         bundle does not contain the helper, or if the system reports an error

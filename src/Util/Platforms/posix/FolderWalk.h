@@ -15,8 +15,8 @@ namespace Util
 /// Returns true if \a name is "." or "..".
 bool IsDotEntry(char const* name);
 
-/// Returns true if the entry \a name of the folder with the file descriptor \a parent is a folder. Returns false if the
-/// entry is a link to a folder.
+/// Returns true if \a name is a subfolder of the folder that is open as the file descriptor \a parent. Returns false if
+/// \a name is a link to a folder.
 bool IsFolder(int parent, char const* name);
 
 /// Traverses a folder tree. A derived class implements the work in each folder.
