@@ -575,7 +575,7 @@ def document(rows, facts, quick):
     return f"""# Benchmarks
 
 `./dev bench` generates this page. It compares the speed of the library with that of alternatives, which are called
-*peers*. [The peers](#the-peers) are described at the end of this page.
+*peers*. The peers are described at the end of this page.
 
 - **Ours** is the time of the library.
 - **Ours ÷ peer** is the time of the library divided by the time of the peer. A value below 1.00 means that the library
