@@ -162,7 +162,7 @@ void AsyncService::Impl::complete(Task* task, bool cancelled)
 void AsyncService::Impl::deliver(Task* task, int value)
 {
     if (tasks.contains(task) && task->onProgress) {
-        Delivery const delivery(this, task);
+        Delivery delivery(this, task); // not const: keepDuringDelivery() stores the completed task in it
         task->onProgress(value);
     }
 }
