@@ -2,7 +2,7 @@
 
 #include <Base/Throw.h>
 
-#include <QtCore/QObject>
+#include <QtCore/QCoreApplication>
 
 #include <algorithm>
 #include <cstddef>
@@ -18,6 +18,12 @@ constexpr unsigned long long MicrosecondsInMillisecond = 1000;
 constexpr unsigned long long MicrosecondsInSecond = 1000000;
 constexpr unsigned long long SecondsInMinute = 60;
 constexpr unsigned long long SecondsInHour = 3600;
+
+/// Translates like QObject::tr(), but needs no meta-object. FormatFileSize() is noticeably faster with it.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(QObject)
+};
 
 /// Returns \a number as a decimal string. Adds leading zeros if \a number has fewer than \a width digits.
 std::string Padded(unsigned long long number, std::size_t width)
@@ -41,7 +47,7 @@ QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit,
 {
     int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
     // Required behaviour: each call translates all four labels in this order, although it uses at most one of them.
-    QString const labels[] = {QObject::tr("%1 TB"), QObject::tr("%1 GB"), QObject::tr("%1 MB"), QObject::tr("%1 KB")};
+    QString const labels[] = {Text::tr("%1 TB"), Text::tr("%1 GB"), Text::tr("%1 MB"), Text::tr("%1 KB")};
 
     auto const base = static_cast<unsigned long long>(kilo);
     unsigned long long const divisors[] = {base * base * base * base, base * base * base, base * base, base};
@@ -53,22 +59,22 @@ QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit,
             return labels[unit].arg(value, 0, 'f', effectivePrecision, QLatin1Char(' '));
         }
     }
-    return QObject::tr("%1 B").arg(size);
+    return Text::tr("%1 B").arg(size);
 }
 
 unsigned long long SizeSuffixToMultipler(QString const& suffix)
 {
     QString const wanted = suffix.toUpper();
-    if (wanted == QObject::tr("TB").toUpper()) {
+    if (wanted == Text::tr("TB").toUpper()) {
         return 1000000000000;
     }
-    if (wanted == QObject::tr("GB").toUpper()) {
+    if (wanted == Text::tr("GB").toUpper()) {
         return 1000000000;
     }
-    if (wanted == QObject::tr("MB").toUpper()) {
+    if (wanted == Text::tr("MB").toUpper()) {
         return 1000000;
     }
-    if (wanted == QObject::tr("KB").toUpper()) {
+    if (wanted == Text::tr("KB").toUpper()) {
         return 1000;
     }
     return 1;
@@ -76,12 +82,12 @@ unsigned long long SizeSuffixToMultipler(QString const& suffix)
 
 QString FormatBitrate(long long bitsPerSecond)
 {
-    return QObject::tr("%1 Kbps").arg(bitsPerSecond / 1000);
+    return Text::tr("%1 Kbps").arg(bitsPerSecond / 1000);
 }
 
 QString FormatSampleRate(long long hertz)
 {
-    return QObject::tr("%1 Hz").arg(hertz);
+    return Text::tr("%1 Hz").arg(hertz);
 }
 
 void DurationInSecondsToTimeComponents(long seconds, int& hours, int& minutes, int& secs)
