@@ -67,6 +67,42 @@
         <source>The specified destination is not available</source>
         <translation>Das angegebene Ziel ist nicht verfügbar</translation>
     </message>
+    <message>
+        <source>The folder &quot;%1&quot; cannot be opened: %2</source>
+        <translation>Der Ordner &quot;%1&quot; kann nicht geöffnet werden: %2</translation>
+    </message>
+    <message>
+        <source>The path &quot;%1&quot; must not contain &quot;..&quot;.</source>
+        <translation>Der Pfad &quot;%1&quot; darf &quot;..&quot; nicht enthalten.</translation>
+    </message>
+    <message>
+        <source>The folder &quot;%1&quot; cannot be created: %2</source>
+        <translation>Der Ordner &quot;%1&quot; kann nicht angelegt werden: %2</translation>
+    </message>
+    <message>
+        <source>The link &quot;%1&quot; does not belong to the current user.</source>
+        <translation>Die Verknüpfung &quot;%1&quot; gehört nicht dem aktuellen Benutzer.</translation>
+    </message>
+    <message>
+        <source>The folder &quot;%1&quot; is missing.</source>
+        <translation>Der Ordner &quot;%1&quot; fehlt.</translation>
+    </message>
+    <message>
+        <source>The folder &quot;%1&quot; does not belong to the current user.</source>
+        <translation>Der Ordner &quot;%1&quot; gehört nicht dem aktuellen Benutzer.</translation>
+    </message>
+    <message>
+        <source>The temporary folder of the system is missing. The environment variable TMPDIR can contain its path.</source>
+        <translation>Der temporäre Ordner des Systems fehlt. Die Umgebungsvariable TMPDIR kann seinen Pfad enthalten.</translation>
+    </message>
+    <message>
+        <source>Another user has replaced the folder &quot;%1&quot;.</source>
+        <translation>Ein anderer Benutzer hat den Ordner &quot;%1&quot; ersetzt.</translation>
+    </message>
+    <message>
+        <source>The permissions of the folder &quot;%1&quot; cannot be changed: %2</source>
+        <translation>Die Zugriffsrechte des Ordners &quot;%1&quot; können nicht geändert werden: %2</translation>
+    </message>
 </context>
 <context>
     <name>ValidationInputDialog</name>

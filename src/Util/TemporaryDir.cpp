@@ -1,20 +1,19 @@
 // The application's folder is inside the system's temporary folder, where other users can write too. Another user could
-// therefore create the application's folder or one of its parents, either as a folder or as a symbolic link. For this
-// reason, FindForeignFolder() checks all these folders. The check runs before the application's folder is created or
-// emptied, and again before a directory is created in it. If the check fails, the TemporaryDir is invalid, and the
-// rejected folder is logged.
+// therefore create the application's folder or one of its parents, or replace one of them at any time. OwnFolder
+// protects the application's folder and its contents against this: it opens each folder relative to its parent, and
+// accepts only folders of the current user.
 //
-// When the application's folder is emptied, symbolic links in it are not followed.
+// QTemporaryDir removes its directory by its path, and it changes the permissions of files that it cannot remove. In
+// both cases it follows links. Therefore, CreatedFolder removes the directory instead of QTemporaryDir.
 
 #include <Util/TemporaryDir.h>
 
 #include <Base/Throw.h>
-#include <Util/Platforms/FolderAccess.h>
+#include <Util/Platforms/OwnFolder.h>
 #include <Util/VersionUtils.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QDirIterator>
 #include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
@@ -46,54 +45,29 @@ QString ApplicationFolder(QString const& name, QString const& version)
              QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName());
 }
 
-/// Checks \a folder and each of its parents below the system's temporary folder. Returns the path of the first folder
-/// that fails the check, or an empty string if all folders pass. A folder fails the check in these cases:
-/// - its name is "..";
-/// - its path exists, but is a symbolic link, is not a folder, or is not owned by the effective user.
-QString FindForeignFolder(QString const& folder)
+/// Opens \a folder, which is below the system's temporary folder.
+OwnFolder OpenApplicationFolder(QString const& folder, OwnFolder::IfMissing ifMissing)
 {
-    QString path = SystemFolder();
-    QStringList const names = folder.mid(path.size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    for (QString const& name : names) {
-        path += QLatin1Char('/') + name;
-        QFileInfo const info(path);
-        bool const exists = info.exists() || info.isSymLink();
-        if (name == QLatin1String("..") || (exists && !IsOwnFolder(path))) {
-            return path;
-        }
-    }
-    return QString();
+    QStringList const levels = folder.mid(SystemFolder().size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    return OwnFolder(SystemFolder(), levels, ifMissing);
 }
 
-void EmptyFolder(QString const& folder)
-{
-    QDirIterator entries(folder, QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot);
-    while (entries.hasNext()) {
-        QString const path = entries.next();
-        QFileInfo const info = entries.fileInfo();
-        if (info.isDir() && !info.isSymLink()) {
-            QDir(path).removeRecursively();
-        } else {
-            QFile::remove(path);
-        }
-    }
-}
-
-void PrepareTemporaryFolder(QString const& folder)
+/// Creates \a folder, or removes its old contents. Only the first call in a process has an effect. Returns the reason
+/// if this call fails.
+QString PrepareTemporaryFolder(QString const& folder)
 {
     static std::mutex readyGuard;
     static bool ready = false;
 
     std::lock_guard<std::mutex> const lock(readyGuard);
     if (std::exchange(ready, true)) {
-        return;
+        return QString();
     }
-    if (!QDir(folder).exists()) {
-        QDir(folder).mkpath(QStringLiteral("."));
-    } else if (FindForeignFolder(folder).isEmpty()) {
-        // Another user may have created the folder after the caller's check. The condition above repeats this check.
-        EmptyFolder(folder);
+    OwnFolder const opened = OpenApplicationFolder(folder, OwnFolder::IfMissing::Create);
+    if (opened.IsOpen()) {
+        opened.RemoveVisibleEntries();
     }
+    return opened.ErrorString();
 }
 
 /// Returns an invalid QTemporaryDir. It is invalid because its path is inside a device file, where no directory can be
@@ -103,33 +77,85 @@ std::unique_ptr<QTemporaryDir> MakeInvalidDirectory()
     return std::make_unique<QTemporaryDir>(QProcess::nullDevice() + QStringLiteral("/XXXXXX"));
 }
 
-/// Creates a directory at Qt's default location. If the system's temporary folder is missing, returns an invalid
-/// object, because Qt would otherwise create the system's temporary folder.
-std::unique_ptr<QTemporaryDir> MakeDefaultDirectory()
+} // namespace
+
+struct TemporaryDir::Impl
 {
-    return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<QTemporaryDir>() : MakeInvalidDirectory();
+    explicit Impl(std::unique_ptr<QTemporaryDir> createdDirectory);
+
+    static std::unique_ptr<Impl> Invalid(QString const& error);
+    static std::unique_ptr<Impl> WithoutSystemFolder();
+    static std::unique_ptr<Impl> AtDefaultLocation();
+    static std::unique_ptr<Impl> In(QString const& folder);
+
+    bool Remove();
+
+    std::unique_ptr<QTemporaryDir> directory;
+    CreatedFolder folder;
+    QString error;
+};
+
+TemporaryDir::Impl::Impl(std::unique_ptr<QTemporaryDir> createdDirectory)
+    : directory(std::move(createdDirectory))
+    , error(directory->errorString())
+{
+    if (directory->isValid()) {
+        folder = CreatedFolder(directory->path());
+    }
 }
 
-/// Creates a directory in \a folder, which is below the system's temporary folder. Returns an invalid object if
-/// FindForeignFolder() rejects \a folder, or if the directory cannot be created.
-std::unique_ptr<QTemporaryDir> MakeDirectoryIn(QString const& folder)
+std::unique_ptr<TemporaryDir::Impl> TemporaryDir::Impl::Invalid(QString const& error)
+{
+    auto impl = std::make_unique<Impl>(MakeInvalidDirectory());
+    impl->error = error;
+    return impl;
+}
+
+std::unique_ptr<TemporaryDir::Impl> TemporaryDir::Impl::WithoutSystemFolder()
+{
+    return Invalid(QObject::tr(
+        "The temporary folder of the system is missing. The environment variable TMPDIR can contain its path."));
+}
+
+/// Creates a directory at Qt's default location. If the system's temporary folder is missing, the result is invalid,
+/// because Qt would otherwise create the system's temporary folder.
+std::unique_ptr<TemporaryDir::Impl> TemporaryDir::Impl::AtDefaultLocation()
+{
+    return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<Impl>(std::make_unique<QTemporaryDir>())
+                                               : WithoutSystemFolder();
+}
+
+/// Creates a directory in \a folder, which is below the system's temporary folder.
+std::unique_ptr<TemporaryDir::Impl> TemporaryDir::Impl::In(QString const& folder)
 {
     if (!QFileInfo::exists(SystemFolder())) {
-        return MakeInvalidDirectory();
+        return WithoutSystemFolder();
     }
-    QString foreign = FindForeignFolder(folder);
-    if (foreign.isEmpty()) {
-        PrepareTemporaryFolder(folder);
-        foreign = FindForeignFolder(folder);
+    QString const preparationError = PrepareTemporaryFolder(folder);
+    OwnFolder const opened = OpenApplicationFolder(folder, OwnFolder::IfMissing::Fail);
+    if (!opened.IsOpen()) {
+        return Invalid(preparationError.isEmpty() ? opened.ErrorString() : preparationError);
     }
-    if (foreign.isEmpty()) {
-        return std::make_unique<QTemporaryDir>(folder + QStringLiteral("/XXXXXX"));
+    auto impl = std::make_unique<Impl>(std::make_unique<QTemporaryDir>(folder + QStringLiteral("/XXXXXX")));
+    // QTemporaryDir creates the directory by its path. Another user may have replaced a folder on this path. If the
+    // directory is missing everywhere, another instance of the application has removed it.
+    QFileInfo const created(impl->directory->path());
+    if (impl->directory->isValid() && !opened.Contains(created.fileName()) && created.exists()) {
+        impl->Remove();
+        return Invalid(QObject::tr("Another user has replaced the folder \"%1\".").arg(folder));
     }
-    LOG(ERROR) << "The temporary folder is not used, since this is no folder of our own: " << foreign.toStdString();
-    return MakeInvalidDirectory();
+    return impl;
 }
 
-} // namespace
+bool TemporaryDir::Impl::Remove()
+{
+    if (!directory->isValid()) {
+        return false;
+    }
+    bool const isRemoved = folder.Remove();
+    LOG_IF(WARNING, !isRemoved) << "Cannot remove the temporary directory " << directory->path().toStdString();
+    return isRemoved;
+}
 
 TemporaryDir::TemporaryDir()
 {
@@ -141,54 +167,61 @@ TemporaryDir::TemporaryDir()
     {
         std::lock_guard<std::mutex> const lock(mutexDefTempDir);
         if (name.isEmpty() || version.isEmpty()) {
-            dir_ = MakeDefaultDirectory();
+            impl_ = Impl::AtDefaultLocation();
             defTempDir = true;
-            return;
-        }
-        if (defTempDir) {
+        } else if (defTempDir) {
             ZELKOR_THROW(
                 std::logic_error("Using TemporaryDir before and after applicationName and applicationVersion are set"));
         }
     }
-    static QString const tempPath = ApplicationFolder(name, version);
-    dir_ = MakeDirectoryIn(tempPath);
+    if (!impl_) {
+        static QString const tempPath = ApplicationFolder(name, version);
+        impl_ = Impl::In(tempPath);
+    }
+    LOG_IF(ERROR, !isValid()) << "Cannot create a temporary directory: " << errorString().toStdString();
 }
 
-TemporaryDir::~TemporaryDir() = default;
+TemporaryDir::~TemporaryDir()
+{
+    if (isValid() && autoRemove()) {
+        remove();
+    }
+    impl_->directory->setAutoRemove(false);
+}
 
 bool TemporaryDir::isValid() const
 {
-    return dir_->isValid();
+    return impl_->directory->isValid();
 }
 
 QString TemporaryDir::errorString() const
 {
-    return dir_->errorString();
+    return impl_->error;
 }
 
 bool TemporaryDir::autoRemove() const
 {
-    return dir_->autoRemove();
+    return impl_->directory->autoRemove();
 }
 
 void TemporaryDir::setAutoRemove(bool autoRemove)
 {
-    dir_->setAutoRemove(autoRemove);
+    impl_->directory->setAutoRemove(autoRemove);
 }
 
 bool TemporaryDir::remove()
 {
-    return dir_->remove();
+    return impl_->Remove();
 }
 
 QString TemporaryDir::path() const
 {
-    return dir_->path();
+    return impl_->directory->path();
 }
 
 QString TemporaryDir::filePath(QString const& fileName) const
 {
-    return dir_->filePath(fileName);
+    return impl_->directory->filePath(fileName);
 }
 
 } // namespace Zelkor::Util

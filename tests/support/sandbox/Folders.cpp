@@ -162,6 +162,13 @@ void Chmod(std::string const& path, mode_t mode)
     Check(chmod(path.c_str(), mode));
 }
 
+mode_t ModeOf(std::string const& path)
+{
+    struct stat status;
+    Check(stat(path.c_str(), &status));
+    return status.st_mode & 07777U;
+}
+
 void SetOwner(std::string const& path, uid_t user)
 {
     SetOwner(path, user, static_cast<gid_t>(-1));

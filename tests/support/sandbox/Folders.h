@@ -70,6 +70,9 @@ using Maker = void (*)(std::string const& path);
 
 void Chmod(std::string const& path, mode_t mode);
 
+/// Returns the permissions of \a path, including the sticky bit. Follows links.
+mode_t ModeOf(std::string const& path);
+
 /// Changes the owner of \a path; the group is unchanged. If \a path is a link, changes the link itself and not its
 /// target. Requires root.
 void SetOwner(std::string const& path, uid_t user);

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 using Zelkor::Util::TemporaryDir;
 using namespace Zelkor::Testing;
@@ -91,6 +92,9 @@ private Q_SLOTS:
     void keepsHiddenAndSpecialEntries();
     void keepsFoldersOfOtherApplications();
     void continuesAfterAnEntryThatCannotBeRemoved();
+    void removesADeepLeftover();
+    void keepsThePermissionsOfLinkTargets_data();
+    void keepsThePermissionsOfLinkTargets();
     void emptiesTheFolderOncePerProcess();
     void emptiesTheFolderOfARunningProcessOnce();
     void removesTheDirectoryOfAKilledProcess();
@@ -120,6 +124,7 @@ void TemporaryDirCleanUpTest::removesLeftovers_data()
     row("name with a line feed", MakeLeftoverFile, "a\nb");
     row("name with a placeholder", MakeTree, "%1");
     row("non-ASCII name", MakeTree, "\u00E4\u20AC");
+    row("name that is not UTF-8", MakeTree, "\xFF\xFE");
     row("name with blanks", MakeTree, " a b ");
     row("directory of an earlier object", MakeTree, "aBcDeF");
 }
@@ -211,6 +216,64 @@ void TemporaryDirCleanUpTest::continuesAfterAnEntryThatCannotBeRemoved()
     QVERIFY(state.exists);
     QCOMPARE(NamesIn(AT_FDCWD, appFolder_.c_str()), std::vector<std::string>{NameOf(leftover)});
     QVERIFY(Exists(leftover + "/locked/file"));
+}
+
+void TemporaryDirCleanUpTest::removesADeepLeftover()
+{
+    constexpr int Levels = 5000;
+    MakeFolders(appFolder_);
+    Descriptor folder(Check(open(appFolder_.c_str(), O_RDONLY | O_DIRECTORY)));
+    for (int level = 0; level < Levels; ++level) {
+        MakeFileAt(folder, "file");
+        Check(mkdirat(folder, "folder", 0755));
+        folder.Reset(Check(openat(folder, "folder", O_RDONLY | O_DIRECTORY)));
+    }
+
+    DirectoryState const state = RunInChild(CreateDirectory);
+
+    QVERIFY2(state.isValid, state.error.c_str());
+    QCOMPARE(ListTree(appFolder_), QByteArrayList());
+}
+
+void TemporaryDirCleanUpTest::keepsThePermissionsOfLinkTargets_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::newRow("new object") << QStringLiteral("new object");
+    QTest::newRow("remove()") << QStringLiteral("remove()");
+    QTest::newRow("destructor") << QStringLiteral("destructor");
+}
+
+void TemporaryDirCleanUpTest::keepsThePermissionsOfLinkTargets()
+{
+    QFETCH(QString, operation);
+    Chmod(Root(), 0777);
+    Chmod(tmp_, 0777);
+
+    mode_t const mode = RunAsOrdinaryUser([&] {
+        std::string const target = At("target");
+        MakeFile(target);
+        Chmod(target, 0444);
+        auto const makeReadOnlyFolder = [&](std::string const& path) {
+            MakeFolders(path + "/locked");
+            MakeLink(path + "/locked/link", target);
+            Chmod(path + "/locked", 0555);
+        };
+        if (operation == QStringLiteral("new object")) {
+            makeReadOnlyFolder(appFolder_ + "/leftover");
+            TemporaryDir const directory;
+        } else if (operation == QStringLiteral("remove()")) {
+            TemporaryDir directory;
+            makeReadOnlyFolder(directory.path().toStdString());
+            directory.setAutoRemove(false);
+            directory.remove();
+        } else {
+            TemporaryDir const directory;
+            makeReadOnlyFolder(directory.path().toStdString());
+        }
+        return ModeOf(target);
+    });
+
+    QCOMPARE(mode, 0444U);
 }
 
 void TemporaryDirCleanUpTest::emptiesTheFolderOncePerProcess()

@@ -8,27 +8,56 @@
 #include <QtCore/QDir>
 #include <QtTest/QtTest>
 
+#include <cstdio>
 #include <functional>
 #include <string>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using Zelkor::Util::TemporaryDir;
 using namespace Zelkor::Testing;
+
+namespace
+{
+
+Identity const UserUs{Us, Us, OurGroup, OurGroup, {}};
+
+/// Returns the log message for a TemporaryDir with the error text \a error.
+QString ExpectedProblem(std::string const& error)
+{
+    return QStringLiteral("ERROR Util/TemporaryDir.cpp Cannot create a temporary directory: ") +
+           QString::fromStdString(error);
+}
+
+} // namespace
 
 class TemporaryDirRefusalTest : public TemporaryDirTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void rejectsALink_data();
-    void rejectsALink();
+    void followsALinkOfTheUser_data();
+    void followsALinkOfTheUser();
+    void rejectsALinkWithoutAFolder_data();
+    void rejectsALinkWithoutAFolder();
+    void rejectsALinkOfAnotherUser_data();
+    void rejectsALinkOfAnotherUser();
+    void rejectsALinkToAFolderOfAnotherUser_data();
+    void rejectsALinkToAFolderOfAnotherUser();
     void rejectsAFolderOfAnotherUser_data();
     void rejectsAFolderOfAnotherUser();
     void rejectsASystemFolder();
     void rejectsANameWithParentFolders_data();
     void rejectsANameWithParentFolders();
+    void deniesWritingToOtherUsers_data();
+    void deniesWritingToOtherUsers();
+    void createsFoldersForItsOwnerOnly();
+    void isNotRedirectedWhileItRemovesLeftovers();
+    void isNotRedirectedWhileItCreatesFolders();
 
+    void namesAFolderThatIsMissingLater();
+    void namesAFolderThatCouldNotBeCreatedBefore();
     void isInvalidIfAFileIsInTheWay_data();
     void isInvalidIfAFileIsInTheWay();
     void isInvalidWithoutATemporaryFolder_data();
@@ -53,8 +82,17 @@ private:
     static void VerifyInvalid(DirectoryState const& state);
 
     /// Starts a child process that calls \a prepare and then creates two TemporaryDir objects. Verifies that both
-    /// objects are invalid, and that each of them logged one error whose text contains \a folder.
+    /// objects are invalid, that their error text contains \a folder, and that each of them logged this error text
+    /// once.
     static void VerifyRejected(std::function<void()> const& prepare, std::string const& folder);
+
+    /// Adds the column "level" to the test data, and rows for the levels of the application's folder and its parents.
+    /// Without root privileges, adds no rows.
+    static void LevelRowsForRoot();
+
+    /// Starts a child process that creates a TemporaryDir as an ordinary user. Verifies that the object is invalid and
+    /// has the error text \a error.
+    static void VerifyRejectedAsOrdinaryUser(std::string const& error);
 };
 
 void TemporaryDirRefusalTest::LevelRows()
@@ -93,45 +131,144 @@ void TemporaryDirRefusalTest::VerifyRejected(std::function<void()> const& prepar
     for (DirectoryState const& state : states) {
         VerifyInvalid(state);
         QCOMPARE(state.problems.size(), 1);
-        QString const problem = state.problems.first();
-        QVERIFY2(problem.startsWith(QStringLiteral("ERROR Util/TemporaryDir.cpp ")), qPrintable(problem));
-        QVERIFY2(problem.contains(QString::fromStdString(folder)), qPrintable(problem));
+        QVERIFY2(state.error.find(folder) != std::string::npos, state.error.c_str());
+        QCOMPARE(state.problems, QStringList(ExpectedProblem(state.error)));
     }
 }
 
-void TemporaryDirRefusalTest::rejectsALink_data()
+void TemporaryDirRefusalTest::LevelRowsForRoot()
+{
+    QTest::addColumn<int>("level");
+    if (geteuid() != RootUser) {
+        return;
+    }
+    QTest::newRow("application") << 0;
+    QTest::newRow("version") << 1;
+    QTest::newRow("program") << 2;
+}
+
+void TemporaryDirRefusalTest::VerifyRejectedAsOrdinaryUser(std::string const& error)
+{
+    DirectoryState const state = RunAsOrdinaryUser(CreateDirectory);
+    VerifyInvalid(state);
+    QCOMPARE(state.error, error);
+    QCOMPARE(state.problems, QStringList(ExpectedProblem(error)));
+}
+
+void TemporaryDirRefusalTest::followsALinkOfTheUser_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::newRow("application") << 0;
+    QTest::newRow("version") << 1;
+    QTest::newRow("program") << 2;
+}
+
+void TemporaryDirRefusalTest::followsALinkOfTheUser()
+{
+    QFETCH(int, level);
+    MakeFolders(appFolder_);
+    MakeFile(appFolder_ + "/leftover");
+    std::string const moved = At("other disk");
+    Check(rename(FolderAtLevel(level).c_str(), moved.c_str()));
+    MakeLink(FolderAtLevel(level), moved);
+
+    auto const states = RunInChild([] {
+        DirectoryState const first = CreateDirectory();
+        return QVector<DirectoryState>{first, CreateDirectory()};
+    });
+
+    for (DirectoryState const& state : states) {
+        QVERIFY2(state.isValid, state.error.c_str());
+        QVERIFY(state.exists);
+        QCOMPARE(ParentOf(state.path), appFolder_);
+        QCOMPARE(state.problems, QStringList());
+    }
+    QCOMPARE(ListTree(appFolder_), QByteArrayList());
+}
+
+void TemporaryDirRefusalTest::rejectsALinkWithoutAFolder_data()
 {
     QTest::addColumn<int>("level");
     QTest::addColumn<std::string>("target");
     char const* const levels[] = {"application", "version", "program"};
     for (int level = 0; level < 3; ++level) {
-        auto const row = [&](char const* target, std::string const& path) {
-            QTest::addRow("%s: %s", levels[level], target) << level << path;
-        };
-        row("link to a folder elsewhere", "outside/tree");
-        row("link to a folder in the temporary folder", "tmp/tree");
-        row("dangling link", "outside/nothing");
-        row("link to a file", "outside/canary");
+        QTest::addRow("%s: dangling link", levels[level]) << level << std::string("outside/nothing");
+        QTest::addRow("%s: link to a file", levels[level]) << level << std::string("outside/canary");
     }
 }
 
-void TemporaryDirRefusalTest::rejectsALink()
+void TemporaryDirRefusalTest::rejectsALinkWithoutAFolder()
 {
     QFETCH(int, level);
     QFETCH(std::string, target);
-    for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        // A faulty TemporaryDir could follow the link and remove the file "leftover" in one of the folders below.
-        for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
-            MakeFolders(At(tree + below));
-            MakeFile(At(tree + below + "/leftover"));
-        }
-    }
     std::string const link = FolderAtLevel(level);
     MakeFolders(ParentOf(link));
     MakeLink(link, At(target));
     QByteArrayList const before = ListTree(Root());
 
     VerifyRejected([] {}, link);
+
+    QCOMPARE(ListTree(Root()), before);
+}
+
+void TemporaryDirRefusalTest::rejectsALinkOfAnotherUser_data()
+{
+    LevelRowsForRoot();
+}
+
+void TemporaryDirRefusalTest::rejectsALinkOfAnotherUser()
+{
+    if (!QTest::currentDataTag()) {
+        return;
+    }
+    QFETCH(int, level);
+    std::string const link = FolderAtLevel(level);
+    std::string const target = At("target");
+    for (std::string const& folder : {target, target + '/' + ProgramName(), target + "/2/" + ProgramName()}) {
+        MakeFolders(folder);
+        MakeFile(folder + "/leftover");
+    }
+    MakeFolders(ParentOf(link));
+    MakeLink(link, target);
+    for (int i = 0; i < level; ++i) {
+        SetOwner(FolderAtLevel(i), Nobody);
+    }
+    for (char const* const folder : {"", "/2"}) {
+        SetOwner(target + folder, Nobody);
+    }
+    SetOwner(target + '/' + ProgramName(), Nobody);
+    SetOwner(target + "/2/" + ProgramName(), Nobody);
+    SetOwner(link, Them);
+    QByteArrayList const before = ListTree(Root());
+
+    VerifyRejectedAsOrdinaryUser("The link \"" + link + "\" does not belong to the current user.");
+
+    QCOMPARE(ListTree(Root()), before);
+}
+
+void TemporaryDirRefusalTest::rejectsALinkToAFolderOfAnotherUser_data()
+{
+    LevelRowsForRoot();
+}
+
+void TemporaryDirRefusalTest::rejectsALinkToAFolderOfAnotherUser()
+{
+    if (!QTest::currentDataTag()) {
+        return;
+    }
+    QFETCH(int, level);
+    std::string const link = FolderAtLevel(level);
+    MakeFolders(ParentOf(link));
+    MakeLink(link, outside_);
+    for (int i = 0; i < level; ++i) {
+        SetOwner(FolderAtLevel(i), Nobody);
+    }
+    SetOwner(link, Nobody);
+    SetOwner(outside_, Them);
+    Chmod(outside_, 0777);
+    QByteArrayList const before = ListTree(Root());
+
+    VerifyRejectedAsOrdinaryUser("The folder \"" + link + "\" does not belong to the current user.");
 
     QCOMPARE(ListTree(Root()), before);
 }
@@ -166,10 +303,10 @@ void TemporaryDirRefusalTest::rejectsAFolderOfAnotherUser()
     MakeTree(appFolder_ + "/leftover", outside_);
     MakeFile(appFolder_ + "/file");
     for (int i = 0; i < 3; ++i) {
-        Chmod(FolderAtLevel(i), 0777);
         SetOwner(FolderAtLevel(i), asOrdinaryUser ? Nobody : RootUser);
     }
     SetOwner(FolderAtLevel(level), owner);
+    Chmod(FolderAtLevel(level), 0777);
     QByteArrayList const before = ListTree(Root());
 
     VerifyRejected(
@@ -192,9 +329,8 @@ void TemporaryDirRefusalTest::rejectsASystemFolder()
     });
 
     VerifyInvalid(state);
-    QCOMPARE(state.problems.size(), 1);
-    QVERIFY2(state.problems.first().startsWith(QStringLiteral("ERROR Util/TemporaryDir.cpp ")),
-             qPrintable(state.problems.first()));
+    QCOMPARE(state.error, std::string("The folder \"//usr\" does not belong to the current user."));
+    QCOMPARE(state.problems, QStringList(ExpectedProblem(state.error)));
     QVERIFY(!Exists("/usr/2"));
 }
 
@@ -226,6 +362,175 @@ void TemporaryDirRefusalTest::rejectsANameWithParentFolders()
         tmp);
 
     QCOMPARE(ListTree(Root()), before);
+}
+
+void TemporaryDirRefusalTest::deniesWritingToOtherUsers_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<uint>("mode");
+    QTest::addColumn<uint>("newMode");
+    char const* const levels[] = {"application", "version", "program"};
+    for (int level = 0; level < 3; ++level) {
+        QTest::addRow("%s: group and others", levels[level]) << level << 0777U << 0755U;
+        QTest::addRow("%s: group", levels[level]) << level << 0770U << 0750U;
+        QTest::addRow("%s: others, sticky", levels[level]) << level << 01703U << 01701U;
+    }
+}
+
+void TemporaryDirRefusalTest::deniesWritingToOtherUsers()
+{
+    QFETCH(int, level);
+    QFETCH(uint, mode);
+    QFETCH(uint, newMode);
+    std::string const folder = FolderAtLevel(level);
+    MakeFolders(appFolder_);
+    Chmod(folder, mode);
+
+    auto const states = RunInChild([] {
+        DirectoryState const first = CreateDirectory();
+        return QVector<DirectoryState>{first, CreateDirectory()};
+    });
+
+    QVERIFY2(states[0].isValid, states[0].error.c_str());
+    QCOMPARE(states[0].problems,
+             QStringList(QStringLiteral("WARNING Util/Platforms/posix/OwnFolder.cpp Removed the write permission of "
+                                        "other users from the temporary folder ") +
+                         QString::fromStdString(folder)));
+    QVERIFY2(states[1].isValid, states[1].error.c_str());
+    QCOMPARE(states[1].problems, QStringList());
+    QCOMPARE(ModeOf(folder), newMode);
+}
+
+void TemporaryDirRefusalTest::createsFoldersForItsOwnerOnly()
+{
+    DirectoryState const state = RunInChild([] {
+        umask(0);
+        return CreateDirectory();
+    });
+
+    QVERIFY2(state.isValid, state.error.c_str());
+    QCOMPARE(state.problems, QStringList());
+    for (int level = 0; level < 3; ++level) {
+        QCOMPARE(ModeOf(FolderAtLevel(level)), 0700U);
+    }
+}
+
+void TemporaryDirRefusalTest::isNotRedirectedWhileItRemovesLeftovers()
+{
+    if (geteuid() != RootUser) {
+        return;
+    }
+    constexpr int Rounds = 20;
+    constexpr int FileCount = 300;
+    auto const makeFolder = [](std::string const& path) {
+        std::string const program = path + "/2/" + ProgramName();
+        MakeFolders(program);
+        for (int i = 0; i < FileCount; ++i) {
+            MakeFile(program + '/' + std::to_string(i));
+        }
+        for (std::string const& folder : {path, path + "/2", program}) {
+            SetOwner(folder, Us);
+        }
+    };
+    Chmod(tmp_, 0777); // all users can rename the folders of other users, because there is no sticky bit
+    std::string const application = FolderAtLevel(0);
+    std::string const other = At("other folder");
+    makeFolder(other);
+    QByteArrayList const before = ListTree(other);
+    std::string const link = application + ".link";
+    MakeLink(link, other);
+    SetOwner(link, Them);
+
+    for (int round = 0; round < Rounds; ++round) {
+        makeFolder(application);
+        ChildProcess attacker([&](ChildProcess::Parent const& parent) {
+            BecomeUser({Them, Them, TheirGroup, TheirGroup, {}});
+            parent.Send(true);
+            std::string const moved = application + ".moved";
+            for (;;) {
+                rename(application.c_str(), moved.c_str());
+                rename(link.c_str(), application.c_str());
+                rename(application.c_str(), link.c_str());
+                rename(moved.c_str(), application.c_str());
+            }
+        });
+        QVERIFY(attacker.Receive<bool>());
+        RunAs(UserUs, CreateDirectory);
+        attacker.Kill();
+        // The new directory itself can be in the other folder, because QTemporaryDir creates it by its path.
+        for (QByteArray const& entry : before) {
+            QVERIFY2(Exists(other + '/' + entry.toStdString()), entry.constData());
+        }
+
+        EmptyFolder(tmp_);
+        MakeLink(link, other);
+        SetOwner(link, Them);
+    }
+}
+
+void TemporaryDirRefusalTest::isNotRedirectedWhileItCreatesFolders()
+{
+    if (geteuid() != RootUser) {
+        return;
+    }
+    constexpr int Rounds = 300;
+    Chmod(tmp_, 0777);
+    std::string const application = FolderAtLevel(0);
+    std::string const other = At("other folder");
+    MakeFolder(other);
+    SetOwner(other, Us);
+    ChildProcess attacker([&](ChildProcess::Parent const& parent) {
+        BecomeUser({Them, Them, TheirGroup, TheirGroup, {}});
+        parent.Send(true);
+        for (;;) {
+            [[maybe_unused]] int const result = symlink(other.c_str(), application.c_str());
+            unlink(application.c_str());
+        }
+    });
+    QVERIFY(attacker.Receive<bool>());
+
+    for (int round = 0; round < Rounds; ++round) {
+        RunAs(UserUs, CreateDirectory);
+        QCOMPARE(ListTree(other), QByteArrayList());
+        QDir(QString::fromStdString(application)).removeRecursively();
+    }
+    attacker.Kill();
+}
+
+void TemporaryDirRefusalTest::namesAFolderThatIsMissingLater()
+{
+    auto const states = RunInChild([&] {
+        DirectoryState const first = CreateDirectory();
+        Check(rmdir(appFolder_.c_str()));
+        return QVector<DirectoryState>{first, CreateDirectory()};
+    });
+
+    QVERIFY(states[0].isValid);
+    VerifyInvalid(states[1]);
+    QCOMPARE(states[1].error, "The folder \"" + appFolder_ + "\" is missing.");
+    QCOMPARE(states[1].problems, QStringList(ExpectedProblem(states[1].error)));
+}
+
+void TemporaryDirRefusalTest::namesAFolderThatCouldNotBeCreatedBefore()
+{
+    if (geteuid() == RootUser) {
+        SetOwner(tmp_, Nobody);
+    }
+
+    auto const states = RunAsOrdinaryUser([&] {
+        Chmod(tmp_, 0555);
+        DirectoryState const first = CreateDirectory();
+        Chmod(tmp_, 0755);
+        return QVector<DirectoryState>{first, CreateDirectory()};
+    });
+
+    std::string const folder = FolderAtLevel(0);
+    QCOMPARE(states[0].error, "The folder \"" + folder + "\" cannot be created: Permission denied");
+    QCOMPARE(states[1].error, "The folder \"" + folder + "\" is missing.");
+    for (DirectoryState const& state : states) {
+        VerifyInvalid(state);
+        QCOMPARE(state.problems, QStringList(ExpectedProblem(state.error)));
+    }
 }
 
 void TemporaryDirRefusalTest::isInvalidIfAFileIsInTheWay_data()
@@ -273,8 +578,13 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
     bool const isBelowRoot = Exists('/' + name);
     QDir::root().rmpath(QString::fromStdString(name + "/2/" + ProgramName()));
     QVERIFY(!isBelowRoot);
-    VerifyInvalid(states[0]);
-    VerifyInvalid(states[1]);
+    std::string const error =
+        "The temporary folder of the system is missing. The environment variable TMPDIR can contain its path.";
+    for (DirectoryState const& state : states) {
+        VerifyInvalid(state);
+        QCOMPARE(state.error, error);
+        QCOMPARE(state.problems, QStringList(ExpectedProblem(error)));
+    }
     QCOMPARE(ListTree(Root()), before);
 }
 

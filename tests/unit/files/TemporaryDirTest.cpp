@@ -89,6 +89,7 @@ private Q_SLOTS:
     void isRemovedByTheDestructor();
     void keepsTheFolderOfTheFirstDirectory();
     void returnsFalseIfRemovalFails();
+    void keepsADifferentFolderAtItsPath();
 
     void usesQtsFolderWithoutNameOrVersion_data();
     void usesQtsFolderWithoutNameOrVersion();
@@ -349,6 +350,26 @@ void TemporaryDirTest::returnsFalseIfRemovalFails()
     child.Continue();
     child.Finish();
     QVERIFY(!Exists(path));
+}
+
+void TemporaryDirTest::keepsADifferentFolderAtItsPath()
+{
+    QVector<bool> const results = RunInChild([] {
+        LogCapture const log;
+        QString const warning = QStringLiteral("Cannot remove the temporary directory ");
+        TemporaryDir directory;
+        std::string const path = directory.path().toStdString();
+        Check(std::rename(path.c_str(), (path + ".moved").c_str()));
+        MakeFolder(path);
+        MakeFile(path + "/file");
+
+        bool const isRemoved = directory.remove();
+        QStringList const problems = StateOf(directory, log).problems;
+        QStringList const expected{QStringLiteral("WARNING Util/TemporaryDir.cpp ") + warning + directory.path()};
+        return QVector<bool>{isRemoved, Exists(path + "/file"), problems == expected};
+    });
+
+    QCOMPARE(results, (QVector<bool>{false, true, true}));
 }
 
 void TemporaryDirTest::usesQtsFolderWithoutNameOrVersion_data()

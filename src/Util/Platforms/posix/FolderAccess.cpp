@@ -1,12 +1,10 @@
 #include <Util/Platforms/FolderAccess.h>
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
 #include <vector>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Zelkor::Util
@@ -37,13 +35,6 @@ bool MayCreateFileIn(QString const& folder)
     return permissions.testFlag(QFileDevice::WriteOther) ||
            (permissions.testFlag(QFileDevice::WriteGroup) && IsInGroup(info.groupId())) ||
            (permissions.testFlag(QFileDevice::WriteUser) && info.ownerId() == geteuid());
-}
-
-bool IsOwnFolder(QString const& path)
-{
-    struct stat status;
-    return lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
-           status.st_uid == geteuid();
 }
 
 } // namespace Zelkor::Util

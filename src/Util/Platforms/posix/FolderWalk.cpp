@@ -52,8 +52,9 @@ bool IsFolder(int parent, char const* name)
     return fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 
-FolderWalk::FolderWalk(std::string path, AfterSubfolder after)
-    : path_(std::move(path))
+FolderWalk::FolderWalk(int parent, std::string path, AfterSubfolder after)
+    : parent_(parent)
+    , path_(std::move(path))
     , after_(after)
 {}
 
@@ -61,7 +62,7 @@ void FolderWalk::SubfolderLeft(int, char const*) {}
 
 void FolderWalk::Walk()
 {
-    Enter(AT_FDCWD, path_.c_str());
+    Enter(parent_, path_.c_str());
     while (!folders_.empty()) {
         Folder const& folder = folders_.back();
         if (left_.empty() && folder.nextSubfolder == subfolders_.size()) {
@@ -228,7 +229,7 @@ FolderWalk::FolderStream FolderWalk::OpenAboveLeft() const
 FolderWalk::FolderStream FolderWalk::OpenFromStart()
 {
     below_.reset();
-    FolderStream stream = Open(AT_FDCWD, path_.substr(0, folders_.front().pathSize).c_str());
+    FolderStream stream = Open(parent_, path_.substr(0, folders_.front().pathSize).c_str());
     for (std::size_t level = 1; stream && level < folders_.size(); ++level) {
         std::size_t const begin = path_.find_first_not_of('/', folders_[level - 1].pathSize);
         stream = Open(dirfd(stream.get()), path_.substr(begin, folders_[level].pathSize - begin).c_str());

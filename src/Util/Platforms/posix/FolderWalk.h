@@ -38,9 +38,10 @@ protected:
     /// With Nothing, Walk() never calls SubfolderLeft().
     enum class AfterSubfolder { Nothing, Call };
 
-    /// Creates an object that traverses the tree below the start folder \a path. \a path must not be empty. \a after
-    /// determines whether Walk() calls SubfolderLeft().
-    FolderWalk(std::string path, AfterSubfolder after);
+    /// Creates an object that traverses the tree below the start folder \a path. \a path must not be empty. If \a path
+    /// is relative, it is relative to the folder that is open as the file descriptor \a parent. \a after determines
+    /// whether Walk() calls SubfolderLeft().
+    FolderWalk(int parent, std::string path, AfterSubfolder after);
 
     /// Traverses the start folder and all folders below it.
     void Walk();
@@ -107,6 +108,7 @@ private:
     FolderStream OpenFromStart();
     void Lose();
 
+    int const parent_; // the start folder's path is relative to this folder
     std::string path_;
     AfterSubfolder const after_;
     std::vector<Folder> folders_;   // the folders from the start folder to the current folder

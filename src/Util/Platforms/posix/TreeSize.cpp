@@ -42,7 +42,7 @@ class SizeWalk final : public FolderWalk
 {
 public:
     SizeWalk(std::string const& path, SizelessHandler const& onSizeless)
-        : FolderWalk(path, AfterSubfolder::Nothing)
+        : FolderWalk(AT_FDCWD, path, AfterSubfolder::Nothing)
         , onSizeless_(onSizeless)
     {}
 

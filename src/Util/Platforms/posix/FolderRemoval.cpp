@@ -1,12 +1,13 @@
-// Removes old files while FolderWalk traverses a folder tree. FolderWalk accesses entries relative to the file
+// Removes entries while FolderWalk traverses a folder tree. FolderWalk accesses entries relative to the file
 // descriptors of open folders, not by their full paths. If another user replaces a folder with a link during the
 // traversal, the link is not followed. Therefore, removing files is safe in folders where other users can write.
 //
 // All file names of a folder are stored in one buffer, which is reused for each folder. This avoids a memory allocation
 // for each file name.
 
-#include <Util/Platforms/AgedFiles.h>
+#include <Util/Platforms/posix/FolderRemoval.h>
 
+#include <Util/Platforms/AgedFiles.h>
 #include <Util/Platforms/posix/FolderWalk.h>
 
 #include <algorithm>
@@ -40,8 +41,8 @@ long long ModificationTime(struct stat const& status)
 class RemovingWalk final : public FolderWalk
 {
 public:
-    RemovingWalk(std::string const& path, long long threshold)
-        : FolderWalk(path, AfterSubfolder::Call)
+    RemovingWalk(int parent, std::string const& path, long long threshold)
+        : FolderWalk(parent, path, AfterSubfolder::Call)
         , threshold_(threshold)
     {}
 
@@ -88,8 +89,13 @@ private:
 void RemoveAgedFiles(std::string const& path, long long threshold)
 {
     if (!path.empty() && path.find('\0') == std::string::npos) {
-        RemovingWalk(path, threshold).Walk();
+        RemovingWalk(AT_FDCWD, path, threshold).Walk();
     }
+}
+
+void RemoveContents(int parent, std::string const& name)
+{
+    RemovingWalk(parent, name, std::numeric_limits<long long>::max()).Walk();
 }
 
 } // namespace Zelkor::Util
