@@ -25,8 +25,8 @@ namespace Util
 /// `QCoreApplication::applicationName` and `applicationVersion` first. If one of these properties is empty, the
 /// directory is created at the default location of `QTemporaryDir`.
 ///
-/// The first object that a process creates in the application's folder deletes the contents of this folder, except
-/// hidden files and folders. The contents include the remains of earlier runs, but also the directories of other
+/// When a process creates its first object in the application's folder, the constructor deletes the contents of this
+/// folder, except hidden files and folders. The deleted contents include the directories of earlier runs and of other
 /// running instances of the same application. Symbolic links are deleted, but not followed.
 ///
 /// The current user must own the application's folder and all folders between it and the temporary folder of the
@@ -54,8 +54,8 @@ public:
 
     /// Returns Qt's error message if the directory was not created, otherwise an empty string.
     ///
-    /// The error message does not say that the application's folder was rejected because of its owner or a symbolic
-    /// link. Only the log contains this reason.
+    /// If the application's folder was rejected because of its owner or a symbolic link, the error message does not
+    /// contain this reason. Only the log contains it.
     QString errorString() const;
 
     /// Returns true if the destructor removes the directory. The default is true.
