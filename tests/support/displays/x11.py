@@ -128,7 +128,7 @@ def start_window_manager(folder, environment):
 
 
 def wait_for_window_manager(manager, environment):
-    """Waits until the window manager is ready. It is ready when the root window has two properties."""
+    """Waits until the window manager is ready. It is ready when the root window has the two properties below."""
     end = time.monotonic() + TIMEOUT
     while time.monotonic() < end:
         output = run_tool(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK", "_NET_CLIENT_LIST"], environment)
