@@ -120,7 +120,7 @@ void TemporaryDirRefusalTest::rejectsALink()
     QFETCH(int, level);
     QFETCH(std::string, target);
     for (char const* const tree : {"outside/tree", "tmp/tree"}) {
-        // A faulty TemporaryDir could follow the link and remove the file "leftover" in one of the folders below.
+        // If TemporaryDir followed the link, it could remove one of the files "leftover" that this loop creates.
         for (std::string const& below : {std::string(), '/' + ProgramName(), "/2/" + ProgramName()}) {
             MakeFolders(At(tree + below));
             MakeFile(At(tree + below + "/leftover"));
@@ -260,7 +260,7 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 {
     QFETCH(std::string, folder);
     QFETCH(std::string, version);
-    std::string const name = NameOf(Root()); // random, so that no folder "/name" exists
+    std::string const name = NameOf(Root()); // a random name: the root folder contains no such entry
     QByteArrayList const before = ListTree(Root());
 
     auto const states = RunInChild([&] {

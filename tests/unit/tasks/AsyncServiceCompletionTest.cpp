@@ -61,7 +61,7 @@ private Q_SLOTS:
     void lastCallbackMayDestroyTheService_data();
     void lastCallbackMayDestroyTheService();
 
-    // Callbacks that run a nested event loop
+    // Tests with callbacks that run a nested event loop
     void otherTasksCompleteInsideACallback_data();
     void otherTasksCompleteInsideACallback();
     void serviceMayBeDestroyedInTheEventLoopOfACallback_data();
