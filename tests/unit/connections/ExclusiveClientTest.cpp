@@ -577,7 +577,7 @@ private Q_SLOTS:
         QCOMPARE(inUse, QByteArrayList());
     }
 
-    // In these tests, Announce() directly calls the client's slot for the signal clientAboutToBeChanged(). The slot
+    // In the tests below, Announce() directly calls the client's slot for the signal clientAboutToBeChanged(). The slot
     // must use only its arguments (the old and the new client), not the current client of the service.
 
     void isInterceptedByAnAnnouncementFromItselfToAnother()

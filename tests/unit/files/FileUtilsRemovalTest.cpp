@@ -588,8 +588,8 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
-    // In one row, the name is not valid UTF-8, and a QString cannot represent it. RemoveDir() takes the path of the
-    // start folder as a QString. Therefore, the name of the start folder is converted to a QString and back. The
+    // In one data row, the name is not valid UTF-8, and a QString cannot represent it. RemoveDir() takes the path of
+    // the start folder as a QString. Therefore, the name of the start folder is converted to a QString and back. The
     // entries in the start folder have the original name.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
