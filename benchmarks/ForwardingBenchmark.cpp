@@ -1,5 +1,5 @@
-// Measures FunctorExecutionForwarder, which calls functors on another thread: the time to post functors, the time to
-// call posted functors, and the time of round trips between two threads.
+// Measures FunctorExecutionForwarder, which calls functors on another thread. The benchmark measures the time to post
+// functors, the time to call posted functors, and the time of round trips between two threads.
 //
 // For comparison, the benchmark measures four alternatives:
 // - QCoreApplication::postEvent() with an event that contains the functor. Its time is the lower bound.

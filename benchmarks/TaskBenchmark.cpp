@@ -32,8 +32,9 @@ constexpr int ChainSize = 500;
 constexpr int ReportingJobs = 100;
 constexpr int ReportsPerJob = 100;
 
-// Each of the following classes has a function Run(), which runs a job on the worker thread. The job reports every
-// value from 0 to reports - 1. The owner thread calls `progress` for each report, and `finished` after the last report.
+// Each of the following classes has a function Run(reports, progress, finished), which runs a job on the worker thread.
+// The job reports every value from 0 to reports - 1. The owner thread calls `progress` for each report, and `finished`
+// after the last report.
 
 class Service
 {

@@ -370,7 +370,8 @@ class Results:
     """The results of all benchmarks.
 
     The keys have the form "<job>/<way>", where the way is a class or function of the library, or a peer. `seconds`
-    contains the median times. `counters` contains the JSON entries of the medians, which include the counters.
+    contains the median times in seconds. `counters` contains the JSON entry of each median. An entry also contains the
+    counters of the benchmark.
     """
 
     seconds: dict = field(default_factory=dict)

@@ -76,7 +76,9 @@ set(CPACK_PACKAGE_VENDOR Zelkor)
 set(CPACK_PACKAGE_CONTACT "Zelkor <support@zelkor.example>")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # lets packages that link the library find their dependency on it
+# Adds a "shlibs" file to the package. dpkg-shlibdeps reads this file when it computes the dependencies of packages
+# that use the library.
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qtbase5-dev (>= 5.15), libboost-filesystem-dev (>= 1.74)")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

@@ -82,8 +82,8 @@ std::optional<QString> CommandLine::Screenshots() const
     return parser_.isSet(screenshots_) ? std::make_optional(parser_.value(screenshots_)) : std::nullopt;
 }
 
-// Returns the path with its original bytes. The value from QCommandLineParser is a QString, which cannot represent
-// bytes that are not valid UTF-8. Therefore, this function searches the original arguments for this value.
+// Returns the value of the option as a path with its original bytes. QCommandLineParser returns a QString, which cannot
+// represent bytes that are not valid UTF-8. Therefore, this function searches the original arguments for the value.
 std::optional<ioPath> CommandLine::PathValue(QCommandLineOption const& option) const
 {
     if (!parser_.isSet(option)) {

@@ -168,7 +168,7 @@ void ConnectionsPage::UnregisterSelected()
         ObjectsConnector::unregisterReceiver(registration.id, control, Slot());
     }
     // A control can be registered several times under the same name and in the same role (emitter or receiver).
-    // ObjectsConnector has now removed all registrations with this control, name and role. Remove all of their rows.
+    // ObjectsConnector has removed all of these registrations. Remove all of their rows from the table.
     for (int row = table_->rowCount() - 1; row >= 0; --row) {
         auto const at = registrations_.begin() + row;
         if (at->control == registration.control && at->isEmitter == registration.isEmitter &&

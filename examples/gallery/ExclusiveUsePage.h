@@ -46,8 +46,8 @@ private:
     QString NameOf(QObject const* client) const;
     void Update();
 
-    // The clients are child objects of the page. A page destroys its data members before its child objects, so the
-    // service is destroyed before its clients. The clients support this order of destruction.
+    // The clients of device_ are child objects of the page. Data members are destroyed before child objects, so device_
+    // is destroyed before its clients. ExclusiveService and its clients support this order.
     ExclusiveService device_;
     std::vector<Player> players_;
     StatusLabel* holderLabel_;

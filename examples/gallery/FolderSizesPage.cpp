@@ -207,8 +207,8 @@ bool FolderSizesPage::IsBusy() const
     return measurer_->IsBusy();
 }
 
-// Returns the path that was passed to SetFolder() if the user has not edited its text. The text cannot represent a path
-// that is not valid UTF-8.
+// Returns the path in the line edit. If the user has not edited the path, returns the path that was passed to
+// SetFolder(), because the text in the line edit cannot represent bytes that are not valid UTF-8.
 ioPath FolderSizesPage::Folder() const
 {
     QString const text = folderEdit_->text();

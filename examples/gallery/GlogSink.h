@@ -20,7 +20,7 @@ namespace Gallery
 struct LogLine
 {
     google::LogSeverity severity;
-    QString source; // "file.cpp:12"
+    QString source; // the file and line of the log statement, for example "file.cpp:12"
     QString text;
 };
 

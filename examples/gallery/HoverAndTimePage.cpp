@@ -19,7 +19,7 @@ namespace Zelkor::Gallery
 namespace
 {
 
-// The following times are in milliseconds.
+// Times on the play bar, in milliseconds.
 constexpr int Length = 60000;
 constexpr int CaptionStart = 10000;
 constexpr int CaptionEnd = 25000;

@@ -18,8 +18,8 @@ namespace Gallery
 class LogFilter
 {
 public:
-    /// Makes the filter drop messages that contain \a text, ignoring case. If \a text is empty, the filter drops no
-    /// messages by their text.
+    /// Sets the text that selects the messages to drop. The filter drops messages that contain \a text. The search is
+    /// case-insensitive. If \a text is empty, the filter ignores the text of messages.
     void SetDroppedText(QString const& text);
 
     /// Sets whether messages of \a type are dropped.

@@ -182,8 +182,8 @@ void LogPage::Connect()
     connect(previousHandler_, &PreviousHandler::MessagesReceived, this, &LogPage::ShowForwarded);
 }
 
-// The filter function captures a weak pointer, because it is called even after the page has been destroyed: a filter
-// cannot be removed from QtLogHandler.
+// A filter cannot be removed from QtLogHandler. Therefore, QtLogHandler calls the filter function even after the page
+// has been destroyed, and the filter function captures only a weak pointer to filter_.
 void LogPage::ConnectFilter()
 {
     Util::QtLogHandler::GetInstance().AddFilter(

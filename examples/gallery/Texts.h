@@ -23,7 +23,8 @@ namespace Gallery
 /// sequences such as `\n` and `\x07`.
 QString OneLineText(QString const& text);
 
-/// Converts \a path to a string on one line, as OneLineText() does. Replaces bytes that are not valid UTF-8 by U+FFFD.
+/// Converts \a path to a string and then to one line with OneLineText(). Replaces bytes that are not valid UTF-8 by
+/// U+FFFD.
 QString PathText(ioPath const& path);
 
 /// Returns the file name of \a entry, converted by PathText().
@@ -49,7 +50,7 @@ QString SizeText(unsigned long long bytes);
 /// Returns \a microseconds as the text of a duration, with millisecond precision.
 QString TimeText(long long microseconds);
 
-/// Returns a message for the user which says that \a folder cannot be read because of \a error.
+/// Returns an error message for the user: \a folder cannot be read. \a error is the reason.
 QString UnreadableFolderText(ioPath const& folder, boost::system::error_code const& error);
 /// \overload
 /// Includes the string \a reason in the message instead of an error code.

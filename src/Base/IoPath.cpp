@@ -20,8 +20,8 @@ char const* RequireNotNull(char const* utf8)
     return utf8;
 }
 
-// Returns true if \a path contains a NUL byte. A caller must not pass such a path to a system call: system calls read a
-// path only up to the first NUL byte, so they would access a different file.
+// Returns true if \a path contains a NUL byte. System calls read a path only up to the first NUL byte, and would access
+// a different file. Callers must therefore reject such a path.
 bool ContainsNul(ioPath const& path)
 {
     return path.native().find(ioPath::value_type()) != ioPath::string_type::npos;

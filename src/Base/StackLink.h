@@ -13,7 +13,8 @@ namespace Zelkor
 ///
 /// This class is for a function that calls foreign code, for example a callback. The foreign code can call the function
 /// again, or destroy an object that the function still uses. Therefore, each call of the function creates an object of
-/// type \a T on the stack. The nested call or the destructor can then find and modify all objects in the chain.
+/// type \a T on the stack. A nested call, or the destructor of such an object, can then find and modify all objects in
+/// the chain.
 template <class T>
 class StackLink
 {

@@ -17,8 +17,8 @@ Components ComponentsOf(Version const& version)
     return {version.GetMajor(), version.GetMinor(), version.GetThird(), version.GetBuild()};
 }
 
-// Returns the components of \a version, each incremented by one, for comparisons. NotGiven (all bits set) becomes 0 and
-// the component 0 becomes 1. In a comparison, NotGiven is therefore less than every other component.
+// Increments each component of \a version by one, and returns the results for comparisons. The value NotGiven (all bits
+// set) becomes 0, and the value 0 becomes 1. In a comparison, NotGiven is therefore less than every other value.
 Components Ranks(Version const& version)
 {
     Components ranks = ComponentsOf(version);

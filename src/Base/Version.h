@@ -61,7 +61,8 @@ namespace Util
 /// The maximum number of components that VersionToString() writes.
 enum class VersionToStringDetail : int { Major = 1, MajorMinor = 2, MajorMinorThird = 3, Full = 4 };
 
-/// Reads a version from \a text: decimal numbers with separators between them, major number first.
+/// Reads a version from \a text, which contains decimal numbers with separators between them. The first number is the
+/// major number.
 ///
 /// Reading stops at a component that does not begin with a digit or does not fit into 32 bits. Reading also stops after
 /// a number that is not followed by \a separator. Missing components are 0. Text after the fourth component is ignored.

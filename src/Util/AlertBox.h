@@ -54,8 +54,7 @@ class ZQTUTIL_EXPORT AlertBox : public QMessageBox
     Q_OBJECT
     /// The minimum width of the dialog in pixels; -1 if no minimum width is set.
     Q_PROPERTY(int minimumDialogWidth READ GetWidth WRITE SetWidth)
-    /// The spacing between the buttons in pixels, as last applied by SetSpacing(); 0 if SetSpacing() has applied no
-    /// value yet.
+    /// The spacing between the buttons in pixels. Contains the last value that SetSpacing() has applied; initially 0.
     Q_PROPERTY(int spacing READ GetSpacing WRITE SetSpacing)
     /// True if a box without an icon gets the default icon of its level before it is shown; initially true.
     Q_PROPERTY(bool useDefaultLevelIcon READ GetUseDefaultLevelIcon WRITE SetUseDefaultLevelIcon)
@@ -111,15 +110,14 @@ public:
     /// Sets the minimum width of the dialog to \a width pixels. A negative value removes the minimum width. A value
     /// of 0 or more is ignored if the layout of the box is not a QGridLayout.
     void SetWidth(int width);
-    /// Returns the minimum width in pixels, or -1 if no minimum width is set. After SetWidth() has removed the minimum
-    /// width, this function returns 0 until the event loop has deleted the internal spacer widget.
+    /// Returns the minimum width in pixels, or -1 if no minimum width is set. If SetWidth() has just removed the
+    /// minimum width, this function returns 0. It returns -1 only after the event loop has run.
     int GetWidth() const;
 
     /// Sets the spacing between the buttons to \a spacing pixels. Does nothing if the box has no buttons, or if the
     /// layout of the buttons is not a QHBoxLayout.
     void SetSpacing(int spacing);
-    /// Returns the spacing between the buttons in pixels, as last applied by SetSpacing(). Returns 0 if SetSpacing()
-    /// has applied no value yet.
+    /// Returns the last spacing that SetSpacing() has applied, in pixels. Initially returns 0.
     int GetSpacing() const;
 
     /// Enables the default icon if \a use is true, otherwise disables it. See UpdateDefaultIcon().
@@ -160,7 +158,7 @@ public:
     /// outside the enumeration.
     void SetDialogSubStyle(Level level);
 
-    /// Sets the default icon of the box's level if the box has no icon and the default icon is enabled.
+    /// If the box has no icon and the default icon is enabled, shows the default icon for the level of the box.
     void UpdateDefaultIcon();
 
     /// Applies the style sheet again to the box and to all widgets inside it.

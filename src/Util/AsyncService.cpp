@@ -44,7 +44,7 @@ struct AsyncService::Impl
         {}
 
         Task* const task;
-        std::unique_ptr<Task> completedTask; ///< Owns the task if it completes during the callback.
+        std::unique_ptr<Task> completedTask; ///< Owns the task if the task completes during the callback.
     };
 
     Impl();
@@ -55,7 +55,7 @@ struct AsyncService::Impl
     void registerTask(Task* task, AsyncService* service);
     void startThread();
     void run(Task* task);
-    void work(Task* task, Reporter* reporter); // worker thread
+    void work(Task* task, Reporter* reporter); // runs on the worker thread
     void complete(Task* task, bool cancelled);
     void deliver(Task* task, int value);
     void keepDuringDelivery(std::unique_ptr<Task>& task) const;
@@ -65,7 +65,8 @@ struct AsyncService::Impl
     FunctorExecutionForwarder workerForwarder;
     FunctorExecutionForwarder ownerForwarder;
 
-    // Reporters that a second post() of the same task has replaced. A queued job of that task may still use them.
+    // If a task is posted a second time, it gets a new reporter. The old reporter is kept here, because a queued job of
+    // the task may still use it.
     std::vector<std::unique_ptr<Reporter>> replacedReporters;
     int queuedJobs = 0;
     Delivery* innermostDelivery = nullptr;
@@ -167,8 +168,8 @@ void AsyncService::Impl::deliver(Task* task, int value)
     }
 }
 
-/// Keeps \a task alive while its Task::onProgress callback is running. If several calls are nested, the Delivery object
-/// of the outermost call takes ownership of \a task, because this call returns last.
+/// Keeps \a task alive while its Task::onProgress callback is running. If calls of this callback are nested, the
+/// Delivery object of the outermost call takes ownership of \a task, because the outermost call returns last.
 void AsyncService::Impl::keepDuringDelivery(std::unique_ptr<Task>& task) const
 {
     Delivery* outermost = nullptr;

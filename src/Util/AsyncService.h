@@ -109,9 +109,10 @@ public:
 
     /// Registers \a task and sets Task::error to null. Returns \a task. Does not start the job.
     ///
-    /// \a task must have been created with `new`, because the service deletes it with `delete`. A second post() of the
-    /// same task creates a new reporter, whose flag Reporter::cancelled is false. If the job is already queued, the job
-    /// still uses the previous reporter.
+    /// \a task must have been created with `new`, because the service deletes it with `delete`.
+    ///
+    /// A second post() of the same task creates a new reporter. In this reporter, Reporter::cancelled is false. A job
+    /// that was queued before the second post() still uses the first reporter.
     ///
     /// Throws `std::invalid_argument` if \a task is null.
     Task* post(Task* task);
@@ -156,8 +157,8 @@ private:
 
 /// A plain struct that a job uses to report progress and to check for cancellation.
 ///
-/// The service deletes the reporter when the task completes. If a second post() of the same task has replaced the
-/// reporter, the destructor of the service deletes the replaced reporter.
+/// The service deletes the reporter when the task completes. A second post() of the same task creates a new reporter;
+/// the destructor of the service then deletes the first reporter.
 struct AsyncService::Reporter
 {
     /// The service that runs the job.

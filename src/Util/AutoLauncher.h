@@ -47,12 +47,13 @@ public:
 
     /// Registers the application \a identifier, so that the system starts it at every login.
     ///
-    /// Uses the cached list, and refreshes the list only if the registration succeeds.
+    /// Searches the cached list for an existing registration. Refreshes the list only if this call succeeds.
     ///
-    /// On macOS, the function first tries to add a login item. The login item is the helper application for
-    /// \a identifier in the folder "Contents/Library/LoginItems" of the main bundle. If the bundle does not contain the
-    /// helper, or adding the login item fails, the function writes a launch agent. Then it starts "launchctl load"
-    /// without waiting for its result. Only the launch agent uses \a executablePath and \a arguments.
+    /// On macOS, the function first tries to add a login item, unless the cached list already contains it. The login
+    /// item is the helper application for \a identifier in the folder "Contents/Library/LoginItems" of the main bundle.
+    /// If the bundle does not contain the helper, or adding the login item fails, the function writes a launch agent.
+    /// Then it starts "launchctl load" without waiting for its result. Only the launch agent uses \a executablePath and
+    /// \a arguments.
     ///
     /// \param identifier      the identifier of the application; if it does not have four parts, the function cannot
     ///                        write a launch agent and logs this at WARNING

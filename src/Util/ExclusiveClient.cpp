@@ -64,9 +64,9 @@ void ExclusiveClient::setService(ExclusiveService* newService)
         return;
     }
     if (service_) {
-        // During letGo(), a slot may have set another service and acquired its resource. Release this resource too.
-        // Disconnect first, so that this release emits no signals of the client. A slot connected to these signals
-        // could acquire the resource again.
+        // A slot that ran during letGo() may have set another service and acquired its resource. Release that resource
+        // too. Disconnect first, so that the client emits no signals. Otherwise, a slot could acquire the resource
+        // again.
         disconnect(service_, nullptr, this, nullptr);
         if (isInUse()) {
             service_->setClient(nullptr);

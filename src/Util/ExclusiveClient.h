@@ -44,8 +44,8 @@ public:
     /// Changes the service to \a newService, which can be null. Releases the resource of the old service first if this
     /// client holds it.
     ///
-    /// If a slot throws an exception during the release, the exception propagates to the caller. The old service then
-    /// remains set, but this client no longer reacts to the signals of the old service.
+    /// If a slot throws an exception during the release, the exception propagates to the caller. This client then
+    /// keeps the old service, but no longer reacts to its signals.
     void setService(ExclusiveService* newService);
 
     /// Returns true if this client holds the resource. Returns false if this client has no service, or if the service

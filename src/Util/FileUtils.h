@@ -50,9 +50,9 @@ ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 /// - the group of the folder may write, and this process belongs to that group;
 /// - the owner of the folder may write, and the owner is the effective user of this process.
 ///
-/// This rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions). In POSIX, only the permissions of the
-/// first matching class (owner, group or others) are decisive. This rule also treats root as an ordinary user: if only
-/// the owner may write, and root is not the owner, the result is false for root.
+/// This rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions). POSIX checks only the permissions of
+/// the first matching class (owner, group or others). This rule also treats root as an ordinary user: if only the owner
+/// may write, and root is not the owner, the result is false for root.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
 /// Returns true if the permissions of \a folder let this process read files in it. The permissions of the files

@@ -30,8 +30,8 @@ public:
     /// - Sets the property "roundedEdges" to true on all menus and on the pop-up windows of all combo boxes below
     ///   \a root. If \a root is a menu, also sets the property on \a root. If \a root is a combo box, also sets the
     ///   property on the pop-up window of \a root.
-    /// - Makes every widget whose property "roundedEdges" is true translucent and frameless, without a drop shadow. To
-    ///   include other widgets, set this property on them before the call.
+    /// - If the property "roundedEdges" of a widget is true, makes the widget translucent and frameless, and removes
+    ///   its drop shadow. To include other widgets, set this property on them before the call.
     /// - Removes the context help button from the title bar of \a root.
     /// - Sets the object name of the action of each menu below \a root to "action_" followed by the object name of
     ///   the menu. Does not change an object name that is already set.

@@ -38,7 +38,8 @@ public:
     /// Returns all font families that are not in addedFontFamilies(), in the order of `QFontDatabase::families()`.
     static QStringList systemFontFamilies();
 
-    /// Returns all scalable font families, including those of added fonts, in the order of `QFontDatabase::families()`.
+    /// Returns all scalable font families, including the families of added fonts, in the order of
+    /// `QFontDatabase::families()`.
     static QStringList scalableFontFamilies();
 
     /// Returns true if text can be drawn outside the GUI thread.

@@ -45,8 +45,8 @@ public:
     /// the forwarder's thread is the calling thread. Can be called from any thread.
     ///
     /// \a functor is copied once. The copy is called and destroyed on the forwarder's thread. \a functor itself is
-    /// destroyed when this call returns. This can happen after the copy was destroyed. Therefore, an object that
-    /// \a functor captures in a `std::shared_ptr` can be destroyed on either thread.
+    /// destroyed when this call returns, before or after the copy. Therefore, an object that \a functor captures in a
+    /// `std::shared_ptr` can be destroyed on either thread.
     ///
     /// Exceptions that \a functor throws propagate through the event loop of the forwarder's thread. An empty
     /// \a functor throws `std::bad_function_call` when it is called.

@@ -44,8 +44,8 @@ public:
     /// \a widget is ignored.
     void addItem(QWidget* widget);
 
-    /// Removes \a widget from the group. The group no longer sends events from or to \a widget. The attribute
-    /// `Qt::WA_Hover` of \a widget remains set. A widget that is not a member is ignored.
+    /// Removes \a widget from the group. Does not reset the attribute `Qt::WA_Hover` of \a widget. Ignores a widget
+    /// that is not a member.
     void removeItem(QWidget* widget);
 
     /// If \a watched is a member and \a event is an enter or leave event, sends \a event to the other members. Skips
@@ -60,7 +60,7 @@ private:
     struct Member
     {
         QPointer<QWidget> widget;         // null after the widget has been destroyed
-        QEvent::Type last = QEvent::None; // the type of the last hover event, whether original or sent by the group
+        QEvent::Type last = QEvent::None; // the last hover event, either original or sent by the group
     };
 
     void replayToOthers(QWidget* hovered, QEvent* event);

@@ -34,8 +34,8 @@ public:
     {}
 
 public Q_SLOTS:
-    /// Calls the function that was passed to the constructor. Its argument is the sender of the signal, or null if this
-    /// slot is called directly. Exceptions that the function throws are not caught.
+    /// Calls the function that was passed to the constructor. Passes the sender of the signal to the function, or null
+    /// if this slot is called directly. Exceptions that the function throws are not caught.
     ///
     /// Throws `std::logic_error` ("LambdaQt4 use without functor!") if the function is empty.
     void execute();

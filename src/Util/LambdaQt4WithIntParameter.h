@@ -35,8 +35,8 @@ public:
     {}
 
 public Q_SLOTS:
-    /// Calls the function that was passed to the constructor. Its arguments are the sender of the signal and
-    /// \a inputParam. The sender is null if this slot is called directly. Exceptions that the function throws are not
+    /// Calls the function that was passed to the constructor. Passes the sender of the signal and \a inputParam to the
+    /// function. The sender is null if this slot is called directly. Exceptions that the function throws are not
     /// caught.
     ///
     /// Throws `std::logic_error` ("LambdaQt4WithIntParameter use without functor!") if the function is empty.

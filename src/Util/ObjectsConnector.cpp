@@ -21,8 +21,8 @@ std::map<QString, std::map<std::string, ObjectsConnector::Entries>> ObjectsConne
 namespace
 {
 
-/// Becomes false before m_metaCollector is destroyed at exit. A registered object can be destroyed later than
-/// m_metaCollector, and its destruction must not use m_metaCollector.
+/// Becomes false before the registry m_metaCollector is destroyed at exit. A registered object that is destroyed later
+/// must not access the registry.
 bool registryExists = true;
 
 struct RegistryEnd
@@ -51,9 +51,9 @@ std::string Coded(char code, QString const& signature)
 /// Iterates over a list of registered emitters or receivers. The iteration uses a copy of the list, because the list
 /// can change while the iteration is running.
 ///
-/// QObject::connect() calls the virtual function connectNotify() of the sender. An override can register, unregister
-/// and destroy objects while an iteration is running. Therefore, when a registered object is destroyed, a handler of
-/// its destroyed() signal removes the object from all running iterations.
+/// QObject::connect() calls the virtual function connectNotify() of the sender. An override of connectNotify() can
+/// register, unregister and destroy objects while an iteration is running. When a registered object is destroyed, a
+/// handler of its destroyed() signal therefore removes the object from all running iterations.
 ///
 /// QPointer cannot be used instead. In Qt 5, a QPointer must not be created for an object whose destroyed() signal is
 /// being delivered, because Qt would read freed memory.

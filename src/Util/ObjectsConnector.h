@@ -18,9 +18,9 @@ namespace Zelkor
 namespace Util
 {
 
-/// For each ID, ObjectsConnector stores a list of emitters under this key.
+/// The key of a list of emitters in the private registry of ObjectsConnector. Each shared name has its own list.
 extern ZQTUTIL_EXPORT std::string const TYPE_SIGNAL;
-/// For each ID, ObjectsConnector stores a list of receivers under this key.
+/// The key of a list of receivers in the private registry of ObjectsConnector. Each shared name has its own list.
 extern ZQTUTIL_EXPORT std::string const TYPE_SLOT;
 
 /// Connects signals to slots by a shared name, the ID. An emitter is an object that is registered with one of its
@@ -91,7 +91,7 @@ public:
     Q_INVOKABLE static void unregisterEmitter(QString const& ID, QObject* sender, QString const& signal);
 
 private:
-    // Kept Q_INVOKABLE for compatibility: applications may call this private function through the meta-object.
+    // This private function must be Q_INVOKABLE, because applications may call it through the meta-object.
     Q_INVOKABLE static void registerMetaType(QString const& ID, std::string const& metaType,
                                              std::pair<QObject const*, std::string const> const& metaPair);
 

@@ -15,9 +15,9 @@
 // Qt does not call a message handler recursively. If a filter or the previous handler logs a Qt message, Qt writes that
 // message to the standard error stream instead. Therefore, this handler needs no protection against recursion.
 //
-// The handler is a function-local static object, so it is destroyed at exit. Qt or another message handler can call
-// StaticHandler() afterwards. StaticHandler() then passes messages to the previous handler, which is stored in
-// g_fallbackHandler.
+// The handler is a function-local static object, so it is destroyed at exit. StaticHandler() is the function that the
+// handler installs in Qt. Qt or another message handler can call StaticHandler() even after the handler has been
+// destroyed. StaticHandler() then passes messages to the previous handler, which is stored in g_fallbackHandler.
 
 namespace Zelkor::Util
 {

@@ -69,8 +69,8 @@ public:
     QtLogHandler(QtLogHandler const&) = delete;
     QtLogHandler& operator=(QtLogHandler const&) = delete;
 
-    /// Installs this handler and stores the message handler that it replaces. Does nothing if this handler is already
-    /// installed. Filters and settings remain unchanged.
+    /// Installs this handler and stores the previous message handler. Does nothing if this handler is already
+    /// installed. Does not change the filters and settings.
     void Install();
 
     /// Restores the message handler that Install() replaced. Does nothing if this handler is not installed.

@@ -21,8 +21,8 @@ namespace Util
 /// Zelkor--Util--StyledPalette { qproperty-linksColor: #2a6fdb; qproperty-paletteLight: white; }
 /// \endcode
 ///
-/// The colours are stored in the application palette only. All instances therefore have the same colours, and the
-/// colours remain set after the widget is destroyed. GUI thread.
+/// The colours are stored in the application palette only. Therefore, all instances have the same colours. The
+/// destruction of an instance does not reset the colours. GUI thread.
 class ZQTUTIL_EXPORT StyledPalette : public QWidget
 {
     Q_OBJECT

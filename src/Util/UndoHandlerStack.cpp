@@ -36,8 +36,8 @@ QUndoStack* UndoHandlerStack::pop()
         return nullptr;
     }
     QUndoStack* const popped = stacks_.pop();
-    // Activate the next stack first. If the popped stack were still active, removeStack() would first make no stack
-    // active and emit the signals for this state.
+    // Activate the next stack before removing the popped stack. Otherwise, removeStack() would deactivate the popped
+    // stack and emit signals for a state in which no stack is active.
     group_->setActiveStack(stacks_.isEmpty() ? nullptr : stacks_.top());
     group_->removeStack(popped);
     return popped;

@@ -88,8 +88,8 @@ ValidationInputDialog::ValidationInputDialog(QString const& title, QString const
 
 ValidationInputDialog::~ValidationInputDialog()
 {
-    // The line edit can still emit textChanged() during ~QDialog(). It must not call checkInput() then, because the
-    // check functions have already been destroyed.
+    // The line edit can still emit textChanged() during ~QDialog(). At that time, the check functions have already been
+    // destroyed, so the signal must not call checkInput().
     disconnect(ui_->lineEdit, nullptr, this, nullptr);
 }
 

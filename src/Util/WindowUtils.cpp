@@ -22,8 +22,8 @@ int RoundedMiddle(int first, int last)
     return static_cast<int>(std::lround((static_cast<double>(first) + last) * 0.5));
 }
 
-/// Returns the centre of \a rect, rounded toward zero. RoundedMiddle() is deliberately not used: window positions have
-/// always been rounded toward zero.
+/// Returns the centre of \a rect, rounded toward zero. RoundedMiddle() cannot be used here, because it rounds half
+/// pixels away from zero. Rounding toward zero is required behaviour for window positions.
 QPoint MiddleOf(QRect const& rect)
 {
     return {(rect.left() + rect.right()) / 2, (rect.top() + rect.bottom()) / 2};

@@ -49,7 +49,7 @@ private:
 
 } // namespace LayoutHelpers
 
-/// A frame for a part of a dialog. Because it is a separate class, style sheets can select these frames by their class.
+/// A frame for a part of a dialog. Style sheets can select the frame by its class.
 class ZQTUTIL_EXPORT MFrame : public QFrame
 {
     Q_OBJECT
@@ -73,10 +73,10 @@ public:
     /// Creates an empty layout.
     ///
     /// \param direction  the direction in which items are placed
-    /// \param parent     the widget on which the layout is installed; it owns the layout and may be null
+    /// \param parent     the widget that uses and owns the layout; may be null
     explicit MBoxLayout(Direction direction, QWidget* parent = nullptr);
 
-    /// Appends \a items in their order.
+    /// Appends \a items in the given order.
     void addItems(std::initializer_list<LayoutHelpers::BoxItem> items);
 
     /// Appends the child widgets of the layout's parent widget, in the order of QObject::children().

@@ -46,8 +46,8 @@ ZQTUTIL_EXPORT QWidget* createSpacer(QWidget* parent, QString const& name);
 /// The filter updates the layout when a child, for example a button, is added or removed, and when the font, style or
 /// layout direction of \a container changes. Without the filter, Qt updates the layout in only some of these cases.
 ///
-/// The filter does not set margins or spacings. A margin or spacing that the caller does not set comes from the
-/// platform's style. When the style changes, the layout uses the values of the new style.
+/// The filter does not set margins or spacings. If the caller has not set them, the layout uses the values of the
+/// current style.
 ///
 /// \a container owns the filter. A second call for the same container has no effect. A null \a container is ignored.
 ZQTUTIL_EXPORT void installLayoutController(QWidget* container);

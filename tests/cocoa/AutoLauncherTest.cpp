@@ -191,7 +191,7 @@ private Q_SLOTS:
         helper_ = bundles_->MakeStudio();
         TestBed::AddLoginItem(helper_);
         // The first call adds a duplicate, because the launcher has not read the existing login items yet. The
-        // first call then reads them, so the second call adds nothing.
+        // launcher then reads them, so the second call adds nothing.
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
         QVERIFY(launcher_->AddToStartup(Identifier, Executable, {}));

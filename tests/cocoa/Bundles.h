@@ -9,8 +9,8 @@
 namespace Zelkor::Testing
 {
 
-/// A temporary folder that contains application bundles. The bundles are folders on the disk, and their property lists
-/// are files.
+/// Creates application bundles in a temporary folder. Each bundle is a real folder. The property list of a bundle is
+/// the file Contents/Info.plist in its folder.
 class Bundles
 {
 public:

@@ -237,7 +237,8 @@ private Q_SLOTS:
         QVERIFY(startup_->AddToLoginItems(Identifier)); // adds nothing: the helper is already a login item
         QCOMPARE(TestBed::LoginItemUrls().size(), 2);
 
-        QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other"))); // the library accepts the suffix ".APP"
+        // The name of this bundle's folder is "Another.APP". The library ignores the case of the suffix.
+        QVERIFY(startup_->AddToLoginItems(QStringLiteral("a_b_c_Other")));
         QCOMPARE(TestBed::LoginItemUrls().size(), 3);
         QCOMPARE(TestBed::LiveObjects(), 0);
     }

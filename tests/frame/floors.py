@@ -43,7 +43,7 @@ def own_includes(path):
 
 
 def implements(name, header):
-    """Returns True if the source implements the header, as AutoLauncherImpl.cpp implements Util/AutoLauncher.h."""
+    """Returns True if the source implements the header, for example AutoLauncherImpl.cpp and Util/AutoLauncher.h."""
     return pathlib.PurePath(name).stem.startswith(pathlib.PurePath(header).stem)
 
 

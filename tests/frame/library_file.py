@@ -1,5 +1,11 @@
-"""Checks that the built library file exports exactly the listed symbols, runs the expected number of functions when it
-is loaded, and contains no path of the build machine. With --write, rewrites the list of exported symbols instead."""
+"""Checks the built library file:
+
+- It exports exactly the symbols in exported-symbols.txt.
+- It runs the expected number of functions when it is loaded.
+- It does not contain the path of the source folder.
+
+With --write, updates exported-symbols.txt instead.
+"""
 
 import argparse
 import pathlib

@@ -1,5 +1,5 @@
-"""Checks that the translation catalogues contain exactly the texts of the sources, all of them translated. With
---write, updates the catalogues instead."""
+"""Checks that the translation catalogues contain exactly the texts of the sources, and that each text is translated.
+With --write, updates the catalogues instead."""
 
 import argparse
 import pathlib

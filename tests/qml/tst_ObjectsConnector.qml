@@ -176,7 +176,8 @@ ModuleTestCase {
         emitter.clicked()
         compare(receiver.toggled, 0)
 
-        // One of the two objects is still registered. It must be connected to the new objects.
+        // Only one of `emitter` and `receiver` was unregistered. The other object must still be connected to the new
+        // objects.
         const newEmitter = create(emitterComponent)
         const newReceiver = create(receiverComponent)
         ObjectsConnector.registerEmitter("light", newEmitter, "clicked()")

@@ -22,7 +22,7 @@ struct ProgrammingError
 /// Calls \a call. Returns the parts of the exception that \a call throws, or a ProgrammingError with empty strings if
 /// \a call throws nothing.
 ///
-/// Exceptions of other classes than \a Error, and exceptions without a source location, propagate to the caller.
+/// Exceptions of classes other than \a Error, and exceptions without a source location, propagate to the caller.
 template <class Error, class Call>
 ProgrammingError CatchProgrammingError(Call const& call)
 {

@@ -4,11 +4,14 @@
 //
 // A personality function selects the exception handler during stack unwinding. This file overrides the personality
 // function of the Objective-C runtime. The override calls the C++ personality function in two cases:
-// - The exception is a C++ exception, and no handler is for an Objective-C class.
-// - The exception is an Objective-C exception. There are handlers for C++ types, but none for an Objective-C class.
-// In all other cases, the override calls the original function of the Objective-C runtime. As a result:
-// - a C++ exception is caught by C++ handlers, catch (...), @catch (...) and @finally, but not by @catch (SomeClass*);
-// - an NSException is caught by catch (...), but not by typed C++ handlers.
+// - The exception is a C++ exception. There are no handlers for Objective-C classes.
+// - The exception is an Objective-C exception. There are handlers for C++ types, but none for Objective-C classes.
+// In all other cases, the override calls the original function of the Objective-C runtime.
+//
+// As a result, the handlers behave as follows:
+// - Handlers for C++ types, catch (...) and @catch (...) catch a C++ exception, and @finally blocks run.
+// - @catch (SomeClass*) does not catch a C++ exception.
+// - catch (...) catches an NSException, but handlers for C++ types do not.
 
 #include <cstdint>
 #include <cstring>
@@ -140,8 +143,8 @@ struct DerivedTwice : Base, Other
 {};
 enum Enumeration { Enumerator };
 
-/// Returns true if the handler type \a type is a C++ type. For a C++ type, \a type points to a std::type_info object.
-/// This object starts with a vtable pointer. For an Objective-C class, \a type points to the class name.
+/// Returns true if an exception handler catches a C++ type. For a C++ type, \a type is the address of a std::type_info
+/// object, which starts with a vtable pointer. For an Objective-C class, \a type is the address of the class name.
 bool IsCppType(std::uintptr_t type)
 {
     auto const tableOf = [](std::type_info const& info) { return *reinterpret_cast<void const* const*>(&info); };
@@ -188,8 +191,8 @@ Handlers HandlersOf(std::uint8_t const* actions, std::uint8_t const* types, std:
     }
 }
 
-/// Returns the kinds of exception handlers in the try blocks around the call that the exception leaves. Ignores
-/// catch (...). \a context is the stack frame of the function that contains these try blocks.
+/// Returns the kinds of exception handlers in the try blocks that surround the current call in the stack frame
+/// \a context. Ignores catch (...).
 Handlers HandlersAtCall(_Unwind_Context* context)
 {
     auto const table = reinterpret_cast<std::uint8_t const*>(_Unwind_GetLanguageSpecificData(context));
@@ -227,8 +230,8 @@ Handlers HandlersAtCall(_Unwind_Context* context)
     return {};
 }
 
-/// Returns true if \a type is the class of a C++ exception. The class of a C++ exception consists of the characters
-/// "GNUCC++" and a version byte. The class of an Objective-C exception consists of the characters "GNUCOBJC".
+/// Returns true if \a type denotes a C++ exception. The number \a type consists of eight characters: "GNUCC++" and a
+/// version byte for a C++ exception, or "GNUCOBJC" for an Objective-C exception.
 bool IsCppException(_Unwind_Exception_Class type)
 {
     return type >> 8 == 0x474e5543432b2b;

@@ -19,12 +19,12 @@ add_compile_options("SHELL:-include ${CMAKE_CURRENT_LIST_DIR}/prefix.h")
 foreach(flag IN LISTS gnustep_flags)
     add_compile_options("$<$<COMPILE_LANGUAGE:OBJCXX>:${flag}>")
 endforeach()
-# Use the libobjc headers that come with GCC.
+# Use GCC's headers of libobjc.
 file(GLOB objc_headers /usr/lib/gcc/*/*/include/objc)
 list(GET objc_headers -1 objc_headers)
 file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/objc-headers")
 file(CREATE_LINK "${objc_headers}" "${CMAKE_BINARY_DIR}/objc-headers/objc" SYMBOLIC)
-# -Werror=objc-method-access: treat unknown selectors as errors, as Apple's compiler does.
+# Compile with blocks and with GCC's Objective-C runtime. Treat unknown selectors as errors, as Apple's compiler does.
 foreach(flag -fblocks -fobjc-runtime=gcc -Werror=objc-method-access
     "SHELL:-isystem ${CMAKE_BINARY_DIR}/objc-headers" "SHELL:-isystem /usr/include/GNUstep")
     string(REPLACE "SHELL:" "" bare "${flag}")

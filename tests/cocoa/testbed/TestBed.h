@@ -1,6 +1,6 @@
 #pragma once
 
-// Functions with which tests set and read the state of the simulated macOS system. This header is plain C++, so that
+// Tests use these functions to set and read the state of the simulated macOS system. This header is plain C++, so that
 // every test can include it.
 
 #include <QtCore/QList>
@@ -10,8 +10,8 @@
 namespace Zelkor::TestBed
 {
 
-/// Restores the initial state: the system version is 10.13.6, no calls fail, and neither a main bundle nor a folder of
-/// fake programs is set. There are no login items and no recorded requests.
+/// Restores the initial state. The system version is 10.13.6, and no calls fail. No main bundle and no folder of fake
+/// programs are set. There are no login items and no recorded requests.
 void Reset();
 
 // --- Core Foundation
@@ -53,7 +53,7 @@ QStringList LoginItemUrls();
 
 // --- The workspace
 
-/// Returns the URLs that the workspace was requested to open, in the order of the requests.
+/// Returns the URLs that were passed to -[NSWorkspace openURL:], in the order of the calls.
 QStringList OpenedUrls();
 
 /// Returns one list for each request to show files in the file viewer, in the order of the requests. Each list contains

@@ -9,7 +9,7 @@ QT_END_NAMESPACE
 namespace Zelkor::Testing
 {
 
-/// Adds to \a container a child object that is not in the layout of \a container. Returns true if \a container then
+/// Adds a child object to \a container, but not to the layout of \a container. Returns true if \a container then
 /// receives an event of type QEvent::LayoutRequest. The result is false for plain Qt widgets, and true for containers
 /// with a LayoutController.
 bool RequestsLayoutForNewChild(QWidget& container);

@@ -10,7 +10,7 @@
 namespace Zelkor::Testing
 {
 
-/// Qt's Fusion style that also records every call of polish(QWidget*) and unpolish(QWidget*).
+/// Forwards all calls to Qt's Fusion style. Records every call of polish(QWidget*) and unpolish(QWidget*).
 class RecordingStyle : public QProxyStyle
 {
 public:
@@ -51,8 +51,8 @@ bool operator==(RecordingStyle::Call const& a, RecordingStyle::Call const& b);
 /// Formats \a calls for the failure messages of QCOMPARE. QtTest deletes the returned string.
 char* toString(RecordingStyle::Calls const& calls);
 
-/// Returns the two calls that RecordingStyle records when \a widget is polished again: unpolish(), then polish(). In
-/// both records, the property values are \a values.
+/// Returns the two calls that RecordingStyle records when \a widget is polished again: unpolish(), then polish(). Both
+/// calls contain the property values \a values.
 RecordingStyle::Calls Repolishing(QWidget const* widget, QStringList const& values = {});
 
 } // namespace Zelkor::Testing

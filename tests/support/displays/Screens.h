@@ -10,8 +10,8 @@ namespace Zelkor::Testing
 /// the X server of the tests has several screens.
 QVector<QRect> ScreenGeometries();
 
-/// Adds the column "screen" of type QRect to the current test data, and one row for each screen with the geometry of
-/// that screen.
+/// Adds the column "screen" of type QRect to the current test data. Adds one row for each screen. The row contains the
+/// geometry of the screen.
 void AddScreenRows();
 
 } // namespace Zelkor::Testing

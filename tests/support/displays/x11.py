@@ -39,7 +39,7 @@ WINDOW_MANAGER_SETTINGS = """<?xml version="1.0"?>
 
 
 def die_with_parent():
-    """Called in a child process before its program starts. Lets the kernel kill the child when this script is killed."""
+    """Makes the kernel kill the calling process when this script exits. Used as preexec_fn of child processes."""
     set_parent_death_signal = 1
     ctypes.CDLL(None).prctl(set_parent_death_signal, signal.SIGKILL)
 
@@ -128,7 +128,7 @@ def start_window_manager(folder, environment):
 
 
 def wait_for_window_manager(manager, environment):
-    """Waits until the window manager has set the two properties of the root window that show that it is ready."""
+    """Waits until the window manager is ready. It is ready when the root window has the two properties below."""
     end = time.monotonic() + TIMEOUT
     while time.monotonic() < end:
         output = run_tool(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK", "_NET_CLIENT_LIST"], environment)
@@ -172,7 +172,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("command", nargs="+", help="after --")
     arguments = parser.parse_args()
-    # Raise an exception on SIGTERM. The exception makes Python leave the "with" blocks of run(), terminate the started
+    # Raise an exception on SIGTERM. Python then leaves the "with" blocks of run(). These blocks terminate the started
     # programs and remove the temporary folder. The default action of SIGTERM would skip this clean-up.
     signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
     sys.exit(run(arguments.command))

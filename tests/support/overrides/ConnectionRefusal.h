@@ -30,7 +30,7 @@ public:
     ~ConnectionRefusal();
     Q_DISABLE_COPY_MOVE(ConnectionRefusal)
 
-    /// If the calling thread has a ConnectionRefusal, adds \a request to the \c requests of this ConnectionRefusal.
+    /// Adds \a request to the member \c requests of the calling thread's ConnectionRefusal, if the thread has one.
     /// Returns true if QObject::connect() must forward the call to Qt. Returns false if QObject::connect() must fail.
     static bool Allows(ConnectionRequest const& request);
 

@@ -55,7 +55,7 @@ int FixedClock::ReadCount() const
 
 extern "C" {
 
-// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
+// The C library's declaration uses reserved identifiers as parameter names. This definition uses other names.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
 {
@@ -69,7 +69,7 @@ Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
     return 0;
 }
 
-// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
+// The C library's declaration uses reserved identifiers as parameter names. This definition uses other names.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
 {

@@ -33,7 +33,7 @@ FixedVolume::~FixedVolume()
 
 } // namespace Zelkor::Testing
 
-// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
+// The C library's declaration uses reserved identifiers as parameter names. This definition uses other names.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT int statvfs(char const* path, struct statvfs* volume) noexcept
 {

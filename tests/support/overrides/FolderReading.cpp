@@ -1,5 +1,4 @@
-// Replaces readdir(). With a real file system, a test could not make readdir() fail, or make it report the type
-// DT_UNKNOWN for an entry.
+// Replaces readdir(), because a test cannot make the original function fail or report the type DT_UNKNOWN.
 
 #include <support/overrides/FolderReading.h>
 
@@ -77,7 +76,7 @@ int UnreadableFolder::Count() const
 
 } // namespace Zelkor::Testing
 
-// The parameter names differ from those in the C library's declaration, which are reserved identifiers.
+// The C library's declaration uses reserved identifiers as parameter names. This definition uses other names.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
 {

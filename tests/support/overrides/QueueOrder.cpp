@@ -1,5 +1,5 @@
-// Replaces QThread::wait() in builds with the thread sanitizer, to inform the thread sanitizer that a thread has
-// finished. Qt offers no hook for this purpose, and a suppression would hide real data races.
+// Replaces QThread::wait() in builds with the thread sanitizer. The replacement informs the thread sanitizer that a
+// thread has finished. Qt offers no hook for this purpose. A suppression would hide real data races.
 
 #include <support/overrides/QueueOrder.h>
 
@@ -22,8 +22,8 @@
 
 #include <sanitizer/tsan_interface.h>
 
-// The following class and function are declared in Qt's private header qobject_p.h. QtCore exports the function because
-// QtTest uses it.
+// The following struct and function are declared in Qt's private header qobject_p.h. QtCore exports the function
+// because QtTest uses it.
 struct QSignalSpyCallbackSet
 {
     using BeginCallback = void (*)(QObject* caller, int index, void** arguments);
@@ -55,8 +55,8 @@ bool BeforeDelivery(void** data)
 
 } // namespace
 
-// A finishing thread emits QThread::finished(), and BeforeEmission() calls __tsan_release() for the QThread object. The
-// matching call of __tsan_acquire() is in this function.
+// Calls __tsan_acquire() for a thread that has finished. The matching call of __tsan_release() is in BeforeEmission(),
+// which runs when the thread emits QThread::finished().
 bool QThread::wait(QDeadlineTimer deadline)
 {
     static auto const next =

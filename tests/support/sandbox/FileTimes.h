@@ -1,6 +1,6 @@
 #pragma once
 
-// Reads the system's clock and sets the modification times of files and folders.
+// Functions that read the system's clock and set the modification times of files and folders.
 
 #include <ctime>
 #include <string>
@@ -20,8 +20,9 @@ Milliseconds Now();
 /// Returns \a time plus \a nanoseconds as a timespec.
 timespec ToTimespec(Milliseconds time, long nanoseconds);
 
-/// Sets the modification time of a file, folder or link. For a link, changes the link itself and not its target.
-/// \a folder is a file descriptor of a folder, and \a name is a path relative to this folder.
+/// Sets the modification time of a file, folder or link. For a link, changes the link itself and not its target. In
+/// SetTimeAt(), \a folder is a file descriptor of a folder, and \a name is a path relative to this folder. SetTime()
+/// adds \a nanoseconds to \a time.
 void SetTimeAt(int folder, char const* name, Milliseconds time);
 void SetTime(std::string const& path, Milliseconds time, long nanoseconds = 0);
 

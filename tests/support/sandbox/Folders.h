@@ -1,7 +1,7 @@
 #pragma once
 
-// Creates and lists files, folders and links with system calls. All functions throw std::system_error on failure unless
-// stated otherwise. Paths are in the encoding of the file system.
+// Functions that create and list files, folders and links with system calls. All functions throw std::system_error on
+// failure unless stated otherwise. Paths are in the encoding of the file system.
 
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayList>
@@ -37,8 +37,8 @@ private:
     int number_;
 };
 
-/// Creates a file with the content "content". \a folder is a file descriptor of a folder, and \a name is a path
-/// relative to this folder.
+/// Creates a file with the content "content". In MakeFileAt(), \a folder is a file descriptor of a folder, and \a name
+/// is a path relative to this folder.
 void MakeFileAt(int folder, char const* name);
 void MakeFile(std::string const& path);
 

@@ -24,8 +24,7 @@ void EnterMountNamespace()
     std::string const userMap = "0 " + std::to_string(geteuid()) + " 1";
     std::string const groupMap = "0 " + std::to_string(getegid()) + " 1";
     if (unshare(CLONE_NEWNS) != 0) {
-        // A container may forbid the creation of a mount namespace, but allow the creation of a mount namespace
-        // together with a user namespace.
+        // Some containers allow a new mount namespace only together with a new user namespace.
         Check(unshare(CLONE_NEWUSER | CLONE_NEWNS));
         WriteToExistingFile("/proc/self/setgroups", "deny");
         WriteToExistingFile("/proc/self/uid_map", userMap);

@@ -33,7 +33,7 @@ constexpr gid_t TheirGroup = 2002;
 /// If this process runs as root, RunAsOrdinaryUser() uses this number as the user ID and as the group ID.
 constexpr uid_t Nobody = 65534;
 
-/// Sets the user and the groups of this process to the user and the groups in \a identity. Requires root.
+/// Applies \a identity to this process: sets its user IDs, group IDs and supplementary groups. Requires root.
 void BecomeUser(Identity const& identity);
 
 /// If this process runs as root, changes its user and its group to Nobody. Otherwise does nothing.

@@ -71,7 +71,8 @@ std::pair<std::string, std::string> TextAndStackOfNamedFunction()
 namespace
 {
 
-/// Returns the lines of the call stack \a text after the line for TextAndStackOfNamedFunction(), without frame numbers.
+/// Returns the lines of the call stack \a text that follow the line for TextAndStackOfNamedFunction(). Removes the
+/// frame numbers from these lines.
 QStringList OuterFrames(std::string const& text)
 {
     QStringList lines = QString::fromStdString(text).split(QLatin1Char('\n'), Qt::SkipEmptyParts);

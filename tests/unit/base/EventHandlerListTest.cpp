@@ -42,8 +42,8 @@ static_assert(!std::is_copy_constructible_v<List> && !std::is_copy_assignable_v<
 static_assert(!std::is_move_constructible_v<List> && !std::is_move_assignable_v<List>);
 static_assert(!std::is_final_v<List>);
 
-/// A class that inherits EventPublisher virtually. The static_assert below fails if List does not inherit
-/// EventPublisher virtually too.
+/// A class that inherits EventPublisher virtually. The static_assert below requires that List also inherits
+/// EventPublisher virtually.
 struct AnotherPublisher : virtual EventPublisher<Handler>
 {};
 

@@ -227,8 +227,7 @@ private Q_SLOTS:
         fs::create_directory(readOnly);
         ioPath const file = makeFile("read-only/file");
         grantAccessToEveryone(readOnly);
-        // Remove the write permission of the owner too: RunAsOrdinaryUser() may run the function as the owner of the
-        // folder.
+        // Remove the owner's write permission: RunAsOrdinaryUser() may run the lambda as the owner of the folder.
         fs::permissions(readOnly, fs::remove_perms | fs::owner_write);
         QByteArray const outcome = RunAsOrdinaryUser([&file]() -> QByteArray {
             if (!FileExists(file)) {

@@ -18,7 +18,7 @@ class ExclusiveClientReentryTest : public Zelkor::Testing::ExclusiveClientTestCa
     Q_OBJECT
 
 private Q_SLOTS:
-    // Slots that destroy or change clients and services
+    // Tests with slots that destroy or change clients and services
 
     void mayBeDestroyedInAcquired()
     {
@@ -534,7 +534,7 @@ private Q_SLOTS:
         QVERIFY_EXCEPTION_THROWN(a_->use(), std::logic_error);
     }
 
-    // Slots that throw
+    // Tests with slots that throw exceptions
 
     void reactsAgainAfterAThrowInIntercepted()
     {

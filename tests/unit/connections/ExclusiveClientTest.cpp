@@ -30,7 +30,7 @@ class ExclusiveClientTest : public Zelkor::Testing::ExclusiveClientTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    // The public interface of ExclusiveClient
+    // Tests of the public interface of ExclusiveClient
 
     void hasItsNameAndBase()
     {
@@ -110,7 +110,7 @@ private Q_SLOTS:
         QCOMPARE(service_->currentClient(), nullptr);
     }
 
-    // Clients that use the service
+    // Tests of clients that use the service
 
     void takesAFreeService()
     {
@@ -513,15 +513,15 @@ private Q_SLOTS:
         QCOMPARE(callsForClient, 1);
         QCOMPARE(callsForOthers, 1);
 
-        // setService() disconnects all slots whose context object is the client. Then it releases the service, and
-        // clientChanged() calls only the other slot.
+        // setService() first disconnects all slots whose context object is the client. Then it releases the service.
+        // Therefore, clientChanged() calls only the slot whose context object is `this`.
         a_->setService(nullptr);
 
         QCOMPARE(callsForClient, 1);
         QCOMPARE(callsForOthers, 2);
     }
 
-    // The state of the clients while a slot runs
+    // Tests of the state of the clients while a slot runs
 
     void nobodyIsInUseInsideIntercepted()
     {
@@ -577,7 +577,7 @@ private Q_SLOTS:
         QCOMPARE(inUse, QByteArrayList());
     }
 
-    // In these tests, Announce() directly calls the client's slot for the signal clientAboutToBeChanged(). The slot
+    // In the tests below, Announce() directly calls the client's slot for the signal clientAboutToBeChanged(). The slot
     // must use only its arguments (the old and the new client), not the current client of the service.
 
     void isInterceptedByAnAnnouncementFromItselfToAnother()
@@ -656,7 +656,7 @@ private Q_SLOTS:
         QCOMPARE(log_, QByteArrayList());
     }
 
-    // Clients without a service
+    // Tests of clients without a service
 
     void isNotInUseWithoutAService()
     {

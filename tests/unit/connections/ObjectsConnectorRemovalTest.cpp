@@ -37,8 +37,8 @@ void RegisterObjectDestroyedLast()
     });
 }
 
-// At exit, this function runs before the destructors of the libraries' static objects. The exit handler that it
-// registers runs after these destructors.
+// At exit, this function runs before the destructors of the libraries' static objects. It registers an exit handler,
+// which runs after these destructors and deletes lastObject.
 [[gnu::destructor]] void DestroyLastObjectAtExit()
 {
     if (lastObject) {

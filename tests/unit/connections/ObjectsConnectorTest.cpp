@@ -469,8 +469,8 @@ private Q_SLOTS:
         }
     }
 
-    // Qt logs one warning for each failed attempt to connect a signal. The warnings show that the emitters and
-    // receivers are registered.
+    // ObjectsConnector attempts to connect each registered emitter to each registered receiver. Qt logs one warning for
+    // each failed attempt. The warnings therefore prove that the objects are registered.
     void recordsPairsThatQtDoesNotConnect()
     {
         QFETCH(RejectedPair, pair);

@@ -31,8 +31,7 @@ using Zelkor::Util::QtLogHandler;
 namespace
 {
 
-// --- Functions that run in child processes. PrintingSink prints each log record. The message handlers print each Qt
-// message that they receive.
+// --- Functions and classes that are used in child processes
 
 /// Prints \a text as a line. The output is not buffered, so the line is printed even if the process crashes afterwards.
 void PrintLine(std::string const& text)

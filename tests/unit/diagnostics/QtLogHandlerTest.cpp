@@ -56,8 +56,9 @@ struct Message
     QString text;
 };
 
-// QtLogHandler is a singleton and filters cannot be removed, so all tests share the previous handler and the filters.
-// This structure records their calls. It also contains callbacks that they run. Each test can set these callbacks.
+// QtLogHandler is a singleton and filters cannot be removed. Therefore, all tests share the previous handler and the
+// filters. This structure records the calls of the handler and of the filters. It also contains the callbacks that the
+// handler and the filters run. Each test can set these callbacks.
 struct SharedState
 {
     std::mutex guard;

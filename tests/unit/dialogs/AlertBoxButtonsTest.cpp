@@ -21,7 +21,7 @@ Q_DECLARE_METATYPE(QMessageBox::ButtonRole)
 namespace
 {
 
-/// Records the names of the dynamic properties of an object in the order of their changes.
+/// Records the name of each dynamic property of an object that changes, in the order of the changes.
 class PropertyLog : public QObject
 {
 public:

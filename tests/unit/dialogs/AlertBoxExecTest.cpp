@@ -83,8 +83,8 @@ void Click(QAbstractButton* button)
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-/// Throws a TestException when a widget of a visible alert box receives the focus. This happens before the event loop
-/// of the box starts. Qt does not support exceptions that propagate through an event loop.
+/// Throws a TestException when a widget of a visible alert box receives the focus, before the event loop of the box
+/// starts. A later exception would propagate through the event loop, which Qt does not support.
 class ThrowsWhenFocused : public QObject
 {
 public:

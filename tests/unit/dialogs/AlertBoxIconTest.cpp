@@ -157,7 +157,8 @@ public:
 
     Q_DISABLE_COPY_MOVE(RecordingApplicationStyle)
 
-    /// Returns true if the style has unpolished the text label of a message box. Only Repolish() does this.
+    /// Returns true if the style has unpolished the text label of a message box. Only AlertBox::Repolish() unpolishes
+    /// this label.
     bool HasRepolishedABox() const
     {
         auto const& calls = style_->calls;
@@ -329,7 +330,8 @@ private Q_SLOTS:
     {
         auto const box = CreateBox(AlertBox::Error);
         box->UpdateDefaultIcon();
-        // QMessageBox replaces its layout when an icon is set. If the layout stays the same, no icon has been set.
+        // QMessageBox replaces its layout when an icon is set. The second call of UpdateDefaultIcon() must keep the
+        // layout.
         QPointer<QLayout> const grid(box->layout());
         box->UpdateDefaultIcon();
         QVERIFY(!grid.isNull());
@@ -368,7 +370,7 @@ private Q_SLOTS:
     {
         RecordingStyle boxStyle;
         RecordingStyle labelStyle;
-        // Do not set a style sheet on this box: Qt would wrap the style of the box in a QStyleSheetStyle.
+        // Do not set a style sheet on this box: box.style() would then return a QStyleSheetStyle instead of boxStyle.
         AlertBox box;
         QLabel label(&box);
         label.setStyle(&labelStyle);
@@ -402,8 +404,8 @@ private Q_SLOTS:
         box->setStyle(&style);
         style.calls.clear();
 
-        // QMessageBox deletes its old layout when the icon is set. The lambda below therefore runs while the icon is
-        // set.
+        // QMessageBox deletes its old layout when it receives an icon. The lambda below therefore runs at the moment
+        // when PrepareToShow() sets the icon.
         int callsBeforeIcon = -1;
         bool hadPropertiesBeforeIcon = false;
         connect(box->layout(), &QObject::destroyed, this, [&] {

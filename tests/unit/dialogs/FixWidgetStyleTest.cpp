@@ -34,8 +34,7 @@ Q_DECLARE_METATYPE(QDialogButtonBox::StandardButton)
 namespace
 {
 
-/// Records the objects whose property "roundedEdges" changes, in the order of the changes. The event filter is
-/// installed on the whole application.
+/// Records all objects whose property "roundedEdges" changes, in the order of the changes.
 class RoundedEdgesOrder : public QObject
 {
 public:
@@ -560,8 +559,8 @@ private Q_SLOTS:
         QCOMPARE(style.CallsFor(restore), restoreCalls + restoreCalls);
         QCOMPARE(style.CallsFor(cancel), Repolishing(cancel, {QStringLiteral("cancelButton"), QString()}));
         QCOMPARE(style.CallsFor(custom), Repolishing(custom, {QStringLiteral("custom"), QString()}));
-        // Only `ok` and `restore` get a style hint. Both are repolished for their hint before any button is repolished
-        // again.
+        // Apply() sets a style hint on `ok` and `restore`, and repolishes these two buttons. Afterwards, it repolishes
+        // all buttons.
         QCOMPARE(style.calls.mid(0, 4), okCalls + restoreCalls);
     }
 

@@ -29,8 +29,7 @@ static_assert(!std::is_copy_constructible_v<ValidationInputDialog> && !std::is_f
 namespace
 {
 
-/// Records the strings of the translation context "ValidationInputDialog" for which Qt requests a translation. The
-/// constructor installs the translator, and the destructor removes it.
+/// Records each string that is looked up in the translation context "ValidationInputDialog".
 class RecordingTranslator : public QTranslator
 {
 public:

@@ -265,8 +265,8 @@ void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt()
 void FileUtilsAccessTest::removesTheTemporaryFileInAFolderWithAnyName()
 {
     QFETCH(QByteArray, name);
-    // In one row, the name is not valid UTF-8, and a QString cannot represent it. Convert the name to a QString and
-    // back, to get a name that a QString can represent.
+    // In one data row, the name is not valid UTF-8, and a QString cannot represent it. Convert the name to a QString
+    // and back, to get a name that a QString can represent.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name));
     MakeFolder(At(encoded.left(255).toStdString()));
     int const descriptors = CountOpenDescriptors();

@@ -38,7 +38,8 @@ static_assert(std::is_same_v<decltype(&ExploreSingleFile), bool (*)(QString cons
 namespace
 {
 
-/// Runs the current data row in a new process and returns true. In the new process, returns false.
+/// Runs the current data row in a new process, waits for this process, and returns true. When the new process calls
+/// this function, it returns false.
 ///
 /// QtDBus connects to the session bus only once per process, but each data row needs its own session bus.
 bool RanInSeparateProcess()
@@ -315,7 +316,7 @@ private Q_SLOTS:
 private:
     static void CallRows();
 
-    /// Verifies that \a call is a call of \a method in the D-Bus interface of file managers, with an empty start-up ID.
+    /// Verifies that \a call invoked \a method of the D-Bus interface of file managers, with an empty start-up ID.
     static void VerifyCall(FileManager::Call const& call, QString const& method);
 
     /// Verifies that \a line is a warning of the library and that its text ends with \a folder.

@@ -30,12 +30,12 @@ class FileUtilsLinuxTest : public Zelkor::Testing::FolderTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    // CanReadFileIn()
+    // Tests of CanReadFileIn()
     void checksReadAndSearchPermission_data();
     void checksReadAndSearchPermission();
     void allowsRootToReadInAnyFolder();
 
-    // GetAvailableDiskSpace()
+    // Tests of GetAvailableDiskSpace()
     void returnsTheFreeSpaceOfAVolume_data();
     void returnsTheFreeSpaceOfAVolume();
     void returnsTheSpaceForUnprivilegedUsers_data();
@@ -44,7 +44,7 @@ private Q_SLOTS:
     void returnsZeroForAPathThatCannotBeRead();
 };
 
-// CanReadFileIn()
+// Tests of CanReadFileIn()
 
 void FileUtilsLinuxTest::checksReadAndSearchPermission_data()
 {
@@ -99,7 +99,7 @@ void FileUtilsLinuxTest::allowsRootToReadInAnyFolder()
     }
 }
 
-// GetAvailableDiskSpace()
+// Tests of GetAvailableDiskSpace()
 
 void FileUtilsLinuxTest::returnsTheFreeSpaceOfAVolume_data()
 {

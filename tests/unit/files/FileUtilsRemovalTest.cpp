@@ -588,8 +588,8 @@ void FileUtilsRemovalTest::removesEntriesWithAnyName()
 {
     QFETCH(QByteArray, name);
     std::string const text = name.toStdString();
-    // In one row, the name is not valid UTF-8, and a QString cannot represent it. RemoveDir() takes the path of the
-    // start folder as a QString. Therefore, the name of the start folder is converted to a QString and back. The
+    // In one data row, the name is not valid UTF-8, and a QString cannot represent it. RemoveDir() takes the path of
+    // the start folder as a QString. Therefore, the name of the start folder is converted to a QString and back. The
     // entries in the start folder have the original name.
     QByteArray const encoded = QFile::encodeName(QFile::decodeName(name)).left(255);
     std::string const folder = At(encoded.toStdString());
@@ -669,9 +669,11 @@ void FileUtilsRemovalTest::removesThousandsOfEntries()
     QCOMPARE(ListTree(Root()), QByteArrayList());
 }
 
-/// Creates the folder \a path and a chain of \a levels nested folders in it. Each folder of the chain, except the last
-/// one, contains the file "a", the next folder of the chain, and the folder "z" with a file. The last folder contains
-/// only the file "last". All entries are old, but the file "last" is new if \a withNewFile is true.
+/// Creates the folder \a path and a chain of \a levels nested folders in it. The last folder of the chain contains only
+/// the file "last". Each other folder, and \a path itself, contains the file "a", the next folder of the chain, and the
+/// folder "z" with a file.
+///
+/// All entries have an old modification time. If \a withNewFile is true, only the file "last" has the current time.
 ///
 /// If the chain has 100 levels or more, the path of the last folder is longer than the system accepts.
 void FileUtilsRemovalTest::MakeDeepTree(std::string const& path, int levels, bool withNewFile) const

@@ -1,5 +1,5 @@
-// Tests of the member functions of TemporaryDir. The location of the directory is tested in other test programs. Those
-// programs must create each TemporaryDir in a child process, for the reason given in TemporaryDirTestCase.h.
+// Tests of the member functions of TemporaryDir. Other test programs test the location of the directory. They must
+// create each TemporaryDir in a child process; TemporaryDirTestCase.h explains the reason.
 
 #include <support/TestCase.h>
 #include <support/sandbox/Folders.h>

@@ -22,9 +22,9 @@ struct DirectoryState
     bool isValid = false;
     bool exists = false;
     std::string path;
-    std::string file; // filePath("file")
+    std::string file; // the result of filePath("file")
     std::string error;
-    QStringList problems; // logged warnings and errors, as in "ERROR Util/TemporaryDir.cpp text"
+    QStringList problems; // logged warnings and errors, for example "ERROR Util/TemporaryDir.cpp text"
 };
 
 QDataStream& operator<<(QDataStream& stream, DirectoryState const& state);

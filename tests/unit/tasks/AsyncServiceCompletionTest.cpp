@@ -33,7 +33,7 @@ struct Failure : std::runtime_error
 class CustomCancelled : public Cancelled
 {};
 
-/// Function that sets the job of \a task, and sets one of the callbacks of \a task to \a callback.
+/// Function that sets the job of \a task, and installs \a callback as one of the callbacks of \a task.
 using SetUpTask = void (*)(Task* task, std::function<void()> callback);
 
 } // namespace
@@ -61,7 +61,7 @@ private Q_SLOTS:
     void lastCallbackMayDestroyTheService_data();
     void lastCallbackMayDestroyTheService();
 
-    // Callbacks that run a nested event loop
+    // Tests with callbacks that run a nested event loop
     void otherTasksCompleteInsideACallback_data();
     void otherTasksCompleteInsideACallback();
     void serviceMayBeDestroyedInTheEventLoopOfACallback_data();

@@ -19,7 +19,7 @@ class AsyncServiceProgressTest : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    // Progress
+    // Tests of the delivery of progress
     void progressIsDeliveredInOrder();
     void progressIsDeliveredWhileTheJobRuns();
     void progressWithoutCallbackIsDropped();
@@ -36,7 +36,7 @@ private Q_SLOTS:
     void progressCallbackMayPostAndRun();
     void throwingProgressCallbackKeepsTheTaskRegistered();
 
-    // Progress callbacks that run a nested event loop
+    // Tests with progress callbacks that run a nested event loop
     void taskLivesUntilItsProgressCallbackReturns();
     void taskLivesUntilItsOutermostProgressCallbackReturns();
     void taskLivesThroughProgressOfAnother();

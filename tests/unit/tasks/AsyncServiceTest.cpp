@@ -88,13 +88,13 @@ class AsyncServiceTest : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    // Task and Reporter
+    // Tests of the classes Task, Reporter and AsyncService
     void taskIsAnAggregateWithItsMembersInOrder();
     void reporterReflectsItsCancelledFlag();
     void reporterReportsForItsTask();
     void derivedServiceIsDestroyedThroughItsBase();
 
-    // post() and run()
+    // Tests of post() and run()
     void newServiceIsEmpty();
     void postRegistersANewTask();
     void postMovesTheWork();
@@ -112,11 +112,11 @@ private Q_SLOTS:
     void workerThreadStartsWithTheFirstRun();
     void ownerEventLoopRunsDuringAJob();
 
-    // Invalid calls
+    // Tests of invalid calls
     void rejectsNullPointers_data();
     void rejectsNullPointers();
 
-    // Signal connections that fail
+    // Test of signal connections that fail
     void constructorThrowsWhenAConnectionFails_data();
     void constructorThrowsWhenAConnectionFails();
 };
@@ -339,7 +339,7 @@ void AsyncServiceTest::replacedReporterLivesAsLongAsTheService_data()
     QTest::newRow("cancelled after it was replaced") << false;
 }
 
-// The test posts other tasks to allocate new reporters. These would overwrite the memory of a reporter that was freed.
+// The test posts other tasks, because their reporters would probably overwrite the memory of a freed reporter.
 void AsyncServiceTest::replacedReporterLivesAsLongAsTheService()
 {
     QFETCH(bool, cancelled);

@@ -45,8 +45,8 @@ namespace
 struct FunctorError
 {};
 
-/// Functor that records its copies, its calls, the thread of the last call, and the thread that destroyed it. An object
-/// that was never called does not record its destruction. All copies share one Record.
+/// Functor that counts its copies and its calls. It also records the thread of the last call, and the thread on which
+/// the called functor is destroyed. All copies share one Record.
 class CopyCounter
 {
 public:

@@ -207,8 +207,8 @@ private Q_SLOTS:
         QObjectList senders;
         LambdaQt4 lambda([&senders](QObject* sender) { senders += sender; });
         lambda.execute();
-        // A slot of `outer` calls lambda.execute() directly. The function of `lambda` therefore receives null, although
-        // a signal activated `outer`.
+        // A signal of `other` calls `outer`, whose function calls lambda.execute() directly. The function of `lambda`
+        // must receive null, not `other`.
         LambdaQt4 const outer([&lambda](QObject*) { lambda.execute(); });
         QVERIFY(ConnectToExecute(other, outer));
         Q_EMIT other.Emitted();

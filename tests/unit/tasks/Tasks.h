@@ -66,9 +66,9 @@ bool WaitUntilCompleted(AsyncService const& service, Task* task);
 /// Delivers the events that are queued for the calling thread, including events that are queued during the delivery.
 void DeliverQueuedEvents();
 
-/// Posts an additional task and waits until the worker thread runs the job of this task. When this function returns,
-/// all jobs that were queued earlier have finished, but the owner thread has not processed their completions yet.
-/// Returns the additional task.
+/// Posts and runs an additional task. Waits until the worker thread runs the job of this task. All jobs that were
+/// queued earlier have then finished, but the owner thread has not processed their completions yet. Returns the
+/// additional task.
 Task* WaitForWorker(AsyncService& service);
 
 /// Returns a pointer that a callback can capture. When the last copy of the pointer is destroyed, \a name is appended

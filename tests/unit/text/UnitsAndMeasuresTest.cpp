@@ -45,8 +45,8 @@ constexpr KiloSize BothBases[] = {Kilo1000, Kilo1024};
 
 using Texts = QHash<QString, QString>;
 
-/// Records the source strings for which Qt requests a translation. The constructor installs the translator, and the
-/// destructor removes it.
+/// Translator with a fixed table of translations. Records each source string for which Qt requests a translation. The
+/// constructor installs the translator, and the destructor removes it.
 class Translation : public QTranslator
 {
 public:

@@ -41,8 +41,8 @@ public:
     /// waiting for its result. If the cached list already contains the agent and its property list exists, the property
     /// list is not written again.
     ///
-    /// To write the property list, \a identifier must consist of four parts separated by underscores. Otherwise, this
-    /// function logs a message at WARNING and returns false.
+    /// Before this function writes a property list, it checks that \a identifier consists of four parts separated by
+    /// underscores. If the check fails, the function logs a message at WARNING and returns false.
     ///
     /// \param identifier      the identifier of the application, which is also the label of the agent
     /// \param executablePath  the path of the executable; at login, the bundle that contains the executable is opened

@@ -13,7 +13,8 @@ constexpr int VersionDots = 2;
 // MainBundlePathOf() splits a login item's path at the slashes and removes the last five parts: "Contents", "Library",
 // "LoginItems", the name of the login item's bundle, and the empty string after the last slash.
 constexpr int PartsInsideMainBundle = 5;
-// The index of the flavour in an application identifier that is split at the underscores.
+// An application identifier has four parts, separated by underscores: vendor, product, version and flavour. This
+// constant is the index of the flavour.
 constexpr int HelperPart = 3;
 
 } // namespace

@@ -31,9 +31,9 @@ QString MainBundlePathOf(QString const& itemPath);
 /// \param namesLocalhost  true to remove "file://localhost"; false to remove "file://"
 QString PathOfUrlText(QString const& url, bool namesLocalhost);
 
-/// Returns the flavour, which is the fourth underscore-separated part of the application identifier \a identifier. It
-/// is also the third part of the helper application's bundle identifier. Returns an empty string if \a identifier has
-/// fewer than four parts.
+/// Returns the fourth part of the application identifier \a identifier, whose parts are separated by underscores. This
+/// part is called the flavour. The helper application's bundle identifier contains the flavour as its third part.
+/// Returns an empty string if \a identifier has fewer than four parts.
 QString HelperProductOf(QString const& identifier);
 
 } // namespace Zelkor::Util

@@ -36,8 +36,9 @@ using Bundle = CoreFoundationOwner<CFBundleRef>;
 using LoginItems = CoreFoundationOwner<LSSharedFileListRef>;
 using Url = CoreFoundationOwner<CFURLRef>;
 
-/// A property of a bundle. The values of Maker and Product are part indexes: the bundle identifier is split at the
-/// dots, and its parts are counted from 0. Maker is the vendor.
+/// A property of a bundle. Maker (the vendor) and Product are parts of the bundle identifier, which is split at the
+/// dots. The values of these two enumerators are the indexes of the parts, counted from 0. BundleVersion is not a part
+/// of the bundle identifier.
 enum InfoParameter { Maker = 1, Product = 2, BundleVersion = 3 };
 
 QString GetQStringFromCFURL(CFURLRef url)
@@ -137,7 +138,7 @@ QString IdentifierOf(Url const& url, QString const& maker)
 /// Returns the helper's path, which ends with "/", or an empty string if the main bundle does not contain this helper.
 QString HelperPath(QString const& product)
 {
-    CFBundleRef const bundle = CFBundleGetMainBundle(); // not released: "Get" does not transfer ownership
+    CFBundleRef const bundle = CFBundleGetMainBundle(); // must not be released: the caller does not own it
     Url const mainBundle(bundle ? CFBundleCopyBundleURL(bundle) : nullptr);
     if (!mainBundle) {
         return {};

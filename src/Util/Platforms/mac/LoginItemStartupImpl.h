@@ -36,8 +36,9 @@ public:
     /// Returns the identifiers in the cached list, in alphabetical order.
     QStringList GetItemsAtStartup() const;
 
-    /// Adds the helper application that belongs to \a identifier to the login items. The helper must be inside the
-    /// main bundle, which is the bundle of the running application.
+    /// Adds a helper application to the login items. The helper must be inside the main bundle, which is the bundle of
+    /// the running application. The third part of the helper's bundle identifier must be equal to the fourth part of
+    /// \a identifier.
     ///
     /// \return true if the helper was added, or if the cached list already contains \a identifier; false if the main
     ///         bundle does not contain the helper, or if the system reports an error

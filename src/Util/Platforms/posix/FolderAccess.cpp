@@ -27,7 +27,8 @@ bool IsInGroup(gid_t group)
 
 } // namespace
 
-// Required behaviour: the rule that is documented at CanCreateFileIn() differs from the kernel's rule.
+// Required behaviour: this function does not follow the kernel's permission rule. The documentation of
+// CanCreateFileIn() describes the required rule.
 bool MayCreateFileIn(QString const& folder)
 {
     QFileInfo const info(folder);

@@ -1,14 +1,13 @@
-// Each folder is opened relative to its parent with openat() and O_NOFOLLOW. The kernel therefore never resolves a
-// whole path. This has two advantages: paths can be longer than PATH_MAX, and a link that replaces a folder during the
-// traversal is not followed.
+// FolderWalk traverses a folder tree. It opens each folder relative to its parent with openat() and O_NOFOLLOW. The
+// kernel therefore never resolves a whole path. This has two advantages: paths can be longer than PATH_MAX, and a link
+// that replaces a folder during the traversal is not followed.
 //
 // A folder is read completely before its subfolders are entered. The position in the folder's directory stream is
 // therefore not needed later, and the stream may be closed.
 //
 // At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. If this limit is
-// reached, the traversal closes the outermost open folder before it enters the next folder. When the traversal returns
-// to a closed folder, it opens this folder again only if the folder has more subfolders to enter, or if SubfolderLeft()
-// must be called.
+// reached, the traversal closes the outermost open folder before it enters the next folder. Later, the traversal opens
+// a closed folder again only if the folder has more subfolders to enter, or if SubfolderLeft() must be called.
 //
 // The traversal has two methods to open a closed folder again:
 // - The first method starts from an open folder below the closed folder. It opens a relative path that has one ".." for
@@ -199,9 +198,9 @@ bool FolderWalk::CloseOutermost()
     return true;
 }
 
-/// Opens the current folder again. First tries a path of ".." relative to the folder below_. This fails, for example,
-/// if below_ was moved. The function then opens each folder on the path, beginning with the start folder. Returns false
-/// if this also fails.
+/// Opens the current folder again. First tries a relative path such as "../..", which starts at the folder below_. If
+/// this attempt fails, for example because below_ was moved, the function opens each folder on the path, beginning with
+/// the start folder. Returns false if both attempts fail.
 bool FolderWalk::Reopen()
 {
     Folder& folder = folders_.back();

@@ -50,7 +50,7 @@ protected:
     void QueueSubfolder(char const* name);
 
     /// Returns the path of the current folder. During Read() and Unreadable(), returns the path of the folder that the
-    /// traversal is about to enter.
+    /// traversal is trying to enter.
     std::string const& Path() const { return path_; }
     /// Returns the path of the entry \a name in the folder Path().
     std::string PathOf(char const* name) const;
@@ -89,8 +89,8 @@ private:
         FolderStream stream;         // null while the folder is closed
         FolderId id;                 // set when the stream is closed; identifies the folder when it is opened again
         std::size_t pathSize;        // the length of the folder's path; path_ begins with this path
-        std::size_t subfoldersBegin; // an offset in subfolders_: the names of this folder's subfolders begin there
-        std::size_t nextSubfolder;   // an offset in subfolders_: the name of the next subfolder to enter begins there
+        std::size_t subfoldersBegin; // the offset in subfolders_ at which the names of this folder's subfolders begin
+        std::size_t nextSubfolder;   // the offset in subfolders_ at which the name of the next subfolder begins
     };
 
     static FolderStream Open(int parent, char const* name);

@@ -1,7 +1,7 @@
 // Adds up file sizes while FolderWalk traverses a folder tree. Speed matters, because trees can contain millions of
 // files:
 //
-// - For each file, one call of fstatat() follows links and returns the existence, type and size of the file.
+// - A file needs only one call of fstatat(), which follows links and returns the type and the size of the file.
 // - readdir() returns the types of the entries, so folders are recognised without another system call. On file
 //   systems that do not provide the type, each entry needs an additional call of fstatat().
 // - Files need no memory allocation of their own.
