@@ -565,7 +565,7 @@ void TemporaryDirRefusalTest::isInvalidWithoutATemporaryFolder()
 {
     QFETCH(std::string, folder);
     QFETCH(std::string, version);
-    std::string const name = NameOf(Root()); // random, so that no folder "/name" exists
+    std::string const name = NameOf(Root()); // a random name: the root folder contains no such entry
     QByteArrayList const before = ListTree(Root());
 
     auto const states = RunInChild([&] {
