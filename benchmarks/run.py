@@ -592,16 +592,16 @@ instead of time. The row about copies shows the numbers of the peer instead of a
 ## How it is measured
 
 - **Work on one thread** is measured in processor time of that thread, so that other programs do not affect the result.
-  `du` and `rm` are measured in processor time of their processes. Repeated runs differ by at most 5 %.
+  For `du` and `rm`, the benchmark measures the processor time of the whole process. Repeated runs differ by at most 5 %.
 - **Work on two threads** is measured in wall-clock time. Repeated runs differ by at most 30 %.
-- **If two threads alternate**, each waiting for the other, both run on the same core. Otherwise the results would
-  mainly show how long an idle core takes to wake.
+- **Two threads that wait for each other in turn** run on the same core. Otherwise the results would mainly show how
+  long an idle core takes to wake.
 - **Functors**: A second thread posts all functors. The receiving thread waits until all of them are posted, and then
-  calls them. In the round trips, both threads post functors.
+  calls them. In the benchmark of round trips, both threads post functors.
 - **Jobs**: The library and each peer have one worker thread each, and reuse it for all jobs.
-- **Folders and files** are in the caches of the kernel before the measurement.
+- **Folders and files** are already in the kernel's caches when the measurement starts.
 - **Libraries** are loaded with `RTLD_NOW`, each time in a new process. The dependencies are loaded before the
-  measurement. The benchmark fails if a dependency is still missing then.
+  measurement. The benchmark fails if a dependency has not been loaded by then.
 
 ## The machine
 

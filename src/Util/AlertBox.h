@@ -48,7 +48,7 @@ namespace Util
 ///
 /// QMessageBox determines the default button and the button that the Esc key activates.
 ///
-/// **Thread.** GUI thread.
+/// **Thread.** Use the object on the GUI thread.
 class ZQTUTIL_EXPORT AlertBox : public QMessageBox
 {
     Q_OBJECT

@@ -51,7 +51,7 @@ Q_SIGNALS:
     void clientAboutToBeChanged(QObject* from, QObject* to);
 
     /// Emitted after the resource has been transferred to \a client. \a client is null if no client holds the resource
-    /// now.
+    /// any more.
     void clientChanged(QObject* client);
 
 private:

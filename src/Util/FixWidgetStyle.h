@@ -25,7 +25,7 @@ public:
     /// Sets object names and dynamic properties on the standard parts of \a root. Does nothing if \a root is null.
     ///
     /// Call this function once, before the window is shown. The function changes window flags, and Qt hides a visible
-    /// window when its flags change. GUI thread.
+    /// window when its flags change. Call this function on the GUI thread.
     ///
     /// - Sets the property "roundedEdges" to true on all menus and on the pop-up windows of all combo boxes below
     ///   \a root. If \a root is a menu, also sets the property on \a root. If \a root is a combo box, also sets the

@@ -16,7 +16,7 @@ namespace Util
 {
 
 /// Static wrappers for functions of QFontDatabase. The class also records which fonts the process has added with
-/// addApplicationFont(). GUI thread.
+/// addApplicationFont(). Use this class on the GUI thread.
 class ZQTUTIL_EXPORT FontDatabase
 {
 public:

@@ -30,7 +30,7 @@ namespace Util
 /// **Ownership.** The parent owns the group. The group does not own its members. A member can be destroyed at any time,
 /// even while the group sends an event.
 ///
-/// **Thread.** GUI thread.
+/// **Thread.** Use the object on the GUI thread.
 class ZQTUTIL_EXPORT HoverGroup : public QObject
 {
     Q_OBJECT

@@ -16,14 +16,15 @@ namespace Util
 
 /// Returns \a widget if it has the attribute `Qt::WA_NativeWindow`. Otherwise, returns its first descendant that has
 /// this attribute, for example the container of a `QQuickView`. Returns null if neither \a widget nor a descendant has
-/// the attribute, or if \a widget is null. GUI thread.
+/// the attribute, or if \a widget is null. Call this function on the GUI thread.
 ZQTUTIL_EXPORT QWidget* findQmlContainer(QWidget* widget);
 
 /// Gives the keyboard focus to \a widget whenever \a window is activated. Without this workaround, Qt gives the
 /// focus to the top-level window only, and a native window that is embedded in \a widget loses the focus.
 ///
 /// Also sets the focus policy `Qt::StrongFocus` for the native widget, which is the result of findQmlContainer() for
-/// \a widget. Each call installs another event filter, so call this function only once for each window. GUI thread.
+/// \a widget. Each call installs another event filter, so call this function only once for each window, on
+/// the GUI thread.
 ///
 /// \param window  the top-level window to watch. If \a window is null or is not a window, the function does nothing.
 /// \param widget  the widget that contains the native window. If findQmlContainer() returns null for \a widget, the

@@ -13,14 +13,14 @@ namespace Zelkor
 namespace Util
 {
 
-/// Finds a parent widget for a dialog that is created without an explicit parent. Stores the main window of the
-/// application.
+/// Finds a parent widget for a dialog that is created without an explicit parent. For this purpose, the class stores
+/// the main window of the application.
 class ZQTUTIL_EXPORT SpontaneousDialog
 {
 public:
     SpontaneousDialog() = delete;
 
-    /// Returns a parent widget for a dialog. The result can be null. GUI thread.
+    /// Returns a parent widget for a dialog. The result can be null. Call this function on the GUI thread.
     ///
     /// The candidate is the active modal widget, or the active window if no modal widget is active. The function
     /// returns the candidate, except in two cases. In these cases, it returns the result of GetMainWindow():
@@ -33,11 +33,11 @@ public:
     static QWidget* findParent();
 
     /// Returns the main window. Returns the active window if no main window is set, or if the main window has been
-    /// destroyed. The result can be null. GUI thread.
+    /// destroyed. The result can be null. Call this function on the GUI thread.
     static QWidget* GetMainWindow();
 
     /// Sets the main window to \a window. If \a window is null, no main window is set. The caller keeps ownership and
-    /// can destroy the window at any time. GUI thread.
+    /// can destroy the window at any time. Call this function on the GUI thread.
     static void SetMainWindow(QWidget* window);
 
 private:

@@ -30,7 +30,8 @@ enum class MessageLevel {
 };
 Q_ENUM_NS(MessageLevel)
 
-/// Sets a dynamic property of a widget and applies the style sheet to the widget again. GUI thread.
+/// Sets a dynamic property of a widget and applies the style sheet to the widget again. Call this function on the GUI
+/// thread.
 ///
 /// \param widget    the widget to change; null is ignored
 /// \param value     the new value
@@ -38,16 +39,16 @@ Q_ENUM_NS(MessageLevel)
 ZQTUTIL_EXPORT void ApplyWidgetStyle(QWidget* widget, QString const& value, char const* property);
 
 /// Returns the value of the property \a property of \a widget as a string. Returns an empty string if \a widget is
-/// null, or if \a widget does not have the property. GUI thread.
+/// null, or if \a widget does not have the property. Call this function on the GUI thread.
 ZQTUTIL_EXPORT QString GetWidgetStyle(QWidget const* widget, char const* property);
 
 /// Sets the property "Level" of \a widget to the name of \a level and applies the style sheet to the widget again. If
 /// \a level is not an enumerator of MessageLevel, the property is set to an empty string. If \a widget is null, the
-/// function does nothing. GUI thread.
+/// function does nothing. Call this function on the GUI thread.
 ZQTUTIL_EXPORT void ApplyMessageLevel(QWidget* widget, MessageLevel level);
 
 /// Returns the level that the property "Level" of \a widget contains. Returns NoMessage if \a widget is null, or if the
-/// property is not set or does not contain the name of a level. GUI thread.
+/// property is not set or does not contain the name of a level. Call this function on the GUI thread.
 ZQTUTIL_EXPORT MessageLevel GetMessageLevel(QWidget const* widget);
 
 } // namespace Util

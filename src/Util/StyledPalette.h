@@ -22,7 +22,7 @@ namespace Util
 /// \endcode
 ///
 /// The colours are stored in the application palette only. Therefore, all instances have the same colours. The
-/// destruction of an instance does not reset the colours. GUI thread.
+/// destruction of an instance does not reset the colours. Use this class on the GUI thread.
 class ZQTUTIL_EXPORT StyledPalette : public QWidget
 {
     Q_OBJECT

@@ -35,7 +35,7 @@ namespace Util
 /// If only the second check fails, the message is a warning: the user can still accept the text.
 ///
 /// OK is the default button. The Esc key has the same effect as the Cancel button. The parent of the dialog is the
-/// result of SpontaneousDialog::findParent(). GUI thread.
+/// result of SpontaneousDialog::findParent(). Use the object on the GUI thread.
 class ZQTUTIL_EXPORT ValidationInputDialog : public QDialog
 {
     Q_OBJECT

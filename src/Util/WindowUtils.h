@@ -22,16 +22,16 @@ namespace Util
 /// the centre of the rectangle that includes the window frame.
 ///
 /// Returns the geometry of the primary screen if no screen contains the centre, or if \a widget is null. Returns a null
-/// `QRect` if there is no screen. GUI thread.
+/// `QRect` if there is no screen. Call this function on the GUI thread.
 ZQTUTIL_EXPORT QRect GetCurrentScreenRect(QWidget const* widget);
 
 /// Returns the position at which \a widget is centred on the screen of its parent widget. The result is the position of
 /// the top left corner of \a widget. If \a widget has no parent, the primary screen is used. See
-/// GetCurrentScreenRect(). GUI thread.
+/// GetCurrentScreenRect(). Call this function on the GUI thread.
 ZQTUTIL_EXPORT QPoint GetWidgetPosOnCurrentScreenCenter(QWidget const& widget);
 
-/// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`, which runs a nested event loop. GUI
-/// thread.
+/// Shows a dialog in the centre of a window and runs it with `QDialog::exec()`, which runs a nested event loop. Call
+/// this function on the GUI thread.
 ///
 /// \param dialog  the dialog to show; the caller keeps ownership
 /// \param parent  any widget of the window in which the dialog is centred. If \a parent is null, the parent of

@@ -55,7 +55,7 @@ class ZQTUTIL_EXPORT MFrame : public QFrame
     Q_OBJECT
 
 public:
-    /// Creates a frame without a border. \a parent owns the frame and may be null.
+    /// Creates a frame without a border. \a parent can be null; otherwise it owns the frame.
     explicit MFrame(QWidget* parent = nullptr);
 };
 
@@ -92,7 +92,7 @@ class ZQTUTIL_EXPORT MVBoxLayout : public MBoxLayout
     Q_OBJECT
 
 public:
-    /// Creates an empty layout and installs it on \a parent. \a parent owns the layout and may be null.
+    /// Creates an empty layout. If \a parent is not null, installs the layout on \a parent, which owns it.
     explicit MVBoxLayout(QWidget* parent = nullptr);
 };
 

@@ -18,8 +18,8 @@ SYSTEM_HEADER = re.compile(r"^(?:sys|net|arpa|mach|objc|linux)/|^(?:unistd|diren
 # The layers of the top-level folders of src, numbered from the lowest layer (0) to the highest (3). A source includes
 # only headers of its own layer or of a lower layer.
 FLOORS = {"Base": 0, "WidgetKit": 1, "Util": 2, "Qml": 3}
-# PLATFORM matches the path of each source for a single platform, for example a source in Base/Platforms/mac.
-# SEAM matches the path of each internal interface header, for example Util/Platforms/TreeSize.h. Such a header declares
+# PLATFORM matches the paths of platform-specific sources, for example a source in Base/Platforms/mac.
+# SEAM matches the paths of internal interface headers, for example Util/Platforms/TreeSize.h. Such a header declares
 # functions that platform-specific sources define.
 PLATFORM = re.compile(r"^(?:Base|Util)/Platforms/[a-z]+/")
 SEAM = re.compile(r"^(?:Base|Util)/Platforms/\w+\.h$")

@@ -10,8 +10,8 @@
 namespace Zelkor::TestBed
 {
 
-/// Restores the initial state. The system version is 10.13.6, and no calls fail. No main bundle and no folder of fake
-/// programs are set. There are no login items and no recorded requests.
+/// Restores the initial state. The system version is 10.13.6, and all calls succeed. The main bundle, the folder of
+/// fake programs, the login items and the recorded requests are removed.
 void Reset();
 
 // --- Core Foundation

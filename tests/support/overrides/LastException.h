@@ -5,7 +5,7 @@
 namespace Zelkor::Testing
 {
 
-/// Describes the most recent exception that a thread has thrown, even if the library itself has caught this exception.
+/// Describes the exception that the current thread has thrown most recently, even if the library itself has caught it.
 struct LastException
 {
     QByteArray type;

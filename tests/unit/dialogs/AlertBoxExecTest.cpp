@@ -90,8 +90,7 @@ class ThrowsWhenFocused : public QObject
 public:
     ThrowsWhenFocused() { qApp->installEventFilter(this); }
 
-    /// The alert box in which a widget received the focus most recently. Null if the focus moved to a widget outside
-    /// any alert box, or if the alert box has been destroyed.
+    /// The alert box that contains the widget with the focus. Null if this widget is not in an alert box.
     QPointer<AlertBox> box;
 
     bool HasThrown() const { return hasThrown_; }

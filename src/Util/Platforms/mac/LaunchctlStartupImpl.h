@@ -19,7 +19,7 @@ namespace Zelkor::Util
 class LaunchctlStartupImpl
 {
 public:
-    /// Creates an object with an empty list. Does not read the agents in the user's folder.
+    /// Creates an object with an empty list of agents. Does not read the agents in the user's folder.
     LaunchctlStartupImpl();
     ~LaunchctlStartupImpl();
 
