@@ -35,10 +35,16 @@ QUndoStack* UndoHandlerStack::pop()
     if (stacks_.isEmpty()) {
         return nullptr;
     }
-    QUndoStack* const popped = stacks_.pop();
+    QPointer<QUndoStack> const popped = stacks_.pop();
+    QUndoStack* const next = stacks_.isEmpty() ? nullptr : stacks_.top().data();
+    // An earlier pop() has removed the next stack from the group if this stack was pushed twice. Outside the group, the
+    // group would keep a dangling pointer when the stack is destroyed.
+    if (next) {
+        group_->addStack(next);
+    }
     // Activate the next stack first. If the popped stack were still active, removeStack() would first make no stack
     // active and emit the signals for this state.
-    group_->setActiveStack(stacks_.isEmpty() ? nullptr : stacks_.top());
+    group_->setActiveStack(next);
     group_->removeStack(popped);
     return popped;
 }
