@@ -5,11 +5,13 @@
 #include <Util/FunctorExecutionForwarder.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QList>
 #include <QtCore/QMap>
 #include <QtCore/QScopedPointer>
 #include <QtCore/QThread>
 
 #include <memory>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -28,6 +30,12 @@ AsyncService::Task* CheckedTask(AsyncService::Task* task)
         ZELKOR_THROW(std::invalid_argument("AsyncService use without task!"));
     }
     return task;
+}
+
+std::exception_ptr StartError()
+{
+    return std::make_exception_ptr(std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again),
+                                                     "The worker thread could not be started"));
 }
 
 } // namespace
@@ -53,9 +61,11 @@ struct AsyncService::Impl
     void stop();
 
     void registerTask(Task* task, AsyncService* service);
-    void startThread();
+    bool startThread();
+    void onThreadFinished();
     void run(Task* task);
     void work(Task* task, Reporter* reporter); // runs on the worker thread
+    void completeWithStartError(Task* task);
     void complete(Task* task, bool cancelled);
     void deliver(Task* task, int value);
     void keepDuringDelivery(std::unique_ptr<Task>& task) const;
@@ -68,7 +78,8 @@ struct AsyncService::Impl
     // If a task is posted a second time, it gets a new reporter. The old reporter is kept here, because a queued job of
     // the task may still use it.
     std::vector<std::unique_ptr<Reporter>> replacedReporters;
-    int queuedJobs = 0;
+    QList<Task*> queuedTasks; // passed to the worker thread and not completed yet, in the order of the run() calls
+    int unfinishedStarts = 0; // starts of the thread for which onThreadFinished() has not been called yet
     Delivery* innermostDelivery = nullptr;
 };
 
@@ -77,13 +88,7 @@ AsyncService::Impl::Impl()
 {
     thread->setObjectName(QStringLiteral("AsyncService"));
     workerForwarder.moveToThread(thread.data());
-    // A job may quit the event loop of the worker thread. The jobs that are still queued then need a new event loop.
-    // Restart the thread for them.
-    QObject::connect(thread.data(), &QThread::finished, &ownerForwarder, [this] {
-        if (queuedJobs > 0) {
-            startThread();
-        }
-    });
+    QObject::connect(thread.data(), &QThread::finished, &ownerForwarder, [this] { onThreadFinished(); });
 }
 
 AsyncService::Impl::~Impl()
@@ -114,19 +119,46 @@ void AsyncService::Impl::registerTask(Task* task, AsyncService* service)
     current = reporter.release();
 }
 
-void AsyncService::Impl::startThread()
+/// Starts the worker thread if it is not running. Returns false if the system cannot start a thread.
+bool AsyncService::Impl::startThread()
 {
-    if (!thread->isRunning()) {
-        thread->start(QThread::InheritPriority);
+    if (thread->isRunning()) {
+        return true;
+    }
+    thread->start(QThread::InheritPriority);
+    // QThread reports a failed start only with a warning. A started thread may already have finished here, because a
+    // queued job may quit it.
+    bool const started = thread->isRunning() || thread->isFinished();
+    unfinishedStarts += started;
+    return started;
+}
+
+void AsyncService::Impl::onThreadFinished()
+{
+    --unfinishedStarts;
+    // If run() has already restarted the thread, some tasks in queuedTasks may have run on the restarted thread.
+    // Wait until that thread finishes too: then the tasks that have run are no longer in queuedTasks.
+    if (unfinishedStarts > 0 || queuedTasks.isEmpty()) {
+        return;
+    }
+    // A job has quit the event loop of the worker thread. The jobs that are still queued need a new event loop.
+    if (!startThread()) {
+        QCoreApplication::removePostedEvents(&workerForwarder);
+        for (Task* const task : std::exchange(queuedTasks, {})) {
+            completeWithStartError(task);
+        }
     }
 }
 
 void AsyncService::Impl::run(Task* task)
 {
-    startThread();
     // If the task is not registered, operator[] registers it with a null reporter.
     Reporter* const reporter = tasks[task];
-    ++queuedJobs;
+    if (!startThread()) {
+        completeWithStartError(task);
+        return;
+    }
+    queuedTasks.append(task);
     workerForwarder.Forward([this, task, reporter] { work(task, reporter); });
 }
 
@@ -143,10 +175,17 @@ void AsyncService::Impl::work(Task* task, Reporter* reporter)
     ownerForwarder.Forward([this, task, cancelled] { complete(task, cancelled); });
 }
 
+/// Queues the completion of \a task, whose job does not run.
+void AsyncService::Impl::completeWithStartError(Task* task)
+{
+    task->error = StartError();
+    ownerForwarder.Forward([this, task] { complete(task, false); });
+}
+
 void AsyncService::Impl::complete(Task* task, bool cancelled)
 {
     std::unique_ptr<Task> completed(task);
-    --queuedJobs;
+    queuedTasks.removeOne(task);
     delete tasks.take(task);
     keepDuringDelivery(completed);
 

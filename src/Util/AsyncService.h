@@ -74,20 +74,22 @@ public:
     {
         /// The service that the task was posted to. Null before the first post().
         AsyncService* service = nullptr;
-        /// The exception that the job threw. Null if the job threw nothing or threw Cancelled.
+        /// The exception that the job threw, or the error of run() if the worker thread could not be started. Null if
+        /// the job threw nothing or threw Cancelled.
         std::exception_ptr error;
-        /// The job. It is called once, on the worker thread. If #work is empty, the service behaves as if the
-        /// job had thrown `std::bad_function_call`.
+        /// The job. It is called once, on the worker thread. It is not called if the worker thread cannot be started.
+        /// If #work is empty, the service behaves as if the job had thrown `std::bad_function_call`.
         std::function<void(Reporter*)> work;
         /// Called when the job has returned normally. Also called if the job has thrown Cancelled and #onCancelled is
-        /// empty, or if the job has thrown another exception and #onError is empty.
+        /// empty, or if #error is not null and #onError is empty.
         std::function<void()> onFinished;
         /// Called when the job has thrown Cancelled.
         std::function<void()> onCancelled;
         /// Called with each reported value. The callback may run its own event loop, for example for a message
         /// box. The task is not deleted before the callback returns.
         std::function<void(int)> onProgress;
-        /// Called with the exception if the job has thrown anything other than Cancelled.
+        /// Called with the exception if the job has thrown anything other than Cancelled. Called with a
+        /// `std::system_error` if the worker thread could not be started; the job has not run then.
         std::function<void(std::exception_ptr)> onError;
     };
 
@@ -121,6 +123,12 @@ public:
     ///
     /// Call this function exactly once for each posted task. The task is deleted when it completes. If \a task is not
     /// registered, this function registers it without a reporter, and the job is called with a null reporter.
+    ///
+    /// If the system cannot start the worker thread, for example because the user has too many processes, the job does
+    /// not run. The event loop of the owner thread then completes \a task with Task::onError. The error is a
+    /// `std::system_error` with the code `std::errc::resource_unavailable_try_again`. Qt logs a warning. The next call
+    /// of this function tries to start the thread again. The same error completes jobs that are still queued when a job
+    /// quits the event loop of the worker thread and the thread cannot be restarted.
     ///
     /// Throws `std::invalid_argument` if \a task is null.
     void run(Task* task);

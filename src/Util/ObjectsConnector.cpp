@@ -51,9 +51,10 @@ std::string Coded(char code, QString const& signature)
 /// Iterates over a list of registered emitters or receivers. The iteration uses a copy of the list, because the list
 /// can change while the iteration is running.
 ///
-/// QObject::connect() calls the virtual function connectNotify() of the sender. An override of connectNotify() can
-/// register, unregister and destroy objects while an iteration is running. When a registered object is destroyed, a
-/// handler of its destroyed() signal therefore removes the object from all running iterations.
+/// QObject::connect() and QObject::disconnect() call the virtual functions connectNotify() and disconnectNotify() of
+/// the sender. An override can register, unregister and destroy objects while an iteration is running. When a
+/// registered object is destroyed, a handler of its destroyed() signal therefore removes the object from all running
+/// iterations.
 ///
 /// QPointer cannot be used instead. In Qt 5, a QPointer must not be created for an object whose destroyed() signal is
 /// being delivered, because Qt would read freed memory.
@@ -85,6 +86,9 @@ public:
         }
     }
 
+    /// Returns false if the object that was passed to the constructor as `self` has been destroyed.
+    bool SelfExists() const { return self_; }
+
     /// Removes \a object from all running iterations. Called while \a object is being destroyed.
     static void Remove(QObject const* object)
     {
@@ -108,6 +112,25 @@ private:
 };
 
 Iteration* Iteration::innermost_ = nullptr;
+
+/// Removes an object from all running iterations if it is destroyed during the lifetime of the guard. Unregistering
+/// needs the guard because the object may never have been registered.
+class DestructionGuard
+{
+public:
+    explicit DestructionGuard(QObject const* object)
+        : connection_(QObject::connect(
+              object, &QObject::destroyed, object, [object] { Iteration::Remove(object); }, Qt::DirectConnection))
+    {}
+
+    ~DestructionGuard() { QObject::disconnect(connection_); }
+
+    DestructionGuard(DestructionGuard const&) = delete;
+    DestructionGuard& operator=(DestructionGuard const&) = delete;
+
+private:
+    QMetaObject::Connection const connection_;
+};
 
 Qt::ConnectionType UniqueConnection(bool queued)
 {
@@ -171,11 +194,15 @@ void ObjectsConnector::unregisterReceiver(QString const& ID, QObject* receiver, 
     }
     std::string const codedSlot = Coded(SlotCode, slot);
     Entries& own = m_metaCollector[ID][TYPE_SLOT];
-    Iteration(m_metaCollector[ID][TYPE_SIGNAL], receiver)
-        .VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
-            disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
-        });
-    own.remove({receiver, codedSlot});
+    Iteration const emitters(m_metaCollector[ID][TYPE_SIGNAL], receiver);
+    DestructionGuard const guard(receiver);
+    emitters.VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
+        disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
+    });
+    // A new object may have the address of a destroyed receiver.
+    if (emitters.SelfExists()) {
+        own.remove({receiver, codedSlot});
+    }
 }
 
 void ObjectsConnector::unregisterEmitter(QString const& ID, QObject* sender, QString const& signal)
@@ -185,11 +212,15 @@ void ObjectsConnector::unregisterEmitter(QString const& ID, QObject* sender, QSt
     }
     std::string const codedSignal = Coded(SignalCode, signal);
     Entries& own = m_metaCollector[ID][TYPE_SIGNAL];
-    Iteration(m_metaCollector[ID][TYPE_SLOT], sender)
-        .VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
-            disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
-        });
-    own.remove({sender, codedSignal});
+    Iteration const receivers(m_metaCollector[ID][TYPE_SLOT], sender);
+    DestructionGuard const guard(sender);
+    receivers.VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
+        disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
+    });
+    // A new object may have the address of a destroyed sender.
+    if (receivers.SelfExists()) {
+        own.remove({sender, codedSignal});
+    }
 }
 
 void ObjectsConnector::registerMetaType(QString const& ID, std::string const& metaType,

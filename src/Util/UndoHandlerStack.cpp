@@ -35,10 +35,16 @@ QUndoStack* UndoHandlerStack::pop()
     if (stacks_.isEmpty()) {
         return nullptr;
     }
-    QUndoStack* const popped = stacks_.pop();
+    QPointer<QUndoStack> const popped = stacks_.pop();
+    QUndoStack* const next = stacks_.isEmpty() ? nullptr : stacks_.top().data();
+    // If the next stack was pushed twice, an earlier pop() has removed it from the group. Add it again. Otherwise the
+    // group would keep a dangling pointer to the active stack when this stack is destroyed.
+    if (next) {
+        group_->addStack(next);
+    }
     // Activate the next stack before removing the popped stack. Otherwise, removeStack() would deactivate the popped
     // stack and emit signals for a state in which no stack is active.
-    group_->setActiveStack(stacks_.isEmpty() ? nullptr : stacks_.top());
+    group_->setActiveStack(next);
     group_->removeStack(popped);
     return popped;
 }

@@ -6,6 +6,7 @@
 #include <Util/Export.h>
 
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtCore/QStack>
 
 QT_BEGIN_NAMESPACE
@@ -30,8 +31,13 @@ namespace Util
 /// undoHandlers.pop();
 /// \endcode
 ///
-/// **Ownership.** The caller owns the undo stacks. Pop an undo stack before it is destroyed. Otherwise this object
-/// keeps a dangling pointer, and a later pop() uses it. Do not push an undo stack that is already pushed.
+/// **Ownership.** The caller owns the undo stacks. Pop an undo stack before it is destroyed. If a pushed undo stack is
+/// destroyed, its entry remains in this object until pop() removes it, and pop() returns null for it. No stack is
+/// active while the topmost entry is the entry of a destroyed stack.
+///
+/// **Stacks that are pushed more than once.** Do not push an undo stack that is already pushed, to this or to another
+/// object. The first pop() of a stack that was pushed twice in succession makes no stack active, although the second
+/// entry remains. If another stack was pushed in between, the stack becomes active again when that stack is popped.
 ///
 /// **Thread.** Use the object on its own thread, normally the GUI thread.
 class ZQTUTIL_EXPORT UndoHandlerStack : public QObject
@@ -51,7 +57,8 @@ public:
     /// Removes the topmost undo stack. The undo stack below it, if any, becomes active. Does not delete the removed
     /// stack.
     ///
-    /// \returns the removed stack. If this object contains no undo stacks, returns null and emits no signal.
+    /// \returns the removed stack, or null if it has been destroyed. If this object contains no undo stacks, returns
+    /// null and emits no signal.
     QUndoStack* pop();
 
     /// Returns the undo stack that undo() and redo() act on, or null if no stack is active.
@@ -66,7 +73,7 @@ public:
     /// Returns true if the active stack has a command to redo. Returns false if no stack is active.
     bool canRedo() const;
 
-    /// Returns true if this object contains no undo stacks.
+    /// Returns true if this object contains no undo stacks. The entries of destroyed stacks count.
     bool empty() const;
 
 Q_SIGNALS:
@@ -87,7 +94,7 @@ Q_SIGNALS:
 
 private:
     QUndoGroup* group_;
-    QStack<QUndoStack*> stacks_;
+    QStack<QPointer<QUndoStack>> stacks_;
 };
 
 } // namespace Util

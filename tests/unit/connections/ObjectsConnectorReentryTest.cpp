@@ -8,6 +8,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 
 using Zelkor::Util::ObjectsConnector;
 
@@ -132,6 +134,99 @@ private Q_SLOTS:
 
         ObjectsConnector::unregisterEmitter(Id, emitter_.get(), ChangedSignal);
         QVERIFY(!emitter_);
+    }
+
+    void skipsAReceiverThatIsDestroyedDuringUnregistration()
+    {
+        RegisterReceiver(*first_);
+        RegisterReceiver(*second_);
+        RegisterReceiver(*third_);
+        RegisterEmitter(*emitter_);
+        emitter_->onDisconnected = [this] { second_.reset(); };
+
+        ObjectsConnector::unregisterEmitter(Id, emitter_.get(), ChangedSignal);
+        Q_EMIT emitter_->Changed();
+        QVERIFY(!second_);
+        QCOMPARE(third_->count, 0);
+    }
+
+    void stopsWhenAnEmitterThatIsNotRegisteredIsDestroyedMeanwhile()
+    {
+        RegisterReceiver(*first_);
+        RegisterReceiver(*second_);
+        connect(emitter_.get(), SIGNAL(Changed()), first_.get(), SLOT(Receive()));
+        emitter_->onDisconnected = [this] { emitter_.reset(); };
+
+        ObjectsConnector::unregisterEmitter(Id, emitter_.get(), ChangedSignal);
+        QVERIFY(!emitter_);
+    }
+
+    void stopsWhenAnUnregisteredReceiverIsDestroyedMeanwhile_data()
+    {
+        QTest::addColumn<bool>("isRegistered");
+        QTest::newRow("registered") << true;
+        QTest::newRow("connected without registration") << false;
+    }
+
+    void stopsWhenAnUnregisteredReceiverIsDestroyedMeanwhile()
+    {
+        QFETCH(bool, isRegistered);
+        Emitter other;
+        RegisterEmitter(*emitter_);
+        RegisterEmitter(other);
+        if (isRegistered) {
+            RegisterReceiver(*first_);
+        } else {
+            connect(emitter_.get(), SIGNAL(Changed()), first_.get(), SLOT(Receive()));
+        }
+        emitter_->onDisconnected = [this] { first_.reset(); };
+
+        ObjectsConnector::unregisterReceiver(Id, first_.get(), ReceiveSlot);
+        QVERIFY(!first_);
+    }
+
+    void skipsAnEmitterThatIsDestroyedDuringUnregistration()
+    {
+        auto other = std::make_unique<Emitter>();
+        Emitter last;
+        RegisterEmitter(*emitter_);
+        RegisterEmitter(*other);
+        RegisterEmitter(last);
+        RegisterReceiver(*first_);
+        emitter_->onDisconnected = [&other] { other.reset(); };
+
+        ObjectsConnector::unregisterReceiver(Id, first_.get(), ReceiveSlot);
+        Q_EMIT last.Changed();
+        QVERIFY(!other);
+        QCOMPARE(first_->count, 0);
+    }
+
+    void stopsWhenAnEmitterIsUnregisteredAndDestroyedDuringRegistration()
+    {
+        RegisterReceiver(*first_);
+        RegisterReceiver(*second_);
+        emitter_->onConnected = [this] { ObjectsConnector::unregisterEmitter(Id, emitter_.get(), ChangedSignal); };
+        emitter_->onDisconnected = [this] { emitter_.reset(); };
+
+        RegisterEmitter(*emitter_);
+        QVERIFY(!emitter_);
+    }
+
+    void doesNotRemoveARegistrationThatReplacesTheUnregisteredObject()
+    {
+        // The new emitter has the address of the destroyed emitter.
+        std::optional<Emitter> emitter(std::in_place);
+        RegisterReceiver(*first_);
+        RegisterEmitter(*emitter);
+        emitter->onDisconnected = [&emitter] {
+            emitter.emplace();
+            RegisterEmitter(*emitter);
+        };
+        ObjectsConnector::unregisterEmitter(Id, &*emitter, ChangedSignal);
+
+        RegisterReceiver(*second_);
+        Q_EMIT emitter->Changed();
+        QCOMPARE(second_->count, 1);
     }
 
     void objectMayBeUnregisteredInDestroyed_data()

@@ -266,6 +266,56 @@ private Q_SLOTS:
         QVERIFY(!handlers_->canUndo());
     }
 
+    void activatesNoStackInPlaceOfADestroyedOne()
+    {
+        handlers_->push(a_.get());
+        handlers_->push(b_.get());
+        a_.reset();
+        QCOMPARE(handlers_->pop(), b_.get());
+        QCOMPARE(handlers_->activeStack(), nullptr);
+        handlers_->undo();
+        QVERIFY(!handlers_->empty());
+    }
+
+    void returnsNullWhenItPopsADestroyedStack()
+    {
+        handlers_->push(a_.get());
+        handlers_->push(b_.get());
+        b_.reset();
+        QCOMPARE(handlers_->pop(), nullptr);
+        QCOMPARE(handlers_->activeStack(), a_.get());
+        QCOMPARE(handlers_->pop(), a_.get());
+        QVERIFY(handlers_->empty());
+    }
+
+    void deactivatesADestroyedStackThatWasPushedTwice()
+    {
+        handlers_->push(a_.get());
+        handlers_->push(b_.get());
+        handlers_->push(a_.get());
+        QCOMPARE(handlers_->pop(), a_.get());
+        QCOMPARE(handlers_->pop(), b_.get());
+        QCOMPARE(handlers_->activeStack(), a_.get());
+
+        QSignalSpy const index(handlers_.get(), &UndoHandlerStack::indexChanged);
+        a_.reset();
+        QCOMPARE(index.count({0}), 1);
+        QCOMPARE(handlers_->activeStack(), nullptr);
+        QVERIFY(!handlers_->canUndo());
+        handlers_->undo();
+        QCOMPARE(handlers_->pop(), nullptr);
+        QVERIFY(handlers_->empty());
+    }
+
+    void returnsNullIfASignalOfPopDestroysThePoppedStack()
+    {
+        handlers_->push(a_.get());
+        handlers_->push(b_.get());
+        connect(handlers_.get(), &UndoHandlerStack::indexChanged, this, [this] { b_.reset(); });
+        QCOMPARE(handlers_->pop(), nullptr);
+        QCOMPARE(handlers_->activeStack(), a_.get());
+    }
+
     void doesNotOwnTheStacks()
     {
         handlers_->push(a_.get());
