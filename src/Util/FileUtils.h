@@ -33,6 +33,9 @@ enum class PathValidity : int {
 /// again. If the folder does not exist, the function creates the folder and its missing parents, then removes them.
 /// Parents that already existed and were empty are removed too. If creating the folder fails, the function does not
 /// remove the parents that it has already created.
+///
+/// The system resolves ".." in the path: after a symbolic link, ".." is the parent of the target. If the path contains
+/// "..", the function removes exactly the folders that it has created, even if creating the folder fails.
 ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
 /// Returns true if \a path can be used as a destination folder. See IsThisPathValid(QString const&) for the check and
@@ -62,7 +65,8 @@ ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 ZQTUTIL_EXPORT bool CanReadFileIn(QString const& folder);
 
 /// Returns true if a file can be created in \a folder. The function creates a file with a random name and removes the
-/// file again.
+/// file again. The system resolves ".." in \a folder, as it does for CanCreateFileIn(). Returns false if \a folder
+/// contains a NUL character.
 ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 
 /// Removes old files and subfolders from \a folder. An entry is old if its last modification was at the time limit or
