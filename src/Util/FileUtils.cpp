@@ -78,9 +78,9 @@ PathValidity CheckMissingFolder(QString const& path)
     return PathValidity::Valid;
 }
 
-// Removes all "/" and "/." from the end of the path. With a "/" at the end, the system would follow a symbolic link,
-// and the caller could not detect the link. The rest of the path is not normalised, because only the system can resolve
-// ".." after a link.
+// Removes all "/" and "/." from the end of the path. With a "/" at the end, some systems follow a symbolic link in
+// rmdir() and would remove its target. The rest of the path is not normalised, because only the system can resolve ".."
+// after a link.
 QString WithoutTrailingSeparators(QString path)
 {
     while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/.")))) {
@@ -167,10 +167,12 @@ void RemoveDir(QString const& folder, int days, bool removeFolderItself)
 {
     QDateTime const threshold = QDateTime::currentDateTime().addDays(-static_cast<qint64>(days));
     QString const path = WithoutTrailingSeparators(folder);
-    if (path.isEmpty() || QFileInfo(path).isSymLink() || !QDir(path).exists()) {
+    if (path.isEmpty() || !QDir(path).exists()) {
         return;
     }
-    RemoveAgedFiles(QFile::encodeName(path).toStdString(), threshold.toMSecsSinceEpoch());
+    // RemoveAgedFiles() ignores a link. With "/." at the end, the system follows the link that the caller named.
+    QString const start = QFileInfo(path).isSymLink() ? path + QLatin1String("/.") : path;
+    RemoveAgedFiles(QFile::encodeName(start).toStdString(), threshold.toMSecsSinceEpoch());
     if (removeFolderItself) {
         QDir().rmdir(path);
     }

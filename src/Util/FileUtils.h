@@ -75,13 +75,15 @@ ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 /// The time limit is \a days calendar days before the current local date, at the current local time of day.
 ///
 /// An old subfolder is processed in the same way, and removed if it is then empty. Other subfolders are skipped with
-/// all their contents. Symbolic links are never followed: an old link is removed like a file. Entries that cannot be
-/// removed are skipped without a message.
+/// all their contents. Entries that cannot be removed are skipped without a message.
+///
+/// If \a folder is a symbolic link to a folder, the function processes the target's contents and keeps the link and the
+/// target. Links below \a folder are never followed: an old link is removed like a file.
 ///
 /// The tree can have any depth. The function works even if the process's limit of open files is low.
 ///
 /// \param folder              the path of the folder; the function does nothing if the path is empty, if the folder
-///                            does not exist, or if the path is a symbolic link
+///                            does not exist, or if the path contains a NUL character
 /// \param days                the minimum age in days; 0 removes everything modified up to the time of the call
 /// \param removeFolderItself  true to also remove \a folder if it is then empty; the age of \a folder is not checked
 ZQTUTIL_EXPORT void RemoveDir(QString const& folder, int days, bool removeFolderItself);
