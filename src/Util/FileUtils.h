@@ -56,12 +56,15 @@ ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 /// This rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions). In POSIX, only the permissions of the
 /// first matching class (owner, group or others) are decisive. This rule also treats root as an ordinary user: if only
 /// the owner may write, and root is not the owner, the result is false for root.
+///
+/// Returns false if \a folder does not exist or contains a NUL character.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
-/// Returns true if the permissions of \a folder let this process read files in it. The permissions of the files
-/// themselves are not checked.
+/// Returns true if \a folder is a folder and its permissions let this process read files in it. The permissions of the
+/// files themselves are not checked. Returns false if \a folder contains a NUL character.
 ///
-/// On macOS the result is always true, because the system requests the user's consent at the first access.
+/// On macOS the result is always true, for any \a folder, because the system requests the user's consent at the first
+/// access.
 ZQTUTIL_EXPORT bool CanReadFileIn(QString const& folder);
 
 /// Returns true if a file can be created in \a folder. The function creates a file with a random name and removes the
@@ -135,16 +138,20 @@ ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 /// on the session bus. If there is no session bus, or the call returns an error, the function opens \a folder
 /// in the desktop's default application. If \a folder cannot be opened either, one message is logged at WARNING.
 ///
+/// A path that contains a NUL byte is never opened. On macOS, such a path is ignored.
+///
 /// \param folder  the folder to show if \a files is empty
 /// \param files   the files to select
 /// \return on macOS, always true; on Linux, true if the D-Bus call was sent or \a folder was opened
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files);
 
 /// Opens the system's file manager and selects \a file. Call this function on the GUI thread. Returns the
-/// result of ExploreFile(ioPath const&).
+/// result of ExploreFile(ioPath const&). If \a file contains a NUL character, only the text before it is used.
 ZQTUTIL_EXPORT bool ExploreSingleFile(QString const& file);
 
-/// Returns the free space in bytes on the volume that contains \a path, or 0 if the free space cannot be determined.
+/// Returns the free space in bytes on the volume that contains \a path, or 0 if the free space cannot be determined,
+/// for example because \a path contains a NUL byte. If the free space exceeds the maximum value of `long long`, returns
+/// this maximum value.
 ///
 /// On Linux, the result does not include the space that is reserved for root.
 ZQTUTIL_EXPORT long long GetAvailableDiskSpace(ioPath const& path);
