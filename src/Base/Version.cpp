@@ -80,11 +80,12 @@ Version Util::VersionFromString(std::string const& text, std::string const& sepa
 std::string Util::VersionToString(Version const& version, VersionToStringDetail detail, std::string const& separator)
 {
     std::string text;
-    int left = static_cast<int>(detail);
+    int written = 0;
     for (std::uint32_t const component : ComponentsOf(version)) {
-        if (left-- <= 0 || component == Version::NotGiven) {
+        if (written >= static_cast<int>(detail) || component == Version::NotGiven) {
             break;
         }
+        ++written;
         text += (text.empty() ? std::string() : separator) + std::to_string(component);
     }
     return text;

@@ -80,7 +80,8 @@ ZQTUTIL_EXPORT Version VersionFromString(std::string const& text, std::string co
 ///
 /// \param version    the version to convert
 /// \param detail     the maximum number of components; the first component that is Version::NotGiven and all components
-///                   after it are omitted
+///                   after it are omitted. If the value of \a detail is 0 or negative, the result is empty. A value
+///                   above 4 has the same effect as VersionToStringDetail::Full.
 /// \param separator  the text between two components
 ZQTUTIL_EXPORT std::string VersionToString(Version const& version, VersionToStringDetail detail,
                                            std::string const& separator);

@@ -31,12 +31,44 @@ PathValidity CheckExistingFolder(QString const& path)
     return isWritable ? PathValidity::Valid : PathValidity::NotWritable;
 }
 
+// Returns true if a component of \a path is "..". In such a path, Qt and the system disagree after a symbolic link: the
+// system follows the link first, but rmpath() and QTemporaryFile resolve ".." as text.
+bool HasParentComponent(QString const& path)
+{
+    return path.split(QLatin1Char('/')).contains(QLatin1String(".."));
+}
+
+// Returns true if the folder \a path can be created. Creates each missing folder of \a path, and then removes exactly
+// the created folders.
+bool CanMakeFolders(QString const& path)
+{
+    QStringList created;
+    bool exists = true;
+    for (int end = 0; exists && end < path.size();) {
+        end = path.indexOf(QLatin1Char('/'), end + 1);
+        end = end < 0 ? path.size() : end;
+        QString const folder = path.left(end);
+        if (QDir().mkdir(folder)) {
+            created.prepend(folder);
+        } else {
+            exists = QFileInfo(folder).isDir();
+        }
+    }
+    for (QString const& folder : qAsConst(created)) {
+        QDir().rmdir(folder);
+    }
+    return exists;
+}
+
 PathValidity CheckMissingFolder(QString const& path)
 {
     // Reject the path of a new folder if any component of the path ends with a space. Both '/' and '\' separate
     // components. Paths of existing folders do not reach this check.
     if (path.contains(QLatin1String(" /")) || path.contains(QLatin1String(" \\")) || path.endsWith(QLatin1Char(' '))) {
         return PathValidity::TrailingSpace;
+    }
+    if (HasParentComponent(path)) {
+        return CanMakeFolders(path) ? PathValidity::Valid : PathValidity::CannotCreate;
     }
     if (!QDir().mkpath(path)) {
         return PathValidity::CannotCreate;
@@ -46,9 +78,9 @@ PathValidity CheckMissingFolder(QString const& path)
     return PathValidity::Valid;
 }
 
-// Removes all "/" and "/." from the end of the path. With a "/" at the end, the system would follow a symbolic link,
-// and the caller could not detect the link. The rest of the path is not normalised, because only the system can resolve
-// ".." after a link.
+// Removes all "/" and "/." from the end of the path. With a "/" at the end, some systems follow a symbolic link in
+// rmdir() and would remove its target. The rest of the path is not normalised, because only the system can resolve ".."
+// after a link.
 QString WithoutTrailingSeparators(QString path)
 {
     while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/.")))) {
@@ -124,17 +156,23 @@ bool CanCreateFileIn(QString const& folder)
 
 bool TryCreateTmpFile(QString const& folder)
 {
-    return QTemporaryFile(QDir(folder).absolutePath() + QDir::separator()).open();
+    if (folder.contains(QChar::Null)) {
+        return false; // QTemporaryFile would pass the text before the NUL character to the system
+    }
+    QString const path = HasParentComponent(folder) ? QDir(folder).canonicalPath() : QDir(folder).absolutePath();
+    return !path.isEmpty() && QTemporaryFile(path + QDir::separator()).open();
 }
 
 void RemoveDir(QString const& folder, int days, bool removeFolderItself)
 {
     QDateTime const threshold = QDateTime::currentDateTime().addDays(-static_cast<qint64>(days));
     QString const path = WithoutTrailingSeparators(folder);
-    if (path.isEmpty() || QFileInfo(path).isSymLink() || !QDir(path).exists()) {
+    if (path.isEmpty() || !QDir(path).exists()) {
         return;
     }
-    RemoveAgedFiles(QFile::encodeName(path).toStdString(), threshold.toMSecsSinceEpoch());
+    // RemoveAgedFiles() ignores a link. With "/." at the end, the system follows the link that the caller named.
+    QString const start = QFileInfo(path).isSymLink() ? path + QLatin1String("/.") : path;
+    RemoveAgedFiles(QFile::encodeName(start).toStdString(), threshold.toMSecsSinceEpoch());
     if (removeFolderItself) {
         QDir().rmdir(path);
     }

@@ -33,6 +33,9 @@ enum class PathValidity : int {
 /// again. If the folder does not exist, the function creates the folder and its missing parents, then removes them.
 /// Parents that already existed and were empty are removed too. If creating the folder fails, the function does not
 /// remove the parents that it has already created.
+///
+/// The system resolves ".." in the path: after a symbolic link, ".." is the parent of the target. If the path contains
+/// "..", the function removes exactly the folders that it has created, even if creating the folder fails.
 ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
 /// Returns true if \a path can be used as a destination folder. See IsThisPathValid(QString const&) for the check and
@@ -53,16 +56,20 @@ ZQTUTIL_EXPORT bool IsThisPathValid(QString const& path, QString* errorText);
 /// This rule differs from POSIX (IEEE Std 1003.1, 4.5 File Access Permissions). POSIX checks only the permissions of
 /// the first matching class (owner, group or others). This rule also treats root as an ordinary user: if only the owner
 /// may write, and root is not the owner, the result is false for root.
+///
+/// Returns false if \a folder does not exist or contains a NUL character.
 ZQTUTIL_EXPORT bool CanCreateFileIn(QString const& folder);
 
-/// Returns true if the permissions of \a folder let this process read files in it. The permissions of the files
-/// themselves are not checked.
+/// Returns true if \a folder is a folder and its permissions let this process read files in it. The permissions of the
+/// files themselves are not checked. Returns false if \a folder contains a NUL character.
 ///
-/// On macOS the result is always true, because the system requests the user's consent at the first access.
+/// On macOS the result is always true, for any \a folder, because the system requests the user's consent at the first
+/// access.
 ZQTUTIL_EXPORT bool CanReadFileIn(QString const& folder);
 
 /// Returns true if a file can be created in \a folder. The function creates a file with a random name and removes the
-/// file again.
+/// file again. The system resolves ".." in \a folder, as it does for CanCreateFileIn(). Returns false if \a folder
+/// contains a NUL character.
 ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 
 /// Removes old files and subfolders from \a folder. An entry is old if its last modification was at the time limit or
@@ -71,13 +78,15 @@ ZQTUTIL_EXPORT bool TryCreateTmpFile(QString const& folder);
 /// The time limit is \a days calendar days before the current local date, at the current local time of day.
 ///
 /// An old subfolder is processed in the same way, and removed if it is then empty. Other subfolders are skipped with
-/// all their contents. Symbolic links are never followed: an old link is removed like a file. Entries that cannot be
-/// removed are skipped without a message.
+/// all their contents. Entries that cannot be removed are skipped without a message.
+///
+/// If \a folder is a symbolic link to a folder, the function processes the target's contents and keeps the link and the
+/// target. Links below \a folder are never followed: an old link is removed like a file.
 ///
 /// The tree can have any depth. The function works even if the process's limit of open files is low.
 ///
 /// \param folder              the path of the folder; the function does nothing if the path is empty, if the folder
-///                            does not exist, or if the path is a symbolic link
+///                            does not exist, or if the path contains a NUL character
 /// \param days                the minimum age in days; 0 removes everything modified up to the time of the call
 /// \param removeFolderItself  true to also remove \a folder if it is then empty; the age of \a folder is not checked
 ZQTUTIL_EXPORT void RemoveDir(QString const& folder, int days, bool removeFolderItself);
@@ -129,16 +138,20 @@ ZQTUTIL_EXPORT bool ExploreFile(ioPath const& file);
 /// on the session bus. If there is no session bus, or the call returns an error, the function opens \a folder
 /// in the desktop's default application. If \a folder cannot be opened either, one message is logged at WARNING.
 ///
+/// A path that contains a NUL byte is never opened. On macOS, such a path is ignored.
+///
 /// \param folder  the folder to show if \a files is empty
 /// \param files   the files to select
 /// \return on macOS, always true; on Linux, true if the D-Bus call was sent or \a folder was opened
 ZQTUTIL_EXPORT bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files);
 
 /// Opens the system's file manager and selects \a file. Call this function on the GUI thread. Returns the
-/// result of ExploreFile(ioPath const&).
+/// result of ExploreFile(ioPath const&). If \a file contains a NUL character, only the text before it is used.
 ZQTUTIL_EXPORT bool ExploreSingleFile(QString const& file);
 
-/// Returns the free space in bytes on the volume that contains \a path, or 0 if the free space cannot be determined.
+/// Returns the free space in bytes on the volume that contains \a path, or 0 if the free space cannot be determined,
+/// for example because \a path contains a NUL byte. If the free space exceeds the maximum value of `long long`, returns
+/// this maximum value.
 ///
 /// On Linux, the result does not include the space that is reserved for root.
 ZQTUTIL_EXPORT long long GetAvailableDiskSpace(ioPath const& path);

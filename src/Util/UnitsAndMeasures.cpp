@@ -19,6 +19,10 @@ constexpr unsigned long long MicrosecondsInSecond = 1000000;
 constexpr unsigned long long SecondsInMinute = 60;
 constexpr unsigned long long SecondsInHour = 3600;
 
+// QString::arg() aborts if the number does not fit into a QString. No size has more than 92 decimal places that are not
+// zero, because a double has 53 significant bits and the smallest size is 1e-12 TB.
+constexpr int MaxPrecision = 1000;
+
 /// Contains a function tr() that gives the same results as QObject::tr(), but uses no meta-object. FormatFileSize() is
 /// therefore noticeably faster.
 struct Text
@@ -46,7 +50,7 @@ int PrecisionForFileSize(unsigned long long size)
 
 QString FormatFileSize(unsigned long long size, int precision, SizeUnit minUnit, KiloSize kilo)
 {
-    int const effectivePrecision = precision >= 0 ? precision : PrecisionForFileSize(size);
+    int const effectivePrecision = precision >= 0 ? std::min(precision, MaxPrecision) : PrecisionForFileSize(size);
     // Required behaviour: each call translates all four labels in this order, although it uses at most one of them.
     QString const labels[] = {Text::tr("%1 TB"), Text::tr("%1 GB"), Text::tr("%1 MB"), Text::tr("%1 KB")};
 

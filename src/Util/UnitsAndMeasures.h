@@ -33,8 +33,8 @@ ZQTUTIL_EXPORT int PrecisionForFileSize(unsigned long long size);
 /// decimal separator is always a point, whereas QLocale::formattedDataSize() uses the separator of the locale.
 ///
 /// \param size       the size in bytes
-/// \param precision  the number of decimal places; a negative value selects PrecisionForFileSize(). Sizes in bytes (B)
-///                   have no decimal places.
+/// \param precision  the number of decimal places, at most 1000; a larger value has the same effect as 1000. A negative
+///                   value selects PrecisionForFileSize(). Sizes in bytes (B) have no decimal places.
 /// \param minUnit    the smallest unit to use. For example, if \a minUnit is MB and \a precision is 0, the result for
 ///                   10 bytes is "0 MB".
 /// \param kilo       the factor between a unit and the next larger unit

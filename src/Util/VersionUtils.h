@@ -14,12 +14,12 @@ namespace Zelkor
 namespace Util
 {
 
-/// Parses a version from \a text, which consists of decimal numbers with \a separator between them. See
-/// Core::Util::VersionFromString().
+/// Parses a version from \a text, which consists of decimal numbers with \a separator between them. Each number must be
+/// less than 2^32. See Core::Util::VersionFromString().
 ZQTUTIL_EXPORT Core::Version VersionFromString(QString const& text, QString const& separator);
 
 /// Returns a string with the first components of \a version, joined by \a separator. \a detail is the maximum number of
-/// components. See Core::Util::VersionToString().
+/// components; if its value is 0 or negative, the result is empty. See Core::Util::VersionToString().
 ZQTUTIL_EXPORT QString VersionToString(Core::Version const& version, Core::Util::VersionToStringDetail detail,
                                        QString const& separator);
 

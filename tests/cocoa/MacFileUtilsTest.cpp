@@ -11,6 +11,8 @@
 #include <QtTest/QtTest>
 
 #include <algorithm>
+#include <limits>
+#include <string>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -63,6 +65,16 @@ private Q_SLOTS:
         QCOMPARE(GetAvailableDiskSpace(ioPath(std::string("/tmp/\xff"))), 0LL);
     }
 
+    void ignoresPathsWithANulByte()
+    {
+        ioPath const path(std::string("/tmp\0name", 9));
+        QVERIFY(ExploreFile(path, {}));
+        QVERIFY(ExploreFile(ioPath("/tmp"), {path}));
+        QCOMPARE(TestBed::OpenedUrls(), QStringList());
+        QCOMPARE(TestBed::FileViewerRequests(), QList<QStringList>{QStringList()});
+        QCOMPARE(GetAvailableDiskSpace(path), 0LL);
+    }
+
     void reportsEveryFolderAsReadable()
     {
         QVERIFY(CanReadFileIn(QStringLiteral("/tmp")));
@@ -86,6 +98,15 @@ private Q_SLOTS:
             return QVector<qlonglong>{before, after};
         });
         QCOMPARE(spaces, (QVector<qlonglong>{1048576, 1048576 - 4096}));
+    }
+
+    void limitsTheFreeSpaceOfAHugeVolume()
+    {
+        MakeFolder(At("volume"));
+        // The volume has 10 EiB.
+        qlonglong const space = RunWithMount(At("volume"), "nr_blocks=0xA000000000000",
+                                             [this] { return qlonglong{GetAvailableDiskSpace(ioPath(At("volume")))}; });
+        QCOMPARE(space, std::numeric_limits<qlonglong>::max());
     }
 
     void findsNoDiscsWithoutVolumes() { QVERIFY(MountedDVD().empty()); }

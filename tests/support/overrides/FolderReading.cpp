@@ -1,4 +1,5 @@
-// Replaces readdir(), because a test cannot make the original function fail or report the type DT_UNKNOWN.
+// Replaces readdir() and fstat(), because a test cannot make the original functions fail, or make readdir() report the
+// type DT_UNKNOWN.
 
 #include <support/overrides/FolderReading.h>
 
@@ -22,7 +23,8 @@ struct Faults
 {
     std::atomic<bool> hidesTypes{false};
     std::atomic<ino_t> unreadableFolder{0}; // the inode of the folder; 0 means: no folder
-    std::atomic<int> count{0};              // the result of EntriesWithoutTypes::Count() or UnreadableFolder::Count()
+    std::atomic<bool> hidesIds{false};
+    std::atomic<int> count{0}; // the result of Count() of the object that exists
 };
 
 Faults& CurrentFaults()
@@ -74,6 +76,22 @@ int UnreadableFolder::Count() const
     return CurrentFaults().count;
 }
 
+UnidentifiableFolders::UnidentifiableFolders()
+{
+    CurrentFaults().count = 0;
+    CurrentFaults().hidesIds = true;
+}
+
+UnidentifiableFolders::~UnidentifiableFolders()
+{
+    CurrentFaults().hidesIds = false;
+}
+
+int UnidentifiableFolders::Count() const
+{
+    return CurrentFaults().count;
+}
+
 } // namespace Zelkor::Testing
 
 // The C library's declaration uses reserved identifiers as parameter names. This definition uses other names.
@@ -92,4 +110,17 @@ extern "C" Q_DECL_EXPORT dirent* readdir(DIR* stream)
         errno = EIO;
     }
     return entry;
+}
+
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
+extern "C" Q_DECL_EXPORT int fstat(int descriptor, struct stat* status) noexcept
+{
+    using namespace Zelkor::Testing;
+    static auto const next = NextFunction<int (*)(int, struct stat*)>("fstat");
+    if (CurrentFaults().hidesIds) {
+        ++CurrentFaults().count;
+        errno = EIO;
+        return -1;
+    }
+    return next(descriptor, status);
 }

@@ -31,4 +31,17 @@ public:
     int Count() const;
 };
 
+/// Makes fstat() fail with EIO.
+class UnidentifiableFolders
+{
+public:
+    UnidentifiableFolders();
+    ~UnidentifiableFolders();
+    UnidentifiableFolders(UnidentifiableFolders const&) = delete;
+    UnidentifiableFolders& operator=(UnidentifiableFolders const&) = delete;
+
+    /// Returns the number of calls of fstat() that have failed with EIO.
+    int Count() const;
+};
+
 } // namespace Zelkor::Testing

@@ -5,6 +5,7 @@
 
 #include <QtTest/QtTest>
 
+#include <limits>
 #include <string>
 #include <type_traits>
 
@@ -195,7 +196,9 @@ private Q_SLOTS:
         row("long separator", Version(3, 1, 2), 3, " - ", "3 - 1 - 2");
         row("empty separator", Version(3, 1, 2), 3, "", "312");
         row("detail below the enumeration", Version(3, 1, 2, 4), 0, ".", "");
+        row("smallest detail", Version(3, 1, 2, 4), std::numeric_limits<int>::min(), ".", "");
         row("detail beyond the enumeration", Version(3, 1, 2, 4), 5, ".", "3.1.2.4");
+        row("largest detail", Version(3, 1, 2, 4), std::numeric_limits<int>::max(), ".", "3.1.2.4");
     }
 
     void writesText()

@@ -37,6 +37,10 @@ private Q_SLOTS:
     void rejectsAFullOrReadOnlyVolume();
     void requiresAFolderForATemporaryFile_data() { FolderRows(); }
     void requiresAFolderForATemporaryFile();
+    void createsATemporaryFileInTheFolderThatTheSystemResolves_data();
+    void createsATemporaryFileInTheFolderThatTheSystemResolves();
+    void rejectsAPathWithANulCharacter_data();
+    void rejectsAPathWithANulCharacter();
     void createsATemporaryFileWhereTheSystemPermitsIt_data();
     void createsATemporaryFileWhereTheSystemPermitsIt();
     void removesTheTemporaryFileInAFolderWithAnyName_data() { NameRows(); }
@@ -232,6 +236,59 @@ void FileUtilsAccessTest::requiresAFolderForATemporaryFile()
     QCOMPARE(TryCreateTmpFile(QString::fromLatin1(name)), can);
 
     QCOMPARE(ListTree(Root()), before);
+}
+
+void FileUtilsAccessTest::createsATemporaryFileInTheFolderThatTheSystemResolves_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("can");
+    QTest::newRow("folder only as text") << QByteArray("b/link/../x") << false;
+    QTest::newRow("folder only after the link") << QByteArray("b/link/../y") << true;
+    QTest::newRow("parent of a missing folder") << QByteArray("missing/..") << false;
+    QTest::newRow("parent of a file") << QByteArray("file/..") << false;
+}
+
+void FileUtilsAccessTest::createsATemporaryFileInTheFolderThatTheSystemResolves()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(bool, can);
+    MakeFolder(At("a"));
+    MakeFolder(At("a/target"));
+    MakeFolder(At("a/y"));
+    MakeFolder(At("b"));
+    MakeFolder(At("b/x"));
+    MakeLink(At("b/link"), "../a/target");
+    MakeFile(At("file"));
+    QByteArrayList const before = ListTree(Root());
+
+    QCOMPARE(TryCreateTmpFile(PathAt(name)), can);
+    QCOMPARE(CanCreateFileIn(PathAt(name)), can);
+    WorkingFolder const current(Root());
+    QCOMPARE(TryCreateTmpFile(QString::fromLatin1(name)), can);
+    QCOMPARE(CanCreateFileIn(QString::fromLatin1(name)), can);
+
+    QCOMPARE(ListTree(Root()), before);
+}
+
+void FileUtilsAccessTest::rejectsAPathWithANulCharacter_data()
+{
+    QTest::addColumn<QString>("tail");
+    QTest::newRow("at the end") << QString(QChar::Null);
+    QTest::newRow("after a folder") << QStringLiteral("/") + QChar::Null;
+    QTest::newRow("before a folder") << QChar::Null + QStringLiteral("/name");
+    QTest::newRow("before two dots") << QChar::Null + QStringLiteral("/..");
+}
+
+void FileUtilsAccessTest::rejectsAPathWithANulCharacter()
+{
+    QFETCH(QString, tail);
+    MakeFolder(At("folder"));
+    Chmod(At("folder"), 0777);
+
+    QVERIFY(!TryCreateTmpFile(PathAt("folder") + tail));
+    QVERIFY(!TryCreateTmpFile(PathAt("missing") + tail));
+
+    QCOMPARE(ListTree(Root()), QByteArrayList{"folder"});
 }
 
 void FileUtilsAccessTest::createsATemporaryFileWhereTheSystemPermitsIt_data()

@@ -309,6 +309,7 @@ private Q_SLOTS:
     void logsOneWarningWithoutABus_data() { CallRows(); }
     void logsOneWarningWithoutABus();
     void logsOneWarningWithoutAFileManager();
+    void opensNoFolderWhosePathContainsANulByte();
     void doesNotThrowWithoutACurrentFolder_data();
     void doesNotThrowWithoutACurrentFolder();
     void theProgramMayExitBeforeTheReply();
@@ -597,6 +598,21 @@ void FileUtilsExploreTest::logsOneWarningWithoutABus()
 
     QCOMPARE(log.Lines().size(), 1);
     VerifyWarning(log.Lines()[0], QString::fromUtf8(call.folder));
+}
+
+void FileUtilsExploreTest::opensNoFolderWhosePathContainsANulByte()
+{
+    if (RanInSeparateProcess()) {
+        return;
+    }
+    EnvironmentVariable const bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus");
+    FolderOpener const opener;
+    LogCapture const log;
+
+    QVERIFY(!ExploreFile(ioPath(std::string("/tmp\0name", 9)), {}));
+
+    QCOMPARE(opener.urls, QByteArrayList());
+    QCOMPARE(log.Lines().size(), 1);
 }
 
 void FileUtilsExploreTest::logsOneWarningWithoutAFileManager()

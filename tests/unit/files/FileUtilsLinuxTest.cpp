@@ -10,6 +10,7 @@
 
 #include <QtTest/QtTest>
 
+#include <limits>
 #include <string>
 #include <type_traits>
 
@@ -40,6 +41,9 @@ private Q_SLOTS:
     void returnsTheFreeSpaceOfAVolume();
     void returnsTheSpaceForUnprivilegedUsers_data();
     void returnsTheSpaceForUnprivilegedUsers();
+    void limitsTheFreeSpaceOfAHugeVolume();
+    void returnsZeroForAPathWithANulByte_data();
+    void returnsZeroForAPathWithANulByte();
     void returnsZeroForAPathThatCannotBeRead_data();
     void returnsZeroForAPathThatCannotBeRead();
 };
@@ -107,7 +111,7 @@ void FileUtilsLinuxTest::returnsTheFreeSpaceOfAVolume_data()
     QTest::addColumn<qlonglong>("size");
     QTest::newRow("1 MiB") << QByteArray("size=1m") << 0x10'0000LL;
     QTest::newRow("more than 4 GiB") << QByteArray("size=5g") << 0x1'4000'0000LL;
-    QTest::newRow("more than 4 billion GiB") << QByteArray("nr_blocks=0x100000000000") << 0x100'0000'0000'0000LL;
+    QTest::newRow("64 PiB") << QByteArray("nr_blocks=0x100000000000") << 0x100'0000'0000'0000LL;
 }
 
 void FileUtilsLinuxTest::returnsTheFreeSpaceOfAVolume()
@@ -140,6 +144,10 @@ void FileUtilsLinuxTest::returnsTheSpaceForUnprivilegedUsers_data()
     QTest::newRow("no blocks") << 0LL << 4096LL << 0LL;
     QTest::newRow("more than 32 bits of blocks") << 0x2'0000'0000LL << 4096LL << 0x2000'0000'0000LL;
     QTest::newRow("more than 32 bits of bytes") << 0x0fff'ffffLL << 4096LL << 0xff'ffff'f000LL;
+    QTest::newRow("maximum") << std::numeric_limits<qlonglong>::max() << 1LL << std::numeric_limits<qlonglong>::max();
+    QTest::newRow("8 EiB") << 0x40'0000'0000'0000LL << 512LL << std::numeric_limits<qlonglong>::max();
+    QTest::newRow("64 EiB") << 0x40'0000'0000'0000LL << 4096LL << std::numeric_limits<qlonglong>::max();
+    QTest::newRow("maximum number of blocks") << -1LL << 4096LL << std::numeric_limits<qlonglong>::max();
 }
 
 void FileUtilsLinuxTest::returnsTheSpaceForUnprivilegedUsers()
@@ -156,6 +164,30 @@ void FileUtilsLinuxTest::returnsTheSpaceForUnprivilegedUsers()
     FixedVolume const fixed(volume);
 
     QCOMPARE(GetAvailableDiskSpace(ioPath(Root())), space);
+}
+
+void FileUtilsLinuxTest::limitsTheFreeSpaceOfAHugeVolume()
+{
+    MakeFolder(At("volume"));
+
+    // The volume has 10 EiB.
+    qlonglong const space = RunWithMount(At("volume"), "nr_blocks=0xA000000000000",
+                                         [&] { return qlonglong{GetAvailableDiskSpace(ioPath(At("volume")))}; });
+
+    QCOMPARE(space, std::numeric_limits<qlonglong>::max());
+}
+
+void FileUtilsLinuxTest::returnsZeroForAPathWithANulByte_data()
+{
+    QTest::addColumn<QByteArray>("tail");
+    QTest::newRow("at the end") << QByteArray(1, '\0');
+    QTest::newRow("before a name") << QByteArray("\0name", 5);
+}
+
+void FileUtilsLinuxTest::returnsZeroForAPathWithANulByte()
+{
+    QFETCH(QByteArray, tail);
+    QCOMPARE(GetAvailableDiskSpace(ioPath(Root() + tail.toStdString())), 0LL);
 }
 
 void FileUtilsLinuxTest::returnsZeroForAPathThatCannotBeRead_data()

@@ -84,6 +84,10 @@ private Q_SLOTS:
     void checksAnAbsolutePathAndRemovesItsFolders();
     void acceptsAPathOf4000Characters();
     void removesEmptyParentsOfTheCheckedPath();
+    void removesOnlyItsOwnFoldersFromAPathWithTwoDots_data();
+    void removesOnlyItsOwnFoldersFromAPathWithTwoDots();
+    void removesItsFoldersIfAPathWithTwoDotsCannotBeCreated();
+    void checksTheFolderThatTwoDotsAfterALinkMean();
     void keepsAnExistingEmptyFolder();
     void checksThePermissionsOfAnOrdinaryUser_data();
     void checksThePermissionsOfAnOrdinaryUser();
@@ -281,6 +285,76 @@ void FileUtilsPathTest::removesEmptyParentsOfTheCheckedPath()
     QCOMPARE(IsThisPathValid(PathAt("kept/empty/missing/too")), PathValidity::Valid);
 
     QCOMPARE(ListTree(Root()), (QByteArrayList{"kept", "kept/file"}));
+}
+
+void FileUtilsPathTest::removesOnlyItsOwnFoldersFromAPathWithTwoDots_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<PathValidity>("validity");
+    QTest::newRow("missing after a link") << QByteArray("b/link/../x") << PathValidity::Valid;
+    QTest::newRow("missing after a link, with slashes") << QByteArray("b//link/..//x//") << PathValidity::Valid;
+    QTest::newRow("several missing after a link") << QByteArray("b/link/../y/z") << PathValidity::Valid;
+    QTest::newRow("missing before and after two dots") << QByteArray("missing/../other") << PathValidity::Valid;
+    QTest::newRow("two dots after missing") << QByteArray("missing/..") << PathValidity::Valid;
+    QTest::newRow("missing, up and down again") << QByteArray("missing/../missing/below") << PathValidity::Valid;
+    QTest::newRow("missing below an empty folder") << QByteArray("empty/../empty/missing") << PathValidity::Valid;
+    QTest::newRow("two dots after a file") << QByteArray("file/../x") << PathValidity::CannotCreate;
+    QTest::newRow("file after missing") << QByteArray("missing/../file/x") << PathValidity::CannotCreate;
+    QTest::newRow("two dots after a dangling link") << QByteArray("dangling/../x") << PathValidity::CannotCreate;
+    QTest::newRow("name of three dots") << QByteArray("...") << PathValidity::Valid;
+}
+
+void FileUtilsPathTest::removesOnlyItsOwnFoldersFromAPathWithTwoDots()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(PathValidity, validity);
+    MakeFolder(At("a"));
+    MakeFolder(At("a/target"));
+    MakeFolder(At("b"));
+    MakeFolder(At("b/x"));
+    MakeFolder(At("b/y"));
+    MakeFolder(At("b/y/z"));
+    MakeLink(At("b/link"), "../a/target");
+    MakeFolder(At("empty"));
+    MakeFile(At("file"));
+    MakeLink(At("dangling"), "nowhere");
+    QByteArrayList const before = ListTree(Root());
+
+    QCOMPARE(IsThisPathValid(PathAt(name)), validity);
+
+    QCOMPARE(ListTree(Root()), before);
+}
+
+void FileUtilsPathTest::removesItsFoldersIfAPathWithTwoDotsCannotBeCreated()
+{
+    MakeFolder(At("volume"));
+
+    // The volume has room for two folders only.
+    QByteArrayList const left = RunWithMount(At("volume"), "nr_inodes=3,mode=0777", [&] {
+        QByteArrayList result{IsThisPathValid(PathAt("volume/a/../b/c")) == PathValidity::CannotCreate ? "refused"
+                                                                                                       : "accepted"};
+        return result + ListTree(At("volume"));
+    });
+
+    QCOMPARE(left, QByteArrayList{"refused"});
+}
+
+void FileUtilsPathTest::checksTheFolderThatTwoDotsAfterALinkMean()
+{
+    MakeFolder(At("theirs"));
+    MakeFolder(At("theirs/target"));
+    MakeFolder(At("ours"));
+    MakeLink(At("ours/link"), "../theirs/target");
+    SetOwner(At("ours"), Us, OurGroup);
+    Chmod(At("theirs"), 0755);
+    Identity const us{Us, Us, OurGroup, OurGroup, {}};
+    QString const path = PathAt("ours/link/..");
+
+    QVector<bool> const forUs = RunAs(us, [&] { return QVector<bool>{TryCreateTmpFile(path), CanCreateFileIn(path)}; });
+    PathValidity const validity = RunAs(us, [&] { return IsThisPathValid(path); });
+
+    QCOMPARE(forUs, (QVector<bool>{false, false}));
+    QCOMPARE(validity, PathValidity::NotWritable);
 }
 
 void FileUtilsPathTest::keepsAnExistingEmptyFolder()

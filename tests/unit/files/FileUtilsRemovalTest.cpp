@@ -56,8 +56,8 @@ private Q_SLOTS:
     void removesTreesByAge();
     void removesTheFolderItselfIfRequestedAndEmpty_data();
     void removesTheFolderItselfIfRequestedAndEmpty();
-    void keepsALinkToAFolderAndItsTarget_data();
-    void keepsALinkToAFolderAndItsTarget();
+    void removesOldEntriesThroughALinkThatTheCallerNames_data();
+    void removesOldEntriesThroughALinkThatTheCallerNames();
     void resolvesAPathThroughALinkAsTheSystemDoes();
     void ignoresAPathThatIsNotAFolder_data();
     void ignoresAPathThatIsNotAFolder();
@@ -437,7 +437,7 @@ void FileUtilsRemovalTest::removesTheFolderItselfIfRequestedAndEmpty()
     QCOMPARE(ListTree(Root()), left);
 }
 
-void FileUtilsRemovalTest::keepsALinkToAFolderAndItsTarget_data()
+void FileUtilsRemovalTest::removesOldEntriesThroughALinkThatTheCallerNames_data()
 {
     QTest::addColumn<QByteArray>("path");
     for (char const* const path : {"link", "link/", "link//", "link/.", "link/./", ".//link//.//", "link-to-link",
@@ -446,25 +446,35 @@ void FileUtilsRemovalTest::keepsALinkToAFolderAndItsTarget_data()
     }
 }
 
-void FileUtilsRemovalTest::keepsALinkToAFolderAndItsTarget()
+void FileUtilsRemovalTest::removesOldEntriesThroughALinkThatTheCallerNames()
 {
     QFETCH(QByteArray, path);
-    MakeFolder(At("folder"));
-    MakeFile(At("folder/file"));
-    MakeFolder(At("folder/empty"));
+    MakeFolder(At("other"));
+    MakeFile(At("other/file"));
     MakeFolder(At("old"));
     MakeLink(At("old/link"), "../folder");
     MakeLink(At("link"), "folder");
     MakeLink(At("link-to-link"), "link");
-    SetAgeOfEntries(Root(), Old);
-    QByteArrayList const before = ListTree(Root());
-    for (bool const removeFolderItself : {false, true}) {
-        RemoveDir(PathAt(path), 1, removeFolderItself);
-        QCOMPARE(ListTree(Root()), before);
+    MakeFolder(At("folder"));
+    QByteArrayList const beside = ListTree(Root());
+    WorkingFolder const current(Root());
+    for (QString const& written : {PathAt(path), QString::fromLatin1(path)}) {
+        for (bool const removeFolderItself : {false, true}) {
+            MakeFile(At("folder/file"));
+            MakeFile(At("folder/new"));
+            MakeFolder(At("folder/below"));
+            MakeFile(At("folder/below/file"));
+            MakeLink(At("folder/below/link"), "../../other");
+            MakeLink(At("folder/link"), "../other");
+            SetAgeOfEntries(Root(), Old);
+            SetAge(At("folder/new"), New);
 
-        WorkingFolder const current(Root());
-        RemoveDir(QString::fromLatin1(path), 1, removeFolderItself);
-        QCOMPARE(ListTree(Root()), before);
+            RemoveDir(written, 1, removeFolderItself);
+            QCOMPARE(ListTree(At("folder")), QByteArrayList{"new"});
+
+            RemoveDir(written, 0, removeFolderItself);
+            QCOMPARE(ListTree(Root()), beside);
+        }
     }
 }
 
@@ -488,6 +498,7 @@ void FileUtilsRemovalTest::ignoresAPathThatIsNotAFolder_data()
                                    "dangling", "dangling/", "loop", "link-to-file"}) {
         QTest::newRow(path) << QByteArray(path);
     }
+    QTest::newRow("link to a file with slash") << QByteArray("link-to-file/");
     QTest::newRow("name that is too long") << QByteArray(256, 'n');
     QTest::newRow("path that is too long") << QByteArray("folder/").repeated(1000);
 }

@@ -2,6 +2,7 @@
 // all descriptors that it opens, does not change the current folder of the process, and can run on several threads at
 // the same time.
 
+#include <support/overrides/FolderReading.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
 #include <support/sandbox/Users.h>
@@ -110,6 +111,7 @@ private Q_SLOTS:
     void doesNotFollowALinkThatReplacesAFolder();
     void logsEachFolderThatIsMoved_data();
     void logsEachFolderThatIsMoved();
+    void measuresNoOtherFolderIfFoldersCannotBeIdentified();
     void logsAFolderThatLosesItsPermissions();
 
     void keepsDescriptorsAndCurrentFolder();
@@ -245,6 +247,32 @@ void FileUtilsSizeChangesTest::logsEachFolderThatIsMoved()
         QCOMPARE(measured.sizeless.count(path), 1);
     }
     QCOMPARE(CountOpenDescriptors(), descriptorsBefore);
+}
+
+// The test moves a folder of the chain into a folder with side folders of the same names. A traversal that does not
+// identify folders would go up to this folder and measure these side folders.
+void FileUtilsSizeChangesTest::measuresNoOtherFolderIfFoldersCannotBeIdentified()
+{
+    FileSizes sizes;
+    MakeChain(At(Chain(0)), ChainLevels, sizes);
+    MakeFolder(At("decoys"));
+    for (int i = 0; i < 6; ++i) {
+        MakeFolder(At("decoys/s" + std::to_string(i)));
+        MakeFile(At("decoys/s" + std::to_string(i) + "/decoy"), 1 << 30);
+    }
+    bool moved = false;
+    UnidentifiableFolders const fault;
+
+    Measured const measured = Measure(At(Chain(0)), [&](QByteArray const& path) {
+        if (path.endsWith("/trigger")) {
+            moved = true;
+            boost::filesystem::rename(At(Chain(9)), At("decoys/away"));
+        }
+    });
+
+    QVERIFY(moved);
+    QVERIFY(fault.Count() > 0);
+    QCOMPARE(measured.bytes, sizes.SumWithout(measured.sizeless));
 }
 
 void FileUtilsSizeChangesTest::logsAFolderThatLosesItsPermissions()

@@ -276,6 +276,31 @@ private Q_SLOTS:
         QCOMPARE(FormatFileSize(size, precision, minUnit, kilo), text);
     }
 
+    void limitsThePrecision_data()
+    {
+        QTest::addColumn<int>("precision");
+        QTest::addColumn<int>("decimals");
+        QTest::newRow("200") << 200 << 200;
+        QTest::newRow("just below the limit") << 999 << 999;
+        QTest::newRow("limit") << 1000 << 1000;
+        QTest::newRow("just above the limit") << 1001 << 1000;
+        QTest::newRow("a billion") << 1000000000 << 1000;
+        QTest::newRow("maximum") << std::numeric_limits<int>::max() << 1000;
+    }
+
+    void limitsThePrecision()
+    {
+        QFETCH(int, precision);
+        QFETCH(int, decimals);
+        // The exact value of the double 1e-12. All further decimal places are zero.
+        QString const exact = QStringLiteral("0.0000000000009999999999999999798866476292556153672528435061"
+                                             "2952266601496376097202301025390625");
+        QString const zeros = QString(decimals - (exact.size() - 2), QLatin1Char('0'));
+        QString const text = FormatFileSize(1, precision, TB, Kilo1000);
+        QCOMPARE(text.size(), decimals + 5);
+        QCOMPARE(text, exact + zeros + QStringLiteral(" TB"));
+    }
+
     void formatsEdgeSizesLikeQt()
     {
         for (KiloSize const kilo : BothBases) {

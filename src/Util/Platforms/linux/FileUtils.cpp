@@ -12,6 +12,9 @@
 
 #include <boost/filesystem/operations.hpp>
 
+#include <limits>
+#include <string>
+
 #include <sys/statvfs.h>
 
 #include <glog/logging.h>
@@ -20,6 +23,13 @@ namespace Zelkor::Util
 {
 namespace
 {
+
+// Returns true if \a path contains a NUL byte. System calls read a path only up to the first NUL byte, so they would
+// access a different file.
+bool ContainsNul(ioPath const& path)
+{
+    return path.native().find('\0') != std::string::npos;
+}
 
 // Returns the file URI of \a path. The bytes of the path are percent-encoded (RFC 3986, section 2.1). They are not
 // converted to Unicode, because a path may contain invalid UTF-8. A relative path is resolved against the current
@@ -35,7 +45,7 @@ QString FileUri(ioPath const& path)
 
 bool OpenFolder(ioPath const& folder)
 {
-    bool const isOpen = QDesktopServices::openUrl(QUrl(FileUri(folder), QUrl::StrictMode));
+    bool const isOpen = !ContainsNul(folder) && QDesktopServices::openUrl(QUrl(FileUri(folder), QUrl::StrictMode));
     LOG_IF(WARNING, !isOpen) << "Nothing opens the folder: " << folder.utf8string();
     return isOpen;
 }
@@ -90,10 +100,12 @@ bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files)
 long long GetAvailableDiskSpace(ioPath const& path)
 {
     struct statvfs volume;
-    if (statvfs(path.c_str(), &volume) != 0) {
+    if (ContainsNul(path) || statvfs(path.c_str(), &volume) != 0) {
         return 0;
     }
-    return static_cast<long long>(volume.f_bavail) * static_cast<long long>(volume.f_frsize);
+    long long space = 0;
+    bool const overflows = __builtin_mul_overflow(volume.f_bavail, volume.f_frsize, &space);
+    return overflows ? std::numeric_limits<long long>::max() : space;
 }
 
 } // namespace Zelkor::Util

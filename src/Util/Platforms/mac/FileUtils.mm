@@ -2,6 +2,10 @@
 
 #include <QtCore/QString>
 
+#include <algorithm>
+#include <limits>
+#include <string>
+
 #import <AppKit/AppKit.h>
 
 namespace Zelkor::Util
@@ -10,10 +14,18 @@ namespace Zelkor::Util
 namespace
 {
 
-// Returns the file URL of \a path, or nil if \a path is not valid UTF-8.
+// Returns the text of \a path, or nil if \a path is not valid UTF-8 or contains a NUL byte. Without the check for NUL
+// bytes, the text would be the path of a different file.
+NSString* TextOf(ioPath const& path)
+{
+    std::string const utf8 = path.utf8string();
+    return utf8.find('\0') == std::string::npos ? [NSString stringWithUTF8String:utf8.c_str()] : nil;
+}
+
+// Returns the file URL of \a path, or nil if TextOf() returns nil.
 NSURL* FileUrl(ioPath const& path)
 {
-    NSString* const text = [NSString stringWithUTF8String:path.utf8string().c_str()];
+    NSString* const text = TextOf(path);
     return text ? [NSURL fileURLWithPath:text] : nil;
 }
 
@@ -48,10 +60,12 @@ bool ExploreFile(ioPath const& folder, std::vector<ioPath> const& files)
 long long GetAvailableDiskSpace(ioPath const& path)
 {
     @autoreleasepool {
-        NSString* const text = [NSString stringWithUTF8String:path.utf8string().c_str()];
+        NSString* const text = TextOf(path);
         NSDictionary* const attributes =
             text ? [[NSFileManager defaultManager] attributesOfFileSystemForPath:text error:nullptr] : nil;
-        return [[attributes objectForKey:NSFileSystemFreeSize] longLongValue];
+        // longLongValue would return a negative number for more than 8 EiB.
+        unsigned long long const space = [[attributes objectForKey:NSFileSystemFreeSize] unsignedLongLongValue];
+        return static_cast<long long>(std::min<unsigned long long>(space, std::numeric_limits<long long>::max()));
     }
 }
 

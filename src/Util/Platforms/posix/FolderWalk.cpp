@@ -6,8 +6,9 @@
 // therefore not needed later, and the stream may be closed.
 //
 // At most MaxOpenFolders folders are open, or fewer if the process has no more file descriptors. If this limit is
-// reached, the traversal closes the outermost open folder before it enters the next folder. Later, the traversal opens
-// a closed folder again only if the folder has more subfolders to enter, or if SubfolderLeft() must be called.
+// reached, the traversal closes the outermost open folder before it enters the next folder. A folder that cannot be
+// identified with fstat() stays open. Later, the traversal opens a closed folder again only if the folder has more
+// subfolders to enter, or if SubfolderLeft() must be called.
 //
 // The traversal has two methods to open a closed folder again:
 // - The first method starts from an open folder below the closed folder. It opens a relative path that has one ".." for
@@ -99,10 +100,13 @@ FolderWalk::FolderStream FolderWalk::Open(int parent, char const* name)
     return stream;
 }
 
-FolderWalk::FolderId FolderWalk::IdOf(DIR* stream)
+std::optional<FolderWalk::FolderId> FolderWalk::IdOf(DIR* stream)
 {
     struct stat status;
-    return fstat(dirfd(stream), &status) == 0 ? FolderId{status.st_dev, status.st_ino} : FolderId();
+    if (fstat(dirfd(stream), &status) != 0) {
+        return std::nullopt;
+    }
+    return FolderId{status.st_dev, status.st_ino};
 }
 
 bool FolderWalk::Is(FolderStream const& stream, FolderId const& id)
@@ -110,8 +114,8 @@ bool FolderWalk::Is(FolderStream const& stream, FolderId const& id)
     if (!stream) {
         return false;
     }
-    FolderId const found = IdOf(stream.get());
-    return found.device == id.device && found.inode == id.inode;
+    std::optional<FolderId> const found = IdOf(stream.get());
+    return found && found->device == id.device && found->inode == id.inode;
 }
 
 void FolderWalk::EnterNextSubfolder()
@@ -186,14 +190,20 @@ void FolderWalk::FinishSubfolder()
 }
 
 /// Closes the outermost open folder and returns true. Never closes the current folder: if no other folder is open, this
-/// function does nothing and returns false.
+/// function does nothing and returns false. It also returns false if the folder cannot be identified, because Reopen()
+/// could then open a different folder.
 bool FolderWalk::CloseOutermost()
 {
     if (closedFolders_ + 1 >= folders_.size()) {
         return false;
     }
-    Folder& outermost = folders_[closedFolders_++];
-    outermost.id = IdOf(outermost.stream.get());
+    Folder& outermost = folders_[closedFolders_];
+    std::optional<FolderId> const id = IdOf(outermost.stream.get());
+    if (!id) {
+        return false;
+    }
+    ++closedFolders_;
+    outermost.id = *id;
     outermost.stream.reset();
     return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -94,7 +95,7 @@ private:
     };
 
     static FolderStream Open(int parent, char const* name);
-    static FolderId IdOf(DIR* stream);
+    static std::optional<FolderId> IdOf(DIR* stream);
     static bool Is(FolderStream const& stream, FolderId const& id);
 
     void EnterNextSubfolder();
