@@ -35,6 +35,8 @@ constexpr int SearchOnly = O_RDONLY;
 
 constexpr int FolderFlags = O_DIRECTORY | O_CLOEXEC;
 
+constexpr mode_t WritableForOthers = S_IWGRP | S_IWOTH;
+
 /// Returns the system's description of the error number \a error.
 QString Reason(int error)
 {
@@ -157,14 +159,14 @@ private:
         if (status.st_uid != geteuid()) {
             return Fail(QObject::tr("The folder \"%1\" does not belong to the current user.").arg(path_));
         }
-        return (status.st_mode & (S_IWGRP | S_IWOTH)) == 0 || DenyWritingToOthers(status.st_mode);
+        return (status.st_mode & WritableForOthers) == 0 || DenyWritingToOthers(status.st_mode);
     }
 
     bool DenyWritingToOthers(mode_t mode)
     {
         // Changing the permissions needs a descriptor that was opened for reading.
         Descriptor const folder(openat(folder_.Number(), ".", O_RDONLY | FolderFlags));
-        if (!folder.IsOpen() || fchmod(folder.Number(), mode & 07777U & ~(S_IWGRP | S_IWOTH)) != 0) {
+        if (!folder.IsOpen() || fchmod(folder.Number(), mode & 07777U & ~WritableForOthers) != 0) {
             return Fail(
                 QObject::tr("The permissions of the folder \"%1\" cannot be changed: %2").arg(path_, Reason(errno)));
         }
