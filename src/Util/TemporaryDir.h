@@ -85,7 +85,7 @@ public:
     QString filePath(QString const& fileName) const;
 
 private:
-    struct Impl;
+    struct ZQTUTIL_NO_EXPORT Impl;
 
     std::unique_ptr<Impl> impl_;
 };
