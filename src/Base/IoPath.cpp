@@ -5,6 +5,8 @@
 #include <boost/filesystem/operations.hpp>
 #include <boost/throw_exception.hpp>
 
+#include <cerrno>
+#include <cstdio>
 #include <utility>
 
 namespace Zelkor
@@ -64,10 +66,17 @@ bool ioPath::remove() const
             "The path holds a NUL byte", *this,
             boost::system::errc::make_error_code(boost::system::errc::invalid_argument)));
     }
-    // If the path ends with a slash and is a link to a folder, boost::filesystem::remove() returns true without
-    // removing anything. Therefore, check that the path no longer exists.
-    boost::system::error_code error;
-    return boost::filesystem::remove(*this) && !exists(boost::filesystem::symlink_status(*this, error));
+    // boost::filesystem::remove() is not suitable. It returns true if the entry disappears during the call, and if the
+    // path is a link to a folder and ends with a slash.
+    if (std::remove(c_str()) == 0) {
+        return true;
+    }
+    int const error = errno;
+    if (error == ENOENT || error == ENOTDIR) {
+        return false;
+    }
+    boost::throw_exception(boost::filesystem::filesystem_error(
+        "The path cannot be removed", *this, boost::system::error_code(error, boost::system::system_category())));
 }
 
 bool Core::FileExists(ioPath const& path)

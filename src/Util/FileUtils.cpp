@@ -38,26 +38,21 @@ bool HasParentComponent(QString const& path)
     return path.split(QLatin1Char('/')).contains(QLatin1String(".."));
 }
 
-// Returns true if the folder \a path can be created. Creates each missing folder of \a path, and then removes exactly
-// the created folders.
-bool CanMakeFolders(QString const& path)
+// Creates each missing folder of \a path, and adds it at the beginning of \a created. Returns true if \a path is then a
+// folder. QDir::mkpath() does not report which folders it has created.
+bool MakeFolders(QString const& path, QStringList& created)
 {
-    QStringList created;
-    bool exists = true;
-    for (int end = 0; exists && end < path.size();) {
+    for (int end = 0; end < path.size();) {
         end = path.indexOf(QLatin1Char('/'), end + 1);
         end = end < 0 ? path.size() : end;
         QString const folder = path.left(end);
         if (QDir().mkdir(folder)) {
             created.prepend(folder);
-        } else {
-            exists = QFileInfo(folder).isDir();
+        } else if (!QFileInfo(folder).isDir()) {
+            return false;
         }
     }
-    for (QString const& folder : qAsConst(created)) {
-        QDir().rmdir(folder);
-    }
-    return exists;
+    return true;
 }
 
 PathValidity CheckMissingFolder(QString const& path)
@@ -67,15 +62,20 @@ PathValidity CheckMissingFolder(QString const& path)
     if (path.contains(QLatin1String(" /")) || path.contains(QLatin1String(" \\")) || path.endsWith(QLatin1Char(' '))) {
         return PathValidity::TrailingSpace;
     }
-    if (HasParentComponent(path)) {
-        return CanMakeFolders(path) ? PathValidity::Valid : PathValidity::CannotCreate;
+    QStringList created;
+    bool const isFolder = MakeFolders(path, created);
+    if (isFolder && created.isEmpty()) {
+        return CheckExistingFolder(path); // The folder has appeared since the caller's check.
     }
-    if (!QDir().mkpath(path)) {
-        return PathValidity::CannotCreate;
+    if (isFolder && !HasParentComponent(path)) {
+        // Accepted side effect: rmpath() also removes parent folders that already existed and were empty.
+        QDir().rmpath(path);
+    } else {
+        for (QString const& folder : qAsConst(created)) {
+            QDir().rmdir(folder);
+        }
     }
-    // Accepted side effect: rmpath() also removes parent folders that already existed and were empty.
-    QDir().rmpath(path);
-    return PathValidity::Valid;
+    return isFolder ? PathValidity::Valid : PathValidity::CannotCreate;
 }
 
 // Removes all "/" and "/." from the end of the path. With a "/" at the end, some systems follow a symbolic link in

@@ -31,11 +31,11 @@ enum class PathValidity : int {
 ///
 /// The path must be absolute. If the folder exists, the function creates a temporary file in it and removes the file
 /// again. If the folder does not exist, the function creates the folder and its missing parents, then removes them.
-/// Parents that already existed and were empty are removed too. If creating the folder fails, the function does not
-/// remove the parents that it has already created.
+/// Parents that already existed and were empty are removed too. If creating the folder fails, the function removes only
+/// the parents that it has created.
 ///
 /// The system resolves ".." in the path: after a symbolic link, ".." is the parent of the target. If the path contains
-/// "..", the function removes exactly the folders that it has created, even if creating the folder fails.
+/// "..", the function removes exactly the folders that it has created.
 ZQTUTIL_EXPORT PathValidity IsThisPathValid(QString const& path);
 
 /// Returns true if \a path can be used as a destination folder. See IsThisPathValid(QString const&) for the check and

@@ -28,6 +28,8 @@ ZQTUTIL_EXPORT std::vector<ioPath> MountedDVD();
 /// - the name of the folder \a path is "VIDEO_TS", compared case-insensitively;
 /// - the name of each file and folder in the parent folder begins with a dot, or is "VIDEO_TS", "AUDIO_TS" or
 ///   "Thumbs.db", compared case-sensitively.
+///
+/// If \a path contains a NUL byte, only the text before it is used.
 ZQTUTIL_EXPORT std::string DVDLabel(ioPath const& path);
 
 } // namespace Util

@@ -86,7 +86,8 @@ private Q_SLOTS:
     void removesEmptyParentsOfTheCheckedPath();
     void removesOnlyItsOwnFoldersFromAPathWithTwoDots_data();
     void removesOnlyItsOwnFoldersFromAPathWithTwoDots();
-    void removesItsFoldersIfAPathWithTwoDotsCannotBeCreated();
+    void removesItsFoldersIfAPathCannotBeCreated_data();
+    void removesItsFoldersIfAPathCannotBeCreated();
     void checksTheFolderThatTwoDotsAfterALinkMean();
     void keepsAnExistingEmptyFolder();
     void checksThePermissionsOfAnOrdinaryUser_data();
@@ -325,14 +326,23 @@ void FileUtilsPathTest::removesOnlyItsOwnFoldersFromAPathWithTwoDots()
     QCOMPARE(ListTree(Root()), before);
 }
 
-void FileUtilsPathTest::removesItsFoldersIfAPathWithTwoDotsCannotBeCreated()
+void FileUtilsPathTest::removesItsFoldersIfAPathCannotBeCreated_data()
 {
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("three folders") << QByteArray("volume/a/b/c");
+    QTest::newRow("three folders with two dots") << QByteArray("volume/a/../b/c/d");
+    QTest::newRow("name that is too long") << "volume/a/" + QByteArray(256, 'n');
+}
+
+void FileUtilsPathTest::removesItsFoldersIfAPathCannotBeCreated()
+{
+    QFETCH(QByteArray, name);
     MakeFolder(At("volume"));
 
     // The volume has room for two folders only.
     QByteArrayList const left = RunWithMount(At("volume"), "nr_inodes=3,mode=0777", [&] {
-        QByteArrayList result{IsThisPathValid(PathAt("volume/a/../b/c")) == PathValidity::CannotCreate ? "refused"
-                                                                                                       : "accepted"};
+        PathValidity const validity = IsThisPathValid(PathAt(name));
+        QByteArrayList result{validity == PathValidity::CannotCreate ? "refused" : "accepted"};
         return result + ListTree(At("volume"));
     });
 
