@@ -515,7 +515,7 @@ void FaultsTest::removesATemporaryDirectory()
         [](Run const& run) {
             bool const isRemoved = run.results[1].toBool();
             std::string const path = run.results[2].toByteArray().toStdString();
-            // If all later calls fail, QTemporaryDir cannot detect that the directory still exists, and returns true.
+            // If all later calls fail with ENOENT, remove() assumes that the directory no longer exists.
             return run.failedCount > 1 || (isRemoved ? !path.empty() && !Exists(path) : run.failedCount > 0);
         });
 }
