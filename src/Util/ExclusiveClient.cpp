@@ -94,7 +94,14 @@ bool ExclusiveClient::isInUse() const
 
 void ExclusiveClient::use()
 {
-    liveService().setClient(this);
+    QPointer<ExclusiveClient> const self(this);
+    QPointer<ExclusiveService> const service(&liveService());
+    service->setClient(this);
+    // A slot may have set another service before the transfer was complete. This client would then hold the resource of
+    // the old service for ever.
+    if (self && service && service != service_ && service->currentClient() == this) {
+        service->setClient(nullptr);
+    }
 }
 
 void ExclusiveClient::finalize()

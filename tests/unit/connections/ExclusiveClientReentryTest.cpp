@@ -252,6 +252,26 @@ private Q_SLOTS:
         QCOMPARE(ClientsInUse(), QByteArrayList{"A"});
     }
 
+    void givesUpAServiceThatItLeavesDuringTheTransfer_data()
+    {
+        QTest::addColumn<bool>("hasNewService");
+        QTest::newRow("another service") << true;
+        QTest::newRow("no service") << false;
+    }
+
+    void givesUpAServiceThatItLeavesDuringTheTransfer()
+    {
+        QFETCH(bool, hasNewService);
+        OnceAnnounced([=] { a_->setService(hasNewService ? otherService_.get() : nullptr); });
+
+        a_->use();
+
+        QCOMPARE(service_->currentClient(), nullptr);
+        QCOMPARE(ClientsInUse(), QByteArrayList());
+        QCOMPARE(log_, (QByteArrayList{"announced nobody -> A", "B otherClientAppeared", "C otherClientAppeared",
+                                       "changed to A", "announced A -> nobody", "changed to nobody"}));
+    }
+
     void mayLeaveInReleasedWhenIntercepted()
     {
         a_->use();
