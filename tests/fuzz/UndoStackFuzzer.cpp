@@ -1,0 +1,198 @@
+// Fuzzes the stack of undo stacks. Each byte of an input selects an operation; see Session::Perform().
+
+#include <fuzz/Fuzzing.h>
+
+#include <Util/UndoHandlerStack.h>
+
+#include <QtWidgets/QUndoCommand>
+#include <QtWidgets/QUndoStack>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+using Zelkor::Testing::FuzzInput;
+using Zelkor::Testing::RequireEqual;
+using Zelkor::Util::UndoHandlerStack;
+
+namespace
+{
+
+/// An undo stack with the values that it should have.
+struct Document
+{
+    bool CanUndo() const { return index > 0; }
+    bool CanRedo() const { return index < commands; }
+    bool IsClean() const { return index == cleanIndex; }
+
+    std::unique_ptr<QUndoStack> stack = std::make_unique<QUndoStack>();
+    int commands = 0;
+    int index = 0;
+    int cleanIndex = 0; // -1 if the clean state can no longer be reached
+};
+
+/// The state that an application shows. It is changed by signals only.
+struct ShownState
+{
+    bool canUndo = false;
+    bool canRedo = false;
+    bool isClean = true;
+    int index = 0;
+};
+
+/// Performs operations on an UndoHandlerStack, and keeps a list of the documents that should be on it.
+class Session
+{
+public:
+    Session()
+    {
+        QObject::connect(&handlers_, &UndoHandlerStack::canUndoChanged, [this](bool value) { shown_.canUndo = value; });
+        QObject::connect(&handlers_, &UndoHandlerStack::canRedoChanged, [this](bool value) { shown_.canRedo = value; });
+        QObject::connect(&handlers_, &UndoHandlerStack::cleanChanged, [this](bool value) { shown_.isClean = value; });
+        QObject::connect(&handlers_, &UndoHandlerStack::indexChanged, [this](int value) { shown_.index = value; });
+        QObject::connect(&handlers_, &UndoHandlerStack::indexChanged, [this] { ++signals_; });
+    }
+
+    void Perform(FuzzInput& input)
+    {
+        switch (input.Byte()) {
+        case '(':
+            Push(TakeDocument(input));
+            break;
+        case ')':
+            Pop();
+            break;
+        case 'x':
+            Delete(TakeDocument(input));
+            break;
+        case 'u':
+            handlers_.undo();
+            if (!pushed_.empty()) {
+                Undo(*pushed_.back());
+            }
+            break;
+        case 'r':
+            handlers_.redo();
+            if (!pushed_.empty()) {
+                Redo(*pushed_.back());
+            }
+            break;
+        case 'c':
+            AddCommand(TakeDocument(input));
+            break;
+        case 's': {
+            Document& document = TakeDocument(input);
+            document.stack->setClean();
+            document.cleanIndex = document.index;
+            break;
+        }
+        case 'U': {
+            Document& document = TakeDocument(input);
+            document.stack->undo();
+            Undo(document);
+            break;
+        }
+        case 'R': {
+            Document& document = TakeDocument(input);
+            document.stack->redo();
+            Redo(document);
+            break;
+        }
+        default:
+            break;
+        }
+        CheckState();
+    }
+
+private:
+    Document& TakeDocument(FuzzInput& input) { return documents_[input.Byte() % documents_.size()]; }
+
+    bool IsPushed(Document const& document) const
+    {
+        return std::find(pushed_.begin(), pushed_.end(), &document) != pushed_.end();
+    }
+
+    void Push(Document& document)
+    {
+        if (IsPushed(document)) {
+            return; // a stack must not be pushed twice
+        }
+        signals_ = 0;
+        handlers_.push(document.stack.get());
+        pushed_.push_back(&document);
+        RequireEqual(signals_ > 0, true, "push emits indexChanged");
+    }
+
+    void Pop()
+    {
+        QUndoStack* const expected = pushed_.empty() ? nullptr : pushed_.back()->stack.get();
+        signals_ = 0;
+        RequireEqual(handlers_.pop() == expected, true, "popped stack is the last pushed stack");
+        RequireEqual(signals_ > 0, expected != nullptr, "pop emits indexChanged");
+        if (expected) {
+            pushed_.pop_back();
+        }
+    }
+
+    void Delete(Document& document)
+    {
+        if (!IsPushed(document)) { // a stack must be popped before it is destroyed
+            document = Document();
+        }
+    }
+
+    void AddCommand(Document& document)
+    {
+        document.stack->push(new QUndoCommand);
+        if (document.cleanIndex > document.index) {
+            document.cleanIndex = -1; // the commands after the index are deleted
+        }
+        document.commands = ++document.index;
+    }
+
+    void Undo(Document& document)
+    {
+        if (document.CanUndo()) {
+            --document.index;
+        }
+    }
+
+    void Redo(Document& document)
+    {
+        if (document.CanRedo()) {
+            ++document.index;
+        }
+    }
+
+    void CheckState() const
+    {
+        Document const* const active = pushed_.empty() ? nullptr : pushed_.back();
+        RequireEqual(handlers_.empty(), pushed_.empty(), "no stack is pushed");
+        RequireEqual(handlers_.activeStack() == (active ? active->stack.get() : nullptr), true,
+                     "active stack is the last pushed stack");
+        RequireEqual(handlers_.canUndo(), active && active->CanUndo(), "active stack can undo");
+        RequireEqual(handlers_.canRedo(), active && active->CanRedo(), "active stack can redo");
+        RequireEqual(shown_.canUndo, handlers_.canUndo(), "last value of canUndoChanged");
+        RequireEqual(shown_.canRedo, handlers_.canRedo(), "last value of canRedoChanged");
+        RequireEqual(shown_.isClean, !active || active->IsClean(), "last value of cleanChanged");
+        RequireEqual(shown_.index, active ? active->index : 0, "last value of indexChanged");
+    }
+
+    std::array<Document, 4> documents_;
+    UndoHandlerStack handlers_;
+    std::vector<Document*> pushed_;
+    ShownState shown_;
+    int signals_ = 0;
+};
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
+{
+    FuzzInput input(data, size);
+    Session session;
+    while (!input.AtEnd()) {
+        session.Perform(input);
+    }
+    return 0;
+}
