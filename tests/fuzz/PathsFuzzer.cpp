@@ -21,6 +21,8 @@ using Zelkor::Util::PathValidity;
 namespace
 {
 
+constexpr int MaximumParents = 8;
+
 /// Creates the tree. A check may remove empty folders, so that all folders except "empty" contain a file.
 void MakeTree(std::string const& root)
 {
@@ -47,13 +49,14 @@ class Tree
 {
 public:
     Tree()
-        : root(FuzzFolder() + "/root")
+        : root(FuzzFolder() + "/1/2/3/4/5/6/7/8/root")
     {
+        MakeFolders(root);
         MakeTree(root);
         original = Entries();
     }
 
-    ~Tree() { EmptyFolder(root); }
+    ~Tree() { EmptyFolder(FuzzFolder()); }
 
     Tree(Tree const&) = delete;
     Tree& operator=(Tree const&) = delete;
@@ -63,21 +66,16 @@ public:
     {
         Chmod(root + "/hidden", 0755);
         Chmod(root + "/write-only", 0755);
-        QByteArrayList const entries = ListTree(root);
+        QByteArrayList const entries = ListTree(FuzzFolder());
         Chmod(root + "/hidden", 0000);
         Chmod(root + "/write-only", 0333);
         return entries;
     }
 
-    /// Creates the removed empty folders, and removes the \a created folders.
-    void Restore(QByteArrayList const& created) const
-    {
-        MakeFolders(root + "/empty/inner");
-        std::for_each(created.rbegin(), created.rend(),
-                      [this](QByteArray const& folder) { Check(rmdir((root + '/' + folder.toStdString()).c_str())); });
-    }
+    /// Creates the empty folders.
+    void Restore() const { MakeFolders(root + "/empty/inner"); }
 
-    std::string const root;
+    std::string const root;  // has MaximumParents parents in the folder of the fuzzer
     QByteArrayList original; // all entries
 };
 
@@ -117,18 +115,23 @@ bool HasTrailingSpace(QString const& path)
 /// Returns true if the missing folder \a path and its missing parents can be created.
 bool CanBeCreated(QString const& path)
 {
-    if (path.toUtf8().size() >= PATH_MAX) {
-        return false;
-    }
     std::string existing = "/";
-    QStringList names = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    while (!names.isEmpty() && ExistsThroughLinks(existing + names.front().toStdString())) {
-        existing += names.takeFirst().toStdString() + '/';
+    int created = 0; // the number of missing folders at the end of the path so far
+    for (QString const& component : path.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
+        std::string const name = component.toStdString();
+        if (created > 0 && name == "..") {
+            --created;
+        } else if (created == 0 && ExistsThroughLinks(existing + name)) {
+            existing += name + '/';
+        } else if (created == 0 && (Exists(existing + name) || !MayCreateIn(existing))) {
+            return false; // a dangling link, or a folder without write access
+        } else if (name.size() > NAME_MAX) {
+            return false;
+        } else if (name != ".") {
+            ++created;
+        }
     }
-    bool const areShort =
-        std::all_of(names.begin(), names.end(), [](QString const& name) { return name.toUtf8().size() <= NAME_MAX; });
-    bool const isDanglingLink = !names.isEmpty() && Exists(existing + names.front().toStdString());
-    return MayCreateIn(existing) && areShort && !isDanglingLink;
+    return ExistsAsFolder(existing);
 }
 
 PathValidity ExpectedValidity(QString const& path)
@@ -170,18 +173,22 @@ QString ExpectedMessage(PathValidity validity)
     return QStringLiteral("unchanged");
 }
 
-/// Returns true if the documentation defines the result for \a path. It does not define the result for the component
-/// "..", for NUL characters, and for paths of Qt resources, which begin with a colon. In addition, a path with ".."
-/// could leave the tree.
+/// Returns the number of components ".." in \a path.
+int CountParents(QString const& path)
+{
+    return path.split(QLatin1Char('/')).count(QStringLiteral(".."));
+}
+
+/// Returns true if the documentation of IsThisPathValid() defines the result for \a path. It does not define the result
+/// for NUL characters and for paths of Qt resources, which begin with a colon.
 bool IsDefined(QString const& path)
 {
-    return !path.split(QLatin1Char('/')).contains(QStringLiteral("..")) && !path.contains(QChar::Null) &&
-           !path.startsWith(QLatin1Char(':'));
+    return !path.contains(QChar::Null) && !path.startsWith(QLatin1Char(':'));
 }
 
 void CheckAccess(QString const& path)
 {
-    std::string const native = path.toStdString();
+    std::string const native = path.contains(QChar::Null) ? std::string() : path.toStdString();
     bool const mayCreate = MayCreateIn(native);
     RequireEqual(Zelkor::Util::TryCreateTmpFile(path), mayCreate, "test file can be created");
     RequireEqual(Zelkor::Util::CanCreateFileIn(path), mayCreate && PermissionsAllowCreation(native),
@@ -191,30 +198,28 @@ void CheckAccess(QString const& path)
 }
 
 /// Checks the changes of the tree after a check of \a path with the result \a validity, and restores the tree. If the
-/// path is valid, its empty parents may be removed. If the folder cannot be created, some of its parents may be
-/// created.
+/// path is valid and contains no "..", its empty parents may be removed.
 void CheckChanges(Tree const& tree, QString const& path, PathValidity validity)
 {
-    QByteArrayList created;
     QByteArrayList const entries = tree.Entries();
     if (entries == tree.original) {
         return;
     }
+    QByteArrayList created;
     std::set_difference(entries.begin(), entries.end(), tree.original.begin(), tree.original.end(),
                         std::back_inserter(created));
-    if (validity != PathValidity::CannotCreate) {
-        RequireEqual(created.join(", "), QByteArray(), "created entries");
-    }
+    RequireEqual(created.join(", "), QByteArray(), "created entries");
     QByteArrayList removed;
     std::set_difference(tree.original.begin(), tree.original.end(), entries.begin(), entries.end(),
                         std::back_inserter(removed));
     for (QByteArray const& entry : qAsConst(removed)) {
-        QString const folder = QString::fromStdString(tree.root) + QLatin1Char('/') + QString::fromUtf8(entry);
-        bool const mayBeRemoved = validity == PathValidity::Valid && entry.startsWith("empty") &&
+        QString const folder = QString::fromStdString(FuzzFolder()) + QLatin1Char('/') + QString::fromUtf8(entry);
+        bool const mayBeRemoved = validity == PathValidity::Valid && CountParents(path) == 0 &&
+                                  folder.startsWith(QString::fromStdString(tree.root + "/empty")) &&
                                   QDir::cleanPath(path).startsWith(folder + QLatin1Char('/'));
         RequireEqual(mayBeRemoved ? QByteArray() : entry, QByteArray(), "removed entry");
     }
-    tree.Restore(created);
+    tree.Restore();
 }
 
 void CheckValidity(Tree const& tree, QString const& path)
@@ -237,16 +242,17 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 
     static Tree const tree;
     QString const text = QString::fromStdString(FuzzInput(data, size).Rest());
-    if (size > LongestText || !IsDefined(text)) {
-        return -1; // do not add this input to the corpus
+    if (size > LongestText || CountParents(text) > MaximumParents) {
+        return -1; // do not add this input to the corpus; its path could be outside the tree
     }
+    bool const isAbsolute = text.startsWith(QLatin1Char('/'));
+    QString const path = isAbsolute ? QString::fromStdString(tree.root) + text : text;
     WorkingFolder const folder(tree.root); // for relative paths, so that even a wrong check stays in the tree
-    if (text.startsWith(QLatin1Char('/'))) {
-        QString const path = QString::fromStdString(tree.root) + text;
+    if (isAbsolute) {
         CheckAccess(path);
+    }
+    if (IsDefined(path)) {
         CheckValidity(tree, path);
-    } else {
-        CheckValidity(tree, text);
     }
     return 0;
 }

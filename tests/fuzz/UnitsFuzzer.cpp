@@ -7,6 +7,7 @@
 
 #include <climits>
 #include <cmath>
+#include <iterator>
 #include <stdexcept>
 
 using namespace Zelkor::Util;
@@ -60,7 +61,7 @@ void CheckFileSize(unsigned long long size, int precision, SizeUnit minUnit, Kil
     }
 
     // Accepts both results of rounding a number in the middle between two decimals.
-    int const places = precision < 0 ? ExpectedPrecision(size) : precision;
+    int const places = precision < 0 ? ExpectedPrecision(size) : std::min(precision, 1000);
     std::size_t const point = number.find('.');
     std::size_t const actualPlaces = point == std::string::npos ? 0 : number.size() - point - 1;
     RequireEqual(actualPlaces, static_cast<std::size_t>(places), "number of decimal places");
@@ -170,11 +171,11 @@ void CheckAvTime(long long microseconds)
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    constexpr int LargestPrecision = 40;
+    constexpr int Precisions[] = {INT_MIN, -1, 0, 1, 2, 3, 10, 20, 40, 999, 1000, 1001, INT_MAX};
 
     FuzzInput input(data, size);
     auto const number = input.Number<long long>();
-    int const precision = input.Byte() % (LargestPrecision + 2) - 1;
+    int const precision = Precisions[input.Byte() % std::size(Precisions)];
     auto const minUnit = static_cast<SizeUnit>(input.Byte() % 5);
     KiloSize const kilo = input.Flag() ? Kilo1024 : Kilo1000;
     bool const alwaysShowHours = input.Flag();

@@ -6,6 +6,8 @@
 #include <Util/VersionUtils.h>
 
 #include <array>
+#include <climits>
+#include <iterator>
 
 using Zelkor::Core::Version;
 using Zelkor::Core::Util::VersionToStringDetail;
@@ -54,7 +56,7 @@ std::string ExpectedText(Version const& version, int detail, std::string const& 
 {
     std::uint32_t const numbers[] = {version.GetMajor(), version.GetMinor(), version.GetThird(), version.GetBuild()};
     std::string text;
-    for (int i = 0; i < detail && numbers[i] != Version::NotGiven; ++i) {
+    for (int i = 0; i < std::min(detail, 4) && numbers[i] != Version::NotGiven; ++i) {
         if (i > 0) {
             text += separator;
         }
@@ -137,10 +139,12 @@ void CheckComparisons(Version const& left, Version const& right)
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
+    constexpr int Details[] = {1, 2, 3, 4, 0, 5, -1, INT_MAX, INT_MIN};
+
     FuzzInput input(data, size);
     std::string const text = input.Line();
     std::string const separator = input.Line();
-    int const detail = 1 + input.Byte() % 4;
+    int const detail = Details[input.Byte() % std::size(Details)];
     Version const version = TakeVersion(input);
     Version const other = TakeVersion(input);
     CheckParsing(text, separator);
