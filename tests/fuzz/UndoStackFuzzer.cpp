@@ -40,7 +40,8 @@ struct ShownState
     int index = 0;
 };
 
-/// Performs operations on an UndoHandlerStack, and keeps a list of the documents that should be on it.
+/// Performs operations on an UndoHandlerStack, and keeps a list of the documents that should be on it. Documents are
+/// also pushed several times, and deleted while they are pushed.
 class Session
 {
 public:
@@ -67,14 +68,14 @@ public:
             break;
         case 'u':
             handlers_.undo();
-            if (!pushed_.empty()) {
-                Undo(*pushed_.back());
+            if (active_) {
+                Undo(*active_);
             }
             break;
         case 'r':
             handlers_.redo();
-            if (!pushed_.empty()) {
-                Redo(*pushed_.back());
+            if (active_) {
+                Redo(*active_);
             }
             break;
         case 'c':
@@ -107,37 +108,39 @@ public:
 private:
     Document& TakeDocument(FuzzInput& input) { return documents_[input.Byte() % documents_.size()]; }
 
-    bool IsPushed(Document const& document) const
-    {
-        return std::find(pushed_.begin(), pushed_.end(), &document) != pushed_.end();
-    }
-
+    /// Pushes \a document, even if it is already pushed.
     void Push(Document& document)
     {
-        if (IsPushed(document)) {
-            return; // a stack must not be pushed twice
-        }
-        signals_ = 0;
         handlers_.push(document.stack.get());
-        pushed_.push_back(&document);
-        RequireEqual(signals_ > 0, true, "push emits indexChanged");
+        entries_.push_back(&document);
+        active_ = &document;
     }
 
     void Pop()
     {
-        QUndoStack* const expected = pushed_.empty() ? nullptr : pushed_.back()->stack.get();
-        signals_ = 0;
-        RequireEqual(handlers_.pop() == expected, true, "popped stack is the last pushed stack");
-        RequireEqual(signals_ > 0, expected != nullptr, "pop emits indexChanged");
-        if (expected) {
-            pushed_.pop_back();
+        if (entries_.empty()) {
+            signals_ = 0;
+            RequireEqual(handlers_.pop() == nullptr, true, "pop without stacks returns null");
+            RequireEqual(signals_, 0, "signals of a pop without stacks");
+            return;
+        }
+        Document* const popped = entries_.back();
+        RequireEqual(handlers_.pop() == (popped ? popped->stack.get() : nullptr), true,
+                     "popped stack is the top entry");
+        entries_.pop_back();
+        active_ = entries_.empty() ? nullptr : entries_.back();
+        if (active_ == popped) {
+            active_ = nullptr; // required for a stack that was pushed twice in succession
         }
     }
 
+    /// Replaces \a document with a new one. The entries of its old stack remain.
     void Delete(Document& document)
     {
-        if (!IsPushed(document)) { // a stack must be popped before it is destroyed
-            document = Document();
+        document = Document();
+        std::replace(entries_.begin(), entries_.end(), &document, static_cast<Document*>(nullptr));
+        if (active_ == &document) {
+            active_ = nullptr;
         }
     }
 
@@ -166,21 +169,21 @@ private:
 
     void CheckState() const
     {
-        Document const* const active = pushed_.empty() ? nullptr : pushed_.back();
-        RequireEqual(handlers_.empty(), pushed_.empty(), "no stack is pushed");
-        RequireEqual(handlers_.activeStack() == (active ? active->stack.get() : nullptr), true,
-                     "active stack is the last pushed stack");
-        RequireEqual(handlers_.canUndo(), active && active->CanUndo(), "active stack can undo");
-        RequireEqual(handlers_.canRedo(), active && active->CanRedo(), "active stack can redo");
+        RequireEqual(handlers_.empty(), entries_.empty(), "no stack is pushed");
+        RequireEqual(handlers_.activeStack() == (active_ ? active_->stack.get() : nullptr), true,
+                     "active stack is correct");
+        RequireEqual(handlers_.canUndo(), active_ && active_->CanUndo(), "active stack can undo");
+        RequireEqual(handlers_.canRedo(), active_ && active_->CanRedo(), "active stack can redo");
         RequireEqual(shown_.canUndo, handlers_.canUndo(), "last value of canUndoChanged");
         RequireEqual(shown_.canRedo, handlers_.canRedo(), "last value of canRedoChanged");
-        RequireEqual(shown_.isClean, !active || active->IsClean(), "last value of cleanChanged");
-        RequireEqual(shown_.index, active ? active->index : 0, "last value of indexChanged");
+        RequireEqual(shown_.isClean, !active_ || active_->IsClean(), "last value of cleanChanged");
+        RequireEqual(shown_.index, active_ ? active_->index : 0, "last value of indexChanged");
     }
 
     std::array<Document, 4> documents_;
     UndoHandlerStack handlers_;
-    std::vector<Document*> pushed_;
+    std::vector<Document*> entries_; // null if the stack was deleted
+    Document* active_ = nullptr;
     ShownState shown_;
     int signals_ = 0;
 };
