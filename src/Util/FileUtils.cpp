@@ -170,7 +170,7 @@ void RemoveDir(QString const& folder, int days, bool removeFolderItself)
     if (path.isEmpty() || !QDir(path).exists()) {
         return;
     }
-    // RemoveAgedFiles() ignores a link. With "/." at the end, the system follows the link that the caller named.
+    // RemoveAgedFiles() does not follow links. If \a folder is a link, append "/." to let the system follow it.
     QString const start = QFileInfo(path).isSymLink() ? path + QLatin1String("/.") : path;
     RemoveAgedFiles(QFile::encodeName(start).toStdString(), threshold.toMSecsSinceEpoch());
     if (removeFolderItself) {

@@ -113,8 +113,8 @@ private:
 
 Iteration* Iteration::innermost_ = nullptr;
 
-/// Removes an object from all running iterations if it is destroyed during the lifetime of the guard. Unregistering
-/// needs the guard because the object may never have been registered.
+/// Removes an object from all running iterations if the object is destroyed during the lifetime of the guard. Only
+/// registered objects are removed without a guard. The unregister functions also accept other objects.
 class DestructionGuard
 {
 public:
@@ -199,7 +199,7 @@ void ObjectsConnector::unregisterReceiver(QString const& ID, QObject* receiver, 
     emitters.VisitOthers([&](QObject const* sender, std::string const& codedSignal) {
         disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
     });
-    // A new object may have the address of a destroyed receiver.
+    // If the receiver was destroyed, keep the list: a new object with the same address may have been registered.
     if (emitters.SelfExists()) {
         own.remove({receiver, codedSlot});
     }
@@ -217,7 +217,7 @@ void ObjectsConnector::unregisterEmitter(QString const& ID, QObject* sender, QSt
     receivers.VisitOthers([&](QObject const* receiver, std::string const& codedSlot) {
         disconnect(sender, codedSignal.c_str(), receiver, codedSlot.c_str());
     });
-    // A new object may have the address of a destroyed sender.
+    // If the sender was destroyed, keep the list: a new object with the same address may have been registered.
     if (receivers.SelfExists()) {
         own.remove({sender, codedSignal});
     }

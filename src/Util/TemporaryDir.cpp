@@ -52,8 +52,8 @@ OwnFolder OpenApplicationFolder(QString const& folder, OwnFolder::IfMissing ifMi
     return OwnFolder(SystemFolder(), levels, ifMissing);
 }
 
-/// Creates \a folder, or removes its old contents. Only the first call in a process has an effect. Returns the reason
-/// if this call fails.
+/// Creates \a folder, or removes its old contents. Only the first call in a process has an effect. If the first call
+/// fails, it returns an error text. All other calls return an empty string.
 QString PrepareTemporaryFolder(QString const& folder)
 {
     static std::mutex readyGuard;
@@ -117,8 +117,8 @@ std::unique_ptr<TemporaryDir::Impl> TemporaryDir::Impl::WithoutSystemFolder()
         "The temporary folder of the system is missing. The environment variable TMPDIR can contain its path."));
 }
 
-/// Creates a directory at Qt's default location. If the system's temporary folder is missing, the result is invalid,
-/// because Qt would otherwise create the system's temporary folder.
+/// Creates a directory at Qt's default location. If the system's temporary folder is missing, returns an invalid
+/// object, because QTemporaryDir would create the system's temporary folder.
 std::unique_ptr<TemporaryDir::Impl> TemporaryDir::Impl::AtDefaultLocation()
 {
     return QFileInfo::exists(QDir::tempPath()) ? std::make_unique<Impl>(std::make_unique<QTemporaryDir>())
@@ -137,8 +137,9 @@ std::unique_ptr<TemporaryDir::Impl> TemporaryDir::Impl::In(QString const& folder
         return Invalid(preparationError.isEmpty() ? opened.ErrorString() : preparationError);
     }
     auto impl = std::make_unique<Impl>(std::make_unique<QTemporaryDir>(folder + QStringLiteral("/XXXXXX")));
-    // QTemporaryDir creates the directory by its path. Another user may have replaced a folder on this path. If the
-    // directory is missing everywhere, another instance of the application has removed it.
+    // QTemporaryDir creates the directory by its path. If another user has replaced a folder on this path, the new
+    // directory is in a different folder. If the new directory no longer exists, another instance of the application
+    // has removed it. This is not an error.
     QFileInfo const created(impl->directory->path());
     if (impl->directory->isValid() && !opened.Contains(created.fileName()) && created.exists()) {
         impl->Remove();

@@ -36,8 +36,9 @@ namespace Util
 /// active while the topmost entry is the entry of a destroyed stack.
 ///
 /// **Stacks that are pushed more than once.** Do not push an undo stack that is already pushed, to this or to another
-/// object. The first pop() of a stack that was pushed twice in succession makes no stack active, although the second
-/// entry remains. If another stack was pushed in between, the stack becomes active again when that stack is popped.
+/// object. If a stack was pushed twice in succession, the first pop() makes no stack active, although one entry of the
+/// stack remains. If another stack was pushed in between, the first stack becomes active again when the other stack is
+/// popped.
 ///
 /// **Thread.** Use the object on its own thread, normally the GUI thread.
 class ZQTUTIL_EXPORT UndoHandlerStack : public QObject
@@ -73,7 +74,7 @@ public:
     /// Returns true if the active stack has a command to redo. Returns false if no stack is active.
     bool canRedo() const;
 
-    /// Returns true if this object contains no undo stacks. The entries of destroyed stacks count.
+    /// Returns true if this object contains no entries. The entries of destroyed undo stacks count as entries too.
     bool empty() const;
 
 Q_SIGNALS:

@@ -1,6 +1,6 @@
-// Runs each operation of the library on files and folders again and again. In the first run, the first system call
-// fails. In the second run, the second system call fails, and so on, until a run finishes without a failed call. With
-// other data rows, all later calls fail too, or the calls fail with another error.
+// Runs each file operation of the library repeatedly. In the first run, the first system call fails. In the second run,
+// the second system call fails, and so on, until a run finishes without a failed call. In other data rows, all later
+// calls fail too, or the calls fail with another error.
 //
 // After each run, the test checks these statements:
 // - The process has not crashed and has closed all file descriptors that it has opened.
@@ -84,7 +84,8 @@ Run RunWithFailures(Operation const& operation, int first, FailingCalls::Extent 
     return run;
 }
 
-/// Returns a line with the permissions, the path and the content of each entry below \a path.
+/// Returns one line for each entry below \a path. A line contains the permissions, the path and the content of the
+/// entry.
 QByteArrayList Describe(std::string const& path)
 {
     QByteArrayList lines;
@@ -107,12 +108,13 @@ bool ContainsAll(QByteArrayList const& lines, QByteArrayList const& expected)
     return std::all_of(expected.begin(), expected.end(), [&](QByteArray const& line) { return lines.contains(line); });
 }
 
-/// Returns true if the size of the folder "work" is correct, or if an entry that was not measured is logged.
+/// Returns true if the reported size of the folder "work" is correct. After a failed call, a smaller size is also
+/// permitted if an entry that was not measured is logged.
 bool PermitsSize(Run const& run)
 {
     constexpr qulonglong Size = 10 + 10 + 300 + 5000 + 70000 + 900000;
     qulonglong const size = run.results[0].toULongLong();
-    // The two links to folders are never measured.
+    // The two links to folders are never measured. Ignore their messages.
     bool const isComplete = std::all_of(run.log.begin(), run.log.end(), [](QString const& line) {
         return line.endsWith(QLatin1String("/link-to-folder"));
     });
@@ -204,7 +206,7 @@ private:
     QVariantList UseTemporaryDirectory(QString const& name) const;
     bool PermitsTemporaryDirectory(Run const& run) const;
 
-    /// Runs \a operation with each of its system calls failing, and checks each run.
+    /// Runs \a operation once for each of its system calls, and lets this call fail. Checks each run with \a permits.
     void RunAll(Operation const& operation, Permits const& permits);
 };
 
@@ -515,7 +517,8 @@ void FaultsTest::removesATemporaryDirectory()
         [](Run const& run) {
             bool const isRemoved = run.results[1].toBool();
             std::string const path = run.results[2].toByteArray().toStdString();
-            // If all later calls fail with ENOENT, remove() assumes that the directory no longer exists.
+            // If several calls have failed, permit any result: after calls that fail with ENOENT, remove() assumes that
+            // the directory no longer exists.
             return run.failedCount > 1 || (isRemoved ? !path.empty() && !Exists(path) : run.failedCount > 0);
         });
 }

@@ -21,8 +21,8 @@ using Zelkor::Testing::RequireEqual;
 namespace
 {
 
-/// Returns true if the upper-case form of \a name is "VIDEO_TS". The dotless i and the long s have the upper-case forms
-/// "I" and "S".
+/// Returns true if the upper-case form of \a name is "VIDEO_TS". The upper-case form of U+0131 is "I", and the
+/// upper-case form of U+017F is "S".
 bool IsVideoFolder(QString const& name)
 {
     QString const accepted[] = {QStringLiteral("Vv"), QStringLiteral("Ii\u0131"), QStringLiteral("Dd"),
@@ -50,7 +50,8 @@ bool IsFileName(QString const& name)
            !name.contains(QLatin1Char('/')) && !name.contains(QChar::Null) && name.toUtf8().size() <= 255;
 }
 
-/// Creates the folder \a parentName with \a siblings, and checks the label of the path of \a name in it.
+/// Creates the folder \a parentName, which contains the folder \a name and the files \a siblings. Checks the labels of
+/// both folders.
 void CheckFolder(QString const& name, QStringList const& siblings, QString const& parentName)
 {
     EmptyFolder(FuzzFolder());

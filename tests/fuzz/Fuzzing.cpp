@@ -27,7 +27,7 @@ int LLVMFuzzerInitialize(int*, char***)
 {
     Zelkor::Testing::BecomeOrdinaryUser();
 #ifdef __linux__
-    // A process that has changed its user cannot be traced, but the leak sanitizer traces the process.
+    // The leak sanitizer traces the process. By default, Linux forbids this after the process has changed its user.
     prctl(PR_SET_DUMPABLE, 1);
 #endif
     qputenv("LC_ALL", "C.UTF-8");

@@ -31,7 +31,8 @@ bool SetObserver(SimpleModel& model, QModelIndex const& index, ISimpleModelObser
     return model.setData(index, QVariant::fromValue(observer), role);
 }
 
-/// Records the notifications. At each notification, can register one observer and then unregister one observer.
+/// Records the notifications. Each notification also registers #toRegister and then unregisters #toUnregister, if they
+/// are not null.
 class Observer : public ISimpleModelObserver
 {
 public:
@@ -129,7 +130,7 @@ public:
 private:
     Observer& TakeObserver(FuzzInput& input) { return observers_[input.Byte() % observers_.size()]; }
 
-    /// Returns the row of an item, or -1 if there are no items.
+    /// Returns the row that the next byte of \a input selects, or -1 if there are no items.
     int TakeRow(FuzzInput& input) const { return uids_.isEmpty() ? -1 : input.Byte() % uids_.size(); }
 
     void Register(Observer* observer)

@@ -64,7 +64,8 @@ void CheckLoadedJobPattern(QString const& label, QString const& listing)
     QRegularExpression const pattern = LoadedJobPattern(label);
     bool const isPlain =
         std::all_of(label.begin(), label.end(), [](QChar character) { return LabelCharacters.contains(character); });
-    // Other characters have a special meaning, or consist of several units of UTF-16.
+    // Skip all other texts: EndsWithLabel() handles no special characters of patterns except the dot, and no characters
+    // that consist of several UTF-16 units.
     bool const isAscii = std::all_of(listing.begin(), listing.end(), [](QChar character) { return character < 0x80; });
     if (!isPlain || !isAscii) {
         return;
@@ -82,7 +83,8 @@ QString ExpectedBundlePath(QString const& executablePath)
     if (last < 0) {
         return executablePath.left(executablePath.size() - 1);
     }
-    // The text from the first "/Contents" to the end of the line is one match of the pattern "/Contents.*".
+    // Remove the last match of the pattern "/Contents.*" and the text after it. A match begins at the first "/Contents"
+    // of a line.
     int const line = executablePath.lastIndexOf(QLatin1Char('\n'), last) + 1;
     return executablePath.left(executablePath.indexOf(contents, line));
 }

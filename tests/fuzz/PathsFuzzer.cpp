@@ -23,7 +23,8 @@ namespace
 
 constexpr int MaximumParents = 8;
 
-/// Creates the tree. A check may remove empty folders, so that all folders except "empty" contain a file.
+/// Creates the tree in the folder \a root. All folders except "empty" contain a file, because checking a path may
+/// remove empty folders.
 void MakeTree(std::string const& root)
 {
     for (char const* const name : {"", "/open", "/open/sub", "/closed", "/hidden", "/write-only", "/for-others",
@@ -72,11 +73,11 @@ public:
         return entries;
     }
 
-    /// Creates the empty folders.
+    /// Creates the empty folders again, because checking a path may have removed them.
     void Restore() const { MakeFolders(root + "/empty/inner"); }
 
-    std::string const root;  // has MaximumParents parents in the folder of the fuzzer
-    QByteArrayList original; // all entries
+    std::string const root;  // MaximumParents folders are between it and FuzzFolder()
+    QByteArrayList original; // the entries before the first check
 };
 
 bool ExistsAsFolder(std::string const& path)
@@ -96,7 +97,7 @@ bool MayCreateIn(std::string const& folder)
     return ExistsAsFolder(folder) && access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
-/// Returns the result of the rule that is documented for CanCreateFileIn().
+/// Returns true if the permissions of \a folder fulfil the rule in the documentation of CanCreateFileIn().
 bool PermissionsAllowCreation(std::string const& folder)
 {
     struct stat status;
@@ -197,8 +198,8 @@ void CheckAccess(QString const& path)
     RequireEqual(Zelkor::Util::CanReadFileIn(path), mayRead, "file can be read");
 }
 
-/// Checks the changes of the tree after a check of \a path with the result \a validity, and restores the tree. If the
-/// path is valid and contains no "..", its empty parents may be removed.
+/// Compares the tree with its original state after IsThisPathValid(\a path) has returned \a validity. Restores the
+/// tree. If the path is valid and contains no "..", its empty parents may be missing.
 void CheckChanges(Tree const& tree, QString const& path, PathValidity validity)
 {
     QByteArrayList const entries = tree.Entries();
@@ -243,11 +244,11 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
     static Tree const tree;
     QString const text = QString::fromStdString(FuzzInput(data, size).Rest());
     if (size > LongestText || CountParents(text) > MaximumParents) {
-        return -1; // do not add this input to the corpus; its path could be outside the tree
+        return -1; // do not add this input to the corpus: it is too long, or its path could be outside the tree
     }
     bool const isAbsolute = text.startsWith(QLatin1Char('/'));
     QString const path = isAbsolute ? QString::fromStdString(tree.root) + text : text;
-    WorkingFolder const folder(tree.root); // for relative paths, so that even a wrong check stays in the tree
+    WorkingFolder const folder(tree.root); // if a relative path is created by mistake, it is in the tree
     if (isAbsolute) {
         CheckAccess(path);
     }

@@ -18,7 +18,7 @@ bool ReplayFile(QString const& path)
         std::fprintf(stderr, "%s cannot be read\n", qPrintable(path));
         return false;
     }
-    // Printed before the test, so that the last line names the input if the test stops the program.
+    // Print the path first: if the test aborts the program, the last line of the output names the input.
     std::printf("%s\n", qPrintable(path));
     std::fflush(stdout);
     // A heap block of the exact size, so that the address sanitizer detects reads behind its end.

@@ -18,7 +18,7 @@ using Zelkor::Util::UndoHandlerStack;
 namespace
 {
 
-/// An undo stack with the values that it should have.
+/// An undo stack and its expected state.
 struct Document
 {
     bool CanUndo() const { return index > 0; }
@@ -31,7 +31,7 @@ struct Document
     int cleanIndex = 0; // -1 if the clean state can no longer be reached
 };
 
-/// The state that an application shows. It is changed by signals only.
+/// The state that an application would show. Only the signals of the UndoHandlerStack change it.
 struct ShownState
 {
     bool canUndo = false;
@@ -40,8 +40,8 @@ struct ShownState
     int index = 0;
 };
 
-/// Performs operations on an UndoHandlerStack, and keeps a list of the documents that should be on it. Documents are
-/// also pushed several times, and deleted while they are pushed.
+/// Performs operations on an UndoHandlerStack, and records the documents whose undo stacks should be on it. Also pushes
+/// an undo stack several times, and deletes undo stacks that are still pushed.
 class Session
 {
 public:
@@ -130,11 +130,11 @@ private:
         entries_.pop_back();
         active_ = entries_.empty() ? nullptr : entries_.back();
         if (active_ == popped) {
-            active_ = nullptr; // required for a stack that was pushed twice in succession
+            active_ = nullptr; // documented for a stack that was pushed twice in succession
         }
     }
 
-    /// Replaces \a document with a new one. The entries of its old stack remain.
+    /// Replaces \a document with a new document. This deletes the old undo stack, but keeps its entries.
     void Delete(Document& document)
     {
         document = Document();
@@ -182,7 +182,7 @@ private:
 
     std::array<Document, 4> documents_;
     UndoHandlerStack handlers_;
-    std::vector<Document*> entries_; // null if the stack was deleted
+    std::vector<Document*> entries_; // an entry is null if its undo stack was deleted
     Document* active_ = nullptr;
     ShownState shown_;
     int signals_ = 0;

@@ -60,7 +60,7 @@ void CheckFileSize(unsigned long long size, int precision, SizeUnit minUnit, Kil
         return;
     }
 
-    // Accepts both results of rounding a number in the middle between two decimals.
+    // A number exactly between two decimals may be rounded up or down. Therefore, compare the numbers with a tolerance.
     int const places = precision < 0 ? ExpectedPrecision(size) : std::min(precision, 1000);
     std::size_t const point = number.find('.');
     std::size_t const actualPlaces = point == std::string::npos ? 0 : number.size() - point - 1;
@@ -117,7 +117,7 @@ void CheckSeconds(long seconds, QString const& format)
     split();
     RequireEqual(minutes >= 0 && minutes < 60 && secs >= 0 && secs < 60, true, "minutes and seconds are in range");
     if (seconds / 3600 > INT_MAX) {
-        return; // the number of hours is truncated, so that the functions below use a wrong number
+        return; // the hours do not fit into an int, so the results below are wrong
     }
     RequireEqual(hours * 3600L + minutes * 60L + secs, seconds, "sum of hours, minutes and seconds");
 

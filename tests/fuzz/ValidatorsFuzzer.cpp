@@ -81,7 +81,7 @@ QString TakeCharacters(FuzzInput& input, int count, QString const& characters)
     return text;
 }
 
-/// Returns a domain label that consists of at least one character.
+/// Returns a domain label whose first character is one of \a firstCharacters.
 QString TakeLabel(FuzzInput& input, QString const& firstCharacters)
 {
     QString label = TakeCharacters(input, 1, firstCharacters);
@@ -114,7 +114,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 
     FuzzInput input(data, std::min(size, LongestText));
     switch (input.Byte()) {
-    case 'a': { // an address that is certainly acceptable
+    case 'a': { // an address that the validator must accept
         QString const address = TakeAddress(input);
         RequireEqual(IsAddress(address), true, "invented text is an address");
         CheckText(*emailValidator, address, true);

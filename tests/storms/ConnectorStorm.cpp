@@ -23,7 +23,7 @@ using Zelkor::Testing::Random;
 using Zelkor::Testing::Require;
 using Zelkor::Util::ObjectsConnector;
 
-/// Object with two signals and two slots. It calls a function for each call of a slot, and another function when one of
+/// A test object with two signals and two slots. It calls `onSlot` for each call of a slot, and `onNotify` when one of
 /// its signals is connected or disconnected.
 class Node : public QObject
 {
@@ -48,7 +48,7 @@ protected:
     void disconnectNotify(QMetaMethod const& signal) override { CallNotify(signal); }
 
 private:
-    // The functions can destroy this object. Therefore, they are copied before the call.
+    // Copy onSlot_ and onNotify_ before calling them, because the called function can destroy this object.
     void CallSlot(int slot)
     {
         auto const function = onSlot_;
@@ -96,7 +96,7 @@ struct Connection
     bool queued;
 };
 
-/// The registered signals and slots under one ID.
+/// The signals and slots that should be registered under one ID.
 struct ModelId
 {
     std::vector<Method> emitters;
@@ -145,7 +145,8 @@ private:
             OperateInCallback();
         };
         auto const onNotify = [this] {
-            // ~QObject() calls disconnectNotify() of the connected senders while it holds a lock of Qt.
+            // Run no operation while a node is being destroyed: ~QObject() calls disconnectNotify() of the connected
+            // senders while it holds a lock of Qt.
             if (destructions_ == 0) {
                 OperateInCallback();
             }
@@ -309,8 +310,8 @@ private:
     std::array<ModelId, IdCount> ids_;
     std::vector<Connection> connections_; // in the order in which they were made
     std::vector<Method> called_;          // the slots that were called
-    int destructions_ = 0;                // destructors of nodes that are running
-    int callbackOperations_ = 0;          // operations that callbacks may still run in this step
+    int destructions_ = 0;                // number of running destructors of nodes
+    int callbackOperations_ = 0;          // number of operations that callbacks may still run in this step
     std::array<std::unique_ptr<Node>, NodeCount> nodes_;
 };
 

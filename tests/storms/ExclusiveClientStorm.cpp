@@ -27,7 +27,7 @@ constexpr std::size_t ClientCount = 5;
 constexpr std::size_t NoService = ServiceCount;
 constexpr std::size_t NoClient = ClientCount;
 
-/// The signals that each client has emitted.
+/// For each client, the names of its signals in the order of emission.
 using SignalLog = std::array<QStringList, ClientCount>;
 
 class ExclusiveClientStorm
@@ -143,7 +143,8 @@ private:
         }
     }
 
-    // Each of the following operations updates the model first. The slots of the real signals can run other operations.
+    // The following functions update the model before they call the client, because the slots of the client's signals
+    // can run other operations.
 
     void Use(std::size_t client)
     {

@@ -56,7 +56,7 @@ private:
     std::function<void(Widget*)> onHover_;
 };
 
-/// The model of a group.
+/// The expected state of a hover group.
 struct ModelGroup
 {
     std::map<QWidget*, QEvent::Type> members; // the type of the last hover event of each member
@@ -153,7 +153,7 @@ private:
         QWidget* const widget = random_.Pick(widgets_).get();
         groups_[index]->addItem(widget);
         models_[index].members[widget] = QEvent::None;
-        // Qt calls the event filter first that was installed last.
+        // Qt calls the most recently installed event filter first.
         std::vector<std::size_t>& filters = filters_[widget];
         filters.erase(std::remove(filters.begin(), filters.end(), index), filters.end());
         filters.insert(filters.begin(), index);
@@ -226,7 +226,7 @@ private:
     Random& random_;
     std::vector<ModelGroup> models_;
     std::map<QWidget*, std::vector<std::size_t>>
-        filters_; // the indexes of the groups that filter the events of each widget
+        filters_; // for each widget, the indexes of the groups that filter its events
     std::vector<QWidget*> received_;
     std::vector<QWidget*> expected_;
     bool handlersOperate_ = false;

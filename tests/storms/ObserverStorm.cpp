@@ -96,7 +96,8 @@ private:
                 "a notification calls each observer once");
     }
 
-    // The variable notifier_ has no lock of its own: the list must prevent simultaneous calls.
+    // The variable notifier_ is not protected by a lock, because the list must prevent simultaneous calls of this
+    // function.
     void CheckThatNotificationsDoNotOverlap(Random& random)
     {
         std::thread::id const self = std::this_thread::get_id();

@@ -57,7 +57,7 @@ private:
     std::mt19937_64 engine_;
 };
 
-/// The position of the running storm. A failure prints it.
+/// The seed and the current step of the running storm. If the storm fails, both are printed.
 struct StormPosition
 {
     std::atomic<std::uint64_t> seed{0};
@@ -76,8 +76,8 @@ struct StormPosition
     }
 };
 
-/// If \a condition is false, prints \a requirement, the seed and the step, and aborts the process. An exception would
-/// have to pass through Qt's event loop.
+/// If \a condition is false, prints \a requirement, the seed and the step, and aborts the process. Throws no exception,
+/// because exceptions must not pass through Qt's event loop.
 inline void Require(bool condition, char const* requirement)
 {
     if (!condition) {

@@ -1,6 +1,6 @@
-// Posts, runs and cancels tasks of several services. The callbacks of the tasks run further operations, nested event
-// loops among them, and destroy services. Each task has a record, which the storm compares with the calls of its job
-// and of its callbacks.
+// Posts, runs and cancels tasks of several services. The callbacks of the tasks run further operations, run nested
+// event loops, and destroy services. Each task has a record. The storm compares this record with the calls of the
+// task's job and callbacks.
 
 #include <storms/Storm.h>
 
@@ -36,7 +36,7 @@ namespace
 {
 
 constexpr std::size_t ServiceCount = 2;
-constexpr std::size_t MaxRegistered = 30; // tasks of one service
+constexpr std::size_t MaxRegistered = 30; // tasks per service
 
 enum class JobKind {
     Returns,
@@ -56,16 +56,16 @@ struct Record;
 
 struct Service
 {
-    // Destroyed after the service: the worker thread must have finished.
+    // These objects belong to the worker thread. They are destroyed after `service`, when the thread has finished.
     std::vector<std::unique_ptr<FunctorExecutionForwarder>> attached;
     std::vector<std::shared_ptr<Record>> registered; // the registered tasks
-    int queuedJobs = 0;                              // calls of run()
+    int queuedJobs = 0;                              // number of run() calls
     std::atomic<int> startedJobs{0};
     std::atomic<int> runningJobs{0};
     AsyncService service;
 };
 
-/// What the storm knows about a task.
+/// The expected and the observed state of a task.
 struct Record
 {
     Service* service = nullptr;
@@ -215,7 +215,6 @@ private:
             record->task->work = std::move(work);
             service.service.post(record->task);
         }
-        // The task must not own its record: the record must exist after the task.
         std::weak_ptr<Record> const observer = record;
         record->task->onProgress = [this, observer](int value) { OnProgress(*observer.lock(), value); };
         record->task->onFinished = [this, observer] { OnCompleted(*observer.lock(), Result::Finished); };
@@ -348,7 +347,8 @@ private:
         }
     }
 
-    /// Called while no callback is running.
+    /// Checks the tasks that have completed in this step, and the tasks whose service was destroyed in this step. Call
+    /// this function only while no callback is running.
     void CheckDeletedTasks()
     {
         for (auto const& record : std::exchange(completed_, {})) {

@@ -12,12 +12,13 @@ namespace Util
 
 /// An open folder of the current user below a folder that is shared with other users.
 ///
-/// The constructor opens each level relative to the level above it. Therefore, another user cannot redirect the object
-/// to a different folder, not even by replacing a level at the same time. All functions use the open folder.
+/// The constructor opens each folder of the path relative to its parent. Therefore, another user cannot redirect the
+/// object to a different folder, even by replacing a folder of the path at the same time. All functions use the open
+/// folder.
 class OwnFolder
 {
 public:
-    /// What the constructor does if a level is missing.
+    /// Determines whether the constructor creates a missing folder or fails.
     enum class IfMissing { Create, Fail };
 
     /// Opens the folder at the path \a root, and below it one folder for each name in \a levels.

@@ -1,12 +1,11 @@
 // Replaces the functions of the C library that access files and folders. A test can then let any call fail, and check
 // that the library reports the failure and changes nothing else.
 //
-// The definitions below replace the functions in the whole process, as a library in LD_PRELOAD would. The dynamic
-// linker finds the functions of the program before those of the C library. The calls of Qt and of Boost are therefore
-// replaced too. Calls inside the C library itself are not replaced.
+// The dynamic linker finds the functions of the program before the functions of the C library. Therefore, Qt and Boost
+// also call the functions that are defined below. Calls inside the C library itself are not replaced.
 //
-// On 64-bit Linux, functions with and without the suffix "64" are identical. Both are replaced, because each library
-// uses one of them.
+// On 64-bit Linux, a function with the suffix "64" is identical to the function without it. Both functions are
+// replaced, because some libraries call one of them and some libraries call the other.
 
 #include <support/overrides/FailingCalls.h>
 

@@ -19,8 +19,8 @@ using namespace Zelkor::Testing;
 namespace
 {
 
-/// Sets the number of processes and threads of the user that the system allows when it starts a thread. A limit of 0
-/// prevents new threads. The limit does not affect root.
+/// Sets the limit of processes and threads of the current user to 0, so that the system starts no new thread. Does not
+/// affect root. The destructor restores the limit.
 class ThreadLimit
 {
 public:
@@ -40,7 +40,8 @@ private:
     rlimit original_{};
 };
 
-/// Posts a task that logs its job, its completion callbacks and its destruction. Each entry begins with \a name.
+/// Posts a task that writes an entry to \a log when its job runs, when a completion callback is called, and when the
+/// task is destroyed. Each entry begins with \a name.
 Task* PostLogging(AsyncService& service, QStringList& log, char const* name)
 {
     auto const write = [&log, prefix = QString::fromLatin1(name)](char const* event) {
@@ -138,7 +139,7 @@ private Q_SLOTS:
                 ExpectQtWarning(startWarning_);
                 service.run(PostLogging(service, log, "a"));
             }
-            // The first task still waits for its completion when the second one runs.
+            // The completion of task "a" is still queued when task "b" is run.
             service.run(PostLogging(service, log, "b"));
             WaitForWorker(service);
             WaitUntilEmpty(service);
@@ -178,8 +179,8 @@ private Q_SLOTS:
         QCOMPARE(result, StartErrorLog(QStringLiteral("a")) + StartErrorLog(QStringLiteral("b")) + logOfC);
     }
 
-    // When the owner thread processes the first finish of the thread, the job of the restarted thread has already run,
-    // but its completion is still queued.
+    // When the owner thread receives the first signal QThread::finished(), the job on the restarted thread has already
+    // run, but its completion is still queued.
     void completesAJobOfARestartedThreadOnlyOnce()
     {
         auto const result = RunAsOrdinaryUser([] {

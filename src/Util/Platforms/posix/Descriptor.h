@@ -34,7 +34,7 @@ public:
     bool IsOpen() const { return number_ >= 0; }
     int Number() const { return number_; }
 
-    /// Returns the number and gives up its ownership.
+    /// Returns the number of the file descriptor. The caller must close the file descriptor.
     int Release() { return std::exchange(number_, -1); }
 
 private:

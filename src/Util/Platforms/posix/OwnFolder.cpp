@@ -24,7 +24,8 @@ namespace Zelkor::Util
 namespace
 {
 
-// A folder can be opened for access to its entries even if this user may not list it.
+// The flag for opening a folder in order to access its entries. With O_PATH and O_SEARCH, the current user does not
+// need the permission to list the folder.
 #if defined(O_PATH)
 constexpr int SearchOnly = O_PATH;
 #elif defined(O_SEARCH)
@@ -146,7 +147,8 @@ private:
         return Accept(std::move(target));
     }
 
-    /// Makes \a next the current folder if it is open and belongs to the current user.
+    /// Makes \a next the current folder if it is open and belongs to the current user. Removes the write permission of
+    /// other users. Returns false if this fails.
     bool Accept(Descriptor next)
     {
         if (!next.IsOpen()) {
