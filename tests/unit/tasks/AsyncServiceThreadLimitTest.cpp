@@ -88,7 +88,7 @@ private Q_SLOTS:
             QStringList log;
             AsyncService service;
             ThreadLimit const limit;
-            ExpectQtWarning(startWarning_);
+            ExpectQtWarning(StartWarning);
             service.run(PostLogging(service, log, "a"));
             log += service.empty() ? QStringLiteral("empty") : QStringLiteral("run");
             log += WaitUntilEmpty(service) ? QStringLiteral("empty") : QStringLiteral("timeout");
@@ -104,7 +104,7 @@ private Q_SLOTS:
             QStringList log;
             AsyncService service;
             ThreadLimit const limit;
-            ExpectQtWarning(startWarning_);
+            ExpectQtWarning(StartWarning);
             Task* const task = PostLogging(service, log, "a");
             task->onError = nullptr;
             service.run(task);
@@ -119,7 +119,7 @@ private Q_SLOTS:
         bool const completed = RunAsOrdinaryUser([] {
             AsyncService service;
             ThreadLimit const limit;
-            ExpectQtWarning(startWarning_);
+            ExpectQtWarning(StartWarning);
             bool failed = false;
             auto* const task = new Task;
             task->onError = [&failed](std::exception_ptr const&) { failed = true; };
@@ -136,7 +136,7 @@ private Q_SLOTS:
             AsyncService service;
             {
                 ThreadLimit const limit;
-                ExpectQtWarning(startWarning_);
+                ExpectQtWarning(StartWarning);
                 service.run(PostLogging(service, log, "a"));
             }
             // The completion of task "a" is still queued when task "b" is run.
@@ -166,7 +166,7 @@ private Q_SLOTS:
             service.run(PostLogging(service, log, "b"));
             {
                 ThreadLimit const limit;
-                ExpectQtWarning(startWarning_);
+                ExpectQtWarning(StartWarning);
                 queued.Open();
                 WaitUntilEmpty(service);
             }
@@ -211,7 +211,7 @@ private Q_SLOTS:
     }
 
 private:
-    static inline QRegularExpression const startWarning_{QStringLiteral("Thread creation error")};
+    static inline QRegularExpression const StartWarning{QStringLiteral("Thread creation error")};
 };
 
 ZQTUTIL_TEST_MAIN(AsyncServiceThreadLimitTest)
