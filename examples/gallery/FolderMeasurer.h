@@ -27,7 +27,7 @@ struct FolderTotals
     int cancelledEntries = 0;
     /// The number of paths that could not be measured. Links to folders are not counted.
     std::size_t unmeasured = 0;
-    /// The time from the call of FolderMeasurer::Start() to the end of the measurement, in microseconds.
+    /// The time from the call to FolderMeasurer::Start() to the end of the measurement, in microseconds.
     long long microseconds = 0;
     /// True if FolderMeasurer::Cancel() was called before the measurement finished.
     bool cancelled = false;

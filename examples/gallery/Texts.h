@@ -34,23 +34,23 @@ QString NameText(FolderEntry const& entry);
 /// an empty string. If some of these paths could not be measured, returns UnmeasuredText() for their number.
 QString StateText(FolderEntry const& entry);
 
-/// Returns a text such as "348 entries" for the number \a count.
+/// Returns a string such as "348 entries" for the number \a count.
 QString EntriesText(int count);
 
-/// Returns a text such as "3 entries could not be measured" for the number \a count.
+/// Returns a string such as "3 entries could not be measured" for the number \a count.
 QString UnmeasuredText(std::size_t count);
 
-/// Returns a text with one line for each path in \a paths. If there are more than \a limit paths, only the first
+/// Returns a string with one line for each path in \a paths. If there are more than \a limit paths, only the first
 /// \a limit paths are included, and the last line contains the number of omitted paths.
 QString PathListText(std::vector<ioPath> const& paths, std::size_t limit);
 
 /// Returns \a bytes as a size with a unit.
 QString SizeText(unsigned long long bytes);
 
-/// Returns \a microseconds as the text of a duration, with millisecond precision.
+/// Formats the duration \a microseconds with millisecond precision.
 QString TimeText(long long microseconds);
 
-/// Returns an error message for the user: \a folder cannot be read. \a error is the reason.
+/// Returns a message for the user that \a folder cannot be read. The message contains the reason \a error.
 QString UnreadableFolderText(ioPath const& folder, boost::system::error_code const& error);
 /// \overload
 /// Includes the string \a reason in the message instead of an error code.

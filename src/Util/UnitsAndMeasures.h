@@ -70,8 +70,8 @@ ZQTUTIL_EXPORT void DurationInSecondsToTimeComponents(long seconds, int& hours, 
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QTime DurationInSecondsToQTime(long seconds);
 
-/// Formats \a seconds, the number of seconds since midnight, as a time of day. \a format is a format of
-/// QTime::toString(). Returns an empty string if \a seconds is 86400 (24 hours) or more.
+/// Formats \a seconds, the number of seconds since midnight, as a time of day. \a format is a format
+/// string as accepted by QTime::toString(). Returns an empty string if \a seconds is 86400 (24 hours) or more.
 ///
 /// Throws `std::invalid_argument` ("Negative duration") if \a seconds is negative.
 ZQTUTIL_EXPORT QString DurationInSecondsToString(long seconds, QString const& format);

@@ -93,7 +93,7 @@ public:
         return calls;
     }
 
-    /// Returns the arguments of each finished call of launchctl, in order. Omits the calls of "launchctl list".
+    /// Returns the arguments of each finished call of launchctl, in order. Omits the calls to "launchctl list".
     QList<Arguments> LaunchctlCalls() const
     {
         QList<Arguments> calls = Calls(QLatin1String("launchctl"));

@@ -1,5 +1,5 @@
 // Registers, unregisters and destroys objects with ObjectsConnector. After each step, the storm emits all signals and
-// compares the calls of the slots with the connections of a model. In some steps, slots and overrides of
+// compares the calls to the slots with the connections of a model. In some steps, slots and overrides of
 // connectNotify() and disconnectNotify() run further operations. The model cannot predict such a step. The sanitizers
 // check it, and the storm then begins again with new objects.
 

@@ -1,5 +1,5 @@
 // Posts, runs and cancels tasks of several services. The callbacks of the tasks run further operations, run nested
-// event loops, and destroy services. Each task has a record. The storm compares this record with the calls of the
+// event loops, and destroy services. Each task has a record. The storm compares this record with the calls to the
 // task's job and callbacks.
 
 #include <storms/Storm.h>

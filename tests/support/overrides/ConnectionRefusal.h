@@ -19,7 +19,7 @@ struct ConnectionRequest
     Qt::ConnectionType type;
 };
 
-/// Records the calls of QObject::connect() and makes them fail. A ConnectionRefusal object affects only calls on the
+/// Records the calls to QObject::connect() and makes them fail. A ConnectionRefusal object affects only calls on the
 /// thread that created the object, and only the overload that takes the signal and the slot as strings. Each thread may
 /// have at most one ConnectionRefusal at a time. The destructor restores the normal behaviour of QObject::connect().
 class ConnectionRefusal

@@ -7,7 +7,7 @@ namespace Zelkor::Testing
 
 /// Lets system calls for files and folders fail while this object exists.
 ///
-/// The object counts the calls of all functions that FailingCalls.cpp replaces, on all threads. Either one call fails,
+/// The object counts the calls to all functions that FailingCalls.cpp replaces, on all threads. Either one call fails,
 /// or this call and all later calls fail. A failing call does nothing except setting errno.
 class FailingCalls
 {

@@ -24,7 +24,7 @@ struct Faults
     std::atomic<bool> hidesTypes{false};
     std::atomic<ino_t> unreadableFolder{0}; // the inode of the folder; 0 means: no folder
     std::atomic<bool> hidesIds{false};
-    std::atomic<int> count{0}; // the result of Count() of the object that exists
+    std::atomic<int> count{0}; // the result of Count() of the current object
 };
 
 Faults& CurrentFaults()

@@ -52,7 +52,7 @@ struct ListAndPublisher : List, AnotherPublisher
 
 static_assert(std::is_convertible_v<ListAndPublisher*, EventPublisher<Handler>*>);
 
-/// Execution policy for EventHandlerList that stores the calls of the handlers instead of executing them.
+/// Execution policy for EventHandlerList that stores the calls to the handlers instead of executing them.
 struct DeferredExecutePolicy
 {
     static std::vector<std::function<void()>>& Calls()

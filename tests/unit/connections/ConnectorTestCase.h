@@ -15,7 +15,7 @@
 namespace Zelkor::Testing
 {
 
-/// Object that emits and receives signals. It logs the calls of its slots, and it records which of its signals are
+/// Object that emits and receives signals. It logs the calls to its slots, and it records which of its signals are
 /// connected and disconnected.
 class TestObject : public QObject
 {

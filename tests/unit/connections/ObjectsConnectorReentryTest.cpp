@@ -38,7 +38,7 @@ private:
     }
 };
 
-/// Receiver that counts the calls of its slot.
+/// Receiver that counts the calls to its slot.
 class Receiver : public QObject
 {
     Q_OBJECT

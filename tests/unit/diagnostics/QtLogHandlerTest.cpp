@@ -57,7 +57,7 @@ struct Message
 };
 
 // QtLogHandler is a singleton and filters cannot be removed. Therefore, all tests share the previous handler and the
-// filters. This structure records the calls of the handler and of the filters. It also contains the callbacks that the
+// filters. This structure records the calls to the handler and of the filters. It also contains the callbacks that the
 // handler and the filters run. Each test can set these callbacks.
 struct SharedState
 {

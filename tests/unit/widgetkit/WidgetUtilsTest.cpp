@@ -42,7 +42,7 @@ public:
     }
 };
 
-/// A layout that counts the calls of invalidate().
+/// A layout that counts the calls to invalidate().
 class CountingLayout : public QVBoxLayout
 {
 public:

@@ -8,7 +8,7 @@ namespace Zelkor::Util
 {
 
 /// Combines login items and launch agents. IsInStartup(), AddToStartup() and RemoveFromStartup() first try the login
-/// items. If this attempt returns false, these functions try the launch agents. GetStartupApplications() returns the
+/// items. If this fails, these functions try the launch agents. GetStartupApplications() returns the
 /// login items, followed by the launch agents.
 ///
 /// The login items and the launch agents are cached in two lists. IsInStartup() and GetStartupApplications() refresh
