@@ -50,6 +50,7 @@ private Q_SLOTS:
     void rejectsASystemFolder();
     void rejectsANameWithParentFolders_data();
     void rejectsANameWithParentFolders();
+    void rejectsANameWithANulCharacter();
     void deniesWritingToOtherUsers_data();
     void deniesWritingToOtherUsers();
     void createsFoldersForItsOwnerOnly();
@@ -360,6 +361,17 @@ void TemporaryDirRefusalTest::rejectsANameWithParentFolders()
             SetApplication(name, "2");
         },
         tmp);
+
+    QCOMPARE(ListTree(Root()), before);
+}
+
+void TemporaryDirRefusalTest::rejectsANameWithANulCharacter()
+{
+    MakeFolders(appFolder_);
+    MakeFile(appFolder_ + "/file");
+    QByteArrayList const before = ListTree(Root());
+
+    VerifyRejected([] { SetApplication(std::string("Studio\0x", 8), "2"); }, tmp_);
 
     QCOMPARE(ListTree(Root()), before);
 }

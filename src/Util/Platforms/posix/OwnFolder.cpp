@@ -89,6 +89,10 @@ public:
         if (name == QLatin1String("..")) {
             return Fail(QObject::tr("The path \"%1\" must not contain \"..\".").arg(path_));
         }
+        if (encodedName.contains('\0')) {
+            // The system would read the name only up to the NUL character and open a different folder.
+            return Fail(QObject::tr("The folder \"%1\" cannot be opened: %2").arg(path_, Reason(EINVAL)));
+        }
         Descriptor next = OpenFolder(encodedName.constData());
         if (!next.IsOpen() && errno == ENOENT && ifMissing == OwnFolder::IfMissing::Create) {
             if (mkdirat(folder_.Number(), encodedName.constData(), S_IRWXU) != 0 && errno != EEXIST) {
