@@ -111,7 +111,8 @@ QTime DurationInSecondsToQTime(long seconds)
     int minutes = 0;
     int secs = 0;
     DurationInSecondsToTimeComponents(seconds, hours, minutes, secs);
-    return QTime(hours, minutes, secs, 0);
+    // For very long durations, hours is truncated and can be any number. QTime() is invalid.
+    return seconds < 24 * static_cast<long>(SecondsInHour) ? QTime(hours, minutes, secs, 0) : QTime();
 }
 
 QString DurationInSecondsToString(long seconds, QString const& format)

@@ -696,6 +696,7 @@ private Q_SLOTS:
         QTest::newRow("a day") << 86400L;
         QTest::newRow("a day and a second") << 86401L;
         QTest::newRow("a year") << 365L * 86400;
+        QTest::newRow("hours beyond the range of int") << 4294967296L * 3600;
         QTest::newRow("longest") << Longest;
     }
 
