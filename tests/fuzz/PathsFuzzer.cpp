@@ -124,10 +124,8 @@ bool CanBeCreated(QString const& path)
             --created;
         } else if (created == 0 && ExistsThroughLinks(existing + name)) {
             existing += name + '/';
-        } else if (created == 0 && (Exists(existing + name) || !MayCreateIn(existing))) {
-            return false; // a dangling link, or a folder without write access
-        } else if (name.size() > NAME_MAX) {
-            return false;
+        } else if (name.size() > NAME_MAX || (created == 0 && (Exists(existing + name) || !MayCreateIn(existing)))) {
+            return false; // a name that is too long, a dangling link, or a folder without write access
         } else if (name != ".") {
             ++created;
         }

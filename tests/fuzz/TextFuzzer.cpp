@@ -77,7 +77,7 @@ std::u32string CodePoints(QString const& text)
 {
     std::u32string codePoints;
     for (uint const character : text.toUcs4()) {
-        codePoints += character;
+        codePoints += static_cast<char32_t>(character);
     }
     return codePoints;
 }
