@@ -37,12 +37,14 @@ QtMessages& Messages()
 }
 
 /// Returns true for harmless messages of the platform plugins. The offscreen plugin warns about calls that it does not
-/// support. The xcb plugin warns when a window is destroyed while its frame is queried.
+/// support. The xcb plugin warns when a window is destroyed while its frame is queried, and when a window is shown
+/// again before the X server has reported that it was hidden.
 bool IsPlatformNoise(QString const& text)
 {
     static QRegularExpression const pattern(QStringLiteral(
         "^This plugin does not support (propagateSizeHints\\(\\)|raise\\(\\)|grabbing the keyboard)$"
-        "|^QXcbConnection: XCB error: 3 \\(BadWindow\\), .* major code: 15 \\(QueryTree\\), minor code: 0$"));
+        "|^QXcbConnection: XCB error: 3 \\(BadWindow\\), .* major code: 15 \\(QueryTree\\), minor code: 0$"
+        "|^internal error:  void QXcbWindow::setNetWmStateOnUnmappedWindow\\(\\) called on mapped window$"));
     return pattern.match(text).hasMatch();
 }
 
