@@ -29,14 +29,12 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace Zelkor::Util
 {
 namespace
 {
 
-constexpr int FolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 constexpr std::size_t MaxOpenFolders = 32;
 
 } // namespace
@@ -87,19 +85,6 @@ std::string FolderWalk::PathOf(char const* name) const
     return path_ + (path_.back() != '/' ? "/" : "") + name;
 }
 
-FolderWalk::FolderStream FolderWalk::Open(int parent, char const* name)
-{
-    int const descriptor = openat(parent, name, FolderFlags);
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    FolderStream stream(fdopendir(descriptor));
-    if (!stream) {
-        close(descriptor);
-    }
-    return stream;
-}
-
 std::optional<FolderWalk::FolderId> FolderWalk::IdOf(DIR* stream)
 {
     struct stat status;
@@ -140,9 +125,9 @@ bool FolderWalk::Enter(int parent, char const* name)
     if (folders_.size() - closedFolders_ >= MaxOpenFolders) {
         CloseOutermost();
     }
-    Folder folder{Open(parent, name), {}, path_.size(), subfolders_.size(), subfolders_.size()};
+    Folder folder{OpenFolderStream(parent, name), {}, path_.size(), subfolders_.size(), subfolders_.size()};
     while (!folder.stream && (errno == EMFILE || errno == ENFILE) && CloseOutermost()) {
-        folder.stream = Open(parent, name);
+        folder.stream = OpenFolderStream(parent, name);
     }
     if (!folder.stream || !Read(folder.stream.get())) {
         subfolders_.resize(folder.subfoldersBegin);
@@ -226,22 +211,22 @@ bool FolderWalk::Reopen()
     return true;
 }
 
-FolderWalk::FolderStream FolderWalk::OpenAboveLeft() const
+FolderStream FolderWalk::OpenAboveLeft() const
 {
     std::string up;
     for (std::size_t level = 0; level < levelsBelow_; ++level) {
         up += "../";
     }
-    return below_ ? Open(dirfd(below_.get()), up.c_str()) : nullptr;
+    return below_ ? OpenFolderStream(dirfd(below_.get()), up.c_str()) : nullptr;
 }
 
-FolderWalk::FolderStream FolderWalk::OpenFromStart()
+FolderStream FolderWalk::OpenFromStart()
 {
     below_.reset();
-    FolderStream stream = Open(parent_, path_.substr(0, folders_.front().pathSize).c_str());
+    FolderStream stream = OpenFolderStream(parent_, path_.substr(0, folders_.front().pathSize).c_str());
     for (std::size_t level = 1; stream && level < folders_.size(); ++level) {
         std::size_t const begin = path_.find_first_not_of('/', folders_[level - 1].pathSize);
-        stream = Open(dirfd(stream.get()), path_.substr(begin, folders_[level].pathSize - begin).c_str());
+        stream = OpenFolderStream(dirfd(stream.get()), path_.substr(begin, folders_[level].pathSize - begin).c_str());
     }
     return stream;
 }

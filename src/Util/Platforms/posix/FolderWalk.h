@@ -1,6 +1,7 @@
 #pragma once
 
-#include <memory>
+#include <Util/Platforms/posix/FolderStream.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -73,12 +74,6 @@ protected:
     virtual void SubfolderLeft(int parent, char const* name);
 
 private:
-    struct CloseFolder
-    {
-        void operator()(DIR* stream) const { closedir(stream); }
-    };
-    using FolderStream = std::unique_ptr<DIR, CloseFolder>;
-
     struct FolderId
     {
         dev_t device = 0;
@@ -94,7 +89,6 @@ private:
         std::size_t nextSubfolder;   // the offset in subfolders_ at which the name of the next subfolder begins
     };
 
-    static FolderStream Open(int parent, char const* name);
     static std::optional<FolderId> IdOf(DIR* stream);
     static bool Is(FolderStream const& stream, FolderId const& id);
 

@@ -2,17 +2,15 @@
 
 #include <Util/Platforms/posix/Descriptor.h>
 #include <Util/Platforms/posix/FolderRemoval.h>
-#include <Util/Platforms/posix/FolderWalk.h>
+#include <Util/Platforms/posix/FolderStream.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QObject>
 
 #include <cerrno>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -189,11 +187,8 @@ private:
 std::vector<std::string> VisibleNames(int folder)
 {
     std::vector<std::string> names;
-    Descriptor descriptor(openat(folder, ".", O_RDONLY | FolderFlags));
-    std::unique_ptr<DIR, int (*)(DIR*)> const stream(descriptor.IsOpen() ? fdopendir(descriptor.Number()) : nullptr,
-                                                     closedir);
+    FolderStream const stream = OpenFolderStream(folder, ".");
     if (stream) {
-        descriptor.Release(); // closedir() closes the descriptor
         while (dirent const* const entry = readdir(stream.get())) {
             if (entry->d_name[0] != '.') {
                 names.emplace_back(entry->d_name);
