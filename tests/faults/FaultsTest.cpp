@@ -14,6 +14,7 @@
 #include <support/sandbox/FileTimes.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
+#include <support/sandbox/Users.h>
 
 #include <Util/FileUtils.h>
 #include <Util/MediaUtils.h>
@@ -184,6 +185,8 @@ private Q_SLOTS:
     void createsADefaultTemporaryDirectory_data() { FailureRows(); }
     void createsADefaultTemporaryDirectory();
     void removesATemporaryDirectory_data() { FailureRows(); }
+    void rejectsATemporaryFolderOfAnotherUser_data() { FailureRows(); }
+    void rejectsATemporaryFolderOfAnotherUser();
     void removesATemporaryDirectory();
 
 private:
@@ -256,6 +259,12 @@ void FaultsTest::MakeTrees() const
     MakeFile(At("tmp/Studio/2/FaultsTest/old/file"));
     MakeLink(At("tmp/Studio/2/FaultsTest/old/link"), At("beside"));
     MakeLink(At("tmp/Studio/2/FaultsTest/link"), At("beside"));
+
+    MakeFolders(At("tmp/Foreign/2/FaultsTest"));
+    MakeFile(At("tmp/Foreign/2/FaultsTest/file"));
+    if (geteuid() == RootUser) {
+        SetOwner(At("tmp/Foreign"), Them);
+    }
 }
 
 QByteArrayList FaultsTest::WorkBefore() const
@@ -502,6 +511,18 @@ void FaultsTest::createsADefaultTemporaryDirectory()
 {
     RunAll([this] { return UseTemporaryDirectory(QString()); },
            [this](Run const& run) { return PermitsTemporaryDirectory(run); });
+}
+
+void FaultsTest::rejectsATemporaryFolderOfAnotherUser()
+{
+    if (geteuid() != RootUser) {
+        return;
+    }
+    RunAll([this] { return UseTemporaryDirectory(QStringLiteral("Foreign")); },
+           [this](Run const& run) {
+               QByteArrayList const entries{"2", "2/FaultsTest", "2/FaultsTest/file"};
+               return !run.results[0].toBool() && ListTree(At("tmp/Foreign")) == entries;
+           });
 }
 
 void FaultsTest::removesATemporaryDirectory()

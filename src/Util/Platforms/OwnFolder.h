@@ -5,6 +5,9 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <optional>
+#include <utility>
+
 namespace Zelkor
 {
 namespace Util
@@ -69,9 +72,10 @@ public:
     bool Remove() const;
 
 private:
+    using FolderId = std::pair<unsigned long long, unsigned long long>; // the device and the inode number
+
     QString path_;
-    unsigned long long device_ = 0;
-    unsigned long long inode_ = 0;
+    std::optional<FolderId> id_; // empty if the folder could not be identified
 };
 
 } // namespace Util

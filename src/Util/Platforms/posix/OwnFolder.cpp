@@ -42,13 +42,6 @@ QString Reason(int error)
     return qt_error_string(error);
 }
 
-struct stat StatusOf(int descriptor)
-{
-    struct stat status = {};
-    fstat(descriptor, &status); // an open folder always has a status
-    return status;
-}
-
 timespec ChangeTime(struct stat const& status)
 {
 #ifdef __APPLE__
@@ -159,7 +152,10 @@ private:
                             : QObject::tr("The folder \"%1\" cannot be opened: %2").arg(path_, Reason(errno)));
         }
         folder_ = std::move(next);
-        struct stat const status = StatusOf(folder_.Number());
+        struct stat status;
+        if (fstat(folder_.Number(), &status) != 0) {
+            return Fail(QObject::tr("The folder \"%1\" cannot be opened: %2").arg(path_, Reason(errno)));
+        }
         if (status.st_uid != geteuid()) {
             return Fail(QObject::tr("The folder \"%1\" does not belong to the current user.").arg(path_));
         }
@@ -257,8 +253,7 @@ CreatedFolder::CreatedFolder(QString const& path)
 {
     struct stat status;
     if (lstat(QFile::encodeName(path).constData(), &status) == 0) {
-        device_ = status.st_dev;
-        inode_ = status.st_ino;
+        id_ = {status.st_dev, status.st_ino};
     }
 }
 
@@ -266,17 +261,18 @@ bool CreatedFolder::Remove() const
 {
     QByteArray const path = QFile::encodeName(path_);
     struct stat status;
-    if (path.isEmpty() || lstat(path.constData(), &status) != 0) {
+    if (lstat(path.constData(), &status) != 0) {
         return !path.isEmpty() && (errno == ENOENT || errno == ENOTDIR);
+    }
+    if (id_ != FolderId(status.st_dev, status.st_ino)) {
+        return false;
     }
     Descriptor const folder(open(path.constData(), SearchOnly | FolderFlags | O_NOFOLLOW));
     if (folder.IsOpen()) {
-        status = StatusOf(folder.Number());
-    }
-    if (status.st_dev != device_ || status.st_ino != inode_) {
-        return false;
-    }
-    if (folder.IsOpen()) {
+        // Another user may have replaced the folder since the check above.
+        if (fstat(folder.Number(), &status) != 0 || id_ != FolderId(status.st_dev, status.st_ino)) {
+            return false;
+        }
         RemoveContents(folder.Number(), ".");
     }
     return rmdir(path.constData()) == 0;
