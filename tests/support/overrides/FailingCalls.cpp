@@ -10,6 +10,7 @@
 #include <support/overrides/FailingCalls.h>
 
 #include <support/overrides/NextFunction.h>
+#include <support/overrides/OpenMode.h>
 
 #include <QtCore/QtGlobal>
 
@@ -20,7 +21,6 @@
 #include <cstdlib>
 
 #include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -65,12 +65,6 @@ bool Fails(char const* function)
     return true;
 }
 
-/// Returns true if open() with \a flags has a third argument.
-bool HasMode(int flags)
-{
-    return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-}
-
 } // namespace
 
 FailingCalls::FailingCalls(int first, Extent extent, int error)
@@ -103,8 +97,8 @@ QByteArray FailingCalls::FirstFailed() const
 } // namespace Zelkor::Testing
 
 using Zelkor::Testing::Fails;
-using Zelkor::Testing::HasMode;
 using Zelkor::Testing::NextFunction;
+using Zelkor::Testing::OpenMode;
 
 // The parameter names differ from those in the C library's declarations, which are reserved identifiers.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
@@ -113,53 +107,25 @@ extern "C" {
 
 Q_DECL_EXPORT int open(char const* path, int flags, ...)
 {
-    mode_t mode = 0;
-    if (HasMode(flags)) {
-        va_list arguments;
-        va_start(arguments, flags);
-        mode = va_arg(arguments, mode_t);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, flags);
+    mode_t const mode = OpenMode(flags, arguments);
+    va_end(arguments);
     return Fails("open") ? -1 : NextFunction<int (*)(char const*, int, ...)>("open")(path, flags, mode);
-}
-
-Q_DECL_EXPORT int open64(char const* path, int flags, ...)
-{
-    mode_t mode = 0;
-    if (HasMode(flags)) {
-        va_list arguments;
-        va_start(arguments, flags);
-        mode = va_arg(arguments, mode_t);
-        va_end(arguments);
-    }
-    return Fails("open64") ? -1 : NextFunction<int (*)(char const*, int, ...)>("open64")(path, flags, mode);
 }
 
 Q_DECL_EXPORT int openat(int folder, char const* path, int flags, ...)
 {
-    mode_t mode = 0;
-    if (HasMode(flags)) {
-        va_list arguments;
-        va_start(arguments, flags);
-        mode = va_arg(arguments, mode_t);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, flags);
+    mode_t const mode = OpenMode(flags, arguments);
+    va_end(arguments);
     return Fails("openat") ? -1
                            : NextFunction<int (*)(int, char const*, int, ...)>("openat")(folder, path, flags, mode);
 }
 
-Q_DECL_EXPORT int openat64(int folder, char const* path, int flags, ...)
-{
-    mode_t mode = 0;
-    if (HasMode(flags)) {
-        va_list arguments;
-        va_start(arguments, flags);
-        mode = va_arg(arguments, mode_t);
-        va_end(arguments);
-    }
-    return Fails("openat64") ? -1
-                             : NextFunction<int (*)(int, char const*, int, ...)>("openat64")(folder, path, flags, mode);
-}
+Q_DECL_EXPORT int open64(char const* path, int flags, ...) __attribute__((alias("open")));
+Q_DECL_EXPORT int openat64(int folder, char const* path, int flags, ...) __attribute__((alias("openat")));
 
 Q_DECL_EXPORT DIR* opendir(char const* path)
 {
