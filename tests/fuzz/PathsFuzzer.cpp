@@ -2,6 +2,7 @@
 // folders.
 
 #include <fuzz/Fuzzing.h>
+#include <support/PathMessage.h>
 #include <support/sandbox/Folders.h>
 
 #include <Util/FileUtils.h>
@@ -153,25 +154,6 @@ PathValidity ExpectedValidity(QString const& path)
     return CanBeCreated(path) ? PathValidity::Valid : PathValidity::CannotCreate;
 }
 
-QString ExpectedMessage(PathValidity validity)
-{
-    switch (validity) {
-    case PathValidity::Valid:
-        break;
-    case PathValidity::Empty:
-        return QStringLiteral("Destination folder path cannot be empty");
-    case PathValidity::Relative:
-        return QStringLiteral("Destination folder path must be absolute");
-    case PathValidity::NotWritable:
-        return QStringLiteral("Can't access the specified destination folder");
-    case PathValidity::TrailingSpace:
-        return QStringLiteral("Last letter in folder name mustn't be space");
-    case PathValidity::CannotCreate:
-        return QStringLiteral("The specified destination is not available");
-    }
-    return QStringLiteral("unchanged");
-}
-
 /// Returns the number of components ".." in \a path.
 int CountParents(QString const& path)
 {
@@ -227,9 +209,10 @@ void CheckValidity(Tree const& tree, QString const& path)
     RequireEqual(static_cast<int>(Zelkor::Util::IsThisPathValid(path)), static_cast<int>(validity), "validity");
     CheckChanges(tree, path, validity);
 
+    bool const isValid = validity == PathValidity::Valid;
     QString message = QStringLiteral("unchanged");
-    RequireEqual(Zelkor::Util::IsThisPathValid(path, &message), validity == PathValidity::Valid, "path is valid");
-    RequireEqual(message, ExpectedMessage(validity), "message");
+    RequireEqual(Zelkor::Util::IsThisPathValid(path, &message), isValid, "path is valid");
+    RequireEqual(message, isValid ? QStringLiteral("unchanged") : PathMessage(validity), "message");
     CheckChanges(tree, path, validity);
 }
 

@@ -1,3 +1,4 @@
+#include <support/PathMessage.h>
 #include <support/overrides/LastException.h>
 #include <support/sandbox/FolderTestCase.h>
 #include <support/sandbox/Folders.h>
@@ -49,25 +50,6 @@ public:
                    : QString();
     }
 };
-
-QString Message(PathValidity validity)
-{
-    switch (validity) {
-    case PathValidity::Valid:
-        break;
-    case PathValidity::Empty:
-        return QStringLiteral("Destination folder path cannot be empty");
-    case PathValidity::Relative:
-        return QStringLiteral("Destination folder path must be absolute");
-    case PathValidity::NotWritable:
-        return QStringLiteral("Can't access the specified destination folder");
-    case PathValidity::TrailingSpace:
-        return QStringLiteral("Last letter in folder name mustn't be space");
-    case PathValidity::CannotCreate:
-        return QStringLiteral("The specified destination is not available");
-    }
-    return QString();
-}
 
 } // namespace
 
@@ -160,7 +142,7 @@ void FileUtilsPathTest::rejectsAPathThatIsNotAbsolute()
 
     QString text = QStringLiteral("before");
     QVERIFY(!IsThisPathValid(path, &text));
-    QCOMPARE(text, Message(validity));
+    QCOMPARE(text, PathMessage(validity));
     QVERIFY(!IsThisPathValid(path, nullptr));
     QCOMPARE(ListTree(Root()), QByteArrayList{"existing"});
 }
@@ -260,7 +242,7 @@ void FileUtilsPathTest::checksAnAbsolutePathAndRemovesItsFolders()
 
     QString text = QStringLiteral("before");
     QCOMPARE(IsThisPathValid(PathAt(name), &text), validity == PathValidity::Valid);
-    QCOMPARE(text, validity == PathValidity::Valid ? QStringLiteral("before") : Message(validity));
+    QCOMPARE(text, validity == PathValidity::Valid ? QStringLiteral("before") : PathMessage(validity));
     QCOMPARE(IsThisPathValid(PathAt(name), nullptr), validity == PathValidity::Valid);
     QCOMPARE(ListTree(Root()), before);
     QCOMPARE(ReadFile(At("file")), QByteArray("content"));
@@ -430,7 +412,7 @@ void FileUtilsPathTest::checksThePermissionsOfAnOrdinaryUser()
         return QVariantList{isValid, text};
     });
 
-    QCOMPARE(result, (QVariantList{validity == PathValidity::Valid, Message(validity)}));
+    QCOMPARE(result, (QVariantList{validity == PathValidity::Valid, PathMessage(validity)}));
     QCOMPARE(ListTree(Root()), before);
 }
 
@@ -449,11 +431,11 @@ void FileUtilsPathTest::ReasonRows()
 {
     QTest::addColumn<QByteArray>("path");
     QTest::addColumn<QString>("message");
-    QTest::newRow("empty") << QByteArray() << Message(PathValidity::Empty);
-    QTest::newRow("relative") << QByteArray("name") << Message(PathValidity::Relative);
-    QTest::newRow("not writable") << QByteArray("/dev/null") << Message(PathValidity::NotWritable);
-    QTest::newRow("trailing space") << QByteArray("/no/such /name") << Message(PathValidity::TrailingSpace);
-    QTest::newRow("cannot be created") << QByteArray("/dev/null/name") << Message(PathValidity::CannotCreate);
+    QTest::newRow("empty") << QByteArray() << PathMessage(PathValidity::Empty);
+    QTest::newRow("relative") << QByteArray("name") << PathMessage(PathValidity::Relative);
+    QTest::newRow("not writable") << QByteArray("/dev/null") << PathMessage(PathValidity::NotWritable);
+    QTest::newRow("trailing space") << QByteArray("/no/such /name") << PathMessage(PathValidity::TrailingSpace);
+    QTest::newRow("cannot be created") << QByteArray("/dev/null/name") << PathMessage(PathValidity::CannotCreate);
 }
 
 void FileUtilsPathTest::returnsAMessageWithTheReason()
