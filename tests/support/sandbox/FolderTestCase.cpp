@@ -35,7 +35,7 @@ void FolderTestCase::NameRows()
     QTest::newRow("invalid UTF-8") << QByteArray("\xff\xfe\x80 \xc3\x28 \xed\xa0\x80");
     QTest::newRow("non-ASCII letters") << QByteArray("\xd0\xb8\xd0\xbc\xd1\x8f \xf0\x9f\x93\x81");
     QTest::newRow("decomposed letter") << QByteArray("e\xcc\x81");
-    QTest::newRow("format placeholders") << QByteArray("%1% %s %n %1 %20 %");
+    QTest::newRow("format place markers") << QByteArray("%1% %s %n %1 %20 %");
     QTest::newRow("URI delimiters") << QByteArray("a#b?c&d=e;f:g@h+i");
     QTest::newRow("characters invalid in URIs") << QByteArray("[a]{b}|c^d<e>f");
     QTest::newRow("shell patterns") << QByteArray("*?[a-z]$HOME~");

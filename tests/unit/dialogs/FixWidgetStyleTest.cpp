@@ -339,7 +339,7 @@ private Q_SLOTS:
         QTest::newRow("named action") << QStringLiteral("file") << QStringLiteral("custom") << QStringLiteral("custom");
         QTest::newRow("named action of an unnamed menu")
             << QString() << QStringLiteral("custom") << QStringLiteral("custom");
-        QTest::newRow("format placeholder") << QStringLiteral("%1") << QString() << QStringLiteral("action_%1");
+        QTest::newRow("format place marker") << QStringLiteral("%1") << QString() << QStringLiteral("action_%1");
     }
 
     void namesTheActionAfterItsMenu()

@@ -123,7 +123,7 @@ void FileUtilsPathTest::rejectsAPathThatIsNotAbsolute_data()
         {"network", "\\\\server\\share"},
         {"backslash", "\\tmp"},
         {"URL", "file:///tmp"},
-        {"placeholder", "%1"},
+        {"place marker", "%1"},
     };
     // clang-format on
     for (Row const& row : rows) {
@@ -169,7 +169,7 @@ void FileUtilsPathTest::checksAnAbsolutePathAndRemovesItsFolders_data()
         {"double quotes", "a \"name\" in quotes", PathValidity::Valid},
         {"single quote", "it's", PathValidity::Valid},
         {"line feed", "first\nsecond\n", PathValidity::Valid},
-        {"placeholder", "%1", PathValidity::Valid},
+        {"place marker", "%1", PathValidity::Valid},
         {"invalid UTF-8", "\xff\xfe", PathValidity::Valid},
         {"non-ASCII letters", "\xd0\xb8\xd0\xbc\xd1\x8f", PathValidity::Valid},
         {"backslash", "a\\b", PathValidity::Valid},

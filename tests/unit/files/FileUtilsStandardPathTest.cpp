@@ -170,7 +170,7 @@ void FileUtilsStandardPathTest::returnsALibraryInTheVideosFolder_data()
     QTest::newRow("name") << QByteArray("Library") << QByteArray("/Library");
     QTest::newRow("names") << QByteArray("Library/2021") << QByteArray("/Library/2021");
     QTest::newRow("empty") << QByteArray() << QByteArray("/");
-    QTest::newRow("placeholder") << QByteArray("%1 ") << QByteArray("/%1 ");
+    QTest::newRow("place marker") << QByteArray("%1 ") << QByteArray("/%1 ");
     QTest::newRow("path that is not normalised") << QByteArray("/../a//b/") << QByteArray("//../a//b/");
 }
 

@@ -122,7 +122,7 @@ void TemporaryDirCleanUpTest::removesLeftovers_data()
     row("hard link", MakeHardLinkToFile);
     row("name with wildcards", MakeLeftoverFile, "*?[a]");
     row("name with a line feed", MakeLeftoverFile, "a\nb");
-    row("name with a placeholder", MakeTree, "%1");
+    row("name with a place marker", MakeTree, "%1");
     row("non-ASCII name", MakeTree, "\u00E4\u20AC");
     row("name that is not UTF-8", MakeTree, "\xFF\xFE");
     row("name with blanks", MakeTree, " a b ");

@@ -111,7 +111,7 @@ void TemporaryDirTest::isBelowNameMajorVersionAndProgram_data()
     row("different name and program", "The Studio", "2.5.1", "studio-bin", "The Studio/2/studio-bin");
     row("program with a suffix", "Studio", "2.5.1", "studio.exe", "Studio/2/studio");
     row("program with two suffixes", "Studio", "2.5.1", "studio.x86.exe", "Studio/2/studio.x86");
-    row("program with placeholders", "Studio", "2.5.1", "%1 %2.exe", "Studio/2/%1 %2");
+    row("program with place markers", "Studio", "2.5.1", "%1 %2.exe", "Studio/2/%1 %2");
     row("major version only", "Studio", "7", "studio", "Studio/7/studio");
     row("two digits", "Studio", "12.0", "studio", "Studio/12/studio");
     row("no digit grouping", "Studio", "1234567.1", "studio", "Studio/1234567/studio");
@@ -190,9 +190,9 @@ void TemporaryDirTest::takesNamesAndPathsLiterally_data()
     Row const rows[] = {
         {"blanks", "two words "},
         {"quotes", "'a' \"b\" `c`"},
-        {"first placeholder", "100%1"},
-        {"third placeholder", "%3"},
-        {"all placeholders", "%4 %3 %2 %1 %L1 %99 %%1"},
+        {"first place marker", "100%1"},
+        {"third place marker", "%3"},
+        {"all place markers", "%4 %3 %2 %1 %L1 %99 %%1"},
         {"line feed", "a\nb"},
         {"backslash", "a\\b"},
         {"wildcards", "*?[a-z]"},

@@ -144,7 +144,7 @@ private Q_SLOTS:
         QTest::newRow("only underscores") << QStringLiteral("__") << QStringLiteral("qrc:/icons///.png");
         QTest::newRow("leading and trailing underscore")
             << QStringLiteral("_a_") << QStringLiteral("qrc:/icons//a/.png");
-        QTest::newRow("format placeholder") << QStringLiteral("%1_%2") << QStringLiteral("qrc:/icons/%1/%2.png");
+        QTest::newRow("format place marker") << QStringLiteral("%1_%2") << QStringLiteral("qrc:/icons/%1/%2.png");
         QTest::newRow("Cyrillic") << QStringLiteral("\u0444_\u043C") << QStringLiteral("qrc:/icons/\u0444/\u043C.png");
         QTest::newRow("slash") << QStringLiteral("a/b") << QStringLiteral("qrc:/icons/a/b.png");
     }
