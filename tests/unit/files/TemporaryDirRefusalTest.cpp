@@ -1,5 +1,6 @@
 // Tests of the cases in which TemporaryDir must not create a directory.
 
+#include <support/overrides/BeforeCalls.h>
 #include <support/processes/ChildProcess.h>
 #include <support/sandbox/Folders.h>
 #include <support/sandbox/Users.h>
@@ -12,6 +13,7 @@
 #include <functional>
 #include <string>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -57,6 +59,8 @@ private Q_SLOTS:
     void isNotRedirectedWhileItRemovesLeftovers();
     void isNotRedirectedWhileItCreatesFolders();
 
+    void doesNotEmptyAFolderBehindAReplacedLink();
+    void isInvalidIfItsDirectoryIsCreatedInAnotherFolder();
     void namesAFolderThatIsMissingLater();
     void namesAFolderThatCouldNotBeCreatedBefore();
     void isInvalidIfAFileIsInTheWay_data();
@@ -507,6 +511,54 @@ void TemporaryDirRefusalTest::isNotRedirectedWhileItCreatesFolders()
         QDir(QString::fromStdString(application)).removeRecursively();
     }
     attacker.Kill();
+}
+
+void TemporaryDirRefusalTest::doesNotEmptyAFolderBehindAReplacedLink()
+{
+    std::string const link = FolderAtLevel(0);
+    for (char const* const folder : {"own", "other"}) {
+        MakeFolders(At(folder + ("/2/" + ProgramName())));
+        MakeFile(At(folder + ("/2/" + ProgramName()) + "/file"));
+    }
+    MakeLink(link, At("own"));
+    MakeLink(At("replacement"), At("other"));
+    QByteArrayList const before = ListTree(At("other"));
+
+    RunInChild([&] {
+        // OwnFolder follows the link after it has checked the owner of the link. Only this call has no O_NOFOLLOW.
+        BeforeCalls const replace([&](BeforeCalls::Call const& call) {
+            if (call.function == "openat" && call.path == "Studio" && (call.flags & O_NOFOLLOW) == 0) {
+                rename(At("replacement").c_str(), link.c_str());
+            }
+        });
+        return CreateDirectory();
+    });
+
+    QVERIFY(!Exists(At("replacement")));
+    QCOMPARE(ListTree(At("other")), before);
+}
+
+void TemporaryDirRefusalTest::isInvalidIfItsDirectoryIsCreatedInAnotherFolder()
+{
+    std::string const application = FolderAtLevel(0);
+    MakeFolders(At("other/2/" + ProgramName()));
+    QByteArrayList const before = ListTree(At("other"));
+
+    DirectoryState const state = RunInChild([&] {
+        // QTemporaryDir creates its directory with mkdir().
+        BeforeCalls const replace([&](BeforeCalls::Call const& call) {
+            if (call.function == "mkdir" && ParentOf(call.path) == appFolder_) {
+                rename(application.c_str(), At("moved").c_str());
+                MakeLink(application, At("other"));
+            }
+        });
+        return CreateDirectory();
+    });
+
+    VerifyInvalid(state);
+    QCOMPARE(state.error, "Another user has replaced the folder \"" + appFolder_ + "\".");
+    QCOMPARE(state.problems, QStringList(ExpectedProblem(state.error)));
+    QCOMPARE(ListTree(At("other")), before);
 }
 
 void TemporaryDirRefusalTest::namesAFolderThatIsMissingLater()

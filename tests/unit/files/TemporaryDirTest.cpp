@@ -85,10 +85,12 @@ private Q_SLOTS:
     void acceptsATemporaryFolderThatIsALink();
     void acceptsARelativeTemporaryFolder();
     void acceptsATemporaryFolderOfAnotherUser();
+    void acceptsATemporaryFolderThatCannotBeListed();
     void isAccessibleToItsOwnerOnly();
     void isRemovedByTheDestructor();
     void keepsTheFolderOfTheFirstDirectory();
     void returnsFalseIfRemovalFails();
+    void removesADirectoryThatCannotBeListed();
     void keepsADifferentFolderAtItsPath();
 
     void usesQtsFolderWithoutNameOrVersion_data();
@@ -281,6 +283,17 @@ void TemporaryDirTest::acceptsATemporaryFolderOfAnotherUser()
     QCOMPARE(state.problems, QStringList());
 }
 
+void TemporaryDirTest::acceptsATemporaryFolderThatCannotBeListed()
+{
+    Chmod(tmp_, 01333);
+
+    DirectoryState const state = RunAsOrdinaryUser(CreateDirectory);
+
+    Chmod(tmp_, 01777);
+    QVERIFY2(state.isValid, state.error.c_str());
+    QCOMPARE(ParentOf(state.path), appFolder_);
+}
+
 void TemporaryDirTest::isAccessibleToItsOwnerOnly()
 {
     uint const mode = RunInChild([] {
@@ -350,6 +363,20 @@ void TemporaryDirTest::returnsFalseIfRemovalFails()
     child.Continue();
     child.Finish();
     QVERIFY(!Exists(path));
+}
+
+void TemporaryDirTest::removesADirectoryThatCannotBeListed()
+{
+    Chmod(tmp_, 01777);
+
+    bool const isRemoved = RunAsOrdinaryUser([] {
+        TemporaryDir directory;
+        std::string const path = directory.path().toStdString();
+        Chmod(path, 0);
+        return directory.remove() && !Exists(path);
+    });
+
+    QVERIFY(isRemoved);
 }
 
 void TemporaryDirTest::keepsADifferentFolderAtItsPath()
