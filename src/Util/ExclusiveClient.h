@@ -54,7 +54,8 @@ public:
 
 public Q_SLOTS:
     /// Acquires the resource and takes it from another client if necessary. Does nothing if this client already holds
-    /// the resource.
+    /// the resource. If a slot sets another service for this client during the transfer, this client does not keep the
+    /// resource of the old service.
     ///
     /// Throws `std::logic_error` ("ExclusiveClient use without service!") if this client has no service, or if the
     /// service was destroyed.
